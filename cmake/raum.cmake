@@ -1,0 +1,41 @@
+# The house in CMake: one static library per room, which sees only the rooms that it names.
+
+add_library(zek_warnungen INTERFACE)
+target_compile_options(zek_warnungen INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+
+# zek_raum(NAME [UNTER room...]): library zek_NAME of all sources in this folder. A room reaches the headers of the
+# rooms under it through the target's links; the include arrows themselves are checked by the test `tidy`.
+function(zek_raum name)
+  cmake_parse_arguments(R "" "" "UNTER;QT;QUELLEN" ${ARGN})
+  if(R_QUELLEN)
+    set(quellen ${R_QUELLEN})
+  else()
+    file(GLOB quellen CONFIGURE_DEPENDS *.cpp *.h)
+  endif()
+  add_library(zek_${name} STATIC ${quellen})
+  set_target_properties(zek_${name} PROPERTIES LINKER_LANGUAGE CXX)
+  target_include_directories(zek_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(zek_${name} PRIVATE zek_warnungen)
+  foreach(unter ${R_UNTER})
+    target_link_libraries(zek_${name} PUBLIC zek_${unter})
+  endforeach()
+  foreach(modul ${R_QT})
+    target_link_libraries(zek_${name} PUBLIC Qt6::${modul})
+  endforeach()
+endfunction()
+
+# zek_test(NAME room...): test_NAME of all sources in this folder.
+function(zek_test name)
+  file(GLOB quellen CONFIGURE_DEPENDS *.cpp *.h)
+  if(NOT quellen)
+    return()
+  endif()
+  add_executable(test_${name} ${quellen})
+  target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR})
+  target_link_libraries(test_${name} PRIVATE zek_warnungen zek_hilfen GTest::gmock_main)
+  foreach(raum ${ARGN})
+    target_link_libraries(test_${name} PRIVATE ${raum})
+  endforeach()
+  target_compile_definitions(test_${name} PRIVATE ZEK_QUELLEN="${PROJECT_SOURCE_DIR}")
+  gtest_discover_tests(test_${name} DISCOVERY_MODE PRE_TEST TEST_PREFIX ${name}. PROPERTIES TIMEOUT 120)
+endfunction()

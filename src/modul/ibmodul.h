@@ -1,0 +1,60 @@
+// IBModul: the process-wide values of the recorder. Data, no logic; made in apps, handed down by reference.
+#pragma once
+
+#include "modul/einstellungen.h"
+#include "titles/titelliste.h"
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+namespace zek {
+
+// Application names of the per-user store.
+inline constexpr std::string_view Programmtitel = "Tessaron ZEK für IB";
+inline constexpr std::string_view ProduktName = "Tessaron";
+
+struct IBModul {
+    // Set first thing at the start, and again when the main window loads; the second value counts.
+    Datum Startzeitpunkt = 0;
+    std::string Programmordner;  // ends in "/"
+    std::string Hilfedatei;
+    std::string WhatsThisHilfe;
+    bool LokalSettings = false;
+    bool KeineBeendenFrage = false;  // switch "/K"
+    std::string Datenordner;
+    std::string DatenordnerBeimStart;
+
+    zek::Einstellungen Einstellungen;
+
+    zek::Titelliste Titelliste;
+    zek::Katalogliste Katalogliste;
+    // Titles of account values of this run; key "#NetLiquidation-EUR-U1234567".
+    std::unordered_map<std::string, Titelzeiger> Kontotitelliste;
+    std::int32_t Titelnummer = 0;  // last id given out
+
+    // Gaps (from, to) that wait for a backfill; first in, first out.
+    std::deque<std::pair<Datum, Datum>> Datenpflegewarteschlange;
+    bool DatenpflegeLaeuft = false;
+
+    bool Dialogsperre = false;  // a title or settings window is open
+
+    // Values of the session.
+    bool TWSVerbunden = false;
+    bool Offline = false;
+    bool FarmAktiv = false;
+    Datum NeuverbindungsZeit = 0;
+    std::int32_t Verbindungsversuche = 0;
+    Datum LetzterKursZeitpunkt = 0;  // last tickPrice or tickSize event of any kind
+    Datum LetzteDatenZeit = 0;       // last data that reached a title; 0 never
+    double Kursanzahl = 0;           // records of this session
+    bool NeustartAngefordert = false;
+    bool BeendenAngefordert = false;
+    std::int32_t AktiveTitel = 0;    // refreshed by TitelInfoAktualisieren
+    std::int32_t Minutenmarke = 0;   // timer reading of the last minute block, whole seconds
+    bool AtomzeitGeprueft = false;
+};
+
+}  // namespace zek

@@ -1,0 +1,89 @@
+// The roles that the engine needs from its face and its session. Each is narrow on purpose: a class takes the roles it
+// uses by reference, and its test double is a few lines.
+#pragma once
+
+#include "platform/uhr.h"
+#include "titles/titelobjekt.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace zek {
+
+// One entry in status list and log file. Never fails.
+class Statusausgabe {
+public:
+    virtual ~Statusausgabe() = default;
+    virtual void Statusmeldung(std::string_view text, bool fett = false) = 0;
+};
+
+// Button sets of ZeigeMeldung (bits 0 to 3 of its flags), default button bits, and results.
+namespace meldung {
+inline constexpr int Ok = 0, OkAbbrechen = 1, AbbrechenWiederholenIgnorieren = 2, JaNeinAbbrechen = 3, JaNein = 4,
+                     WiederholenAbbrechen = 5;
+inline constexpr int ZweiterKnopf = 0x100, DritterKnopf = 0x200;
+inline constexpr int Zeitablauf = 0, AntwortOk = 1, AntwortAbbrechen = 2, AntwortAbbruch = 3, AntwortWiederholen = 4,
+                     AntwortIgnorieren = 5, AntwortJa = 6, AntwortNein = 7;
+}  // namespace meldung
+
+// The one funnel of every message and question.
+class Meldungen {
+public:
+    virtual ~Meldungen() = default;
+    // `sekunden` of 1 or more closes the message by itself with the result 0; 0 or less never does.
+    // Blocks its caller while events go on.
+    virtual int ZeigeMeldung(const std::string& text, int flags, int sekunden) = 0;
+};
+
+// The offline warning and what goes with it.
+class Offlineanzeige {
+public:
+    virtual ~Offlineanzeige() = default;
+    virtual bool OfflinewarnungSichtbar() const = 0;
+    // Sets the text, shows the warning and brings it to the top.
+    virtual void ZeigeOfflinewarnung(const std::string& text) = 0;
+    // Shows it with the text that it holds at that moment.
+    virtual void ZeigeOfflinewarnung() = 0;
+    virtual void VerbergeOfflinewarnung() = 0;
+    // Window state normal, activated, on top of the others.
+    virtual void FensterNachVorn() = 0;
+    virtual void Ton() = 0;
+};
+
+// The live monitor; does nothing while it is closed.
+class Monitorausgabe {
+public:
+    virtual ~Monitorausgabe() = default;
+    // `verworfen`: the tick was seen and isn't kept.
+    virtual void Protokolleintrag(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
+                                  bool verworfen) = 0;
+};
+
+// What the start shows, until the working view.
+class Startanzeige {
+public:
+    virtual ~Startanzeige() = default;
+    virtual void Startinfo(const std::string& text) = 0;
+    virtual void FortschrittMaximum(int maximum) = 0;
+    virtual void FortschrittWert(int wert) = 0;
+    virtual void Sanduhr(bool an) = 0;
+};
+
+// The progress window of a backfill run.
+class Datenpflegeanzeige {
+public:
+    virtual ~Datenpflegeanzeige() = default;
+    virtual void Titellabel(const std::string& text) = 0;
+    virtual void AktuelleTitelLabel(const std::string& text) = 0;
+    virtual void Datumlabel(const std::string& text, bool rot) = 0;
+    virtual void Statuslabel(const std::string& text, bool rot) = 0;
+    virtual void Kursartlabel(const std::string& text) = 0;
+    virtual void FortschrittMaximum(int maximum) = 0;
+    virtual void FortschrittWert(int wert) = 0;
+    // Share of the whole run that is done, 0 to 1, and the seconds still to go (below 0: not known yet).
+    virtual void Gesamtfortschritt(double anteil, double restSekunden) = 0;
+    virtual void AbbruchMoeglich(bool moeglich) = 0;
+};
+
+}  // namespace zek

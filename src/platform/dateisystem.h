@@ -1,0 +1,79 @@
+// Seam to the file system. Paths are UTF-8 with "/" as the separator. A production object maps each call to one
+// system call; the test object lets any call fail, write short, or be the last before a crash.
+//
+// Every call that can fail returns a negative errno value (for example -ENOSPC) on failure.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zek {
+
+// Handle of an open file; below 0 there is none.
+using Dateihandle = int;
+inline constexpr Dateihandle KeinHandle = -1;
+
+enum class Oeffnen {
+    NurLesen,           // must exist
+    LesenSchreiben,     // must exist
+    Anlegen,            // read and write, created when missing
+    AnlegenNurLesen,    // read only, created (empty) when missing
+};
+
+enum class Ab { Anfang, Jetzt, Ende };
+
+struct Verzeichniseintrag {
+    std::string Name;  // without the folder
+    bool IstOrdner = false;
+};
+
+class Dateisystem {
+public:
+    virtual ~Dateisystem() = default;
+
+    // Opens a file shared: others may read and write it at the same time. Returns a handle or -errno.
+    virtual Dateihandle Oeffne(const std::string& pfad, Oeffnen art) = 0;
+    virtual void Schliesse(Dateihandle handle) = 0;
+    // Bytes moved, which may be fewer than asked for, or -errno.
+    virtual std::int64_t Lies(Dateihandle handle, std::span<std::byte> ziel) = 0;
+    virtual std::int64_t Schreibe(Dateihandle handle, std::span<const std::byte> daten) = 0;
+    // New position from the start of the file, or -errno.
+    virtual std::int64_t Suche(Dateihandle handle, std::int64_t abstand, Ab ab) = 0;
+    // Size in bytes, or -errno.
+    virtual std::int64_t Groesse(Dateihandle handle) = 0;
+    // 0 or -errno. Cuts or extends the file to `laenge` bytes.
+    virtual int SetzeLaenge(Dateihandle handle, std::int64_t laenge) = 0;
+    // 0 or -errno. Flushes the file's buffers to the disk.
+    virtual int Leere(Dateihandle handle) = 0;
+
+    virtual bool DateiExistiert(const std::string& pfad) = 0;
+    virtual bool OrdnerExistiert(const std::string& pfad) = 0;
+    // One level only. 0 or -errno.
+    virtual int LegeOrdnerAn(const std::string& pfad) = 0;
+    virtual int Loesche(const std::string& pfad) = 0;
+    // Replaces an existing target. 0 or -errno.
+    virtual int BenenneUm(const std::string& von, const std::string& nach) = 0;
+    // Free bytes that this user may use, or -errno.
+    virtual std::int64_t FreierPlatz(const std::string& ordner) = 0;
+    // Entries of a folder without "." and "..", in no order; empty when it can't be read.
+    virtual std::vector<Verzeichniseintrag> Liste(const std::string& ordner) = 0;
+};
+
+// The system's message for an errno value (positive), or "" when it has none.
+std::string SystemText(int fehlernummer);
+
+// Where `pfad` is missing but an entry that differs only in letter case exists, the path of that entry;
+// otherwise `pfad` as it is. Only the last component is looked for; the folder must be exact.
+std::string OhneGrossKlein(Dateisystem& dateien, const std::string& pfad);
+
+// Reads a whole file; false when it is missing or can't be read. `inhalt` then holds what could be read.
+bool LiesGanz(Dateisystem& dateien, const std::string& pfad, std::string& inhalt);
+
+// Writes all bytes, going on after short writes. 0 or -errno.
+int SchreibeGanz(Dateisystem& dateien, Dateihandle handle, std::span<const std::byte> daten);
+
+}  // namespace zek

@@ -1,0 +1,58 @@
+// Dates as day counts: calendar fields, the German text forms, and differences as a clock on the wall counts them.
+#pragma once
+
+#include "platform/uhr.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zek {
+
+// Calendar fields. Seconds are whole; a fraction of up to half a millisecond below the next second counts as that
+// second, so that a day fraction such as 6:30:00 keeps its text.
+struct Kalender {
+    int Jahr = 1899;
+    int Monat = 12;
+    int Tag = 30;
+    int Stunde = 0;
+    int Minute = 0;
+    int Sekunde = 0;
+};
+
+Kalender Zerlege(Datum datum);
+
+// Midnight of a day. Months and days outside their range carry over, as in DatumAus(2026, 13, 1).
+Datum DatumAus(int jahr, int monat, int tag);
+Datum DatumAus(int jahr, int monat, int tag, int stunde, int minute, double sekunde);
+// A time of day as a day fraction.
+Datum Uhrzeit(int stunde, int minute, double sekunde = 0);
+
+inline Datum GanzerTag(Datum datum) { return std::floor(datum); }
+inline Datum Tageszeit(Datum datum) { return datum - std::floor(datum); }
+
+// 1 Monday ... 7 Sunday.
+int Wochentag(Datum datum);
+
+// "15.11.2026 18:21:53"; only the time when the day part is 0, only the date when the time is midnight.
+std::string Datumtext(Datum datum);
+// Always "15.11.2026" and always "18:21:53".
+std::string NurDatumtext(Datum datum);
+std::string NurZeittext(Datum datum);
+// By fields; 'jjjj#mm#tt#hh#mm#ss' for trennzeichen '#': the time stamp of a data file's last merge.
+std::string Felderstempel(Datum datum, char trennzeichen);
+
+// Reads "15.11.2026", "15.11.26", "18:21", "18:21:53" or a date, blanks and a time; also "2026-11-15" in place of
+// the German date. Empty when the text is no valid date or time.
+std::optional<Datum> DatumAusText(std::string_view text);
+
+// Differences of the calendar fields from `von` to `bis`: the number of second, hour or day boundaries between.
+long long GanzeSekunden(Datum von, Datum bis);
+long long GanzeStunden(Datum von, Datum bis);
+long long GanzeTage(Datum von, Datum bis);
+
+// Seconds since 1970-01-01 00:00 as they stand, no zone applied.
+Datum DatumAusUnix(double sekunden);
+double UnixAus(Datum datum);
+
+}  // namespace zek

@@ -1,0 +1,19 @@
+// Seam to other processes.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zek {
+
+class Prozesse {
+public:
+    virtual ~Prozesse() = default;
+    // True while another process holds this program folder. Cheap; answers at any time. The first call that finds
+    // nobody takes the folder for this process.
+    virtual bool AndereInstanzLaeuft() = 0;
+    // Starts a program that outlives this one. False when it couldn't be started.
+    virtual bool Starte(const std::string& programm, const std::vector<std::string>& argumente) = 0;
+};
+
+}  // namespace zek

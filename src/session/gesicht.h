@@ -1,0 +1,64 @@
+// The face of the recorder: everything that a person sees or is asked, as one seam. The windows are one face; the
+// screenless program has another, which writes questions to the log and answers 0.
+#pragma once
+
+#include "modul/rollen.h"
+
+#include <string>
+
+namespace zek {
+
+struct StarthinweisAntwort {
+    bool Abgebrochen = false;        // left with "Abbrechen": the program ends
+    bool NichtMehrAnzeigen = false;  // counts whichever button was pressed
+};
+
+struct Verbindungsangaben {
+    std::string IBIPAdr;
+    int IBPort = 0;
+    int IBLoginID = 0;
+};
+
+class Gesicht : public Meldungen, public Offlineanzeige, public Monitorausgabe, public Startanzeige {
+public:
+    // ---- start, in the order of its use
+    virtual StarthinweisAntwort ZeigeStarthinweis() = 0;
+    // The window of the start delay; `maximum` in quarters of a second.
+    virtual void VerzoegerungBeginnt(const std::string& text, int maximum) = 0;
+    virtual void VerzoegerungWert(int wert) = 0;
+    virtual bool VerzoegerungAbgebrochen() const = 0;
+    virtual void VerzoegerungEndet() = 0;
+    virtual void LadeHauptfenster() = 0;
+    virtual bool HauptfensterGeladen() const = 0;
+    // True while the main window is minimized or hidden.
+    virtual bool HauptfensterMinimiert() const = 0;
+    virtual void TaskleistenstilSetzen(bool an) = 0;
+    // Shows the main window in its start view, disabled.
+    virtual void ZeigeStartansicht() = 0;
+    // False when cancelled.
+    virtual bool Verbindungseinstellungen(Verbindungsangaben& angaben) = 0;
+    virtual void ZeigeArbeitsansicht(const std::string& datenordner) = 0;
+    // Check mark of a command: 1039 compact view, 1041 local settings, 1026 monitor.
+    virtual void BefehlsmarkeSetzen(int befehl, bool an) = 0;
+    virtual void KomprimierteAnsichtSetzen(bool an) = 0;
+    virtual void InitSysTray() = 0;
+    virtual void ZeigeBeispieltitel() = 0;
+
+    // ---- while it runs
+    virtual void StatuslisteEintrag(Datum zeit, const std::string& text, bool fett) = 0;
+    // Text of TitelinfoLabel.
+    virtual void TitelInfo(const std::string& text) = 0;
+    // Second panel of the status bar while a backfill runs; an empty text takes the panel away.
+    virtual void Statuspanel(const std::string& text) = 0;
+    // The progress window of a backfill: made for a run, released after it.
+    virtual Datenpflegeanzeige& DatenpflegeFensterErzeugen() = 0;
+    virtual void DatenpflegeFensterFreigeben() = 0;
+
+    // ---- shutdown
+    virtual bool InTaskleisteAngehakt() const = 0;
+    virtual void TrayFreigeben() = 0;
+    virtual void FensterplatzSpeichern() = 0;
+    virtual void MonitorplatzSpeichern() = 0;
+};
+
+}  // namespace zek

@@ -1,0 +1,36 @@
+// The file of all title definitions, "IB_Titel.Dat" in the program folder.
+//
+//   OFFSET  SIZE  CONTENT
+//   0       28    "Tessaron ZEK IBDefs 01.00.00", no terminator
+//   28      rest  one tagged value (wertbaum.h): the list of titles, or empty
+#pragma once
+
+#include "platform/dateisystem.h"
+#include "titles/titelliste.h"
+
+#include <optional>
+#include <string>
+
+namespace zek {
+
+inline constexpr std::string_view TiteldateiName = "IB_Titel.Dat";
+inline constexpr std::string_view TiteldateiKennung = "Tessaron ZEK IBDefs 01.00.00";
+
+// What a read of the file gave.
+struct Titeldatei {
+    enum class Zustand { Leer, Fremd, Gelesen, Beschaedigt, NichtLesbar };
+    Zustand Ergebnis = Zustand::Leer;
+    std::string Fehlertext;  // with Beschaedigt and NichtLesbar
+    Wert Titel;              // with Gelesen: a list, or empty
+};
+
+// Creates an empty file when none exists. A damaged or foreign file (not an empty one) is copied to
+// "IB_Titel.Dat.defekt" beside it, since the next save overwrites it.
+Titeldatei LiesTiteldatei(Dateisystem& dateien, const std::string& ordner);
+
+// Writes header and list from the file's start and doesn't cut what an older, longer content leaves behind.
+// Returns the error's text, or nothing on success.
+std::optional<std::string> SchreibeTiteldatei(Dateisystem& dateien, const std::string& ordner,
+                                              const Titelliste& titel);
+
+}  // namespace zek

@@ -1,0 +1,49 @@
+// The keyed collections of the recorder: titles by id, catalogs by name.
+#pragma once
+
+#include "titles/titelobjekt.h"
+
+#include <cstddef>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace zek {
+
+// Ordered collection of all titles. The key is the title's id ("#17" in texts); a lookup costs no allocation.
+class Titelliste {
+public:
+    // False when the id is there already; nothing is added then.
+    bool Fuege(Titelzeiger titel);
+    // Null when there is no such title.
+    clTitelobjekt* Finde(std::int32_t id) const;
+    Titelzeiger FindeZeiger(std::int32_t id) const;
+    bool Entferne(std::int32_t id);
+    void Leere();
+
+    std::size_t Anzahl() const { return titel_.size(); }
+    bool IstLeer() const { return titel_.empty(); }
+    // Position 0 to Anzahl() - 1 in the order of addition.
+    const Titelzeiger& operator[](std::size_t position) const { return titel_[position]; }
+    auto begin() const { return titel_.begin(); }
+    auto end() const { return titel_.end(); }
+
+private:
+    std::vector<Titelzeiger> titel_;
+    std::unordered_map<std::int32_t, Titelzeiger> nachId_;
+};
+
+// Ordered collection of catalog names; the key comparison ignores letter case and the first spelling stays.
+class Katalogliste {
+public:
+    bool Fuege(const std::string& name);  // false when it is there already
+    bool Enthaelt(std::string_view name) const;
+    bool Entferne(std::string_view name);
+    void Leere() { namen_.clear(); }
+    const std::vector<std::string>& Namen() const { return namen_; }
+
+private:
+    std::vector<std::string> namen_;
+};
+
+}  // namespace zek
