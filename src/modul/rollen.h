@@ -6,6 +6,7 @@
 #include "titles/titelobjekt.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -84,6 +85,8 @@ public:
     // Share of the whole run that is done, 0 to 1, and the seconds still to go (below 0: not known yet).
     virtual void Gesamtfortschritt(double anteil, double restSekunden) = 0;
     virtual void AbbruchMoeglich(bool moeglich) = 0;
+    // What a click on btnAbbruch, or the closing of the window, calls.
+    virtual void BeiAbbruch(std::function<void()> beiKlick) = 0;
 };
 
 }  // namespace zek
