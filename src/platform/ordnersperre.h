@@ -1,0 +1,33 @@
+// The lock on a program folder: at most one recorder at a time works in it.
+#pragma once
+
+#include <string>
+
+namespace zek {
+
+// A flock on one file in the folder. The system drops it when the process ends in whatever way, so a crash leaves no
+// stale lock; child processes don't inherit it. Two objects exclude each other inside one process too.
+class Ordnersperre {
+public:
+    // Name of the recorder's own lock file.
+    static constexpr const char* Recorderdatei = ".zek.lock";
+
+    explicit Ordnersperre(const std::string& ordner, const std::string& datei = Recorderdatei);
+    ~Ordnersperre();
+    Ordnersperre(const Ordnersperre&) = delete;
+    Ordnersperre& operator=(const Ordnersperre&) = delete;
+
+    // Takes the lock; true when this object holds it (already). False when another holds it, or when the lock file
+    // can't be opened.
+    bool Nimm();
+    // True while another process or object holds it. Takes nothing, creates no file.
+    bool VonAnderemGehalten() const;
+    bool Gehalten() const { return griff_ >= 0; }
+    void GibFrei();
+
+private:
+    std::string pfad_;
+    int griff_ = -1;
+};
+
+}  // namespace zek
