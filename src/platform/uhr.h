@@ -30,7 +30,7 @@ public:
 
     virtual Zeitzone Zone() const = 0;
 
-    // Sets the system clock to a local time. Returns false when the right to do so is missing; nothing else happens then.
+    // Sets the system clock to a local time. False when the right to do so is missing; nothing happens then.
     virtual bool SetzeSystemzeit(Datum neueZeit) = 0;
 
     // Seconds since midnight in single precision (a step is 1/128 s in the evening). Wraps at midnight.
