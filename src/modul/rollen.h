@@ -61,6 +61,16 @@ public:
                                   bool verworfen) = 0;
 };
 
+// Takes one record of a title into its data file. Never throws: it reports its own failures, and the record is lost.
+class Datensatzablage {
+public:
+    virtual ~Datensatzablage() = default;
+    // `kontodaten`: the record belongs into the folder of account data. For kursart::BAVolume `volume` is replaced by
+    // the signed volume.
+    virtual void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
+                                    bool kontodaten) = 0;
+};
+
 // What the start shows, until the working view.
 class Startanzeige {
 public:
