@@ -47,6 +47,7 @@ bool GleichOhneGrossKlein(std::string_view a, std::string_view b);
 
 // Blanks (0x20) and tabs around a text taken off.
 std::string_view Getrimmt(std::string_view text);
+// The pieces between the separators; none for an empty text.
 std::vector<std::string> Teile(std::string_view text, char trenner);
 
 }  // namespace zek

@@ -1,0 +1,55 @@
+#include "platform/dateisystem.h"
+
+#include "platform/text.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+namespace zek {
+
+std::string SystemText(int fehlernummer) {
+    // The untranslated text; strerror would follow the locale.
+    const char* text = ::strerrordesc_np(fehlernummer);
+    return text == nullptr ? std::string() : std::string(text);
+}
+
+std::string OhneGrossKlein(Dateisystem& dateien, const std::string& pfad) {
+    if (dateien.DateiExistiert(pfad) || dateien.OrdnerExistiert(pfad)) return pfad;
+    std::string_view ohneEnde = pfad;
+    while (ohneEnde.size() > 1 && ohneEnde.back() == '/') ohneEnde.remove_suffix(1);
+    const std::size_t strich = ohneEnde.rfind('/');
+    const std::string_view ordner = strich == std::string_view::npos ? "" : ohneEnde.substr(0, strich + 1);
+    const std::string_view name = ohneEnde.substr(ordner.size());
+    for (const Verzeichniseintrag& eintrag : dateien.Liste(ordner.empty() ? "." : std::string(ordner))) {
+        if (!GleichOhneGrossKlein(eintrag.Name, name)) continue;
+        return std::string(ordner) + eintrag.Name + pfad.substr(ohneEnde.size());
+    }
+    return pfad;
+}
+
+bool LiesGanz(Dateisystem& dateien, const std::string& pfad, std::string& inhalt) {
+    inhalt.clear();
+    const Dateihandle handle = dateien.Oeffne(pfad, Oeffnen::NurLesen);
+    if (handle < 0) return false;
+    std::array<std::byte, 65536> puffer;
+    std::int64_t gelesen = 0;
+    while ((gelesen = dateien.Lies(handle, puffer)) > 0) {
+        inhalt.append(reinterpret_cast<const char*>(puffer.data()), static_cast<std::size_t>(gelesen));
+    }
+    dateien.Schliesse(handle);
+    return gelesen == 0;
+}
+
+int SchreibeGanz(Dateisystem& dateien, Dateihandle handle, std::span<const std::byte> daten) {
+    while (!daten.empty()) {
+        const std::int64_t geschrieben = dateien.Schreibe(handle, daten);
+        if (geschrieben < 0) return static_cast<int>(geschrieben);
+        // A file that takes nothing and gives no error has no room.
+        if (geschrieben == 0) return -ENOSPC;
+        daten = daten.subspan(static_cast<std::size_t>(geschrieben));
+    }
+    return 0;
+}
+
+}  // namespace zek

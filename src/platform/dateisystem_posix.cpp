@@ -1,0 +1,124 @@
+#include "platform/dateisystem_posix.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+
+namespace zek {
+namespace {
+
+// The call's result, or -errno; repeated while a signal interrupts it.
+template <typename Aufruf>
+auto Wiederholt(Aufruf aufruf) {
+    auto ergebnis = aufruf();
+    while (ergebnis < 0 && errno == EINTR) ergebnis = aufruf();
+    return ergebnis < 0 ? static_cast<decltype(ergebnis)>(-errno) : ergebnis;
+}
+
+int Flaggen(Oeffnen art) {
+    switch (art) {
+        case Oeffnen::NurLesen:
+            return O_RDONLY;
+        case Oeffnen::LesenSchreiben:
+            return O_RDWR;
+        case Oeffnen::Anlegen:
+            return O_RDWR | O_CREAT;
+        case Oeffnen::AnlegenNurLesen:
+            return O_RDONLY | O_CREAT;
+    }
+    return O_RDONLY;
+}
+
+bool IstOrdner(const std::string& pfad) {
+    struct stat angaben {};
+    return ::stat(pfad.c_str(), &angaben) == 0 && S_ISDIR(angaben.st_mode);
+}
+
+}  // namespace
+
+Dateihandle PosixDateisystem::Oeffne(const std::string& pfad, Oeffnen art) {
+    return Wiederholt([&] { return ::open(pfad.c_str(), Flaggen(art) | O_CLOEXEC, 0666); });
+}
+
+void PosixDateisystem::Schliesse(Dateihandle handle) {
+    if (handle >= 0) ::close(handle);
+}
+
+std::int64_t PosixDateisystem::Lies(Dateihandle handle, std::span<std::byte> ziel) {
+    return Wiederholt([&] { return ::read(handle, ziel.data(), ziel.size()); });
+}
+
+std::int64_t PosixDateisystem::Schreibe(Dateihandle handle, std::span<const std::byte> daten) {
+    return Wiederholt([&] { return ::write(handle, daten.data(), daten.size()); });
+}
+
+std::int64_t PosixDateisystem::Suche(Dateihandle handle, std::int64_t abstand, Ab ab) {
+    const int bezug = ab == Ab::Anfang ? SEEK_SET : ab == Ab::Jetzt ? SEEK_CUR : SEEK_END;
+    return Wiederholt([&] { return ::lseek(handle, abstand, bezug); });
+}
+
+std::int64_t PosixDateisystem::Groesse(Dateihandle handle) {
+    struct stat angaben {};
+    if (::fstat(handle, &angaben) != 0) return -errno;
+    return angaben.st_size;
+}
+
+int PosixDateisystem::SetzeLaenge(Dateihandle handle, std::int64_t laenge) {
+    return Wiederholt([&] { return ::ftruncate(handle, laenge); });
+}
+
+int PosixDateisystem::Leere(Dateihandle handle) {
+    return Wiederholt([&] { return ::fsync(handle); });
+}
+
+bool PosixDateisystem::DateiExistiert(const std::string& pfad) {
+    struct stat angaben {};
+    return ::stat(pfad.c_str(), &angaben) == 0 && !S_ISDIR(angaben.st_mode);
+}
+
+bool PosixDateisystem::OrdnerExistiert(const std::string& pfad) {
+    return IstOrdner(pfad);
+}
+
+int PosixDateisystem::LegeOrdnerAn(const std::string& pfad) {
+    return ::mkdir(pfad.c_str(), 0777) == 0 ? 0 : -errno;
+}
+
+int PosixDateisystem::Loesche(const std::string& pfad) {
+    return ::unlink(pfad.c_str()) == 0 ? 0 : -errno;
+}
+
+int PosixDateisystem::BenenneUm(const std::string& von, const std::string& nach) {
+    return std::rename(von.c_str(), nach.c_str()) == 0 ? 0 : -errno;
+}
+
+std::int64_t PosixDateisystem::FreierPlatz(const std::string& ordner) {
+    struct statvfs angaben {};
+    if (::statvfs(ordner.c_str(), &angaben) != 0) return -errno;
+    return static_cast<std::int64_t>(angaben.f_bavail) * static_cast<std::int64_t>(angaben.f_frsize);
+}
+
+std::vector<Verzeichniseintrag> PosixDateisystem::Liste(const std::string& ordner) {
+    std::vector<Verzeichniseintrag> eintraege;
+    struct Schliesser {
+        void operator()(DIR* verzeichnis) const { ::closedir(verzeichnis); }
+    };
+    const std::unique_ptr<DIR, Schliesser> verzeichnis(::opendir(ordner.c_str()));
+    if (!verzeichnis) return eintraege;
+    while (const dirent* eintrag = ::readdir(verzeichnis.get())) {
+        std::string name = eintrag->d_name;
+        if (name == "." || name == "..") continue;
+        // Links and file systems that don't tell the type have to be asked.
+        bool istOrdner = eintrag->d_type == DT_DIR;
+        if (eintrag->d_type == DT_LNK || eintrag->d_type == DT_UNKNOWN) istOrdner = IstOrdner(ordner + "/" + name);
+        eintraege.push_back({std::move(name), istOrdner});
+    }
+    return eintraege;
+}
+
+}  // namespace zek

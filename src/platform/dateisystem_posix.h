@@ -1,0 +1,28 @@
+// The file seam over POSIX calls.
+#pragma once
+
+#include "platform/dateisystem.h"
+
+namespace zek {
+
+// One system call per call; interrupted calls are repeated. Handles are not inherited by child processes.
+class PosixDateisystem : public Dateisystem {
+public:
+    Dateihandle Oeffne(const std::string& pfad, Oeffnen art) override;
+    void Schliesse(Dateihandle handle) override;
+    std::int64_t Lies(Dateihandle handle, std::span<std::byte> ziel) override;
+    std::int64_t Schreibe(Dateihandle handle, std::span<const std::byte> daten) override;
+    std::int64_t Suche(Dateihandle handle, std::int64_t abstand, Ab ab) override;
+    std::int64_t Groesse(Dateihandle handle) override;
+    int SetzeLaenge(Dateihandle handle, std::int64_t laenge) override;
+    int Leere(Dateihandle handle) override;
+    bool DateiExistiert(const std::string& pfad) override;
+    bool OrdnerExistiert(const std::string& pfad) override;
+    int LegeOrdnerAn(const std::string& pfad) override;
+    int Loesche(const std::string& pfad) override;
+    int BenenneUm(const std::string& von, const std::string& nach) override;
+    std::int64_t FreierPlatz(const std::string& ordner) override;
+    std::vector<Verzeichniseintrag> Liste(const std::string& ordner) override;
+};
+
+}  // namespace zek
