@@ -1,0 +1,42 @@
+// Recording rules: whether a tick that forms a record is kept, and in which files it goes.
+#pragma once
+
+#include "modul/ibmodul.h"
+#include "modul/rollen.h"
+#include "platform/uhr.h"
+
+#include <cstdint>
+
+namespace zek {
+
+// True inside the title's recording pause; both ends belong to it, and start equal to end means none. The days of the
+// week play no part. Times of day are compared to the millisecond.
+bool ZeitfensterAktiv(const Einstellungen& einstellungen, const clTitelobjekt& titel, Datum jetzt);
+
+// True on Saturdays and Sundays and inside the recording pause, whatever exchanges that is restricted to. Serves the
+// watch for missing ticks only: the recording itself knows no weekends.
+bool RuhezeitAktiv(const Einstellungen& einstellungen, Datum jetzt);
+
+class Aufzeichnung {
+public:
+    Aufzeichnung(IBModul& modul, Monitorausgabe& monitor, Datensatzablage& ablage);
+
+    // The writers take price and size from the title. `jetzt`: the moment of the tick.
+    void BezahltSchreiben(clTitelobjekt& titel, Datum jetzt);
+    void BriefSchreiben(clTitelobjekt& titel, Datum jetzt);
+    void GeldSchreiben(clTitelobjekt& titel, Datum jetzt);
+
+    // Shows a tick in the monitor and, outside the recording pause, counts and appends it. No filter applies.
+    void TiefeSchreiben(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt);
+
+private:
+    // Monitor, pause and count; false when the tick isn't kept.
+    bool Angenommen(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt);
+    void Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume);
+
+    IBModul& modul_;
+    Monitorausgabe& monitor_;
+    Datensatzablage& ablage_;
+};
+
+}  // namespace zek

@@ -1,0 +1,72 @@
+// The market feed: the session with the broker and everything that turns its events into records.
+//
+// The road of a tick, one file each, top to bottom:
+//
+//   tws/            bytes of the socket -> frames -> events
+//   verbindung      the session; hands each event to the class that takes it
+//   tickannahme     tickPrice updates the title's state; tickSize decides whether that forms a record
+//   aufzeichnung    volume filter, recording pause, monitor, count
+//   (datafiles)     Datensatzablage: one record appended to one file
+//
+// Beside the road:
+//
+//   ibcontrol          the place of the control, which a socket failure replaces whole
+//   abonnement         a title becomes requests; sendetakt paces them
+//   vorzeichenvolumen  the signed volume; asked for by the append
+//   markttiefe         depth rows, straight to aufzeichnung
+//   kontodaten         account values and positions, straight to the append
+//
+// `Feed` puts them together.
+#pragma once
+
+#include "feed/abonnement.h"
+#include "feed/aufzeichnung.h"
+#include "feed/ibcontrol.h"
+#include "feed/kontodaten.h"
+#include "feed/markttiefe.h"
+#include "feed/tickannahme.h"
+#include "feed/verbindung.h"
+#include "feed/vorzeichenvolumen.h"
+
+#include <utility>
+
+namespace zek {
+
+// What the feed needs from the house.
+struct Feedumgebung {
+    IBModul& Modul;
+    const Uhr& Zeit;
+    zek::Pumpe& Pumpe;
+    Datensatzablage& Ablage;
+    Statusausgabe& Status;
+    Offlineanzeige& Anzeige;
+    Monitorausgabe& Monitor;
+    tws::TwsFabrik Fabrik;
+    std::function<void(std::int64_t)> ServerZeit;       // may be empty
+    std::function<void(int code)> NeustartWegenFehler;  // may be empty
+};
+
+// The classes of the room, tied to each other. Must stay at its place: the control is bound to its Verbindung.
+struct Feed {
+    explicit Feed(Feedumgebung um)
+        : Control(std::move(um.Fabrik)),
+          Abos(um.Modul, Control, um.Zeit, um.Pumpe),
+          Schreiber(um.Modul, um.Monitor, um.Ablage),
+          Ticks(um.Modul, um.Zeit, Schreiber),
+          Tiefe(um.Modul, um.Zeit, Schreiber),
+          Konten(um.Modul, Control, um.Ablage),
+          Sitzung(um.Modul, um.Zeit, Control, Abos, um.Status, um.Anzeige,
+                  {Ticks, Tiefe, Konten, std::move(um.ServerZeit), std::move(um.NeustartWegenFehler)}) {}
+    Feed(const Feed&) = delete;
+    Feed& operator=(const Feed&) = delete;
+
+    IBControl Control;
+    Abonnement Abos;
+    Aufzeichnung Schreiber;
+    Tickannahme Ticks;
+    Markttiefe Tiefe;
+    Kontodaten Konten;
+    Verbindung Sitzung;
+};
+
+}  // namespace zek

@@ -1,0 +1,39 @@
+// Account values and portfolio positions as series in data files.
+#pragma once
+
+#include "feed/ibcontrol.h"
+#include "modul/ibmodul.h"
+#include "modul/rollen.h"
+
+#include <string_view>
+
+namespace zek {
+
+// True when the contract of a position is that of the title.
+bool PasstZuTitel(const tws::Contract& contract, const clTitelobjekt& titel);
+
+class Kontodaten {
+public:
+    Kontodaten(IBModul& modul, IBControl& control, Datensatzablage& ablage);
+
+    // Subscribes each account of KontenDatenKontoName, or the default account. Never ends a subscription; what stops
+    // the data are the settings, tested in the events.
+    void KontoabosAnfordern();
+
+    // A numeric value becomes a record of its own title, made at the first value of its key.
+    void updateAccountValue(std::string_view key, std::string_view value, std::string_view curency,
+                            std::string_view accountName);
+    // A position of a known title becomes a record of kursart::Position; the title needn't be active. A market price
+    // outside -500000 to 500000 is recorded as 0.
+    void updatePortfolioEx(const tws::Contract& contract, double position, double marketPrice,
+                           std::string_view accountName);
+
+private:
+    Titelzeiger Kontotitel(std::string_view key, std::string_view curency, std::string_view accountName);
+
+    IBModul& modul_;
+    IBControl& control_;
+    Datensatzablage& ablage_;
+};
+
+}  // namespace zek

@@ -1,0 +1,80 @@
+// The market data session: the connect sequence, the reading of every message of the broker, the first half of the
+// recovery after a loss (the second half is the supervision's), and the way of each event to the class that takes it.
+#pragma once
+
+#include "feed/abonnement.h"
+#include "feed/ibcontrol.h"
+#include "feed/kontodaten.h"
+#include "feed/markttiefe.h"
+#include "feed/tickannahme.h"
+#include "modul/rollen.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace zek {
+
+// Message codes with an action of their own; every other code is only reported and looked up in the restart list.
+namespace meldungscode {
+inline constexpr int TwsOffline = 1100, VerbindungDatenVerloren = 1101, VerbindungDatenErhalten = 1102,
+                     FarmAktiv = 2104, SocketFehler = tws::code::SocketFehler;
+}  // namespace meldungscode
+
+// Errors are ignored step by step: no event lets an exception out to the control.
+class Verbindung final : public tws::TwsEreignisse {
+public:
+    // Who takes which events.
+    struct Abnehmer {
+        Tickannahme& Kurse;
+        Markttiefe& Tiefe;
+        Kontodaten& Konten;
+        // Seconds since 1970 UTC of the server's clock.
+        std::function<void(std::int64_t)> ServerZeit;
+        // The message's code stands in the restart list.
+        std::function<void(int code)> NeustartWegenFehler;
+    };
+
+    // Makes the first control, bound to this object.
+    Verbindung(IBModul& modul, const Uhr& uhr, IBControl& control, Abonnement& abonnement, Statusausgabe& status,
+               Offlineanzeige& anzeige, Abnehmer abnehmer);
+    // Releases the control with it.
+    ~Verbindung() override;
+    Verbindung(const Verbindung&) = delete;
+    Verbindung& operator=(const Verbindung&) = delete;
+
+    // Connects; waits, pumping, for the session. The caller tests IBControl::Verbunden.
+    void TWSVerbindungAufbauen();
+
+    void connectionClosed() override;
+    void currentTime(std::int64_t time) override;
+    void errMsg(int id, int errorCode, std::string_view errorMsg, std::string_view advancedOrderRejectJson) override;
+    void nextValidId(int orderId) override;
+    void tickPrice(int id, int tickType, double price, bool canAutoExecute, bool pastLimit, bool preOpen) override;
+    void tickSize(int id, int tickType, double size) override;
+    void tickString(int id, int tickType, std::string_view value) override;
+    void updateAccountValue(std::string_view key, std::string_view value, std::string_view curency,
+                            std::string_view accountName) override;
+    void updatePortfolioEx(const tws::Contract& contract, double position, double marketPrice, double marketValue,
+                           double averageCost, double unrealizedPNL, double realizedPNL,
+                           std::string_view accountName) override;
+    void updateMktDepth(int id, int position, int operation, int side, double price, double size) override;
+
+private:
+    std::string Meldungstext(int id, int errorCode, std::string_view errorMsg) const;
+    void TwsIstOffline();
+    void VerbindungWiederhergestellt();
+    void SocketAusgefallen();
+    void NeustartlistePruefen(int errorCode);
+    void WarnungZeigen(const std::string& text);
+    void Melde(const std::string& text, bool fett = false);
+
+    IBModul& modul_;
+    const Uhr& uhr_;
+    IBControl& control_;
+    Abonnement& abonnement_;
+    Statusausgabe& status_;
+    Offlineanzeige& anzeige_;
+    Abnehmer abnehmer_;
+};
+
+}  // namespace zek
