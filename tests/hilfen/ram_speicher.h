@@ -1,0 +1,61 @@
+// The two stores of settings in memory, with logs of what was written.
+#pragma once
+
+#include "platform/speicher.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace zek::hilfen {
+
+struct Speichervorgang {
+    std::string Anwendung;  // "" for the profile file
+    std::string Abschnitt;
+    std::string Schluessel;
+    std::string Wert;
+    bool Geloescht = false;
+
+    bool operator==(const Speichervorgang&) const = default;
+};
+
+class RamNutzerspeicher : public Nutzerspeicher {
+public:
+    std::optional<std::string> Lies(std::string_view anwendung, std::string_view abschnitt,
+                                    std::string_view schluessel) override;
+    bool Schreibe(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel,
+                  std::string_view wert) override;
+    bool Loesche(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel) override;
+
+    // Puts a value in without a log entry, as another instance would.
+    void Setze(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel,
+               std::string_view wert);
+    std::size_t Anzahl() const { return werte_.size(); }
+
+    bool Schreibgeschuetzt = false;                 // writes and deletes answer false and change nothing
+    std::vector<Speichervorgang> Schreibvorgaenge;  // in order, also the refused ones
+
+private:
+    static std::string Schluesseltext(std::string_view anwendung, std::string_view abschnitt,
+                                      std::string_view schluessel);
+    std::map<std::string, std::string> werte_;
+};
+
+class RamProfildatei : public Profildatei {
+public:
+    std::string Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe,
+                     std::size_t puffer) override;
+    bool Schreibe(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) override;
+
+    // The raw value, as it would stand behind "=".
+    void Setze(std::string_view abschnitt, std::string_view schluessel, std::string_view roh);
+    std::optional<std::string> Roh(std::string_view abschnitt, std::string_view schluessel) const;
+
+    bool Schreibgeschuetzt = false;
+    std::vector<Speichervorgang> Schreibvorgaenge;
+
+private:
+    std::map<std::string, std::string> werte_;
+};
+
+}  // namespace zek::hilfen

@@ -1,0 +1,330 @@
+// Faces without a screen for tests: each records what it was told. TestGesicht is the whole face; the small ones play
+// one role each.
+#pragma once
+
+#include "session/gesicht.h"
+
+#include <algorithm>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zek::hilfen {
+
+class TestStatus : public Statusausgabe {
+public:
+    struct Eintrag {
+        std::string Text;
+        bool Fett = false;
+        bool operator==(const Eintrag&) const = default;
+    };
+
+    void Statusmeldung(std::string_view text, bool fett = false) override {
+        Eintraege.push_back({std::string(text), fett});
+    }
+
+    // True when some entry contains the text.
+    bool Enthaelt(std::string_view text) const { return Anzahl(text) > 0; }
+    std::size_t Anzahl(std::string_view text) const {
+        return static_cast<std::size_t>(std::count_if(Eintraege.begin(), Eintraege.end(), [&](const Eintrag& e) {
+            return e.Text.find(text) != std::string::npos;
+        }));
+    }
+    // "" when there is none.
+    std::string Letzte() const { return Eintraege.empty() ? std::string() : Eintraege.back().Text; }
+
+    std::vector<Eintrag> Eintraege;
+};
+
+class TestMeldungen : public Meldungen {
+public:
+    struct Meldung {
+        std::string Text;
+        int Flags = 0;
+        int Sekunden = 0;
+    };
+
+    int ZeigeMeldung(const std::string& text, int flags, int sekunden) override {
+        Gezeigt.push_back({text, flags, sekunden});
+        if (BeiMeldung) BeiMeldung(Gezeigt.back());
+        if (Antworten.empty()) return Vorgabeantwort;
+        const int antwort = Antworten.front();
+        Antworten.pop_front();
+        return antwort;
+    }
+
+    std::vector<Meldung> Gezeigt;
+    std::deque<int> Antworten;  // taken from the front
+    int Vorgabeantwort = 0;     // when there are none left
+    // Runs while the message stands, for example to pump; may add answers.
+    std::function<void(Meldung)> BeiMeldung;
+};
+
+class TestOfflineanzeige : public Offlineanzeige {
+public:
+    bool OfflinewarnungSichtbar() const override { return Sichtbar; }
+    void ZeigeOfflinewarnung(const std::string& text) override {
+        Text = text;
+        Texte.push_back(text);
+        ZeigeOfflinewarnung();
+    }
+    void ZeigeOfflinewarnung() override {
+        Sichtbar = true;
+        ++Gezeigt;
+    }
+    void VerbergeOfflinewarnung() override {
+        Sichtbar = false;
+        ++Verborgen;
+    }
+    void FensterNachVorn() override { ++NachVorn; }
+    void Ton() override { ++Toene; }
+
+    bool Sichtbar = false;
+    std::string Text;                // the one it holds
+    std::vector<std::string> Texte;  // all that were set
+    int Gezeigt = 0;
+    int Verborgen = 0;
+    int NachVorn = 0;
+    int Toene = 0;
+};
+
+struct Monitorzeile {
+    std::int32_t Titelnummer = 0;
+    std::int32_t Kursart = 0;
+    float Kurs = 0;
+    float Volume = 0;
+    bool Verworfen = false;
+    bool operator==(const Monitorzeile&) const = default;
+};
+
+class TestMonitor : public Monitorausgabe {
+public:
+    void Protokolleintrag(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
+                          bool verworfen) override {
+        Zeilen.push_back({titel.id, kursart, kurs, volume, verworfen});
+    }
+    std::vector<Monitorzeile> Zeilen;
+};
+
+class TestStartanzeige : public Startanzeige {
+public:
+    void Startinfo(const std::string& text) override { Texte.push_back(text); }
+    void FortschrittMaximum(int maximum) override { Maximum = maximum; }
+    void FortschrittWert(int wert) override { Werte.push_back(wert); }
+    void Sanduhr(bool an) override { SanduhrAn = an; }
+
+    std::vector<std::string> Texte;
+    std::vector<int> Werte;
+    int Maximum = 0;
+    bool SanduhrAn = false;
+};
+
+class TestDatenpflegeanzeige : public Datenpflegeanzeige {
+public:
+    struct Label {
+        std::string Text;
+        bool Rot = false;
+        bool operator==(const Label&) const = default;
+    };
+
+    void Titellabel(const std::string& text) override { Titeltexte.push_back(text); }
+    void AktuelleTitelLabel(const std::string& text) override { AktuelleTitel.push_back(text); }
+    void Datumlabel(const std::string& text, bool rot) override { Datumtexte.push_back({text, rot}); }
+    void Statuslabel(const std::string& text, bool rot) override { Statustexte.push_back({text, rot}); }
+    void Kursartlabel(const std::string& text) override { Kursarttexte.push_back(text); }
+    void FortschrittMaximum(int maximum) override { Maximum = maximum; }
+    void FortschrittWert(int wert) override { Werte.push_back(wert); }
+    void Gesamtfortschritt(double anteil, double restSekunden) override { Gesamt.push_back({anteil, restSekunden}); }
+    void AbbruchMoeglich(bool moeglich) override { Abbrechbar = moeglich; }
+    void BeiAbbruch(std::function<void()> beiKlick) override { abbruch_ = std::move(beiKlick); }
+
+    // A click on the button, whether it is enabled or not; false when nobody listens.
+    bool KlickeAbbruch() {
+        if (!abbruch_) return false;
+        auto klick = abbruch_;
+        klick();
+        return true;
+    }
+
+    std::vector<std::string> Titeltexte;
+    std::vector<std::string> AktuelleTitel;
+    std::vector<Label> Datumtexte;
+    std::vector<Label> Statustexte;
+    std::vector<std::string> Kursarttexte;
+    std::vector<int> Werte;
+    std::vector<std::pair<double, double>> Gesamt;  // share, seconds to go
+    int Maximum = 0;
+    bool Abbrechbar = false;
+
+private:
+    std::function<void()> abbruch_;
+};
+
+// The whole face. `Aufrufe` holds one line per call, "Name" or "Name: arguments", except for the calls that only ask
+// and the monitor's rows, which have a list of their own.
+class TestGesicht : public Gesicht {
+public:
+    // ---- Meldungen
+    int ZeigeMeldung(const std::string& text, int flags, int sekunden) override {
+        Merke("ZeigeMeldung: " + text);
+        return Fragen.ZeigeMeldung(text, flags, sekunden);
+    }
+
+    // ---- Offlineanzeige
+    bool OfflinewarnungSichtbar() const override { return Offline.Sichtbar; }
+    void ZeigeOfflinewarnung(const std::string& text) override {
+        Merke("ZeigeOfflinewarnung: " + text);
+        Offline.ZeigeOfflinewarnung(text);
+    }
+    void ZeigeOfflinewarnung() override {
+        Merke("ZeigeOfflinewarnung");
+        Offline.ZeigeOfflinewarnung();
+    }
+    void VerbergeOfflinewarnung() override {
+        Merke("VerbergeOfflinewarnung");
+        Offline.VerbergeOfflinewarnung();
+    }
+    void FensterNachVorn() override {
+        Merke("FensterNachVorn");
+        Offline.FensterNachVorn();
+    }
+    void Ton() override {
+        Merke("Ton");
+        Offline.Ton();
+    }
+
+    // ---- Monitorausgabe
+    void Protokolleintrag(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
+                          bool verworfen) override {
+        if (MonitorMerken) Monitor.Protokolleintrag(titel, kursart, kurs, volume, verworfen);
+    }
+
+    // ---- Startanzeige
+    void Startinfo(const std::string& text) override {
+        Merke("Startinfo: " + text);
+        Start.Startinfo(text);
+    }
+    void FortschrittMaximum(int maximum) override {
+        Merke("FortschrittMaximum: " + std::to_string(maximum));
+        Start.FortschrittMaximum(maximum);
+    }
+    void FortschrittWert(int wert) override {
+        Merke("FortschrittWert: " + std::to_string(wert));
+        Start.FortschrittWert(wert);
+    }
+    void Sanduhr(bool an) override {
+        Merke("Sanduhr" + AnAus(an));
+        Start.Sanduhr(an);
+    }
+
+    // ---- start
+    StarthinweisAntwort ZeigeStarthinweis() override {
+        Merke("ZeigeStarthinweis");
+        return Starthinweis;
+    }
+    void VerzoegerungBeginnt(const std::string& text, int maximum) override {
+        Merke("VerzoegerungBeginnt: " + text + " / " + std::to_string(maximum));
+        VerzoegerungSichtbar = true;
+    }
+    void VerzoegerungWert(int wert) override {
+        Verzoegerungswerte.push_back(wert);
+        if (VerzoegerungAbbrechenBei && wert >= *VerzoegerungAbbrechenBei) VerzoegerungAbbruch = true;
+    }
+    bool VerzoegerungAbgebrochen() const override { return VerzoegerungAbbruch; }
+    void VerzoegerungEndet() override {
+        Merke("VerzoegerungEndet");
+        VerzoegerungSichtbar = false;
+    }
+    void LadeHauptfenster() override {
+        Merke("LadeHauptfenster");
+        Geladen = true;
+    }
+    bool HauptfensterGeladen() const override { return Geladen; }
+    bool HauptfensterMinimiert() const override { return Minimiert; }
+    void TaskleistenstilSetzen(bool an) override { Merke("TaskleistenstilSetzen" + AnAus(an)); }
+    void ZeigeStartansicht() override { Merke("ZeigeStartansicht"); }
+    bool Verbindungseinstellungen(Verbindungsangaben& angaben) override {
+        Merke("Verbindungseinstellungen: " + angaben.IBIPAdr + " " + std::to_string(angaben.IBPort) + " " +
+              std::to_string(angaben.IBLoginID));
+        if (!NeueVerbindungsangaben) return false;
+        angaben = *NeueVerbindungsangaben;
+        return true;
+    }
+    void ZeigeArbeitsansicht(const std::string& datenordner) override { Merke("ZeigeArbeitsansicht: " + datenordner); }
+    void BefehlsmarkeSetzen(int befehl, bool an) override {
+        Merke("BefehlsmarkeSetzen: " + std::to_string(befehl) + AnAus(an));
+    }
+    void KomprimierteAnsichtSetzen(bool an) override { Merke("KomprimierteAnsichtSetzen" + AnAus(an)); }
+    void InitSysTray() override { Merke("InitSysTray"); }
+    void ZeigeBeispieltitel() override {
+        Merke("ZeigeBeispieltitel");
+        if (BeiBeispieltitel) BeiBeispieltitel();
+    }
+
+    // ---- while it runs
+    void StatuslisteEintrag(Datum zeit, const std::string& text, bool fett) override {
+        Statuszeiten.push_back(zeit);
+        Status.Statusmeldung(text, fett);
+    }
+    void TitelInfo(const std::string& text) override { TitelInfoText = text; }
+    void Statuspanel(const std::string& text) override {
+        if (text != StatuspanelText) Merke("Statuspanel: " + text);
+        StatuspanelText = text;
+    }
+    Datenpflegeanzeige& DatenpflegeFensterErzeugen() override {
+        Merke("DatenpflegeFensterErzeugen");
+        Datenpflege = std::make_unique<TestDatenpflegeanzeige>();
+        return *Datenpflege;
+    }
+    void DatenpflegeFensterFreigeben() override {
+        Merke("DatenpflegeFensterFreigeben");
+        if (Datenpflege) LetzteDatenpflege = std::move(Datenpflege);
+    }
+
+    // ---- shutdown
+    bool InTaskleisteAngehakt() const override { return InTaskleiste; }
+    void TrayFreigeben() override { Merke("TrayFreigeben"); }
+    void FensterplatzSpeichern() override { Merke("FensterplatzSpeichern"); }
+    void MonitorplatzSpeichern() override { Merke("MonitorplatzSpeichern"); }
+
+    // ---- what a test asks
+    // Number of calls whose line begins with this text.
+    std::size_t Anzahl(std::string_view anfang) const {
+        return static_cast<std::size_t>(std::count_if(Aufrufe.begin(), Aufrufe.end(), [&](const std::string& a) {
+            return std::string_view(a).substr(0, anfang.size()) == anfang;
+        }));
+    }
+
+    std::vector<std::string> Aufrufe;
+    TestMeldungen Fragen;
+    TestOfflineanzeige Offline;
+    TestMonitor Monitor;
+    bool MonitorMerken = true;
+    TestStartanzeige Start;
+    TestStatus Status;                // the status list
+    std::vector<Datum> Statuszeiten;  // times of its entries
+    StarthinweisAntwort Starthinweis;
+    std::optional<int> VerzoegerungAbbrechenBei;  // the value at which somebody clicks "Abbrechen"
+    bool VerzoegerungAbbruch = false;
+    bool VerzoegerungSichtbar = false;
+    std::vector<int> Verzoegerungswerte;
+    bool Geladen = false;
+    bool Minimiert = false;
+    bool InTaskleiste = false;
+    std::optional<Verbindungsangaben> NeueVerbindungsangaben;  // empty: cancelled
+    std::function<void()> BeiBeispieltitel;
+    std::string TitelInfoText;
+    std::string StatuspanelText;
+    std::unique_ptr<TestDatenpflegeanzeige> Datenpflege;        // the one that is shown
+    std::unique_ptr<TestDatenpflegeanzeige> LetzteDatenpflege;  // the one shown before
+
+private:
+    static std::string AnAus(bool an) { return an ? " an" : " aus"; }
+    void Merke(std::string zeile) { Aufrufe.push_back(std::move(zeile)); }
+};
+
+}  // namespace zek::hilfen
