@@ -1,0 +1,57 @@
+// The append of one record: the end of every tick's road.
+#pragma once
+
+#include "datafiles/dateiio.h"
+#include "datafiles/datensatz.h"
+#include "modul/ibmodul.h"
+#include "modul/rollen.h"
+#include "platform/uhr.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <unordered_map>
+
+namespace zek {
+
+// Cuts the records with a Datum of 0 at a file's very end, as a power failure leaves them; true when it cut, the
+// file was then opened anew. A file of nothing but such records is cut to 840 bytes, 16 into its header: other
+// programs know that length. Throws nothing.
+bool DateiEndeBereinigen(clDateiIO& datei, const std::string& name);
+
+// Opens, appends 16 bytes and closes, so that every record can be read by others at once and survives a crash.
+// In the steady state that is five system calls (open, size, seek, write, close) and no allocation: folder and
+// letter case are looked after only when the open fails.
+class Datensatzschreiber {
+public:
+    // Signed volume of the title's last trade; asked for kind 5.
+    using Volumenfrage = std::function<float(clTitelobjekt&)>;
+
+    Datensatzschreiber(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Statusausgabe& status,
+                       Volumenfrage vorzeichenVolumen);
+
+    // Appends (now + the title's ZeitKorrektur, kurs, volume). A file with a torn header or a torn record is left
+    // alone without a word. An error gives one line in the log and loses this record only. `kontodaten` sends the
+    // record to the folder of account data, when one is set. Throws nothing.
+    void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool kontodaten);
+
+private:
+    void BildePfad(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten);
+    void Oeffne(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten);
+    void Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume);
+    std::int64_t Erstpruefung(clTitelobjekt& titel, std::int32_t kursart, std::int64_t groesse);
+    void LegeKopfAn(clTitelobjekt& titel, std::int32_t kursart);
+    void MeldeFehler(int nummer, const char* text);
+
+    IBModul& modul_;
+    Dateisystem& dateien_;
+    const Uhr& uhr_;
+    Statusausgabe& status_;
+    Volumenfrage vorzeichenVolumen_;
+    clDateiIO datei_;
+    std::string pfad_;  // kept for its room
+    // Paths whose file really has another letter case.
+    std::unordered_map<std::string, std::string> andereSchreibweise_;
+};
+
+}  // namespace zek

@@ -1,0 +1,64 @@
+// Load and save of all titles: the definitions file with everything that goes on around it.
+#pragma once
+
+#include "modul/ibmodul.h"
+#include "modul/rollen.h"
+#include "platform/dateisystem.h"
+#include "platform/pumpe.h"
+#include "platform/uhr.h"
+
+#include <functional>
+
+namespace zek {
+
+// Reads the titles once at the start and subscribes the active ones as it goes. Subscriptions are paced: after 31
+// messages it waits until a second has passed since the last pause, with events running, so that ticks of the first
+// titles arrive while later ones are still being read.
+class Titellader {
+public:
+    struct Aufrufe {
+        std::function<bool()> Verbunden;                   // the session has a connection time
+        std::function<int(clTitelobjekt&)> Abonniere;      // returns the number of messages sent
+        std::function<void()> TitelInfoAktualisieren;
+    };
+
+    Titellader(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe, Startanzeige& anzeige,
+               Meldungen& meldungen, Aufrufe aufrufe);
+
+    // Fills Titelliste and Katalogliste. A missing, empty or foreign file leaves them as they are, without a
+    // message; one that can't be read or is damaged gives a message. Throws nothing.
+    void Titelladen();
+
+private:
+    void Uebernehme(const Wert& liste);
+    void UebernehmeTitel(const Wert& para);
+    void HalteTakt();
+    void Versuche(const std::function<void()>& schritt);
+
+    IBModul& modul_;
+    Dateisystem& dateien_;
+    const Uhr& uhr_;
+    Pumpe& pumpe_;
+    Startanzeige& anzeige_;
+    Meldungen& meldungen_;
+    Aufrufe aufrufe_;
+    float letztePause_ = 0;  // seconds since midnight
+    int gesendet_ = 0;       // messages since the last pause
+};
+
+// Writes all titles after a change of the list.
+class Titelsicherung {
+public:
+    Titelsicherung(const IBModul& modul, Dateisystem& dateien, Startanzeige& anzeige, Meldungen& meldungen);
+
+    // An error gives a message; the list in memory stays valid. Throws nothing.
+    void Titelspeichern();
+
+private:
+    const IBModul& modul_;
+    Dateisystem& dateien_;
+    Startanzeige& anzeige_;
+    Meldungen& meldungen_;
+};
+
+}  // namespace zek

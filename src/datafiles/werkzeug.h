@@ -1,0 +1,27 @@
+// The command-line tool "zek": looks at data files, also while they are being written. All output is German.
+//
+//   zek info FILE|DIR...                       header, records, span and damage of each file
+//   zek csv [--zeit deutsch|iso] FILE          all records as CSV
+//   zek check DIR...                           damage of every file below the folders
+//   zek --help, zek --version
+#pragma once
+
+#include "platform/dateisystem.h"
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace zek {
+
+// Exit codes of the tool.
+namespace werkzeug {
+inline constexpr int Gut = 0, Beanstandet = 1, Fehlgeschlagen = 2;
+}  // namespace werkzeug
+
+// Runs the tool with the arguments behind the program's name. Returns its exit code: 0 all in order, 1 damage or
+// something was found wrong with the data, 2 wrong use or a file that can't be read.
+int Werkzeug(const std::vector<std::string>& argumente, const std::string& version, Dateisystem& dateien,
+             std::ostream& ausgabe, std::ostream& fehler);
+
+}  // namespace zek
