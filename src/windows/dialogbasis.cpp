@@ -1,0 +1,72 @@
+#include "windows/dialogbasis.h"
+
+#include <QDialogButtonBox>
+#include <QEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
+#include <utility>
+
+namespace zek {
+
+Dialogbasis::Dialogbasis(QWidget* eltern, const QString& titel, Hilfeoeffner hilfe, std::string hilfeseite)
+    : QDialog(eltern), hilfe_(std::move(hilfe)), hilfeseite_(std::move(hilfeseite)) {
+    setWindowTitle(titel);
+    setModal(true);
+}
+
+QDialogButtonBox* Dialogbasis::Knopfleiste(const QString& okayText) {
+    auto* leiste = new QDialogButtonBox(this);
+    auto* okay = leiste->addButton(okayText, QDialogButtonBox::AcceptRole);
+    okay->setObjectName("Okay");
+    okay->setDefault(true);
+    auto* abbruch = leiste->addButton("Abbrechen", QDialogButtonBox::RejectRole);
+    abbruch->setObjectName("Abbruch");
+    connect(okay, &QPushButton::clicked, this, [this] {
+        if (Pruefe()) accept();
+    });
+    connect(abbruch, &QPushButton::clicked, this, &QDialog::reject);
+    if (!hilfeseite_.empty()) {
+        auto* hilfe = leiste->addButton("Hilfe", QDialogButtonBox::HelpRole);
+        hilfe->setObjectName("Hilfe");
+        hilfe->setToolTip("Öffnet das Handbuch an der passenden Stelle (F1)");
+        connect(hilfe, &QPushButton::clicked, this, [this] { ZeigeHilfe(); });
+    }
+    return leiste;
+}
+
+void Dialogbasis::ZeigeHilfe() {
+    if (hilfe_ && !hilfeseite_.empty()) hilfe_(hilfeseite_);
+}
+
+void Dialogbasis::keyPressEvent(QKeyEvent* ereignis) {
+    if (ereignis->key() == Qt::Key_F1) {
+        ZeigeHilfe();
+        return;
+    }
+    QDialog::keyPressEvent(ereignis);
+}
+
+namespace {
+
+class Eintrittsmarkierer : public QObject {
+public:
+    explicit Eintrittsmarkierer(QLineEdit* feld) : QObject(feld), feld_(feld) {}
+    bool eventFilter(QObject* objekt, QEvent* ereignis) override {
+        // Behind the event, so that the click that gave the focus doesn't take the selection back.
+        if (ereignis->type() == QEvent::FocusIn) QTimer::singleShot(0, feld_, &QLineEdit::selectAll);
+        return QObject::eventFilter(objekt, ereignis);
+    }
+
+private:
+    QLineEdit* feld_;
+};
+
+}  // namespace
+
+void MarkiereBeiEintritt(QLineEdit* feld) {
+    feld->installEventFilter(new Eintrittsmarkierer(feld));
+}
+
+}  // namespace zek

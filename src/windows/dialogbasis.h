@@ -1,0 +1,42 @@
+// What all dialogs share: the row of standard buttons with their object names, and help by button and F1.
+#pragma once
+
+#include <QDialog>
+#include <functional>
+#include <string>
+
+class QDialogButtonBox;
+class QLineEdit;
+class QPushButton;
+
+namespace zek {
+
+// Opens a page of the manual by its name without the extension, for example "einstellungen".
+using Hilfeoeffner = std::function<void(const std::string& seite)>;
+
+// A modal dialog with `Okay` (default button), `Abbruch` (Escape) and, where it has a page in the manual, `Hilfe`.
+class Dialogbasis : public QDialog {
+public:
+    Dialogbasis(QWidget* eltern, const QString& titel, Hilfeoeffner hilfe, std::string hilfeseite);
+
+protected:
+    // Makes the row of buttons; `Okay` calls Pruefe and closes the dialog when that is true.
+    QDialogButtonBox* Knopfleiste(const QString& okayText);
+    // All checks of the dialog, with their messages; false keeps it open.
+    virtual bool Pruefe() { return true; }
+    void ZeigeHilfe();
+    void keyPressEvent(QKeyEvent* ereignis) override;
+
+private:
+    Hilfeoeffner hilfe_;
+    std::string hilfeseite_;
+};
+
+// Selects the whole text whenever the field gets the focus.
+void MarkiereBeiEintritt(QLineEdit* feld);
+
+inline QString Q(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+}  // namespace zek

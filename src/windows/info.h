@@ -1,0 +1,16 @@
+// frmTessaronInfo: name and version of the program, and the way to the system information.
+#pragma once
+
+#include <QDialog>
+
+namespace zek {
+
+class frmTessaronInfo : public QDialog {
+public:
+    explicit frmTessaronInfo(QWidget* eltern, const QString& version);
+
+private:
+    void StartSysInfo();
+};
+
+}  // namespace zek

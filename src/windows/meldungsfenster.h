@@ -1,0 +1,44 @@
+// frmMessageDialog: the message that can close itself, the window behind ZeigeMeldung.
+#pragma once
+
+#include "session/meldung.h"
+
+#include <QDialog>
+#include <array>
+
+class QLabel;
+class QPushButton;
+class QTimer;
+
+namespace zek {
+
+class frmMessageDialog : public QDialog {
+public:
+    // `flags` and `sekunden` as in ZeigeMeldung. `uhr` must outlive the window.
+    frmMessageDialog(QWidget* eltern, const Uhr& uhr, const QString& text, int flags, int sekunden);
+
+    // Shows the window modally while events go on. The result of the button, or 0 when the time limit closed it.
+    int Frage();
+
+protected:
+    void showEvent(QShowEvent* ereignis) override;
+    void closeEvent(QCloseEvent* ereignis) override;
+    void keyPressEvent(QKeyEvent* ereignis) override;
+
+private:
+    void Aufbauen(const QString& text);
+    void Klick(int knopf);
+    void Sekundentakt();
+    void KopiereText();
+
+    int flags_;
+    Meldungsknoepfe knoepfe_;
+    Meldungstakt takt_;
+    int ergebnis_ = 0;
+    QLabel* Meldung_;
+    QLabel* Label1_;  // the countdown
+    std::array<QPushButton*, 3> btn_{};
+    QTimer* Zeitgeber_;
+};
+
+}  // namespace zek

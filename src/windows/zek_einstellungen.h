@@ -1,0 +1,69 @@
+// frmZEKEinstellungen: the options of recording and supervision. Takes the settings, gives them back changed.
+#pragma once
+
+#include "modul/einstellungen.h"
+#include "modul/rollen.h"
+#include "windows/dialogbasis.h"
+
+class QCheckBox;
+class QGroupBox;
+class QTimeEdit;
+
+namespace zek {
+
+class frmZEKEinstellungen : public Dialogbasis {
+public:
+    // What the dialog asks of the world outside.
+    struct Umfeld {
+        Meldungen& meldungen;
+        // Tells the user by itself when the restart helper is missing; true when it is there.
+        std::function<bool()> neustartHelferVorhanden;
+        std::function<bool(const std::string& ordner)> ordnerExistiert;
+    };
+
+    frmZEKEinstellungen(QWidget* eltern, Umfeld umfeld, Hilfeoeffner hilfe, const Einstellungen& einstellungen);
+
+    // The settings with every control taken over; what the dialog doesn't show stays. Valid after it was accepted.
+    Einstellungen Ergebnis() const;
+
+protected:
+    bool Pruefe() override;
+
+private:
+    QGroupBox* GruppeGesamtvolumen();
+    QGroupBox* GruppeOhneUmsatz();
+    QGroupBox* GruppeEinschraenken();
+    QGroupBox* GruppeNeustart();
+    QGroupBox* GruppeOptionen();
+    void Fuelle(const Einstellungen& einstellungen);
+    void SchalteAbhaengige();
+    bool PruefeNeustart();
+    bool PruefeKonten();
+    bool Ablehnen(const std::string& text, QWidget* feld);
+    bool Fragen(const std::string& text);
+
+    Umfeld umfeld_;
+    Einstellungen vorher_;
+    QCheckBox* optUseGesamtvolumen_;
+    QCheckBox* optUmsatzfilter_[2];
+    QCheckBox* optKursaufzeichnungDeaktivieren_;
+    QTimeEdit* KursAufzeichnungDeaktivStart_;
+    QTimeEdit* KursAufzeichnungDeaktivEnde_;
+    QLineEdit* txtAufzeichnungsPauseBoersen_;
+    QCheckBox* optNeustartWennKeineKurse_;
+    QLineEdit* txtNeustartWennkeineKurseSekunden_;
+    QLineEdit* txtNeustartFehlernummern_;
+    QCheckBox* optNeustartBeiUhrzeit_;
+    QTimeEdit* NeustartUhrzeit_;
+    QCheckBox* optSystemzeitStellen_;
+    QCheckBox* optKontodatenAufzeichnen_;
+    QCheckBox* optPortfoliopositionen_;
+    QLineEdit* txtKontoname_;
+    QCheckBox* optKeinKontonameVerwenden_;
+    QLineEdit* txtKontoSpeicherOrdner_;
+    QCheckBox* optBidAskNachLast_;
+    QLineEdit* txtBFTimeout_;
+    QCheckBox* optDatenpflege_;
+};
+
+}  // namespace zek
