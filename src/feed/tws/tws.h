@@ -1,5 +1,15 @@
 // The TWS client: operations and events of the broker's socket protocol by their usual names. It knows nothing of
-// titles. This header is the room's face; the protocol itself stands in rahmen, nachrichten, decoder and encoder.
+// titles. This header is the room's face.
+//
+// The road of a message through the room:
+//   rahmen       bytes of the socket -> frames (length and payload), in place
+//   decoder      payload and server version -> one or more calls on TwsEreignisse
+//     nachrichten  the tables: message numbers, their fields, the server versions that brought or took them
+//     feldleser    fields between NULs, numbers read leniently
+//     textflucht   escapes and code pages of texts -> UTF-8
+//   encoder      operation and server version -> bytes to send
+//   sitzung      one connection: greeting, reading, end
+//   twsclient    the control: a Tws that makes a session with each connect
 #pragma once
 
 #include <cstdint>
@@ -43,7 +53,7 @@ struct ContractDetails {
     std::string liquidHours;
 };
 
-// A bar as delivered. Numbers that the service can't give come as -1.
+// A bar as delivered. Numbers that the service can't give come as -1; a bar without a close isn't delivered.
 struct Bar {
     std::string_view date;
     double open = 0, high = 0, low = 0, close = 0;
@@ -57,12 +67,17 @@ namespace code {
 inline constexpr int SocketFehler = -1;       // the socket broke; text of the system
 inline constexpr int NichtVerbunden = 504;    // a request without a session
 inline constexpr int ZuAlt = 503;             // the server's version is below 100
+inline constexpr int VersionUnbekannt = 506;  // the server's version is no number, or beyond the last one with text
 inline constexpr int FalscheRahmenlaenge = 507;
 }  // namespace code
 
 // The events of one session. All are called from the pump, never from inside an operation, except that an
 // operation without a session raises errMsg 504 at once. Texts live only during the call. The control that calls
-// may be destroyed inside any of them.
+// may be destroyed, disconnected or connected anew inside any of them; no further event of the old session follows.
+//
+// A handler may pump. What arrives meanwhile is delivered inside that pump, beginning behind the message being
+// handled; that message's own further events (the size behind a price, the other bars of an answer) follow when the
+// handler returns.
 class TwsEreignisse {
 public:
     virtual ~TwsEreignisse() = default;
@@ -100,13 +115,16 @@ class Tws {
 public:
     virtual ~Tws() = default;
 
-    // Waits, pumping, for the handshake, at most 5 seconds; afterwards TwsConnectionTime tells whether a session
-    // stands. An empty host means 127.0.0.1. The last two arguments carry no meaning.
+    // Waits, pumping, for the handshake and nextValidId, at most 5 seconds; afterwards TwsConnectionTime tells
+    // whether a session stands. Events that arrive meanwhile are delivered. A session or attempt that this control
+    // has is given up first, as by disconnect. An empty host means 127.0.0.1. The last two arguments carry no
+    // meaning.
     virtual void connect(const std::string& host, int port, int clientId, const std::string& connectOptions,
                          bool extraAuth) = 0;
     // Closes the socket at once. No connectionClosed follows.
     virtual void disconnect() = 0;
-    // "20250415 19:38:30 British Summer Time", the server's own words; empty when there is no connection.
+    // "20250415 19:38:30 British Summer Time", the server's own words (the computer's time if it sends none); empty
+    // when there is no connection.
     virtual const std::string& TwsConnectionTime() const = 0;
     // 0 when there is no connection.
     virtual int serverVersion() const = 0;
