@@ -21,6 +21,9 @@ struct Verbindungsangaben {
 
 class Gesicht : public Meldungen, public Offlineanzeige, public Monitorausgabe, public Startanzeige {
 public:
+    // True for the face that has no window and no tray: what a person arranged on the screen stays as it was.
+    virtual bool OhneBildschirm() const { return false; }
+
     // ---- start, in the order of its use
     virtual StarthinweisAntwort ZeigeStarthinweis() = 0;
     // The window of the start delay; `maximum` in quarters of a second.

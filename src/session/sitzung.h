@@ -1,0 +1,60 @@
+// The session: one run of the recorder. Owns all engine objects; a program's main() makes one, starts it, runs its
+// event loop and lets it go.
+#pragma once
+
+#include "session/abschluss.h"
+#include "session/main.h"
+#include "session/protokoll.h"
+#include "session/zusammenbau.h"
+
+#include <memory>
+#include <string>
+
+namespace zek {
+
+class Sitzung final : private Startfolge::Rekorder, private Abschluss::Rekorder {
+public:
+    // `gesicht` must outlive the session. `befehlszeile`: all arguments, joined by blanks.
+    Sitzung(Plattform plattform, Gesicht& gesicht, const std::string& befehlszeile);
+    ~Sitzung() override;
+    Sitzung(const Sitzung&) = delete;
+    Sitzung& operator=(const Sitzung&) = delete;
+
+    // The start sequence. False when the program is to end at once.
+    bool Starte();
+
+    // The closing by the system (SIGTERM, SIGINT) and every other closing without a question: the shutdown order, at
+    // once, also during the start and inside any wait. A backfill is cancelled before. Further calls do nothing.
+    void Beende();
+    bool Beendet() const { return beendet_; }
+
+    IBModul& Modul() { return modul_; }
+    Einstellungsspeicher& Einstellungen() { return einstellungen_; }
+    Statusausgabe& Status() { return protokoll_; }
+    const Plattform& Maschine() const { return plattform_; }
+    // The objects of the rooms below; only after the main window was loaded.
+    Zusammenbau& Teile() { return *teile_; }
+    bool HatTeile() const { return teile_ != nullptr; }
+
+private:
+    void HauptfensterLaden() override;
+    void TWSVerbindungAufbauen() override;
+    void AtomZeitAbfrage() override;
+    void Titelladen() override;
+    void ErsteDatenpflegeVormerken() override;
+    bool EndeVerlangt() const override { return beendet_; }
+    void MarktdatenAbbestellen(const clTitelobjekt& titel) override;
+    void TwsTrennen() override;
+
+    Plattform plattform_;
+    Gesicht& gesicht_;
+    IBModul modul_;
+    Einstellungsspeicher einstellungen_;
+    Protokoll protokoll_;
+    Startfolge start_;
+    Abschluss abschluss_;
+    std::unique_ptr<Zusammenbau> teile_;
+    bool beendet_ = false;
+};
+
+}  // namespace zek
