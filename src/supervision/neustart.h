@@ -1,0 +1,80 @@
+// Restart and end of the recorder by itself: at a clock time, for an error number of the broker, for want of ticks, by
+// a command of a second instance. All reasons only set a flag of the module; the supervision round carries it out.
+#pragma once
+
+#include "modul/ibmodul.h"
+#include "modul/rollen.h"
+#include "platform/dateisystem.h"
+#include "platform/prozesse.h"
+#include "platform/pumpe.h"
+#include "platform/uhr.h"
+
+#include <string>
+#include <string_view>
+
+namespace zek {
+
+class Neustart {
+public:
+    // Name of the restart helper, in the program folder.
+    static constexpr std::string_view Helferdatei = "ZEKIBAutoNeustart.exe";
+    // No second restart for an error number within so many seconds, also not by the next instance.
+    static constexpr double FehlerSperrzeit = 20;
+    // The watch for missing ticks begins so many seconds after the start.
+    static constexpr double KurseKarenz = 300;
+
+    // What the session does for it.
+    class Sitzung {
+    public:
+        virtual ~Sitzung() = default;
+        // Settings of section "Optionen".
+        virtual std::string LeseOption(std::string_view schluessel, std::string_view vorgabe) = 0;
+        virtual void SchreibeOption(std::string_view schluessel, std::string_view wert) = 0;
+        // Section "Kommando", straight from the per-user store, "0" when missing.
+        virtual std::string LeseKommando(std::string_view schluessel) = 0;
+        // TwsConnectionTime isn't empty.
+        virtual bool TwsVerbunden() const = 0;
+        virtual void disconnect() = 0;
+        // Asks a backfill run to stop; false when there is no progress window.
+        virtual bool DatenpflegeAbbrechen() = 0;
+        virtual void DatenpflegeFensterFreigeben() = 0;
+        // Unloads the main window, which runs the shutdown order; asks nothing. False when that failed.
+        virtual bool HauptfensterEntladen() = 0;
+        // The way out when the window doesn't unload: the end procedure, directly, and the end of the program.
+        virtual void ProgrammBeenden() = 0;
+    };
+
+    Neustart(IBModul& modul, const Uhr& uhr, Pumpe& pumpe, Dateisystem& dateien, Prozesse& prozesse,
+             Statusausgabe& status, Meldungen& meldungen, Sitzung& sitzung);
+
+    // Starts the restart helper, or only tests for it and tells the user when it is missing. True when it is there; a
+    // start that fails by an error isn't told apart.
+    bool AutoNeustartStarten(bool nurPruefen);
+
+    // The rules, one call per round. Each tests its own switch.
+    void UhrzeitPruefen();
+    void FehlendeKursePruefen();
+    void KommandosPruefen();
+
+    // The error code stands in the restart list.
+    void WegenFehler(int code);
+
+    // Carries out what was asked for. True when the program's end has begun: nothing may run any more then.
+    bool Ausfuehren();
+
+private:
+    bool ProgrammEndet();
+    void NeustartUnmoeglich();
+    void Anfordern(const std::string& begruendung);
+
+    IBModul& modul_;
+    const Uhr& uhr_;
+    Pumpe& pumpe_;
+    Dateisystem& dateien_;
+    Prozesse& prozesse_;
+    Statusausgabe& status_;
+    Meldungen& meldungen_;
+    Sitzung& sitzung_;
+};
+
+}  // namespace zek

@@ -1,0 +1,68 @@
+// The supervision round: everything that isn't driven by an event of the broker, once a second and in one order.
+#pragma once
+
+#include "modul/ibmodul.h"
+#include "modul/rollen.h"
+#include "platform/uhr.h"
+#include "supervision/neustart.h"
+
+#include <chrono>
+#include <cstdint>
+#include <string_view>
+
+namespace zek {
+
+class Runde {
+public:
+    static constexpr std::chrono::milliseconds Intervall{1000};
+    // A reconnection waits for the farm at most so many whole seconds.
+    static constexpr long long FarmWartezeit = 5;
+    // Reconnection attempts until the connection is seen standing again.
+    static constexpr std::int32_t Hoechstversuche = 30;
+
+    // Who does the work of the round.
+    class Mitspieler {
+    public:
+        virtual ~Mitspieler() = default;
+        virtual void AlleMarktdatenAbbestellen(std::int32_t& count) = 0;
+        virtual void AlleMarktdatenAbonnieren(std::int32_t count) = 0;
+        virtual void KontoabosAnfordern() = 0;
+        virtual void TWSVerbindungAufbauen() = 0;
+        // TwsConnectionTime isn't empty.
+        virtual bool TwsVerbunden() const = 0;
+        virtual void reqCurrentTime() = 0;
+        virtual void VerbergeOfflinewarnung() = 0;
+        // 0: by the scheduling's own rules. False when a run is active already. Stays until the run is over.
+        virtual bool StarteAutoBackfill(Datum zeitpunkt) = 0;
+        virtual void AtomZeitAbfrage() = 0;
+        // Key "IBLastEnd" of section "Datenpflege".
+        virtual void SchreibeLastEnd(std::string_view wert) = 0;
+    };
+
+    Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Neustart& neustart, Mitspieler& mitspieler);
+
+    // One round; the event of the timer. Does nothing while a round is running, and nothing after Beende. Errors are
+    // ignored step by step.
+    void Durchlauf();
+
+    // No round begins any more: the shutdown order has begun.
+    void Beende() { beendet_ = true; }
+
+private:
+    void NeuverbindungAbschliessen();
+    void DatenpflegeNachNeuverbindung();
+    void Neustartregeln();
+    void Minutenblock();
+    void Wiederverbinden();
+    void Warteschlange();
+
+    IBModul& modul_;
+    const Uhr& uhr_;
+    Statusausgabe& status_;
+    Neustart& neustart_;
+    Mitspieler& mitspieler_;
+    bool laeuft_ = false;
+    bool beendet_ = false;
+};
+
+}  // namespace zek
