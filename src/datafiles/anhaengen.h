@@ -22,7 +22,7 @@ bool DateiEndeBereinigen(clDateiIO& datei, const std::string& name);
 // Opens, appends 16 bytes and closes, so that every record can be read by others at once and survives a crash.
 // In the steady state that is five system calls (open, size, seek, write, close) and no allocation: folder and
 // letter case are looked after only when the open fails.
-class Datensatzschreiber {
+class Datensatzschreiber : public Datensatzablage {
 public:
     // Signed volume of the title's last trade; asked for kind 5.
     using Volumenfrage = std::function<float(clTitelobjekt&)>;
@@ -33,7 +33,8 @@ public:
     // Appends (now + the title's ZeitKorrektur, kurs, volume). A file with a torn header or a torn record is left
     // alone without a word. An error gives one line in the log and loses this record only. `kontodaten` sends the
     // record to the folder of account data, when one is set. Throws nothing.
-    void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool kontodaten);
+    void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
+                            bool kontodaten) override;
 
 private:
     void BildePfad(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten);
