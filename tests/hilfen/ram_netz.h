@@ -5,6 +5,8 @@
 #include "hilfen/virtuelle_welt.h"
 #include "platform/tcp.h"
 
+#include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -55,14 +57,17 @@ private:
     class Lauscher;
     using Endezeiger = std::shared_ptr<Ende>;
 
+    void Plane(VirtuelleWelt::Mikro abstand, std::function<void()> fn);
+    // Plans an arrival behind all that `von` has sent; it is kept while the net stands still.
+    void Zustelle(Ende& von, std::function<void()> ankunft);
+    void LiefereAufgehaltenes();
     void Verbinde(const Endezeiger& ende, const std::string& rechner, int port);
     void NimmAn(const Endezeiger& ende, int port);
-    // Plans an arrival, or keeps it while the net stands still.
-    void Zustelle(std::function<void()> ankunft);
     void SendeStuecke(const Endezeiger& von, std::span<const char> daten);
-    void Ankunft(const Endezeiger& an, const std::string& bytes);
+    void Ankunft(const Endezeiger& von, const std::string& bytes);
     void MeldeLesbar(const Endezeiger& ende);
     void PlaneNachlesen(const Endezeiger& ende);
+    void Nachlesen(const Endezeiger& ende);
     void Trenne(const Endezeiger& ende, bool inOrdnung);
     void Fehler(const Endezeiger& ende, int nummer, std::string_view text);
 
@@ -74,7 +79,7 @@ private:
     std::uint64_t versuche_ = 0;
     int naechsterPort_ = 40000;
     std::string letztesZiel_;
-    std::vector<std::function<void()>> aufgehalten_;
+    std::deque<std::function<void()>> aufgehalten_;
     std::map<int, std::weak_ptr<Lauscherkern>> lauscher_;
     std::vector<std::weak_ptr<Ende>> enden_;
     std::set<std::string> unbekannt_;

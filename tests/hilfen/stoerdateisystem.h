@@ -34,8 +34,8 @@ std::string_view Name(Dateiaufruf art);
 
 // A disturbance. It concerns the calls that match all given conditions, from the `Ab`-th such call on, `Anzahl` times.
 struct Stoerung {
-    std::optional<Dateiaufruf> Art;  // any call when empty
-    std::string Pfadteil;            // the call's path contains this text; any path when empty
+    std::optional<Dateiaufruf> Art = {};  // any call when empty
+    std::string Pfadteil = {};            // the call's path contains this text; any path when empty
     std::uint64_t Ab = 1;
     std::uint64_t Anzahl = std::numeric_limits<std::uint64_t>::max();
     // What the call answers: -Fehler. Calls that answer true or a list answer false or an empty one. 0 leaves the call

@@ -141,7 +141,7 @@ private:
     void Merke(const char* name, const Werte&... werte) {
         std::string zeile = name;
         zeile += '(';
-        const char* trenner = "";
+        [[maybe_unused]] const char* trenner = "";
         ((zeile += trenner, zeile += Text(werte), trenner = ", "), ...);
         zeile += ')';
         Zeilen.push_back(std::move(zeile));

@@ -81,7 +81,7 @@ public:
     std::vector<Datum> GesetzteZeiten;  // every SetzeSystemzeit, also the refused ones
 
 private:
-    bool LaufeFaelligeBis(Mikro ende);
+    bool LaufeNaechstesBis(Mikro ende);
     void RueckeVor(Mikro zeitpunkt);
 
     std::map<Kennung, std::function<void()>> plan_;
