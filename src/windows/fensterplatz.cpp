@@ -1,0 +1,91 @@
+#include "windows/fensterplatz.h"
+
+#include "platform/text.h"
+
+#include <QAbstractItemModel>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QScreen>
+#include <QWidget>
+#include <algorithm>
+
+namespace zek {
+
+namespace {
+
+constexpr int Normal = 0, Minimiert = 1, Maximiert = 2;
+
+// The window's own screen if the place touches one; otherwise the primary one.
+QRect Zielbereich(const QRect& platz) {
+    const QScreen* bester = QGuiApplication::primaryScreen();
+    int groesste = 0;
+    for (const QScreen* schirm : QGuiApplication::screens()) {
+        const QRect gemeinsam = schirm->availableGeometry().intersected(platz);
+        const int flaeche = gemeinsam.width() * gemeinsam.height();
+        if (flaeche <= groesste) continue;
+        groesste = flaeche;
+        bester = schirm;
+    }
+    return bester->availableGeometry();
+}
+
+std::string Spaltenname(const QHeaderView& kopf, int spalte) {
+    return kopf.model()->headerData(spalte, Qt::Horizontal).toString().toStdString();
+}
+
+}  // namespace
+
+QRect Hineingeschoben(QRect platz, const QRect& bereich) {
+    platz.setSize(platz.size().boundedTo(bereich.size()));
+    platz.moveLeft(std::clamp(platz.left(), bereich.left(), bereich.right() - platz.width() + 1));
+    platz.moveTop(std::clamp(platz.top(), bereich.top(), bereich.bottom() - platz.height() + 1));
+    return platz;
+}
+
+void Fensterplatz::Laden(QWidget& fenster, const std::string& schluessel) {
+    const auto lies = [&](const char* name, int vorgabe) {
+        const std::string text = speicher_.LeseEinstellung(ProduktName, schluessel, name, "");
+        return text.empty() ? vorgabe : static_cast<int>(std::clamp(Zahlwert(text), -3e6, 3e6)) / TwipsProPixel;
+    };
+    const QRect jetzt = fenster.geometry();
+    QRect platz(lies("Links", jetzt.left()), lies("Oben", jetzt.top()), lies("Breite", jetzt.width()),
+                lies("Höhe", jetzt.height()));
+    platz.setSize(platz.size().expandedTo(fenster.minimumSizeHint()));
+    fenster.setGeometry(Hineingeschoben(platz, Zielbereich(platz)));
+    const std::string zustand = speicher_.LeseEinstellung(ProduktName, schluessel, "WinState", "0");
+    if (static_cast<int>(Zahlwert(zustand)) == Maximiert) fenster.setWindowState(Qt::WindowMaximized);
+}
+
+void Fensterplatz::Speichern(const QWidget& fenster, const std::string& schluessel) {
+    const auto schreibe = [&](const char* name, int wert) {
+        speicher_.SchreibeEinstellung(ProduktName, schluessel, name, std::to_string(wert));
+    };
+    int zustand = Normal;
+    if (fenster.isMinimized())
+        zustand = Minimiert;
+    else if (fenster.isMaximized())
+        zustand = Maximiert;
+    if (zustand == Normal) {
+        const QRect platz = fenster.geometry();
+        schreibe("Links", platz.left() * TwipsProPixel);
+        schreibe("Oben", platz.top() * TwipsProPixel);
+        schreibe("Breite", platz.width() * TwipsProPixel);
+        schreibe("Höhe", platz.height() * TwipsProPixel);
+    }
+    schreibe("WinState", zustand);
+}
+
+void Fensterplatz::SpaltenLaden(QHeaderView& kopf, const std::string& schluessel) {
+    for (int spalte = 0; spalte < kopf.count(); ++spalte) {
+        const std::string text = speicher_.LeseEinstellung(ProduktName, schluessel, Spaltenname(kopf, spalte), "");
+        if (!text.empty()) kopf.resizeSection(spalte, std::clamp(static_cast<int>(Zahlwert(text)), 10, 4000));
+    }
+}
+
+void Fensterplatz::SpaltenSpeichern(const QHeaderView& kopf, const std::string& schluessel) {
+    for (int spalte = 0; spalte < kopf.count(); ++spalte)
+        speicher_.SchreibeEinstellung(ProduktName, schluessel, Spaltenname(kopf, spalte),
+                                      std::to_string(kopf.sectionSize(spalte)));
+}
+
+}  // namespace zek

@@ -1,0 +1,38 @@
+// The place store: where windows and columns were when they were last seen, under the application name "Tessaron".
+#pragma once
+
+#include "session/einstellungen.h"
+
+#include <QRect>
+#include <QString>
+
+class QHeaderView;
+class QWidget;
+
+namespace zek {
+
+// Lengths in the store are twips, 15 to the pixel.
+inline constexpr int TwipsProPixel = 15;
+
+class Fensterplatz {
+public:
+    explicit Fensterplatz(Einstellungsspeicher& speicher) : speicher_(speicher) {}
+
+    // Restores place and state ("Links", "Oben", "Breite", "Höhe", "WinState"). A place outside all screens is moved
+    // back inside. A minimized state is not restored here; that is the tray's business.
+    void Laden(QWidget& fenster, const std::string& schluessel);
+    // The place only in the normal state, the state always: 0 normal, 1 minimized, 2 maximized.
+    void Speichern(const QWidget& fenster, const std::string& schluessel);
+
+    // One key per column, named by `spaltenname`; the value is the width in pixels. An empty value leaves the column.
+    void SpaltenLaden(QHeaderView& kopf, const std::string& schluessel);
+    void SpaltenSpeichern(const QHeaderView& kopf, const std::string& schluessel);
+
+private:
+    Einstellungsspeicher& speicher_;
+};
+
+// `platz` moved, and made smaller where it must be, so that it lies inside `bereich`.
+QRect Hineingeschoben(QRect platz, const QRect& bereich);
+
+}  // namespace zek

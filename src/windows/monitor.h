@@ -1,0 +1,45 @@
+// frmMonitor: shows what arrives, while it arrives. Lives in the dock of the main window.
+#pragma once
+
+#include "titles/titelliste.h"
+#include "windows/fensterplatz.h"
+#include "windows/monitormodell.h"
+
+#include <QWidget>
+#include <functional>
+
+class QCheckBox;
+class QTableView;
+class QTimer;
+
+namespace zek {
+
+class frmMonitor : public QWidget {
+public:
+    // `beiDoppelklick` gets the title of a line in static mode.
+    frmMonitor(QWidget* eltern, const Titelliste& titel, Einstellungsspeicher& speicher,
+               std::function<void(std::int32_t titelId)> beiDoppelklick);
+    ~frmMonitor() override;
+
+    // One tick; `jetzt` is the present date.
+    void Tick(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool verworfen, Datum jetzt) {
+        modell_->Tick(titel, kursart, kurs, volume, verworfen, jetzt + titel.ZeitKorrektur);
+    }
+    // Rebuilds the fixed lines after titles have changed; the price list stays.
+    void TitelGeaendert();
+
+private:
+    void Baue();
+    void ModusGewechselt();
+    void Uebernehme();
+
+    const Titelliste& titel_;
+    Einstellungsspeicher& speicher_;
+    Fensterplatz plaetze_;
+    Monitormodell* modell_;
+    QTableView* LMonitor_;
+    QCheckBox* optStatisch_;
+    QTimer* Zeitgeber_;
+};
+
+}  // namespace zek
