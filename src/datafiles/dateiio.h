@@ -90,7 +90,7 @@ private:
     static std::string Systemfehlertext(int code);
     void PruefeOffen() const;
     std::int64_t Merke(std::int64_t ergebnis);
-    void PruefeZu(const std::string& dateiname) const;
+    void PruefeZu() const;
 
     Dateisystem& dateien_;
     Dateihandle handle_ = KeinHandle;

@@ -27,9 +27,9 @@ namespace zek {
 inline constexpr std::string_view Dateiendung = ".ZEK";
 
 // All kinds of files that go with a title when it is deleted, in this order. Position files aren't among them.
-inline constexpr std::array<std::int32_t, 24> TiteldateiArten = {
-    1,    2,    3,    5,    -101, -102, -103, -104, -105, -106, -107, -108,
-    -109, -110, -201, -202, -203, -204, -205, -206, -207, -208, -209, -210};
+inline constexpr std::array<std::int32_t, 24> TiteldateiArten = {1,    2,    3,    5,    -101, -102, -103, -104,
+                                                                 -105, -106, -107, -108, -109, -110, -201, -202,
+                                                                 -203, -204, -205, -206, -207, -208, -209, -210};
 
 // "-" in place of each of / \ : * ? " < > |
 std::string Namensbereinigung(std::string_view text);

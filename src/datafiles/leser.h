@@ -58,16 +58,16 @@ private:
 // What a whole read of a file found.
 struct Dateibefund {
     Dateileser::Ergebnis Ergebnis = Dateileser::Ergebnis::Offen;
-    int Fehlernummer = 0;             // errno of a failed open or read
+    int Fehlernummer = 0;  // errno of a failed open or read
     DatenDateikopf Kopf;
     std::int64_t Bytes = 0;
-    std::int64_t Saetze = 0;          // whole records, zero records included
-    int RestBytes = 0;                // bytes of a torn record at the end
+    std::int64_t Saetze = 0;  // whole records, zero records included
+    int RestBytes = 0;        // bytes of a torn record at the end
     std::int64_t NullsaetzeAmEnde = 0;
     std::int64_t NullsaetzeInnen = 0;
-    std::int64_t Rueckspruenge = 0;   // records older than the one before
+    std::int64_t Rueckspruenge = 0;       // records older than the one before
     std::int64_t ErsterRuecksprung = -1;  // number of the first such record, from 0
-    double Erstes = 0;                // Datum of the first and last record that isn't a zero record; 0 without any
+    double Erstes = 0;                    // Datum of the first and last record that isn't a zero record; 0 without any
     double Letztes = 0;
 
     bool IstBeschaedigt() const {

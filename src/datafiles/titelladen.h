@@ -8,6 +8,7 @@
 #include "platform/uhr.h"
 
 #include <functional>
+#include <string>
 
 namespace zek {
 
@@ -17,8 +18,8 @@ namespace zek {
 class Titellader {
 public:
     struct Aufrufe {
-        std::function<bool()> Verbunden;                   // the session has a connection time
-        std::function<int(clTitelobjekt&)> Abonniere;      // returns the number of messages sent
+        std::function<bool()> Verbunden;               // the session has a connection time
+        std::function<int(clTitelobjekt&)> Abonniere;  // returns the number of messages sent
         std::function<void()> TitelInfoAktualisieren;
     };
 
@@ -30,10 +31,11 @@ public:
     void Titelladen();
 
 private:
-    void Uebernehme(const Wert& liste);
+    void Uebernehme(const Wert& baum);
+    void UebernehmeAlle(const Werteliste& liste);
     void UebernehmeTitel(const Wert& para);
     void HalteTakt();
-    void Versuche(const std::function<void()>& schritt);
+    void MeldeLadefehler(const std::string& text);
 
     IBModul& modul_;
     Dateisystem& dateien_;

@@ -1,0 +1,158 @@
+#include "datafiles/anhaengen.h"
+
+#include "datafiles/dateikopf.h"
+#include "datafiles/dateinamen.h"
+#include "platform/ohnefehler.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <span>
+#include <stdexcept>
+#include <utility>
+
+namespace zek {
+
+namespace {
+
+// A write that the system refused, with its errno.
+struct Schreibfehler : std::runtime_error {
+    explicit Schreibfehler(std::int64_t ergebnis)
+        : std::runtime_error(SystemText(static_cast<int>(-ergebnis))), Nummer(static_cast<int>(-ergebnis)) {}
+    int Nummer;
+};
+
+bool NurNullen(std::span<const char> feld) {
+    return std::ranges::all_of(feld, [](char zeichen) { return zeichen == '\0'; });
+}
+
+std::int64_t LiesSatz(clDateiIO& datei, KursDatensatz& satz) {
+    return datei.Lies(std::as_writable_bytes(std::span(&satz, 1)));
+}
+
+// Steps back from the last record over those with a Datum of 0; true when there was one. The position is then
+// behind the last good record, or 16 bytes before the header's end when there is none.
+bool UeberspringeNullsaetze(clDateiIO& datei, std::int64_t groesse) {
+    const std::int64_t anzahl = (groesse - DateikopfBytes) / DatensatzBytes;
+    if (anzahl < 1) return false;
+    datei.SeekAbsolute(Dateiposition::AusBytes(groesse - DatensatzBytes));
+    bool gefunden = false;
+    KursDatensatz satz;
+    for (std::int64_t i = 0; i < anzahl; ++i) {
+        if (LiesSatz(datei, satz) != DatensatzBytes || satz.Datum != 0.0) break;
+        datei.SeekRelative(-2 * static_cast<std::int32_t>(DatensatzBytes));
+        gefunden = true;
+    }
+    return gefunden;
+}
+
+// What a short write left behind goes, so that the file stays whole and takes the next record.
+void NimmZurueck(clDateiIO& datei, std::int64_t groesse) {
+    datei.SeekAbsolute(Dateiposition::AusBytes(groesse));
+    datei.SetzeDateiEnde();
+}
+
+}  // namespace
+
+bool DateiEndeBereinigen(clDateiIO& datei, const std::string& name) {
+    bool gefunden = false;
+    const bool ohneFehler = OhneFehler([&] { gefunden = UeberspringeNullsaetze(datei, datei.FileSize().Bytes()); });
+    if (!ohneFehler || !gefunden) return false;
+    OhneFehler([&] { datei.SetzeDateiEnde(); });
+    OhneFehler([&] { datei.CloseFile(); });
+    OhneFehler([&] { datei.OpenFile(name, false); });
+    return true;
+}
+
+Datensatzschreiber::Datensatzschreiber(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Statusausgabe& status,
+                                       Volumenfrage vorzeichenVolumen)
+    : modul_(modul),
+      dateien_(dateien),
+      uhr_(uhr),
+      status_(status),
+      vorzeichenVolumen_(std::move(vorzeichenVolumen)),
+      datei_(dateien) {}
+
+void Datensatzschreiber::DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
+                                            bool kontodaten) {
+    OhneFehler([&] {
+        try {
+            BildePfad(titel, kursart, kontodaten);
+            Oeffne(titel, kursart, kontodaten);
+            Anhaengen(titel, kursart, kurs, volume);
+        } catch (const DateiFehler& fehler) {
+            MeldeFehler(fehler.Nummer(), fehler.what());
+        } catch (const Schreibfehler& fehler) {
+            MeldeFehler(fehler.Nummer, fehler.what());
+        } catch (const std::exception& fehler) {
+            MeldeFehler(0, fehler.what());
+        }
+    });
+    if (datei_.IsOpen()) datei_.CloseFile();
+}
+
+void Datensatzschreiber::BildePfad(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten) {
+    pfad_.clear();
+    const std::string_view eigener = kontodaten ? Kontodatenordner(modul_) : std::string_view();
+    if (eigener.empty()) {
+        OrdnertextAnhaengen(modul_, titel, pfad_);
+    } else {
+        pfad_ += eigener;
+        if (!pfad_.ends_with('/')) pfad_ += '/';
+    }
+    DateinameAnhaengen(titel, kursart, pfad_);
+}
+
+void Datensatzschreiber::Oeffne(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten) {
+    if (!andereSchreibweise_.empty()) {
+        const auto fund = andereSchreibweise_.find(pfad_);
+        if (fund != andereSchreibweise_.end() && datei_.OeffneVorhandene(fund->second)) return;
+    }
+    if (datei_.OeffneVorhandene(pfad_)) return;
+    std::string wirklich = Dateipfad(modul_, dateien_, titel, kursart, kontodaten);
+    datei_.OpenFile(wirklich, false);
+    if (wirklich != pfad_) andereSchreibweise_.insert_or_assign(pfad_, std::move(wirklich));
+}
+
+void Datensatzschreiber::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume) {
+    std::int64_t groesse = datei_.FileSize().Bytes();
+    if (groesse == 0) {
+        LegeKopfAn(titel, kursart);
+        groesse = DateikopfBytes;
+    } else if (groesse < DateikopfBytes || (groesse - DateikopfBytes) % DatensatzBytes != 0) {
+        return;  // damaged: left as it is
+    } else if (!titel.KonsistenzGecheckt(kursart)) {
+        groesse = Erstpruefung(titel, kursart, groesse);
+    }
+    datei_.SeekAbsolute(Dateiposition::AusBytes(groesse));
+    KursDatensatz satz{uhr_.Jetzt() + titel.ZeitKorrektur, kurs, volume};
+    if (kursart == kursart::BAVolume) satz.Volume = vorzeichenVolumen_(titel);
+    const std::int64_t geschrieben = datei_.Schreibe(std::as_bytes(std::span(&satz, 1)));
+    if (geschrieben < 0) throw Schreibfehler(geschrieben);
+    if (geschrieben < DatensatzBytes) NimmZurueck(datei_, groesse);
+}
+
+// The check at the first write of a run; returns the size to go on with.
+std::int64_t Datensatzschreiber::Erstpruefung(clTitelobjekt& titel, std::int32_t kursart, std::int64_t groesse) {
+    DatenDateikopf kopf;
+    if (datei_.Lies(KopfBytes(kopf)) > 0 && NurNullen(kopf.KurzName) && NurNullen(kopf.LangSymbol)) {
+        datei_.SeekAbsolute({});
+        datei_.WriteNewHeader(titel, kursart);
+    }
+    const std::string name = datei_.FileName();
+    if (DateiEndeBereinigen(datei_, name)) groesse = datei_.FileSize().Bytes();
+    titel.KonsistenzGecheckt(kursart, true);
+    return groesse;
+}
+
+void Datensatzschreiber::LegeKopfAn(clTitelobjekt& titel, std::int32_t kursart) {
+    const std::int64_t geschrieben = datei_.WriteNewHeader(titel, kursart);
+    if (geschrieben == DateikopfBytes) return;
+    NimmZurueck(datei_, 0);
+    throw Schreibfehler(geschrieben < 0 ? geschrieben : -ENOSPC);
+}
+
+void Datensatzschreiber::MeldeFehler(int nummer, const char* text) {
+    status_.Statusmeldung("Fehler Nr. " + std::to_string(nummer) + " beim Speichern von " + pfad_ + " (" + text + ")");
+}
+
+}  // namespace zek

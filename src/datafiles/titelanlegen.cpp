@@ -1,0 +1,54 @@
+#include "datafiles/titelanlegen.h"
+
+#include "datafiles/dateinamen.h"
+#include "platform/ohnefehler.h"
+#include "platform/text.h"
+
+#include <algorithm>
+
+namespace zek {
+
+namespace {
+
+Titelzeiger AusAngaben(const Titelangaben& angaben) {
+    auto titel = std::make_shared<clTitelobjekt>();
+    titel->Symbol = angaben.Symbol;
+    titel->Börsenplatz = angaben.Börsenplatz;
+    titel->Typ = angaben.Typ;
+    titel->Währung = angaben.Währung;
+    titel->Laufzeit = angaben.Laufzeit;
+    titel->Katalog = angaben.Katalog;
+    titel->IstLokalesSymbol = angaben.IstLokalesSymbol;
+    titel->Multiplikator = angaben.Multiplikator;
+    if (!angaben.Basispreis.empty()) titel->Basispreis = Zahlwert(angaben.Basispreis);
+    titel->Ausübungsrecht = angaben.Ausübungsrecht;
+    titel->BidAsk = true;
+    titel->Aktiv(true);
+    Dateinamensbildung(*titel, kursart::Basisname);
+    return titel;
+}
+
+bool IstVorhanden(const Titelliste& liste, const clTitelobjekt& neu) {
+    return std::any_of(liste.begin(), liste.end(), [&](const Titelzeiger& alt) {
+        return Verbindungsvergleich(*alt, neu) || GleichOhneGrossKlein(alt->Dateiname, neu.Dateiname);
+    });
+}
+
+}  // namespace
+
+Titelzeiger TitelAnlegen(IBModul& modul, const Titelangaben& angaben,
+                         const std::function<int(clTitelobjekt&)>& abonniere) {
+    Titelzeiger titel;
+    OhneFehler([&] {
+        Titelzeiger neu = AusAngaben(angaben);
+        if (IstVorhanden(modul.Titelliste, *neu)) return;
+        neu->id = ++modul.Titelnummer;
+        if (modul.Titelliste.Fuege(neu)) titel = std::move(neu);
+    });
+    if (!titel) return nullptr;
+    if (!titel->Katalog.empty()) modul.Katalogliste.Fuege(titel->Katalog);
+    if (modul.TWSVerbunden) OhneFehler([&] { abonniere(*titel); });
+    return titel;
+}
+
+}  // namespace zek

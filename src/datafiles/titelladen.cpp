@@ -1,0 +1,120 @@
+#include "datafiles/titelladen.h"
+
+#include "platform/ohnefehler.h"
+#include "titles/titeldatei.h"
+
+#include <cstdint>
+#include <exception>
+#include <optional>
+#include <utility>
+
+namespace zek {
+
+namespace {
+
+constexpr int NachrichtenJePause = 31;           // messages after which the next second is waited for
+constexpr float Pausenlaenge = 1.0F;             // seconds
+constexpr std::int64_t FortschrittSchritt = 20;  // titles
+
+}  // namespace
+
+Titellader::Titellader(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe, Startanzeige& anzeige,
+                       Meldungen& meldungen, Aufrufe aufrufe)
+    : modul_(modul),
+      dateien_(dateien),
+      uhr_(uhr),
+      pumpe_(pumpe),
+      anzeige_(anzeige),
+      meldungen_(meldungen),
+      aufrufe_(std::move(aufrufe)) {}
+
+void Titellader::Titelladen() {
+    try {
+        const Titeldatei datei = LiesTiteldatei(dateien_, modul_.Programmordner);
+        using enum Titeldatei::Zustand;
+        if (datei.Ergebnis == Gelesen || datei.Ergebnis == Beschaedigt) {
+            anzeige_.Startinfo("Die Titeldefinitionen werden geladen. Bitte warten...");
+            pumpe_.Ereignisse();
+        }
+        if (datei.Ergebnis == Beschaedigt || datei.Ergebnis == NichtLesbar) MeldeLadefehler(datei.Fehlertext);
+        if (datei.Ergebnis == Gelesen) Uebernehme(datei.Titel);
+    } catch (const std::exception& fehler) {
+        OhneFehler([&] { MeldeLadefehler(fehler.what()); });
+    }
+    anzeige_.Sanduhr(false);
+}
+
+void Titellader::MeldeLadefehler(const std::string& text) {
+    meldungen_.ZeigeMeldung("Fehler beim Laden der Titeldefinitionen aufgetreten: " + text, meldung::Ok, 0);
+}
+
+void Titellader::Uebernehme(const Wert& baum) {
+    anzeige_.Sanduhr(false);
+    modul_.Titelliste.Leere();
+    modul_.Katalogliste.Leere();
+    anzeige_.Sanduhr(true);
+    anzeige_.Startinfo("Der Datenstrom wird initialisiert. Bitte warten...");
+    const auto* liste = std::get_if<Werteliste>(&baum.Inhalt);
+    if (liste) {
+        const auto anzahl = static_cast<std::int64_t>(liste->Elemente.size());
+        anzeige_.FortschrittMaximum(static_cast<int>(liste->Untergrenze + anzahl - 1));
+    }
+    modul_.Titelnummer = 0;
+    pumpe_.Ereignisse();
+    letztePause_ = uhr_.Timer();
+    gesendet_ = 0;
+    if (liste) UebernehmeAlle(*liste);
+    OhneFehler([&] { aufrufe_.TitelInfoAktualisieren(); });
+}
+
+void Titellader::UebernehmeAlle(const Werteliste& liste) {
+    std::int64_t stelle = liste.Untergrenze;
+    for (const Wert& para : liste.Elemente) {
+        UebernehmeTitel(para);
+        if (stelle % FortschrittSchritt == 0) anzeige_.FortschrittWert(static_cast<int>(stelle));
+        ++stelle;
+    }
+}
+
+void Titellader::UebernehmeTitel(const Wert& para) {
+    auto titel = std::make_shared<clTitelobjekt>();
+    titel->id = ++modul_.Titelnummer;
+    // A title with an unreadable element keeps what was read before it.
+    OhneFehler([&] { titel->ReadAllPara(para); });
+    modul_.Titelliste.Fuege(titel);
+    if (gesendet_ >= NachrichtenJePause) HalteTakt();
+    OhneFehler([&] {
+        if (titel->Aktiv() && aufrufe_.Verbunden()) gesendet_ += aufrufe_.Abonniere(*titel);
+    });
+    if (!titel->Katalog.empty()) modul_.Katalogliste.Fuege(titel->Katalog);
+}
+
+void Titellader::HalteTakt() {
+    PumpeBis(pumpe_, [&] {
+        const float jetzt = uhr_.Timer();
+        if (jetzt < letztePause_) letztePause_ = jetzt;  // midnight has passed: a whole second from here
+        return jetzt - letztePause_ >= Pausenlaenge;
+    });
+    letztePause_ = uhr_.Timer();
+    gesendet_ = 0;
+}
+
+Titelsicherung::Titelsicherung(const IBModul& modul, Dateisystem& dateien, Startanzeige& anzeige, Meldungen& meldungen)
+    : modul_(modul), dateien_(dateien), anzeige_(anzeige), meldungen_(meldungen) {}
+
+void Titelsicherung::Titelspeichern() {
+    anzeige_.Sanduhr(true);
+    std::optional<std::string> fehlertext;
+    try {
+        fehlertext = SchreibeTiteldatei(dateien_, modul_.Programmordner, modul_.Titelliste);
+    } catch (const std::exception& fehler) {
+        fehlertext = fehler.what();
+    }
+    if (fehlertext) {
+        meldungen_.ZeigeMeldung("Fehler beim Speichern der Titeldefinitionen aufgetreten: " + *fehlertext, meldung::Ok,
+                                0);
+    }
+    anzeige_.Sanduhr(false);
+}
+
+}  // namespace zek
