@@ -1,0 +1,174 @@
+// One backfill run: the engine behind the progress window.
+//
+// It has a control of its own, IBBackfill, with a client id of its own, so that the live session isn't disturbed. It
+// works title by title and, within a title, kind by kind (traded, ask, bid); for each it asks backwards through time
+// for 2000 seconds of one-second bars at a time, collects all records in memory, and hands them to the merge.
+//
+// All waits pump. Nothing here is asked for more often than once a second; a pacing violation, a lost connection and
+// a missing answer each have a wait of their own, and none of them loses bars that are in hand.
+#pragma once
+
+#include "backfill/anfragetakt.h"
+#include "backfill/balken.h"
+#include "backfill/einarbeiten.h"
+#include "feed/tws/tws.h"
+#include "modul/ibmodul.h"
+#include "modul/rollen.h"
+#include "platform/dateisystem.h"
+#include "platform/pumpe.h"
+#include "platform/uhr.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zek {
+
+// The window side of a run.
+class Datenpflegefenster {
+public:
+    virtual ~Datenpflegefenster() = default;
+    // Shows the progress window.
+    virtual Datenpflegeanzeige& Erzeuge() = 0;
+    // Hides and releases it; its callbacks aren't called any more.
+    virtual void GibFrei() = 0;
+    // Second panel of the main window's status bar; an empty text takes it away.
+    virtual void Statuspanel(const std::string& text) = 0;
+    virtual void Ton() = 0;
+};
+
+// What a run needs from the house.
+struct Datenpflegeumgebung {
+    IBModul& Modul;
+    Dateisystem& Dateien;
+    const Uhr& Zeit;
+    zek::Pumpe& Pumpe;
+    Statusausgabe& Status;
+    Meldungen& Fragen;
+    Datenpflegefenster& Fenster;
+    tws::TwsFabrik Fabrik;
+};
+
+// The start of a run without a given one: the time of the last record of the title's traded file. True when the file
+// has a header of ours; an existing header without records gives 0. Creates an empty file when none exists. Files of
+// 2 GiB and more are out of its reach. An error shows a message and gives false.
+bool ErmittleStartDatum(const IBModul& modul, Dateisystem& dateien, Meldungen& fragen, clTitelobjekt& titel,
+                        Datum& startDatum);
+
+class Datenpflegelauf final : public tws::TwsEreignisse, private Einarbeiter::Form {
+public:
+    // `takt` outlives the run: what it has learnt about the service holds for the next one.
+    Datenpflegelauf(const Datenpflegeumgebung& umgebung, Anfragetakt& takt);
+    ~Datenpflegelauf() override;
+    Datenpflegelauf(const Datenpflegelauf&) = delete;
+    Datenpflegelauf& operator=(const Datenpflegelauf&) = delete;
+
+    // ---- filled by the caller before the run
+    bool Abbruch = false;                   // the run is to stop; may be set at any time
+    std::int16_t UpdateTage = 0;            // day count of the options dialog; read by nothing
+    Datum Startdatum = 0;                   // oldest time wanted; worked out per title when 0
+    Datum EndDatum = 0;                     // newest time wanted by a manual run; 0 the present
+    bool KursBezahlt = false;               // fetch the traded series
+    bool KursGeldBrief = false;             // fetch the ask and the bid series
+    bool useRTH = false;                    // regular trading hours only
+    bool IsManuelleDatenpflege = false;     // started by a person: failures come as a message
+    Datum BackfillEndZeit = 0;              // newest time wanted by an automatic run; above 0 it wins over EndDatum
+    std::vector<Titelzeiger> cAktualTitel;  // the titles, in processing order
+    Datum AutoDatenPflegeStart = 0;         // above 0: an automatic run, start of the gap
+    bool AlleAktivenTitelAktualisieren = false;  // all active titles with a fixed Startdatum
+    std::string LastTimezone;                    // zone of the last index bar; stored, used by nothing
+    std::string TimeZoneId;                      // zone of the contract; stored, used by nothing
+
+    // The whole run; returns when it is over. Does nothing when Abbruch is set or a run is going. Throws nothing.
+    void StarteBackfill();
+
+    // Closes the window: disconnects IBBackfill, lets events run once, releases the window. May be called while the
+    // run is still on the stack (Abbruch must be set then): it ends without a further question and keeps what it has.
+    void Entladen();
+
+    // btnAbbruch, or the closing of the window.
+    void btnAbbruch();
+
+    // ---- events of IBBackfill
+    void contractDetailsEx(int reqId, const tws::ContractDetails& details) override;
+    void errMsg(int id, int errorCode, std::string_view errorMsg, std::string_view advancedOrderRejectJson) override;
+    void historicalData(int reqId, const tws::Bar& bar) override;
+    void historicalDataEnd(int reqId, std::string_view start, std::string_view end) override;
+
+    static constexpr double AnfrageSekunden = 2000;  // one-second bars per request
+    static constexpr double PacingSekunden = 600;
+    static constexpr double VerbindungSekunden = 1800;
+
+private:
+    // One kind of one title.
+    struct Serie {
+        clTitelobjekt& Titel;
+        std::int32_t Kursart;
+        Datum Ende = 0;  // of the next request; 0 now
+        Datum Anfragezeit = 0;
+        int Anfragenummer = 1;
+        bool Zeitablauf = false;
+    };
+    enum class Wartet { Weiter, NeueAnfrage, Ende };
+
+    bool Verbinde();
+    void Verbindungsversuch();
+    void MeldeVerbindungsfehler();
+    void BearbeiteTitel(std::size_t nummer);
+    void BestimmeStart(clTitelobjekt& titel);
+    void BearbeiteSerie(clTitelobjekt& titel, std::int32_t kursart);
+    bool StelleAnfrage(Serie& serie);
+    bool WarteAufTakt(const std::string& schluessel);
+    bool WarteAufAntwort(Serie& serie);
+    Wartet WarteNachPacing();
+    Wartet WarteAufVerbindung(Serie& serie);
+    void BehalteBalken(Serie& serie);
+    bool GehtWeiter(const Serie& serie) const;
+    void Speichere(Serie& serie);
+    void WarnungNichtsGespeichert();
+    void Protokolliere(int errorCode, std::string_view errorMsg);
+    void SetzeMerker(int errorCode);
+    void ZeigeFortschritt(const Serie& serie);
+    double Restanfragen(const Serie& serie) const;
+    int SerienVon(const clTitelobjekt& titel) const;
+    bool IstFesterStart() const;
+    Datum Jetzt() const { return um_.Zeit.Jetzt(); }
+    Datenpflegeanzeige& Anzeige();
+    void Statuslabel(const std::string& text, bool rot = false);
+
+    void FortschrittMaximum(int maximum) override;
+    void FortschrittWert(int wert) override;
+    void AbbruchMoeglich(bool moeglich) override;
+
+    Datenpflegeumgebung um_;
+    Anfragetakt& takt_;
+    Einarbeiter einarbeiter_;
+    std::unique_ptr<tws::Tws> IBBackfill_;
+    Datenpflegeanzeige* anzeige_ = nullptr;
+    bool entladen_ = false;
+    bool statusRot_ = false;
+    int clientId_ = 0;
+
+    Balkenpuffer puffer_;
+    Gesamtreihe gesamt_;
+    bool Fertig_ = false;      // the request has ended
+    bool KeineDaten_ = false;  // the request ended in an error
+    bool PacingWartet_ = false;
+    bool PacingFrei_ = false;
+    bool VerbindungWeg_ = false;
+    bool VerbindungWieder_ = false;
+    // The present request met a violation or a lost connection and has to be repeated, even when the end of the
+    // trouble came before the wait loop saw its beginning.
+    bool wiederholen_ = false;
+
+    int serienGesamt_ = 0;
+    int serienFertig_ = 0;
+    double bewegt_ = 0;           // seconds of history covered by the answers of this run
+    double antwortSekunden_ = 0;  // time that these answers took
+    int antworten_ = 0;
+};
+
+}  // namespace zek

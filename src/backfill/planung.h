@@ -1,0 +1,90 @@
+// When a backfill run starts, for which titles and for which span, and what happens when one is already going.
+//
+// Automatic starts: after the program's start, after a reconnection, and for gaps that wait in
+// IBModul::Datenpflegewarteschlange. Manual starts: all active titles, the marked titles, a command line. A manual
+// start drops all gaps that wait.
+#pragma once
+
+#include "backfill/lauf.h"
+#include "backfill/wahl.h"
+#include "platform/zeitgeber.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zek {
+
+class Datenpflegeplanung {
+public:
+    struct Umgebung {
+        Datenpflegeumgebung Lauf;
+        Zeitgeberfabrik& Zeitgeber;
+        Datenpflegeablage& Ablage;
+        Datenpflegeoptionen& Optionen;
+        std::function<bool()> TwsVerbunden;  // the live session has a connection time
+    };
+
+    explicit Datenpflegeplanung(const Umgebung& umgebung);
+    Datenpflegeplanung(const Datenpflegeplanung&) = delete;
+    Datenpflegeplanung& operator=(const Datenpflegeplanung&) = delete;
+
+    // An automatic run over the active titles: of the first waiting gap, or from `zeitpunkt` to now; 0 takes the
+    // stored end of the last session, at most seven days back. Returns when the run is over. True when a run was
+    // made or no title needed one; false when another run stands in the way or no gap is known.
+    //
+    // Wanted oddity: where no end of a last session is known the window stays, so that until the program ends every
+    // further automatic start gives false and every manual one reports a run in progress.
+    bool StarteAutoBackfill(Datum zeitpunkt);
+
+    // After a reconnection has been dealt with: an automatic run from `zeitpunkt`; when it can't start now, the gap
+    // from LetzteDatenZeit to the present waits in the queue and two lines go to the log.
+    void NachNeuverbindung(Datum zeitpunkt);
+
+    // The next waiting gap, when there is one and no run is going. Asked at the end of every supervision round.
+    void WarteschlangeAbarbeiten();
+
+    // The main window's manual start for all active titles; the kinds are decided per title.
+    void DatenpflegeAktiveTitel();
+    // The title manager's manual start; inactive titles take part, and the chosen kinds hold for all.
+    void DatenpflegeMarkierteTitel(const std::vector<Titelzeiger>& markierte);
+    // A manual run of the active titles without a dialog. `artenGewaehlt`: the kinds of `wahl` hold for all titles.
+    // False when a run stands in the way.
+    bool DatenpflegeOhneDialog(const Datenpflegewahl& wahl, bool artenGewaehlt);
+
+    // With the setting AutoDatenpflege: a run a few seconds from now, as soon as the session stands and no dialog is
+    // open. To be called once when the program has started.
+    void StarteVerzoegert();
+    std::int16_t DatenpflegeStartZaehler() const { return startZaehler_; }
+
+    // A progress window exists (whether it shows or not).
+    bool DatenpflegeFensterVorhanden() const { return DatenpflegeFenster_ != nullptr; }
+    // For the end of the program: tells the run to stop; then, after events have run, closes its window. The run
+    // itself returns later, when the stack unwinds.
+    void BrichAb();
+    void FensterEntladen();
+
+private:
+    bool LaufSteht() const { return DatenpflegeFenster_ != nullptr || um_.Lauf.Modul.DatenpflegeLaeuft; }
+    void ErzeugeFenster();
+    bool BereiteVor(Datum zeitpunkt, std::string& logtext);
+    void StarteUndWarte();
+    void ManuellerStart(const std::string& ueberschrift, const std::vector<Titelzeiger>& quelle, bool alleTitel,
+                        bool alleAktiven);
+    bool AndererLaufGemeldet();
+    void FuehreManuellAus(const Datenpflegewahl& wahl, const std::vector<Titelzeiger>& quelle, bool alleTitel,
+                          bool alleAktiven);
+    std::vector<Titelzeiger> AlleTitel() const;
+    void StartDatenpflegeZeitgeber();
+
+    Umgebung um_;
+    Anfragetakt takt_;
+    // Shared: the run on the stack keeps it, also when the end of the program releases the window under it.
+    std::shared_ptr<Datenpflegelauf> DatenpflegeFenster_;
+    std::int16_t startZaehler_ = 0;
+    std::unique_ptr<Zeitgeber> startZeitgeber_;
+};
+
+}  // namespace zek

@@ -1,0 +1,63 @@
+// What a person chooses for a manual backfill.
+#pragma once
+
+#include "modul/rollen.h"
+#include "platform/datum.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zek {
+
+struct Datenpflegewahl {
+    Datum Start = 0;               // date with time of day
+    bool AktualBisAktuell = true;  // up to the present
+    Datum Ende = 0;                // date with time of day; counts only without AktualBisAktuell
+    bool Bezahlt = true;
+    bool GeldBrief = false;
+    bool UseRTH = false;  // regular trading hours only
+};
+
+// The dialog that asks for it. Checks (NaechsteBeanstandung) before it accepts.
+class Datenpflegeoptionen {
+public:
+    struct Vorgabe {
+        std::string Ueberschrift;
+        bool KursartenWaehlbar = true;  // optBezahlt and optGeldBrief enabled
+        Datenpflegewahl Wahl;           // what the controls show at first
+    };
+
+    virtual ~Datenpflegeoptionen() = default;
+    // Modal, with events running; empty when cancelled.
+    virtual std::optional<Datenpflegewahl> Frage(const Vorgabe& vorgabe) = 0;
+};
+
+// Settings of the program, by section and key, wherever they are stored.
+class Datenpflegeablage {
+public:
+    virtual ~Datenpflegeablage() = default;
+    virtual std::string Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe) = 0;
+    virtual void Schreibe(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) = 0;
+};
+
+// The last choice, as the dialog shows it at first. Wanted oddity: the stored end comes only with AktualBisAktuell,
+// where its fields are disabled; without it the end is the present.
+Datenpflegewahl LiesDatenpflegewahl(Datenpflegeablage& ablage, Datum jetzt);
+// Stores a choice: "IBStartTage", "IBUhrzeit", "IBEndDatum", "IBAktualBisAktuell", "IBFelder" of "Datenpflege".
+void SpeichereDatenpflegewahl(Datenpflegeablage& ablage, const Datenpflegewahl& wahl, Datum jetzt);
+
+// What is wrong with a choice, in the system's own words.
+struct Beanstandung {
+    std::string Text;
+    bool IstRueckfrage = false;  // OK and Cancel; with OK the choice may stand
+};
+
+// The first objection, or none. `langerZeitraumBestaetigt`: the question about a long span has been answered with OK.
+std::optional<Beanstandung> NaechsteBeanstandung(const Datenpflegewahl& wahl, Datum jetzt,
+                                                 bool langerZeitraumBestaetigt);
+
+// Goes through all objections, each shown to the user. False when one of them stands.
+bool WahlBestaetigt(const Datenpflegewahl& wahl, Datum jetzt, Meldungen& meldungen);
+
+}  // namespace zek
