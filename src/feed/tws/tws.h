@@ -87,13 +87,13 @@ public:
                         std::string_view /*advancedOrderRejectJson*/) {}
     virtual void nextValidId(int /*orderId*/) {}
     virtual void managedAccounts(std::string_view /*accounts*/) {}
-    virtual void tickPrice(int /*id*/, int /*tickType*/, double /*price*/, bool /*canAutoExecute*/,
-                           bool /*pastLimit*/, bool /*preOpen*/) {}
+    virtual void tickPrice(int /*id*/, int /*tickType*/, double /*price*/, bool /*canAutoExecute*/, bool /*pastLimit*/,
+                           bool /*preOpen*/) {}
     // Also raised behind tickPrice with the size that the price message carries (1 to 0, 2 to 3, 4 to 5 ...).
     virtual void tickSize(int /*id*/, int /*tickType*/, double /*size*/) {}
     virtual void tickString(int /*id*/, int /*tickType*/, std::string_view /*value*/) {}
-    virtual void updateAccountValue(std::string_view /*key*/, std::string_view /*value*/,
-                                    std::string_view /*curency*/, std::string_view /*accountName*/) {}
+    virtual void updateAccountValue(std::string_view /*key*/, std::string_view /*value*/, std::string_view /*curency*/,
+                                    std::string_view /*accountName*/) {}
     virtual void updatePortfolioEx(const Contract& /*contract*/, double /*position*/, double /*marketPrice*/,
                                    double /*marketValue*/, double /*averageCost*/, double /*unrealizedPNL*/,
                                    double /*realizedPNL*/, std::string_view /*accountName*/) {}
@@ -152,8 +152,7 @@ public:
     virtual void reqContractDetailsEx(int reqId, const Contract& contract) = 0;
     virtual void reqHistoricalDataEx(int tickerId, const Contract& contract, const std::string& endDateTime,
                                      const std::string& duration, const std::string& barSize,
-                                     const std::string& whatToShow, bool useRTH, int formatDate,
-                                     bool keepUpToDate) = 0;
+                                     const std::string& whatToShow, bool useRTH, int formatDate, bool keepUpToDate) = 0;
     virtual void cancelHistoricalData(int tickerId) = 0;
 };
 

@@ -33,12 +33,12 @@ public:
     void reqCurrentTime() override;
     void reqAccountUpdates(bool subscribe, const std::string& accountName) override;
     void reqMktData(int id, const std::string& symbol, const std::string& secType, const std::string& expiry,
-                    double strike, const std::string& right, const std::string& multiplier,
-                    const std::string& exchange, const std::string& primaryExchange, const std::string& currency,
-                    const std::string& genericTicks, bool snapshot, bool regulatorySnapshot) override;
+                    double strike, const std::string& right, const std::string& multiplier, const std::string& exchange,
+                    const std::string& primaryExchange, const std::string& currency, const std::string& genericTicks,
+                    bool snapshot, bool regulatorySnapshot) override;
     void reqMktData2(int id, const std::string& localSymbol, const std::string& secType, const std::string& exchange,
-                     const std::string& primaryExchange, const std::string& currency,
-                     const std::string& genericTicks, bool snapshot, bool regulatorySnapshot) override;
+                     const std::string& primaryExchange, const std::string& currency, const std::string& genericTicks,
+                     bool snapshot, bool regulatorySnapshot) override;
     void cancelMktData(int id) override;
     void reqMktDepth(int id, const std::string& symbol, const std::string& secType, const std::string& expiry,
                      double strike, const std::string& right, const std::string& multiplier,
