@@ -24,10 +24,13 @@
 #include "feed/ibcontrol.h"
 #include "feed/kontodaten.h"
 #include "feed/markttiefe.h"
+#include "feed/sendetakt.h"
 #include "feed/tickannahme.h"
 #include "feed/verbindung.h"
 #include "feed/vorzeichenvolumen.h"
 
+#include <cstdint>
+#include <functional>
 #include <utility>
 
 namespace zek {

@@ -11,6 +11,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
+#include <string_view>
 
 namespace zek {
 
@@ -61,6 +63,7 @@ public:
 
 private:
     std::string Meldungstext(int id, int errorCode, std::string_view errorMsg) const;
+    void NachCodeHandeln(int errorCode);
     void TwsIstOffline();
     void VerbindungWiederhergestellt();
     void SocketAusgefallen();

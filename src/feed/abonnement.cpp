@@ -1,0 +1,104 @@
+#include "feed/abonnement.h"
+
+#include "feed/sendetakt.h"
+#include "platform/text.h"
+
+namespace zek {
+
+namespace {
+
+constexpr int Tiefenzeilen = 10;
+constexpr bool SmartTiefe = false;
+const std::string KeineGenerischenTicks;
+
+// Marks a pass as running for as long as it lives.
+class Laufmarke {
+public:
+    explicit Laufmarke(bool& marke) : marke_(marke) { marke_ = true; }
+    ~Laufmarke() { marke_ = false; }
+    Laufmarke(const Laufmarke&) = delete;
+    Laufmarke& operator=(const Laufmarke&) = delete;
+
+private:
+    bool& marke_;
+};
+
+bool PauseGiltFuer(const clTitelobjekt& titel, const Einstellungen& einstellungen) {
+    if (einstellungen.AufzeichnungsPauseBoersen.empty()) return true;
+    for (const auto& eintrag : Teile(einstellungen.AufzeichnungsPauseBoersen, ','))
+        if (GleichOhneGrossKlein(Getrimmt(eintrag), titel.Börsenplatz)) return true;
+    return false;
+}
+
+// Calls `sende` for each active title, paced, while the connection stands; `sende` returns its number of messages.
+// Works by position up to the count at the start: titles may come and go in the waits. Returns the last batch's count.
+template <typename Sende>
+std::int32_t FuerAlleAktiven(const IBModul& modul, const IBControl& control, Sendetakt takt, Sende sende) {
+    const std::size_t anzahl = modul.Titelliste.Anzahl();
+    for (std::size_t position = 0; position < anzahl; ++position) {
+        takt.Schritt();
+        if (position >= modul.Titelliste.Anzahl()) break;
+        const Titelzeiger titel = modul.Titelliste[position];
+        if (titel->Aktiv() && control.Verbunden()) takt.Gesendet(sende(*titel));
+    }
+    return takt.Anzahl();
+}
+
+}  // namespace
+
+Boersenteile TeileBoersenplatz(std::string_view börsenplatz) {
+    const std::size_t trenner = börsenplatz.find('\\');
+    if (trenner == std::string_view::npos) return {std::string(börsenplatz), ""};
+    const std::string_view rest = börsenplatz.substr(trenner + 1);
+    return {std::string(börsenplatz.substr(0, trenner)), std::string(rest.substr(0, rest.find('\\')))};
+}
+
+void TitelmerkmaleAbleiten(clTitelobjekt& titel, const Einstellungen& einstellungen) {
+    titel.AufzeichnungspauseVerwenden =
+        einstellungen.KursAufzeichnungDeaktivieren && PauseGiltFuer(titel, einstellungen);
+    titel.TitelBidAskWartetaufLast = einstellungen.BidAskWartetLast && !GleichOhneGrossKlein(titel.Typ, "cash");
+}
+
+Abonnement::Abonnement(IBModul& modul, IBControl& control, const Uhr& uhr, Pumpe& pumpe)
+    : modul_(modul), control_(control), uhr_(uhr), pumpe_(pumpe) {}
+
+std::int16_t Abonnement::MarktdatenAbonnieren(clTitelobjekt& titel) {
+    const auto [boerse, primaerboerse] = TeileBoersenplatz(titel.Börsenplatz);
+    if (titel.IstLokalesSymbol)
+        control_->reqMktData2(titel.id, titel.Symbol, titel.Typ, boerse, primaerboerse, titel.Währung,
+                              KeineGenerischenTicks, false, false);
+    else
+        control_->reqMktData(titel.id, titel.Symbol, titel.Typ, titel.Laufzeit, titel.Basispreis, titel.Ausübungsrecht,
+                             titel.Multiplikator, boerse, primaerboerse, titel.Währung, KeineGenerischenTicks, false,
+                             false);
+    if (titel.UseMarkttiefe && titel.IstLokalesSymbol)
+        control_->reqMktDepth2(titel.id, titel.Symbol, titel.Typ, boerse, titel.Währung, Tiefenzeilen, SmartTiefe);
+    else if (titel.UseMarkttiefe)
+        control_->reqMktDepth(titel.id, titel.Symbol, titel.Typ, titel.Laufzeit, titel.Basispreis, titel.Ausübungsrecht,
+                              titel.Multiplikator, boerse, titel.Währung, Tiefenzeilen, SmartTiefe);
+    TitelmerkmaleAbleiten(titel, modul_.Einstellungen);
+    return titel.UseMarkttiefe ? 2 : 1;
+}
+
+std::int16_t Abonnement::MarktdatenAbbestellen(const clTitelobjekt& titel) {
+    control_->cancelMktData(titel.id);
+    if (!titel.UseMarkttiefe) return 1;
+    control_->cancelMktDepth(titel.id, SmartTiefe);
+    return 2;
+}
+
+void Abonnement::AlleMarktdatenAbonnieren(std::int32_t count) {
+    if (abonniert_) return;
+    const Laufmarke marke(abonniert_);
+    FuerAlleAktiven(modul_, control_, Sendetakt(uhr_, pumpe_, count),
+                    [this](clTitelobjekt& titel) { return MarktdatenAbonnieren(titel); });
+}
+
+void Abonnement::AlleMarktdatenAbbestellen(std::int32_t& count) {
+    if (bestelltAb_) return;
+    const Laufmarke marke(bestelltAb_);
+    count = FuerAlleAktiven(modul_, control_, Sendetakt(uhr_, pumpe_, count),
+                            [this](const clTitelobjekt& titel) { return MarktdatenAbbestellen(titel); });
+}
+
+}  // namespace zek

@@ -1,0 +1,175 @@
+#include "feed/tickannahme.h"
+
+#include "feed/einfach.h"
+#include "feed/zeitvergleich.h"
+#include "platform/datum.h"
+
+#include <cstdint>
+#include <limits>
+
+namespace zek {
+
+namespace {
+
+// Echo window: seconds behind the latest size and behind the latest price.
+constexpr float EchoNachVolumen = 0.2F;
+constexpr float EchoNachKurs = 0.4F;
+
+// The fields of one kind of price.
+struct Kursfelder {
+    bool& New;
+    float& Price;
+    float& Voriger;
+    float& Vol;
+    double& PriceTimer;
+    double& VolTimer;
+};
+
+Kursfelder Bezahltfelder(clTitelobjekt& t) {
+    return {t.NewLast, t.LastPrice, t.VorigerLast, t.LastVol, t.LastPriceTimer, t.LastPriceVolTimer};
+}
+Kursfelder Brieffelder(clTitelobjekt& t) {
+    return {t.NewAsk, t.AskPrice, t.VorigerAsk, t.AskVol, t.LastAskTimer, t.LastAskVolTimer};
+}
+Kursfelder Geldfelder(clTitelobjekt& t) {
+    return {t.NewBid, t.BidPrice, t.VorigerBid, t.BidVol, t.LastBidTimer, t.LastBidVolTimer};
+}
+
+void NeuerKurs(Kursfelder felder, double price, Datum jetzt) {
+    if (felder.Price != KeinWert)
+        felder.Voriger = felder.Price;
+    else
+        SetzeEinfach(felder.Voriger, price);
+    SetzeEinfach(felder.Price, price);
+    felder.New = true;
+    felder.PriceTimer = Uhr::TimerAus(jetzt);
+}
+
+// A size that repeats right behind a price tick and its first size. It disarms the test for the next one.
+bool IstEcho(Kursfelder felder, double size, Datum jetzt) {
+    const float timer = Uhr::TimerAus(jetzt);
+    const bool echo = felder.New && timer <= static_cast<float>(felder.VolTimer) + EchoNachVolumen &&
+                      timer <= static_cast<float>(felder.PriceTimer) + EchoNachKurs && AlsEinfach(size) == felder.Vol;
+    if (echo) felder.New = false;
+    return echo;
+}
+
+void NeuesVolumen(Kursfelder felder, double size, Datum jetzt) {
+    SetzeEinfach(felder.Vol, size);
+    felder.VolTimer = Uhr::TimerAus(jetzt);
+}
+
+bool KursGueltig(const clTitelobjekt& titel, float kurs) {
+    return titel.NegativeWerteErlaubt ? kurs != KeinWert : kurs > 0;
+}
+
+bool StartzeitErreicht(const clTitelobjekt& titel, Datum jetzt) {
+    return Tagesmillisekunde(Tageszeit(jetzt) + titel.ZeitKorrektur) >= Tagesmillisekunde(titel.StartZeit);
+}
+
+bool GeldBriefGewuenscht(const clTitelobjekt& titel, Datum jetzt) {
+    if (!titel.BidAsk) return false;
+    return !titel.TitelBidAskWartetaufLast || titel.LastPriceDate == GanzerTag(jetzt);
+}
+
+// Totals beyond the field's range stay at its end, where they don't grow and so form no record.
+std::int32_t AlsGesamtvolumen(double size) {
+    using Grenzen = std::numeric_limits<std::int32_t>;
+    if (!(size > Grenzen::min())) return size <= Grenzen::min() ? Grenzen::min() : 0;
+    return size < Grenzen::max() ? static_cast<std::int32_t>(size) : Grenzen::max();
+}
+
+}  // namespace
+
+Tickannahme::Tickannahme(IBModul& modul, const Uhr& uhr, Aufzeichnung& aufzeichnung)
+    : modul_(modul), uhr_(uhr), aufzeichnung_(aufzeichnung) {}
+
+void Tickannahme::tickPrice(int id, int tickType, double price) {
+    const Datum jetzt = uhr_.Jetzt();
+    modul_.LetzterKursZeitpunkt = jetzt;
+    clTitelobjekt* const titel = modul_.Titelliste.Finde(id);
+    if (!titel) return;
+    switch (tickType) {
+        case ticktyp::Geld:
+            NeuerKurs(Geldfelder(*titel), price, jetzt);
+            break;
+        case ticktyp::Brief:
+            NeuerKurs(Brieffelder(*titel), price, jetzt);
+            break;
+        case ticktyp::Bezahlt:
+            NeuerKurs(Bezahltfelder(*titel), price, jetzt);
+            titel->LastPriceDate = GanzerTag(jetzt);
+            break;
+        default:
+            break;
+    }
+}
+
+void Tickannahme::tickSize(int id, int tickType, double size) {
+    const Datum jetzt = uhr_.Jetzt();
+    modul_.LetzterKursZeitpunkt = jetzt;
+    clTitelobjekt* const titel = modul_.Titelliste.Finde(id);
+    if (!titel) return;
+    switch (tickType) {
+        case ticktyp::Geldvolumen:
+            Geldregel(*titel, size, jetzt);
+            break;
+        case ticktyp::Briefvolumen:
+            Briefregel(*titel, size, jetzt);
+            break;
+        case ticktyp::Bezahltvolumen:
+            Bezahltregel(*titel, size, jetzt);
+            break;
+        case ticktyp::Gesamtvolumen:
+            Gesamtvolumenregel(*titel, size, jetzt);
+            break;
+        default:
+            break;
+    }
+}
+
+void Tickannahme::Geldregel(clTitelobjekt& titel, double size, Datum jetzt) {
+    const Kursfelder felder = Geldfelder(titel);
+    if (!GeldBriefGewuenscht(titel, jetzt) || IstEcho(felder, size, jetzt)) return;
+    NeuesVolumen(felder, size, jetzt);
+    if (!KursGueltig(titel, titel.BidPrice)) return;
+    if (StartzeitErreicht(titel, jetzt)) aufzeichnung_.GeldSchreiben(titel, jetzt);
+    modul_.LetzteDatenZeit = jetzt;
+}
+
+void Tickannahme::Briefregel(clTitelobjekt& titel, double size, Datum jetzt) {
+    const Kursfelder felder = Brieffelder(titel);
+    if (!GeldBriefGewuenscht(titel, jetzt) || IstEcho(felder, size, jetzt)) return;
+    NeuesVolumen(felder, size, jetzt);
+    if (!KursGueltig(titel, titel.AskPrice)) return;
+    if (StartzeitErreicht(titel, jetzt)) aufzeichnung_.BriefSchreiben(titel, jetzt);
+    modul_.LetzteDatenZeit = jetzt;
+}
+
+void Tickannahme::Bezahltregel(clTitelobjekt& titel, double size, Datum jetzt) {
+    const Kursfelder felder = Bezahltfelder(titel);
+    if (IstEcho(felder, size, jetzt)) return;
+    NeuesVolumen(felder, size, jetzt);
+    if (!titel.Aktiv() || !KursGueltig(titel, titel.LastPrice)) return;
+    const bool ausGesamtvolumen = titel.UseGesamtVol && modul_.Einstellungen.UseGesamtvolumen;
+    if (!ausGesamtvolumen && StartzeitErreicht(titel, jetzt)) aufzeichnung_.BezahltSchreiben(titel, jetzt);
+    modul_.LetzteDatenZeit = jetzt;
+}
+
+// A trade's size is the difference of two totals. A total that didn't grow, or fell as at a new trading day, only
+// sets the base.
+void Tickannahme::Gesamtvolumenregel(clTitelobjekt& titel, double size, Datum jetzt) {
+    if (!modul_.Einstellungen.UseGesamtvolumen || titel.DontUseGesamtVol) return;
+    titel.UseGesamtVol = true;
+    const std::int32_t gesamt = AlsGesamtvolumen(size);
+    if (gesamt == 0) return;
+    const std::int32_t bisher = titel.LastGesamtVolume;
+    titel.LastGesamtVolume = gesamt;
+    if (bisher == 0 || bisher >= gesamt) return;
+    NeuesVolumen(Bezahltfelder(titel), static_cast<double>(gesamt) - bisher, jetzt);
+    if (!titel.Aktiv() || !KursGueltig(titel, titel.LastPrice)) return;
+    if (StartzeitErreicht(titel, jetzt)) aufzeichnung_.BezahltSchreiben(titel, jetzt);
+    modul_.LetzteDatenZeit = jetzt;
+}
+
+}  // namespace zek

@@ -1,0 +1,190 @@
+#include "feed/verbindung.h"
+
+#include "platform/ohnefehler.h"
+#include "platform/text.h"
+
+#include <string>
+#include <utility>
+
+namespace zek {
+
+namespace {
+
+const std::string KeineVerbindungsoptionen;
+constexpr bool KeineZusatzanmeldung = false;
+
+std::string ZahlInText(long long zahl) {
+    return std::to_string(zahl);
+}
+
+}  // namespace
+
+Verbindung::Verbindung(IBModul& modul, const Uhr& uhr, IBControl& control, Abonnement& abonnement,
+                       Statusausgabe& status, Offlineanzeige& anzeige, Abnehmer abnehmer)
+    : modul_(modul),
+      uhr_(uhr),
+      control_(control),
+      abonnement_(abonnement),
+      status_(status),
+      anzeige_(anzeige),
+      abnehmer_(std::move(abnehmer)) {
+    control_.Erzeuge(*this);
+}
+
+Verbindung::~Verbindung() {
+    control_.GibFrei();
+}
+
+void Verbindung::Melde(const std::string& text, bool fett) {
+    OhneFehler([&] { status_.Statusmeldung(text, fett); });
+}
+
+void Verbindung::TWSVerbindungAufbauen() {
+    const Einstellungen& einstellungen = modul_.Einstellungen;
+    if (einstellungen.IBPort < 1) {
+        Melde("Fehlende Port-Angabe: Keine Verbindung zur TWS hergestellt!", true);
+        return;
+    }
+    OhneFehler([&] {
+        control_->connect(einstellungen.IBIPAdr, einstellungen.IBPort, einstellungen.IBLoginID,
+                          KeineVerbindungsoptionen, KeineZusatzanmeldung);
+    });
+    if (!control_.Verbunden()) {
+        Melde("Es besteht keine Verbindung zur TWS!", true);
+        return;
+    }
+    Melde("Verbindung hergestellt um " + control_->TwsConnectionTime());
+    if (control_->serverVersion() >= 1) Melde("TWS Server Version " + ZahlInText(control_->serverVersion()));
+    OhneFehler([&] { control_->reqCurrentTime(); });
+}
+
+void Verbindung::nextValidId(int /*orderId*/) {
+    modul_.TWSVerbunden = true;
+    if (modul_.Einstellungen.KontenDatenAufzeichnen) OhneFehler([&] { abnehmer_.Konten.KontoabosAnfordern(); });
+    OhneFehler([&] { anzeige_.VerbergeOfflinewarnung(); });
+}
+
+void Verbindung::connectionClosed() {
+    Melde("Verbindung zur TWS ist unterbrochen!", true);
+    OhneFehler([&] { anzeige_.ZeigeOfflinewarnung(); });
+    modul_.TWSVerbunden = false;
+}
+
+void Verbindung::errMsg(int id, int errorCode, std::string_view errorMsg,
+                        std::string_view /*advancedOrderRejectJson*/) {
+    OhneFehler([&] { Melde(Meldungstext(id, errorCode, errorMsg)); });
+    OhneFehler([&] { NachCodeHandeln(errorCode); });
+    OhneFehler([&] { NeustartlistePruefen(errorCode); });
+}
+
+void Verbindung::NachCodeHandeln(int errorCode) {
+    switch (errorCode) {
+        case meldungscode::FarmAktiv:
+            modul_.FarmAktiv = true;
+            break;
+        case meldungscode::TwsOffline:
+            TwsIstOffline();
+            break;
+        case meldungscode::VerbindungDatenVerloren:
+        case meldungscode::VerbindungDatenErhalten:
+            VerbindungWiederhergestellt();
+            break;
+        case meldungscode::SocketFehler:
+            SocketAusgefallen();
+            break;
+        default:
+            break;
+    }
+}
+
+std::string Verbindung::Meldungstext(int id, int errorCode, std::string_view errorMsg) const {
+    std::string text = id < 1 ? "" : "IB: ";
+    text.append(errorMsg).append(" (").append(ZahlInText(errorCode));
+    if (const clTitelobjekt* titel = id < 1 ? nullptr : modul_.Titelliste.Finde(id))
+        text.append(" ").append(titel->GetTitelInfo());
+    return text.append(")");
+}
+
+void Verbindung::TwsIstOffline() {
+    OhneFehler([&] { anzeige_.Ton(); });
+    modul_.Offline = true;
+    modul_.FarmAktiv = false;
+    if (anzeige_.OfflinewarnungSichtbar()) return;
+    WarnungZeigen("Achtung: Die TWS ist offline!\nEs werden keine Daten aufgezeichnet!");
+}
+
+// With AutoDatenpflege off nothing is subscribed again: the broker is left to resume its streams.
+void Verbindung::VerbindungWiederhergestellt() {
+    OhneFehler([&] { anzeige_.VerbergeOfflinewarnung(); });
+    if (!modul_.Offline) return;
+    modul_.Offline = false;
+    const Datum jetzt = uhr_.Jetzt();
+    const bool luecke = modul_.LetzteDatenZeit > 0 && jetzt > modul_.LetzteDatenZeit + EineSekunde;
+    if (!luecke || !modul_.Einstellungen.AutoDatenpflege) return;
+    Melde("Verbindung wiederhergestellt - Datenpflege wartet bis zu drei Sekunden auf Marktdaten-Farm-Aktivierung");
+    modul_.FarmAktiv = false;
+    modul_.NeuverbindungsZeit = jetzt;
+    OhneFehler([&] { anzeige_.FensterNachVorn(); });
+}
+
+// The visible warning is what keeps one failure from being handled twice.
+void Verbindung::SocketAusgefallen() {
+    if (modul_.Offline) return;
+    OhneFehler([&] { anzeige_.Ton(); });
+    if (anzeige_.OfflinewarnungSichtbar()) return;
+    WarnungZeigen("Problem mit der Socket-Verbindung. Die Verbindung muss neu hergestellt werden. Bitte warten...");
+    std::int32_t gesendet = 0;
+    OhneFehler([&] { abonnement_.AlleMarktdatenAbbestellen(gesendet); });
+    OhneFehler([&] { control_->disconnect(); });
+    modul_.TWSVerbunden = false;
+    OhneFehler([&] { control_.Erzeuge(*this); });
+}
+
+void Verbindung::WarnungZeigen(const std::string& text) {
+    OhneFehler([&] { anzeige_.FensterNachVorn(); });
+    OhneFehler([&] { anzeige_.ZeigeOfflinewarnung(text); });
+}
+
+void Verbindung::NeustartlistePruefen(int errorCode) {
+    if (modul_.Einstellungen.NeustartFehlernummern.empty() || errorCode == 0) return;
+    for (const std::string& eintrag : modul_.Einstellungen.NeustartFehlerliste) {
+        const auto nummer = ZahlAusDeutsch(eintrag);
+        if (!nummer || *nummer != errorCode) continue;
+        if (abnehmer_.NeustartWegenFehler) abnehmer_.NeustartWegenFehler(errorCode);
+        return;
+    }
+}
+
+void Verbindung::currentTime(std::int64_t time) {
+    if (abnehmer_.ServerZeit) OhneFehler([&] { abnehmer_.ServerZeit(time); });
+}
+
+void Verbindung::tickPrice(int id, int tickType, double price, bool /*canAutoExecute*/, bool /*pastLimit*/,
+                           bool /*preOpen*/) {
+    OhneFehler([&] { abnehmer_.Kurse.tickPrice(id, tickType, price); });
+}
+
+void Verbindung::tickSize(int id, int tickType, double size) {
+    OhneFehler([&] { abnehmer_.Kurse.tickSize(id, tickType, size); });
+}
+
+void Verbindung::tickString(int id, int tickType, std::string_view value) {
+    abnehmer_.Kurse.tickString(id, tickType, value);
+}
+
+void Verbindung::updateAccountValue(std::string_view key, std::string_view value, std::string_view curency,
+                                    std::string_view accountName) {
+    OhneFehler([&] { abnehmer_.Konten.updateAccountValue(key, value, curency, accountName); });
+}
+
+void Verbindung::updatePortfolioEx(const tws::Contract& contract, double position, double marketPrice,
+                                   double /*marketValue*/, double /*averageCost*/, double /*unrealizedPNL*/,
+                                   double /*realizedPNL*/, std::string_view accountName) {
+    OhneFehler([&] { abnehmer_.Konten.updatePortfolioEx(contract, position, marketPrice, accountName); });
+}
+
+void Verbindung::updateMktDepth(int id, int position, int operation, int side, double price, double size) {
+    OhneFehler([&] { abnehmer_.Tiefe.updateMktDepth(id, position, operation, side, price, size); });
+}
+
+}  // namespace zek
