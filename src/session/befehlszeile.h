@@ -6,10 +6,10 @@
 namespace zek {
 
 struct Befehlszeile {
-    bool Quit = false;              // "/Quit": orders the running instance to end
-    bool Restart = false;           // "/Restart": orders the running instance to restart
-    bool KeineBeendenFrage = false; // "/K": the closing question isn't asked
-    double Verzoegerung = 0;        // "/W" and a number: seconds to wait, 1 to 32000; 0 for no delay
+    bool Quit = false;               // "/Quit": orders the running instance to end
+    bool Restart = false;            // "/Restart": orders the running instance to restart
+    bool KeineBeendenFrage = false;  // "/K": the closing question isn't asked
+    double Verzoegerung = 0;         // "/W" and a number: seconds to wait, 1 to 32000; 0 for no delay
 };
 
 inline constexpr double HoechsteVerzoegerung = 32000;

@@ -30,7 +30,9 @@ int Dienstgesicht::ZeigeMeldung(const std::string& text, int flags, int) {
     return meldung::Zeitablauf;
 }
 
-void Dienstgesicht::VerzoegerungBeginnt(const std::string& text, int) { Melde(text); }
+void Dienstgesicht::VerzoegerungBeginnt(const std::string& text, int) {
+    Melde(text);
+}
 
 bool Dienstgesicht::Verbindungseinstellungen(Verbindungsangaben&) {
     Melde("Es ist kein Port eingestellt: Tragen Sie in den Einstellungen, Abschnitt 'IBConnect', 'IBPort' ein.");
@@ -46,7 +48,9 @@ Datenpflegeanzeige& Dienstgesicht::DatenpflegeFensterErzeugen() {
     return datenpflege_;
 }
 
-void Dienstgesicht::DatenpflegeFensterFreigeben() { datenpflege_.NeuerLauf(); }
+void Dienstgesicht::DatenpflegeFensterFreigeben() {
+    datenpflege_.NeuerLauf();
+}
 
 void Dienstgesicht::Datenpflegemelder::Titellabel(const std::string& text) {
     if (text == titel_) return;

@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t Kleinpuffer = 500;
 constexpr std::size_t Grosspuffer = 32000;
 
-constexpr int MindestTimeout = 10;             // seconds
+constexpr int MindestTimeout = 10;  // seconds
 constexpr int MindestSekundenOhneKurse = 10;
 constexpr std::string_view SchluesselLokal = "LokalSettings";
 
@@ -30,11 +30,17 @@ bool AlsWahrheitswert(std::string_view text) {
     return GleichOhneGrossKlein(Getrimmt(text), "True") || EinstellungWahr(text);
 }
 
-const char* EinsOderNull(bool wert) { return wert ? "1" : "0"; }
+const char* EinsOderNull(bool wert) {
+    return wert ? "1" : "0";
+}
 
-Datum NurTageszeit(Datum wert) { return wert > 1 ? Tageszeit(wert) : wert; }
+Datum NurTageszeit(Datum wert) {
+    return wert > 1 ? Tageszeit(wert) : wert;
+}
 
-Datum Zeiteinstellung(std::string_view text, Datum vorgabe) { return NurTageszeit(DatumAusText(text).value_or(vorgabe)); }
+Datum Zeiteinstellung(std::string_view text, Datum vorgabe) {
+    return NurTageszeit(DatumAusText(text).value_or(vorgabe));
+}
 
 // A text of one character is no folder, although it gets its separator: it counts as none.
 std::string Kontoordner(std::string ordner) {
@@ -45,7 +51,9 @@ std::string Kontoordner(std::string ordner) {
 
 }  // namespace
 
-bool EinstellungWahr(std::string_view text) { return Zahlwert(text) != 0; }
+bool EinstellungWahr(std::string_view text) {
+    return Zahlwert(text) != 0;
+}
 
 int EinstellungGanzzahl(std::string_view text) {
     constexpr double Kleinste = std::numeric_limits<int>::min(), Groesste = std::numeric_limits<int>::max();
@@ -139,8 +147,8 @@ void Einstellungsspeicher::LeseAlleEinstellungen(Meldungen& meldungen) {
         meldungen.ZeigeMeldung("Falsches Zeitformat in ZEK-Einstellung Neustart-Uhrzeit (bitte prüfen!).", meldung::Ok,
                                0);
     e.NeustartFehlernummern = Getrimmt(text("NeustartFehlernummern", ""));
-    e.NeustartFehlerliste = e.NeustartFehlernummern.empty() ? std::vector<std::string>()
-                                                            : Teile(e.NeustartFehlernummern, ',');
+    e.NeustartFehlerliste =
+        e.NeustartFehlernummern.empty() ? std::vector<std::string>() : Teile(e.NeustartFehlernummern, ',');
     e.NeuStartBeiFehlendenKursen = wahr("NeuStartBeiFehlendenKursen");
     e.NeuStartBeiFehlendenKursenSekunden =
         std::max(EinstellungGanzzahl(text("NeuStartBeiFehlendenKursenSekunden", "90")), MindestSekundenOhneKurse);
@@ -187,7 +195,17 @@ void Einstellungsspeicher::SpeichereEinstellungen() {
     Schreib(abschnitt::IBConnect, "IBLoginID", std::to_string(e.IBLoginID));
 }
 
-bool Einstellungsspeicher::LokalSpeichernUmschalten(Meldungen& meldungen, const std::function<void(bool)>& markeSetzen) {
+void Einstellungsspeicher::UebernehmeVerbindung(const Verbindungsangaben& angaben) {
+    modul_.Einstellungen.IBIPAdr = angaben.IBIPAdr;
+    modul_.Einstellungen.IBPort = angaben.IBPort;
+    modul_.Einstellungen.IBLoginID = angaben.IBLoginID;
+    Schreib(abschnitt::IBConnect, "IBIPAdr", angaben.IBIPAdr);
+    Schreib(abschnitt::IBConnect, "IBPort", std::to_string(angaben.IBPort));
+    Schreib(abschnitt::IBConnect, "IBLoginID", std::to_string(angaben.IBLoginID));
+}
+
+bool Einstellungsspeicher::LokalSpeichernUmschalten(Meldungen& meldungen,
+                                                    const std::function<void(bool)>& markeSetzen) {
     const bool neu = !modul_.LokalSettings;
     modul_.LokalSettings = neu;
     markeSetzen(neu);

@@ -6,6 +6,7 @@
 #include "modul/ibmodul.h"
 #include "modul/rollen.h"
 #include "platform/speicher.h"
+#include "session/gesicht.h"
 
 #include <functional>
 #include <string>
@@ -55,6 +56,9 @@ public:
     void LeseAlleEinstellungen(Meldungen& meldungen);
     // The module's fields into the store that is in use.
     void SpeichereEinstellungen();
+
+    // Address, port and client id, as a person has set them, into the module's fields and into the store.
+    void UebernehmeVerbindung(const Verbindungsangaben& angaben);
 
     // Command 1041. `markeSetzen` moves the check mark of the command. Returns where LokalSettings ended.
     bool LokalSpeichernUmschalten(Meldungen& meldungen, const std::function<void(bool)>& markeSetzen);

@@ -8,6 +8,9 @@
 
 namespace zek {
 
+// Numbers of the main window's commands that the engine itself marks.
+inline constexpr int BefehlPlatzsparend = 1039, BefehlLokalSpeichern = 1041;
+
 struct StarthinweisAntwort {
     bool Abgebrochen = false;        // left with "Abbrechen": the program ends
     bool NichtMehrAnzeigen = false;  // counts whichever button was pressed

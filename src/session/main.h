@@ -6,14 +6,20 @@
 #include "session/gesicht.h"
 #include "session/plattform.h"
 
-#include <functional>
-#include <string>
+#include <string_view>
 
 namespace zek {
 
 inline constexpr std::string_view Hilfedateiname = "TessaronZEK.CHM";
 // Profile file of the analysis product that may override the port; in the program folder.
 inline constexpr std::string_view Portdateiname = "ZEK_Para.ini";
+
+// How the start came out.
+enum class Startergebnis {
+    Laeuft,
+    Beendet,     // the program ends as it should: an order was handed over, a person or the system ended it
+    Gescheitert  // the program can't run: refused, no data folder, an error
+};
 
 class Startfolge {
 public:
@@ -36,21 +42,18 @@ public:
     Startfolge(const Plattform& plattform, IBModul& modul, Einstellungsspeicher& einstellungen, Gesicht& gesicht,
                Rekorder& rekorder, const Befehlszeile& befehle);
 
-    // The whole sequence. False when it ended the program; whether the main window is loaded by then tells
-    // HauptfensterGeladen.
-    bool Main();
-    // True from the loading of the main window on.
-    bool HauptfensterGeladen() const { return hauptfensterGeladen_; }
+    // The whole sequence. With any result but Laeuft the program ends.
+    Startergebnis Main();
 
     // True when the drive of the program folder has at least `minimum` KiB free, and when that can't be told.
     bool FreierSpeicherReicht(double minimum) const;
 
 private:
-    bool Vorbereiten();
-    bool StarteSitzung();
+    Startergebnis BisZumHauptfenster();
+    Startergebnis Hauptfenster();
     void OrdnerUndHilfe();
     void KommandosLoeschen();
-    void ZweiteInstanz();
+    Startergebnis ZweiteInstanz();
     bool Starthinweis();
     bool DatenordnerBestimmen();
     void Plattenplatz();
@@ -58,10 +61,11 @@ private:
     void HauptfensterZeigen();
     bool Verbinden();
     void VerbindenMitEinstellungen();
+    void FrageVerbindungseinstellungen();
+    bool TrotzdemStarten(int fehlernummer);
     void UhrzeitAbwarten();
     void Arbeitsansicht();
     void Beispieltitelangebot();
-    bool TrotzdemStarten(int fehlernummer);
     bool AndereInstanz() const { return plattform_.Prozesse.AndereInstanzLaeuft(); }
 
     const Plattform& plattform_;
@@ -70,7 +74,6 @@ private:
     Gesicht& gesicht_;
     Rekorder& rekorder_;
     Befehlszeile befehle_;
-    bool hauptfensterGeladen_ = false;
 };
 
 }  // namespace zek

@@ -16,14 +16,21 @@ constexpr Datum Spielraum = 0.0005 * EineSekunde;
 
 Meldungsknoepfe Grundsatz(int satz) {
     switch (satz) {
-        case meldung::Ok: return {1, {"OK"}, -1, 0};
-        case meldung::OkAbbrechen: return {2, {"OK", "Abbrechen"}, 0, 1};
+        case meldung::Ok:
+            return {1, {"OK"}, -1, 0};
+        case meldung::OkAbbrechen:
+            return {2, {"OK", "Abbrechen"}, 0, 1};
         // Two buttons, and no "Wiederholen": the results below fit them.
-        case meldung::AbbrechenWiederholenIgnorieren: return {2, {"Abbrechen", "Ignorieren"}, -1, 0};
-        case meldung::JaNeinAbbrechen: return {3, {"Ja", "Nein", "Abbrechen"}, -1, 2};
-        case meldung::JaNein: return {2, {"Ja", "Nein"}, -1, 1};
-        case meldung::WiederholenAbbrechen: return {2, {"Wiederholen", "Abbrechen"}, -1, 1};
-        default: return {1, {"OK"}, -1, -1};
+        case meldung::AbbrechenWiederholenIgnorieren:
+            return {2, {"Abbrechen", "Ignorieren"}, -1, 0};
+        case meldung::JaNeinAbbrechen:
+            return {3, {"Ja", "Nein", "Abbrechen"}, -1, 2};
+        case meldung::JaNein:
+            return {2, {"Ja", "Nein"}, -1, 1};
+        case meldung::WiederholenAbbrechen:
+            return {2, {"Wiederholen", "Abbrechen"}, -1, 1};
+        default:
+            return {1, {"OK"}, -1, -1};
     }
 }
 
@@ -40,25 +47,32 @@ Meldungsknoepfe KnoepfeFuer(int flags) {
 
 int Meldungsergebnis(int flags, int knopf) {
     const int satz = flags & Knopfsatzmaske;
-    if (knopf == 2) return meldung::AntwortAbbrechen;
     const bool erster = knopf == 0;
+    if (knopf == 2 && satz != meldung::AbbrechenWiederholenIgnorieren) return meldung::AntwortAbbrechen;
     switch (satz) {
         case meldung::AbbrechenWiederholenIgnorieren:
             return erster ? meldung::AntwortAbbruch : meldung::AntwortIgnorieren;
         case meldung::JaNeinAbbrechen:
-        case meldung::JaNein: return erster ? meldung::AntwortJa : meldung::AntwortNein;
-        case meldung::WiederholenAbbrechen: return erster ? meldung::AntwortWiederholen : meldung::AntwortAbbrechen;
-        default: return erster ? meldung::AntwortOk : meldung::AntwortAbbrechen;
+        case meldung::JaNein:
+            return erster ? meldung::AntwortJa : meldung::AntwortNein;
+        case meldung::WiederholenAbbrechen:
+            return erster ? meldung::AntwortWiederholen : meldung::AntwortAbbrechen;
+        default:
+            return erster ? meldung::AntwortOk : meldung::AntwortAbbrechen;
     }
 }
 
-bool AlsSystemmeldung(int sekunden, bool hauptfensterMinimiert) { return sekunden < 1 && hauptfensterMinimiert; }
+bool AlsSystemmeldung(int sekunden, bool hauptfensterMinimiert) {
+    return sekunden < 1 && hauptfensterMinimiert;
+}
 
 std::string Restzeittext(long long sekunden) {
     return "Dieser Hinweisdialog wird in " + std::to_string(sekunden) + " Sekunden automatisch geschlossen  ";
 }
 
-int Labelbreite(int textbreite) { return std::min(textbreite, Meldungsmasse::HoechsteTextbreite); }
+int Labelbreite(int textbreite) {
+    return std::min(textbreite, Meldungsmasse::HoechsteTextbreite);
+}
 
 Meldungsmasse MasseFuer(int knopfAnzahl, int knopfbreite, int knopfhoehe, int textbreite, int labelhoehe,
                         bool mitRestzeit) {
@@ -79,7 +93,9 @@ Meldungstakt::Meldungstakt(const Uhr& uhr, int sekunden) : uhr_(uhr) {
     if (sekunden > 0) closeZeit_ = uhr.Jetzt() + sekunden * EineSekunde;
 }
 
-bool Meldungstakt::Abgelaufen() const { return closeZeit_ && uhr_.Jetzt() + Spielraum >= *closeZeit_; }
+bool Meldungstakt::Abgelaufen() const {
+    return closeZeit_ && uhr_.Jetzt() + Spielraum >= *closeZeit_;
+}
 
 std::string Meldungstakt::Text() const {
     return closeZeit_ ? Restzeittext(GanzeSekunden(uhr_.Jetzt(), *closeZeit_)) : std::string();

@@ -10,9 +10,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <string>
 #include <string_view>
 #include <utility>
-#include <string>
 
 namespace zek {
 

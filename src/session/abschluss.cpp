@@ -1,0 +1,61 @@
+#include "session/abschluss.h"
+
+#include "platform/datum.h"
+#include "platform/ohnefehler.h"
+#include "platform/text.h"
+
+namespace zek {
+
+namespace {
+
+// A session that lived no longer leaves the mark of the one before in place. Half a millisecond of tolerance keeps
+// the rounding of day fractions out.
+constexpr double Mindestlebensdauer = 10.0005;  // seconds
+
+}  // namespace
+
+bool DarfSchliessen(const IBModul& modul, Meldungen& meldungen, const std::string& fenstertitel) {
+    return modul.KeineBeendenFrage || meldungen.ZeigeMeldung("Möchten Sie " + fenstertitel + " beenden?",
+                                                             meldung::JaNein, 0) != meldung::AntwortNein;
+}
+
+Abschluss::Abschluss(const Plattform& plattform, IBModul& modul, Einstellungsspeicher& einstellungen, Gesicht& gesicht,
+                     Rekorder& rekorder)
+    : plattform_(plattform), modul_(modul), einstellungen_(einstellungen), gesicht_(gesicht), rekorder_(rekorder) {}
+
+void Abschluss::Entladen() {
+    OhneFehler([&] { TitelAbbestellen(); });
+    OhneFehler([&] { modul_.Titelliste.Leere(); });
+    OhneFehler([&] { rekorder_.TwsTrennen(); });
+    OhneFehler([&] { modul_.Katalogliste.Leere(); });
+    OhneFehler([&] { plattform_.Pumpe.Ereignisse(); });
+    OhneFehler([&] { SchreibeIBLastEnd(); });
+    OhneFehler([&] { gesicht_.TaskleistenstilSetzen(false); });
+    OhneFehler([&] { SchreibeTrayzustand(); });
+    OhneFehler([&] { gesicht_.TrayFreigeben(); });
+    OhneFehler([&] { gesicht_.FensterplatzSpeichern(); });
+    OhneFehler([&] { gesicht_.MonitorplatzSpeichern(); });
+}
+
+// Title by title, with no pauses.
+void Abschluss::TitelAbbestellen() {
+    for (const auto& titel : modul_.Titelliste)
+        if (titel->Aktiv()) OhneFehler([&] { rekorder_.MarktdatenAbbestellen(*titel); });
+}
+
+void Abschluss::SchreibeIBLastEnd() {
+    if (modul_.LetzteDatenZeit <= 0) return;
+    if ((plattform_.Uhr.Jetzt() - modul_.Startzeitpunkt) * SekundenProTag <= Mindestlebensdauer) return;
+    einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd",
+                                       ZahltextPunkt(modul_.LetzteDatenZeit));
+}
+
+void Abschluss::SchreibeTrayzustand() {
+    if (gesicht_.OhneBildschirm()) return;
+    const bool minimiert = gesicht_.HauptfensterMinimiert();
+    einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, "Taskbar",
+                                       gesicht_.InTaskleisteAngehakt() ? "1" : "0");
+    einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, "Anzeigen", minimiert ? "0" : "-1");
+}
+
+}  // namespace zek

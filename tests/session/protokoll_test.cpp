@@ -1,0 +1,153 @@
+// The log: list and file, duplicates, and the cut at 1000000 bytes.
+#include "hilfen/ram_dateisystem.h"
+#include "hilfen/stoerdateisystem.h"
+#include "hilfen/test_gesicht.h"
+#include "hilfen/virtuelle_welt.h"
+#include "platform/datum.h"
+#include "session/protokoll.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace zek {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct ProtokollTest : testing::Test {
+    hilfen::VirtuelleWelt welt{DatumAus(2026, 11, 15, 18, 21, 53)};
+    hilfen::RamDateisystem dateien;
+    hilfen::TestGesicht gesicht;
+    IBModul modul;
+    Protokoll protokoll{welt, dateien, modul, gesicht};
+
+    ProtokollTest() {
+        modul.Programmordner = "/zek/";
+        dateien.LegeOrdnerbaumAn("/zek");
+        gesicht.Geladen = true;
+    }
+    std::string Datei() { return dateien.Inhalt("/zek/IBZEKLog.txt"); }
+    void DateiIst(const std::string& inhalt) { dateien.LegeDateiAn("/zek/IBZEKLog.txt", inhalt); }
+};
+
+TEST_F(ProtokollTest, AnEntryGoesToListAndFile) {
+    protokoll.Statusmeldung("Verbindung hergestellt", true);
+    EXPECT_EQ(Datei(), "15.11.2026 18:21:53: Verbindung hergestellt\r\n");
+    EXPECT_THAT(gesicht.Status.Eintraege, ElementsAre(hilfen::TestStatus::Eintrag{"Verbindung hergestellt", true}));
+    EXPECT_EQ(Datumtext(gesicht.Statuszeiten.at(0)), "15.11.2026 18:21:53");
+}
+
+TEST_F(ProtokollTest, TheFileIsInTheCodePage) {
+    protokoll.Statusmeldung("Börse für 5 €, Ω");
+    EXPECT_EQ(Datei(), "15.11.2026 18:21:53: B\xF6rse f\xFCr 5 \x80, ?\r\n");
+}
+
+TEST_F(ProtokollTest, WithoutTheMainWindowTheEntryGoesToTheFileOnly) {
+    gesicht.Geladen = false;
+    protokoll.Statusmeldung("früh");
+    EXPECT_THAT(gesicht.Status.Eintraege, IsEmpty());
+    EXPECT_EQ(Datei(), "15.11.2026 18:21:53: fr\xFCh\r\n");
+}
+
+TEST_F(ProtokollTest, TheSameTextWithinASecondMakesOneEntry) {
+    protokoll.Statusmeldung("a");
+    protokoll.Statusmeldung("a", true);
+    EXPECT_EQ(gesicht.Status.Eintraege.size(), 1u);
+    EXPECT_EQ(Datei(), "15.11.2026 18:21:53: a\r\n");
+    welt.Vergehe(1);
+    protokoll.Statusmeldung("a");
+    EXPECT_EQ(gesicht.Status.Eintraege.size(), 2u);
+    EXPECT_EQ(Datei(), "15.11.2026 18:21:53: a\r\n15.11.2026 18:21:54: a\r\n");
+}
+
+TEST_F(ProtokollTest, AnotherTextBetweenLetsTheRepeatThrough) {
+    protokoll.Statusmeldung("a");
+    protokoll.Statusmeldung("b");
+    protokoll.Statusmeldung("a");
+    EXPECT_EQ(gesicht.Status.Eintraege.size(), 3u);
+}
+
+TEST_F(ProtokollTest, TheProgramFolderGetsASeparatorWhereItHasNone) {
+    modul.Programmordner = "/zek";
+    protokoll.Statusmeldung("a");
+    EXPECT_EQ(Datei(), "15.11.2026 18:21:53: a\r\n");
+}
+
+TEST_F(ProtokollTest, AFileOfExactlyAMillionBytesIsAppendedTo) {
+    DateiIst(std::string(1000000, 'x'));
+    protokoll.Statusmeldung("a");
+    EXPECT_EQ(Datei(), std::string(1000000, 'x') + "15.11.2026 18:21:53: a\r\n");
+}
+
+TEST_F(ProtokollTest, ALongerFileKeepsWhatFollowsTheFirstLineBreakOfItsTail) {
+    // 900001 bytes before the tail of 100000: the search begins at position 900001 (counted from 1), at the last of
+    // them.
+    std::string inhalt = std::string(900000, 'x') + "y" + "kopf\r\n" + std::string(99987, 'z') + "ende\r\n";
+    inhalt += "q";
+    ASSERT_EQ(inhalt.size(), 1000000u - 1);
+    inhalt += "qq";
+    DateiIst(inhalt);
+    protokoll.Statusmeldung("a");
+    EXPECT_EQ(Datei(), std::string(99987, 'z') + "ende\r\nqqq" + "\r\n15.11.2026 18:21:53: a");
+}
+
+TEST_F(ProtokollTest, TheSearchBeginsAtPositionLengthMinus100000) {
+    // Length 1000001: position 900001 is offset 900000.
+    const std::string davor = std::string(899999, 'x') + "\r\n" + std::string(100000 - 2, 'z') + "\r\n";
+    ASSERT_EQ(davor.size(), 1000001u - 2);
+    EXPECT_EQ(GekuerztesProtokoll(davor + "ab", "neu"), "ab\r\nneu") << "a line break that begins before is not seen";
+    const std::string genau = std::string(900000, 'x') + "\r\n" + std::string(99997, 'z') + "\r\n";
+    ASSERT_EQ(genau.size(), 1000001u);
+    EXPECT_EQ(GekuerztesProtokoll(genau, "neu"), std::string(99997, 'z') + "\r\n\r\nneu");
+}
+
+TEST_F(ProtokollTest, AfterTheCutTheNextEntryFollowsOnTheSameLine) {
+    DateiIst(std::string(950000, 'x') + "\r\n" + std::string(50000, 'z') + "\r\n");
+    protokoll.Statusmeldung("a");
+    protokoll.Statusmeldung("b");
+    EXPECT_EQ(Datei(), std::string(50000, 'z') + "\r\n\r\n15.11.2026 18:21:53: a15.11.2026 18:21:53: b\r\n");
+}
+
+TEST_F(ProtokollTest, WithoutALineBreakInTheTailTheTextBeginsAtPosition2AndIsGoneAtTheNextEntry) {
+    DateiIst("\r\n" + std::string(1000000, 'x'));
+    protokoll.Statusmeldung("a");
+    EXPECT_EQ(Datei(), "\n" + std::string(1000000, 'x') + "\r\n15.11.2026 18:21:53: a");
+    protokoll.Statusmeldung("b");
+    EXPECT_EQ(Datei(), "15.11.2026 18:21:53: a\r\n15.11.2026 18:21:53: b");
+}
+
+TEST_F(ProtokollTest, AnEntryThatCantBeWrittenIsLostSilentlyAndNoHandleStaysOpen) {
+    DateiIst("alt\r\n");
+    dateien.SchuetzeVorSchreiben("/zek/IBZEKLog.txt");
+    protokoll.Statusmeldung("verloren");
+    dateien.SchuetzeVorSchreiben("/zek/IBZEKLog.txt", false);
+    protokoll.Statusmeldung("da");
+    EXPECT_EQ(Datei(), "alt\r\n15.11.2026 18:21:53: da\r\n");
+    EXPECT_EQ(gesicht.Status.Eintraege.size(), 2u);
+    EXPECT_EQ(dateien.OffeneHandles(), 0u);
+}
+
+TEST(StatuslisteTest, The501stEntryDoesNotTrimAndTheOneAfterItDoes) {
+    Statusliste liste;
+    const auto fuege = [&](int nummer) {
+        liste.Kuerze();
+        liste.Fuege({0, std::to_string(nummer), false});
+    };
+    for (int i = 1; i <= 501; ++i) fuege(i);
+    EXPECT_EQ(liste.Anzahl(), 501u);
+    EXPECT_EQ(liste.ZuKuerzen(), 102u);
+    fuege(502);
+    EXPECT_EQ(liste.Anzahl(), 400u);
+    EXPECT_EQ(liste[0].Text, "103");
+    EXPECT_EQ(liste[399].Text, "502");
+    EXPECT_EQ(liste.ZuKuerzen(), 0u);
+}
+
+TEST(StatuslisteTest, ADoubleClickShowsDateAndMessage) {
+    EXPECT_EQ(Statusliste::Anzeigetext({DatumAus(2026, 11, 15, 18, 21, 53), "Text", true}),
+              "15.11.2026 18:21:53: Text");
+}
+
+}  // namespace
+}  // namespace zek
