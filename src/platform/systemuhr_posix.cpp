@@ -20,6 +20,11 @@ std::int64_t Abstand(std::int64_t unixSekunden) {
     return Felder(unixSekunden).tm_gmtoff;
 }
 
+// A full second whose day count came out a hair too small still counts as that second.
+std::int64_t Ganz(double sekunden) {
+    return static_cast<std::int64_t>(std::floor(sekunden + 0.0005));
+}
+
 }  // namespace
 
 Datum PosixUhr::Jetzt() const {
@@ -64,19 +69,17 @@ Zeitzone PosixUhr::ZoneAm(std::int64_t unixSekunden) {
 }
 
 Datum PosixUhr::OrtszeitAus(double unixSekunden) {
-    return DatumAusUnix(unixSekunden +
-                        static_cast<double>(Abstand(static_cast<std::int64_t>(std::floor(unixSekunden)))));
+    return DatumAusUnix(unixSekunden + static_cast<double>(Abstand(Ganz(unixSekunden))));
 }
 
 double PosixUhr::UnixAusOrtszeit(Datum ortszeit, double bezug) {
     const double lokal = UnixAus(ortszeit);
-    const auto ganz = [](double wert) { return static_cast<std::int64_t>(std::floor(wert)); };
-    const std::int64_t jetzt = Abstand(ganz(bezug));
+    const std::int64_t jetzt = Abstand(Ganz(bezug));
     const double erster = lokal - static_cast<double>(jetzt);
-    const std::int64_t dann = Abstand(ganz(erster));
+    const std::int64_t dann = Abstand(Ganz(erster));
     if (dann == jetzt) return erster;
     const double zweiter = lokal - static_cast<double>(dann);
-    return Abstand(ganz(zweiter)) == dann ? zweiter : erster;
+    return Abstand(Ganz(zweiter)) == dann ? zweiter : erster;
 }
 
 bool PosixUhr::SetzeSystemzeit(Datum neueZeit) {
