@@ -131,7 +131,7 @@ TEST_F(RamNetzTest, AResetIsToldApartFromAClose) {
     EXPECT_EQ(client.Verlauf, "verbunden fehler(" + std::to_string(ECONNRESET) + ")");
 }
 
-TEST_F(RamNetzTest, WritingToOneWhoHasGoneResets) {
+TEST_F(RamNetzTest, TheCloseOvertakesNothingAndComesOnce) {
     Verbinde();
     netz.SetzeLatenz(1);
     server.Leitung.reset();

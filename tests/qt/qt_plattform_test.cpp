@@ -1,0 +1,146 @@
+#include "platform/qt/qt_plattform.h"
+
+#include "platform/qt/signalempfang.h"
+#include "qt/anwendung.h"
+
+#include <gmock/gmock.h>
+#include <stdlib.h>
+
+#include <csignal>
+#include <filesystem>
+
+namespace zek {
+namespace {
+
+using namespace std::chrono_literals;
+using Zeit = std::chrono::steady_clock;
+
+struct QtPlattform : testing::Test, Anwendung {
+    QtZeitgeberfabrik fabrik;
+};
+
+TEST_F(QtPlattform, ATimerRunsUntilItIsStopped) {
+    int laeufe = 0;
+    auto zeitgeber = fabrik.Erzeuge(2ms, [&] { ++laeufe; });
+    Nachlauf();
+    EXPECT_EQ(laeufe, 0);
+    EXPECT_FALSE(zeitgeber->Laeuft());
+    zeitgeber->Starte();
+    EXPECT_TRUE(zeitgeber->Laeuft());
+    ASSERT_TRUE(Bis([&] { return laeufe >= 5; }));
+    zeitgeber->Stoppe();
+    const int bisher = laeufe;
+    Nachlauf();
+    EXPECT_EQ(laeufe, bisher);
+}
+
+TEST_F(QtPlattform, ATimerIsNeverEarlyAndDoesntDrift) {
+    int laeufe = 0;
+    auto zeitgeber = fabrik.Erzeuge(20ms, [&] { ++laeufe; });
+    const auto beginn = Zeit::now();
+    zeitgeber->Starte();
+    ASSERT_TRUE(Bis([&] { return laeufe == 10; }));
+    const auto dauer = Zeit::now() - beginn;
+    EXPECT_GE(dauer, 200ms);
+    EXPECT_LT(dauer, 400ms);
+}
+
+TEST_F(QtPlattform, ATimersCallbackThatPumpsIsEnteredAgain) {
+    int tiefe = 0;
+    int groessteTiefe = 0;
+    auto zeitgeber = fabrik.Erzeuge(1ms, [&] {
+        groessteTiefe = std::max(groessteTiefe, ++tiefe);
+        if (tiefe < 3) Bis([&] { return groessteTiefe >= 3; });
+        --tiefe;
+    });
+    zeitgeber->Starte();
+    EXPECT_TRUE(Bis([&] { return groessteTiefe == 3; }));
+}
+
+TEST_F(QtPlattform, ATimerMayBeDeletedInItsOwnCallback) {
+    int laeufe = 0;
+    std::unique_ptr<Zeitgeber> zeitgeber;
+    zeitgeber = fabrik.Erzeuge(1ms, [&] {
+        zeitgeber.reset();
+        ++laeufe;
+    });
+    zeitgeber->Starte();
+    ASSERT_TRUE(Bis([&] { return laeufe == 1; }));
+    Nachlauf();
+    EXPECT_EQ(laeufe, 1);
+}
+
+TEST_F(QtPlattform, WaitingEndsAtItsLimitOrAtTheFirstEvent) {
+    Pumpe.Ereignisse();  // the loop's own beginnings
+    const auto beginn = Zeit::now();
+    Pumpe.Warte(30ms);
+    EXPECT_GE(Zeit::now() - beginn, 29ms);
+    bool gelaufen = false;
+    auto zeitgeber = fabrik.Erzeuge(1ms, [&] { gelaufen = true; });
+    zeitgeber->Starte();
+    const auto mitte = Zeit::now();
+    Pumpe.Warte(5s);
+    EXPECT_TRUE(gelaufen);
+    EXPECT_LT(Zeit::now() - mitte, 2s);
+}
+
+TEST_F(QtPlattform, PumpingWithoutEventsReturnsAtOnce) {
+    const auto beginn = Zeit::now();
+    Pumpe.Ereignisse();
+    Pumpe.Warte(0ms);
+    EXPECT_LT(Zeit::now() - beginn, 1s);
+}
+
+TEST_F(QtPlattform, SignalsArriveThroughThePump) {
+    std::vector<int> signale;
+    Signalempfang empfang([&](int signal) { signale.push_back(signal); });
+    std::raise(SIGTERM);
+    std::raise(SIGINT);
+    EXPECT_TRUE(signale.empty());
+    ASSERT_TRUE(Bis([&] { return signale.size() == 2; }));
+    EXPECT_THAT(signale, testing::ElementsAre(SIGTERM, SIGINT));
+}
+
+TEST_F(QtPlattform, ThereIsOnlyOneReceiverOfSignalsAtATime) {
+    auto erster = std::make_unique<Signalempfang>([](int) {});
+    EXPECT_THROW(Signalempfang zweiter([](int) {}), std::logic_error);
+    erster.reset();
+    Signalempfang dritter([](int) {});
+}
+
+TEST_F(QtPlattform, AfterTheReceiverASignalEndsTheProcessAgain) {
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    {
+        Signalempfang empfang([](int) {});
+    }
+    EXPECT_EXIT(std::raise(SIGTERM), testing::KilledBySignal(SIGTERM), "");
+}
+
+TEST_F(QtPlattform, TheFirstWhoAsksHoldsTheProgramFolder) {
+    std::string ordner = testing::TempDir() + "zek-XXXXXX";
+    ASSERT_NE(::mkdtemp(ordner.data()), nullptr);
+    {
+        QtProzesse erster(ordner + "/");
+        QtProzesse zweiter(ordner + "/");
+        EXPECT_FALSE(erster.AndereInstanzLaeuft());
+        EXPECT_TRUE(zweiter.AndereInstanzLaeuft());
+        EXPECT_FALSE(erster.AndereInstanzLaeuft());
+    }
+    QtProzesse dritter(ordner + "/");
+    EXPECT_FALSE(dritter.AndereInstanzLaeuft());
+    std::filesystem::remove_all(ordner);
+}
+
+TEST_F(QtPlattform, AFolderThatCantHoldALockIsHeldByNobody) {
+    QtProzesse prozesse("/gibt/es/nicht/");
+    EXPECT_FALSE(prozesse.AndereInstanzLaeuft());
+}
+
+TEST_F(QtPlattform, StartingAProgramTellsWhetherItRuns) {
+    QtProzesse prozesse("/gibt/es/nicht/");
+    EXPECT_TRUE(prozesse.Starte("/bin/true", {}));
+    EXPECT_FALSE(prozesse.Starte("/gibt/es/nicht", {"/K"}));
+}
+
+}  // namespace
+}  // namespace zek
