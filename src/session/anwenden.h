@@ -1,0 +1,19 @@
+// The applying of changed settings while the recorder runs.
+#pragma once
+
+#include "session/einstellungen.h"
+
+#include <functional>
+
+namespace zek {
+
+// Takes `neu` over into the module: bounds as at the start, the derived flags of every title anew, and all settings
+// into the store. `uhrzeitAnfordern` is called when the clock is to be kept right.
+void EinstellungenAnwenden(IBModul& modul, Einstellungsspeicher& speicher, const Einstellungen& neu,
+                           const std::function<void()>& uhrzeitAnfordern);
+
+// Address, port and client id into the module and the store. They count from the next start on.
+void VerbindungsangabenSpeichern(IBModul& modul, Einstellungsspeicher& speicher, const std::string& adresse, int port,
+                                 int clientId);
+
+}  // namespace zek

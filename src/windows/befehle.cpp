@@ -1,0 +1,152 @@
+#include "windows/befehle.h"
+
+#include "session/anwenden.h"
+#include "session/sitzung.h"
+#include "windows/aktionen.h"
+#include "windows/desktopgesicht.h"
+#include "windows/hauptfenster.h"
+#include "windows/info.h"
+#include "windows/statusliste.h"
+#include "windows/verbindungseinstellungen.h"
+#include "windows/zek_einstellungen.h"
+
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QUrl>
+#include <utility>
+
+namespace zek {
+
+namespace {
+
+// Raised while a title or settings window is open.
+class Sperre {
+public:
+    explicit Sperre(IBModul& modul) : modul_(modul), vorher_(std::exchange(modul.Dialogsperre, true)) {}
+    ~Sperre() { modul_.Dialogsperre = vorher_; }
+    Sperre(const Sperre&) = delete;
+    Sperre& operator=(const Sperre&) = delete;
+
+private:
+    IBModul& modul_;
+    bool vorher_;
+};
+
+}  // namespace
+
+Befehle::Befehle(Desktopgesicht& gesicht, Sitzung& sitzung, Hilfeoeffner hilfe, std::string version)
+    : gesicht_(gesicht), sitzung_(sitzung), hilfe_(std::move(hilfe)), version_(std::move(version)) {}
+
+QWidget* Befehle::Fenster() {
+    return gesicht_.Hauptfenster();
+}
+
+void Befehle::Ausfuehren(int nummer) {
+    switch (nummer) {
+        case befehl::Titelauswahl:
+            return NochNichtDa("Die Titelauswahl");
+        case befehl::Verwaltung:
+            return Verwaltung();
+        case befehl::Dateninspektor:
+            return NochNichtDa("Die Dateiauswahl für den Dateninspektor");
+        case befehl::Info: {
+            frmTessaronInfo info(Fenster(), Q(version_));
+            info.exec();
+            return;
+        }
+        case befehl::TWSEinstellungen:
+            return TWSEinstellungen();
+        case befehl::Hilfe:
+            return Hilfe();
+        case befehl::Monitor:
+            return gesicht_.MonitorUmschalten(gesicht_.Hauptfenster()->Befehle().Marke(befehl::Monitor));
+        case befehl::StatusLoeschen:
+            return StatusLoeschen();
+        case befehl::Einstellungen:
+            return Einstellungen();
+        case befehl::DatenNachladen:
+            if (sitzung_.HatTeile()) sitzung_.Teile().Datenpflege.DatenpflegeAktiveTitel();
+            return;
+        case befehl::Kontrakte:
+            return NochNichtDa("Die Kontraktverwaltung");
+        case befehl::Kompakt:
+            return gesicht_.KomprimierteAnsichtSetzen(gesicht_.Hauptfenster()->Befehle().Marke(befehl::Kompakt));
+        case befehl::Speicherordner:
+            gesicht_.ZeigeMeldung("ZEK-Dateien werden gespeichert in: \n" + sitzung_.Modul().Datenordner, meldung::Ok,
+                                  0);
+            return;
+        case befehl::LokalSpeichern:
+            return LokalSpeichern();
+        default:
+            return;
+    }
+}
+
+void Befehle::NochNichtDa(const char* fenster) {
+    gesicht_.ZeigeMeldung(std::string(fenster) +
+                              " ist in dieser Version noch nicht enthalten. Die Aufzeichnung der vorhandenen Titel "
+                              "läuft davon unberührt weiter.",
+                          meldung::Ok, 0);
+}
+
+void Befehle::Verwaltung() {
+    if (sitzung_.Modul().Titelliste.IstLeer() &&
+        gesicht_.ZeigeMeldung(
+            "Es wurden noch keine Titel zur Aufzeichnung ausgewählt ('Titelauswahl'). Dennoch jetzt die "
+            "Titelverwaltung öffnen?",
+            meldung::JaNein, 0) != meldung::AntwortJa)
+        return;
+    NochNichtDa("Die Titelverwaltung");
+}
+
+bool Befehle::FrageVerbindung(Verbindungsangaben& angaben) {
+    const Sperre sperre(sitzung_.Modul());
+    frmIBBrokerOptionen dialog(Fenster(), gesicht_, hilfe_, angaben);
+    if (dialog.exec() != QDialog::Accepted) return false;
+    angaben = dialog.Ergebnis();
+    return true;
+}
+
+void Befehle::TWSEinstellungen() {
+    const zek::Einstellungen& e = sitzung_.Modul().Einstellungen;
+    Verbindungsangaben angaben{e.IBIPAdr, e.IBPort, e.IBLoginID};
+    if (!FrageVerbindung(angaben)) return;
+    VerbindungsangabenSpeichern(sitzung_.Modul(), sitzung_.Einstellungen(), angaben.IBIPAdr, angaben.IBPort,
+                                angaben.IBLoginID);
+    gesicht_.ZeigeMeldung("Die neuen Einstellungen werden erst nach einem Neustart von ZEK wirksam!", meldung::Ok, 0);
+}
+
+void Befehle::StatusLoeschen() {
+    if (gesicht_.ZeigeMeldung("Sollen alle Status-Meldungen aus der Liste gelöscht werden? Sie finden die Meldungen "
+                              "danach weiterhin in der Protokolldatei 'IBZEKLog.txt'.",
+                              meldung::JaNein, 0) == meldung::AntwortJa)
+        gesicht_.Hauptfenster()->Status().Leere();
+}
+
+void Befehle::Einstellungen() {
+    const Sperre sperre(sitzung_.Modul());
+    zek::Einstellungen vorgabe = sitzung_.Modul().Einstellungen;
+    vorgabe.AufzeichnungsPauseBoersen =
+        sitzung_.Einstellungen().LeseEinstellung(Programmtitel, abschnitt::Optionen, "AufzeichnungsPauseBoersen", "");
+    frmZEKEinstellungen dialog(
+        Fenster(),
+        {gesicht_, [this] { return sitzung_.Teile().Neustarter.AutoNeustartStarten(true); },
+         [this](const std::string& ordner) { return sitzung_.Maschine().Dateien.OrdnerExistiert(ordner); }},
+        hilfe_, vorgabe);
+    if (dialog.exec() != QDialog::Accepted) return;
+    EinstellungenAnwenden(sitzung_.Modul(), sitzung_.Einstellungen(), dialog.Ergebnis(),
+                          [this] { sitzung_.Teile().Marktdaten.Control->reqCurrentTime(); });
+}
+
+void Befehle::LokalSpeichern() {
+    sitzung_.Einstellungen().LokalSpeichernUmschalten(
+        gesicht_, [this](bool an) { gesicht_.BefehlsmarkeSetzen(befehl::LokalSpeichern, an); });
+}
+
+void Befehle::Hilfe() {
+    const QString datei = Q(sitzung_.Modul().Hilfedatei);
+    if (QFileInfo::exists(datei) && QDesktopServices::openUrl(QUrl::fromLocalFile(datei))) return;
+    hilfe_("index");
+}
+
+}  // namespace zek

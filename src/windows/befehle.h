@@ -1,0 +1,37 @@
+// What the commands of the main window do, numbers 1020 to 1041.
+#pragma once
+
+#include "session/gesicht.h"
+#include "windows/dialogbasis.h"
+
+namespace zek {
+
+class Desktopgesicht;
+class Sitzung;
+
+class Befehle {
+public:
+    Befehle(Desktopgesicht& gesicht, Sitzung& sitzung, Hilfeoeffner hilfe, std::string version);
+
+    void Ausfuehren(int nummer);
+
+    // The connection settings dialog; true when it was accepted. `angaben` then holds what was entered.
+    bool FrageVerbindung(Verbindungsangaben& angaben);
+
+private:
+    void NochNichtDa(const char* fenster);
+    void Verwaltung();
+    void TWSEinstellungen();
+    void StatusLoeschen();
+    void Einstellungen();
+    void LokalSpeichern();
+    void Hilfe();
+    QWidget* Fenster();
+
+    Desktopgesicht& gesicht_;
+    Sitzung& sitzung_;
+    Hilfeoeffner hilfe_;
+    std::string version_;
+};
+
+}  // namespace zek

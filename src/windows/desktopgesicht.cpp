@@ -1,0 +1,336 @@
+#include "windows/desktopgesicht.h"
+
+#include "datafiles/titelladen.h"
+#include "platform/datum.h"
+#include "platform/text.h"
+#include "session/sitzung.h"
+#include "windows/befehle.h"
+#include "windows/beispieltitel_fenster.h"
+#include "windows/datenpflege_optionen.h"
+#include "windows/monitorplatz.h"
+#include "windows/statusliste.h"
+#include "windows/taskleiste.h"
+
+#include <QApplication>
+#include <QDockWidget>
+#include <QProgressBar>
+#include <utility>
+
+namespace zek {
+
+namespace {
+
+constexpr std::string_view Taskbar = "Taskbar";
+constexpr std::string_view Anzeigen = "Anzeigen";
+
+}  // namespace
+
+Desktopgesicht::Desktopgesicht(const Uhr& uhr, Hilfeoeffner hilfe, std::string version)
+    : uhr_(uhr), hilfe_(std::move(hilfe)), version_(std::move(version)), meldungen_(uhr) {}
+
+Desktopgesicht::~Desktopgesicht() = default;
+
+void Desktopgesicht::SetzeSitzung(Sitzung& sitzung) {
+    sitzung_ = &sitzung;
+    plaetze_ = std::make_unique<Fensterplatz>(sitzung.Einstellungen());
+    befehle_ = std::make_unique<Befehle>(*this, sitzung, hilfe_, version_);
+}
+
+int Desktopgesicht::ZeigeMeldung(const std::string& text, int flags, int sekunden) {
+    return meldungen_.ZeigeMeldung(text, flags, sekunden);
+}
+
+// ---- start
+
+StarthinweisAntwort Desktopgesicht::ZeigeStarthinweis() {
+    frmStartHinweis hinweis(nullptr);
+    return hinweis.Frage();
+}
+
+void Desktopgesicht::VerzoegerungBeginnt(const std::string& text, int maximum) {
+    verzoegerung_ = std::make_unique<frmStartverzoegerung>(Q(text), maximum);
+    verzoegerung_->show();
+}
+
+void Desktopgesicht::VerzoegerungWert(int wert) {
+    if (verzoegerung_) verzoegerung_->Wert(wert);
+}
+
+bool Desktopgesicht::VerzoegerungAbgebrochen() const {
+    return verzoegerung_ && verzoegerung_->Abgebrochen();
+}
+
+void Desktopgesicht::VerzoegerungEndet() {
+    verzoegerung_.reset();
+}
+
+void Desktopgesicht::LadeHauptfenster() {
+    IB_Hauptfenster::Umfeld umfeld;
+    umfeld.Ausfuehren = [this](int nummer) { befehle_->Ausfuehren(nummer); };
+    umfeld.DarfSchliessen = [this] { return FrageSchliessen(); };
+    umfeld.Schliessen = [this] { sitzung_->Beende(); };
+    umfeld.PlatzSpeichern = [this] { FensterplatzSpeichern(); };
+    umfeld.Minimiert = [this] { Minimiert(); };
+    umfeld.StatusAnzeigen = [this](const std::string& text) { ZeigeMeldung(text, meldung::Ok, 0); };
+    umfeld.Kursanzahl = [this] { return sitzung_->Modul().Kursanzahl; };
+    fenster_ = std::make_unique<IB_Hauptfenster>(std::move(umfeld));
+    meldungen_.SetzeHauptfenster(fenster_.get());
+    plaetze_->Laden(*fenster_, IB_Hauptfenster::Platzschluessel);
+}
+
+bool Desktopgesicht::HauptfensterMinimiert() const {
+    return fenster_ && (fenster_->isMinimized() || !fenster_->isVisible());
+}
+
+void Desktopgesicht::TaskleistenstilSetzen(bool an) {
+    if (fenster_) TaskleisteneintragSetzen(*fenster_, an);
+}
+
+void Desktopgesicht::ZeigeStartansicht() {
+    fenster_->Startansicht(Q(Datumtext(sitzung_->Modul().Startzeitpunkt)));
+    fenster_->show();
+}
+
+bool Desktopgesicht::Verbindungseinstellungen(Verbindungsangaben& angaben) {
+    return befehle_->FrageVerbindung(angaben);
+}
+
+void Desktopgesicht::Startinfo(const std::string& text) {
+    if (fenster_) fenster_->Startinfo(Q(text));
+}
+
+void Desktopgesicht::FortschrittMaximum(int maximum) {
+    if (fenster_) fenster_->FortschrittAnzeige().setMaximum(std::max(1, maximum));
+}
+
+void Desktopgesicht::FortschrittWert(int wert) {
+    if (fenster_) fenster_->FortschrittAnzeige().setValue(wert);
+}
+
+void Desktopgesicht::Sanduhr(bool an) {
+    if (an && QApplication::overrideCursor() == nullptr) QApplication::setOverrideCursor(Qt::WaitCursor);
+    while (!an && QApplication::overrideCursor() != nullptr) QApplication::restoreOverrideCursor();
+}
+
+void Desktopgesicht::ZeigeArbeitsansicht(const std::string& datenordner) {
+    fenster_->Arbeitsansicht(Q(datenordner));
+}
+
+void Desktopgesicht::BefehlsmarkeSetzen(int nummer, bool an) {
+    if (fenster_) fenster_->Befehle().MarkeSetzen(nummer, an);
+}
+
+void Desktopgesicht::KomprimierteAnsichtSetzen(bool an) {
+    fenster_->Kompakt(an);
+    sitzung_->Modul().Einstellungen.KomprimierteAnsicht = an;
+    sitzung_->Einstellungen().SchreibeEinstellung(Programmtitel, abschnitt::Optionen, "KomprimierteAnsicht",
+                                                  an ? "1" : "0");
+}
+
+void Desktopgesicht::ZeigeBeispieltitel() {
+    frmBeispieltitel fenster(
+        fenster_.get(), *this,
+        [this](const Beispielbereiche& bereiche) { sitzung_->Teile().BeispieltitelAnlegen(bereiche); },
+        [this] {
+            sitzung_->Einstellungen().SchreibeRegistry(Programmtitel, abschnitt::Optionen, "DontShowStartUpTitel", "1");
+        });
+    fenster.exec();
+    TitelGeaendert();
+}
+
+// ---- tray
+
+void Desktopgesicht::InitSysTray() {
+    QApplication::processEvents();
+    tray_ = std::make_unique<frmSysTray>(nullptr);
+    tray_->AddMenuItem("&Tessaron ZEK anzeigen", "Open", true);
+    tray_->AddMenuItem("-");
+    tray_->AddMenuItem("&Titelauswahl...", "Titelauswahl");
+    tray_->AddMenuItem("&Verwaltung...", "Verwaltung");
+    tray_->AddMenuItem("-");
+    tray_->AddMenuItem("In Taskleiste &anzeigen", "ShowInTaskBar");
+    tray_->AddMenuItem("-");
+    tray_->AddMenuItem("&Tessaron ZEK beenden", "Beenden");
+    tray_->CheckMenuItem(EintragTaskleiste, false);
+    std::string ordner = sitzung_->Modul().Programmordner;
+    if (ordner.size() > 1 && ordner.ends_with('/')) ordner.pop_back();
+    tray_->ToolTip(Q("Tessaron ZEK für IB (" + ordner + ")"));
+    tray_->MenuClick = [this](int, const QString& schluessel) { TrayMenue(schluessel); };
+    tray_->SysTrayMouseUp = [this](frmSysTray::Taste taste) {
+        if (taste == frmSysTray::Taste::Links) FensterNachVorn();
+    };
+    ErsteFrageTaskleiste();
+    Einstellungsspeicher& speicher = sitzung_->Einstellungen();
+    if (Zahlwert(speicher.LeseEinstellung(Programmtitel, abschnitt::Hauptfenster, Taskbar, "1")) != 0) {
+        speicher.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, Taskbar, "1");
+        fenster_->show();
+        TaskleistenstilSetzen(true);
+        QApplication::processEvents();
+        tray_->CheckMenuItem(EintragTaskleiste, true);
+        FensterNachVorn();
+    }
+    const std::string anzeigen = speicher.LeseEinstellung(Programmtitel, abschnitt::Hauptfenster, Anzeigen, "-1");
+    if (Zahlwert(anzeigen) == 0)
+        fenster_->showMinimized();
+    else
+        FensterNachVorn();
+}
+
+void Desktopgesicht::ErsteFrageTaskleiste() {
+    Einstellungsspeicher& speicher = sitzung_->Einstellungen();
+    if (!speicher.LeseEinstellung(Programmtitel, abschnitt::Hauptfenster, Taskbar, "").empty()) return;
+    const bool ja =
+        ZeigeMeldung(
+            "Das Symbol von Tessaron ZEK wird im Infobereich der Taskleiste angezeigt. Mit rechtem Mausklick auf "
+            "das Symbol öffnen Sie dort das Auswahlmenü.\nSoll Tessaron ZEK auch als Programm in der Taskleiste "
+            "erscheinen?",
+            meldung::JaNein, 0) == meldung::AntwortJa;
+    speicher.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, Taskbar, ja ? "1" : "0");
+}
+
+void Desktopgesicht::TrayMenue(const QString& schluessel) {
+    if (schluessel == "Open") {
+        FensterNachVorn();
+    } else if (schluessel == "Titelauswahl") {
+        befehle_->Ausfuehren(befehl::Titelauswahl);
+    } else if (schluessel == "Verwaltung") {
+        befehle_->Ausfuehren(befehl::Verwaltung);
+    } else if (schluessel == "ShowInTaskBar") {
+        TaskleisteUmschalten();
+    } else if (schluessel == "Beenden") {
+        if (FrageSchliessen()) sitzung_->Beende();
+    }
+}
+
+void Desktopgesicht::TaskleisteUmschalten() {
+    // The click has already toggled the check mark.
+    const bool an = tray_->IsCheckedMenuItem(EintragTaskleiste);
+    TaskleistenstilSetzen(an);
+    if (an) {
+        FensterNachVorn();
+        return;
+    }
+    ZeigeMeldung("Die Änderung dieser Einstellung wird erst nach Neustart des Programms wirksam.", meldung::Ok, 0);
+}
+
+bool Desktopgesicht::InTaskleisteAngehakt() const {
+    return tray_ && tray_->IsCheckedMenuItem(EintragTaskleiste);
+}
+
+void Desktopgesicht::TrayFreigeben() {
+    tray_.reset();
+}
+
+// A second request while the question stands is the same question.
+bool Desktopgesicht::FrageSchliessen() {
+    if (schliessfrageOffen_) return false;
+    schliessfrageOffen_ = true;
+    const bool ja = DarfSchliessen(sitzung_->Modul(), *this, fenster_->windowTitle().toStdString());
+    schliessfrageOffen_ = false;
+    return ja;
+}
+
+void Desktopgesicht::Minimiert() {
+    // Without a notification area a hidden window could never come back.
+    if (fenster_->isMinimized() && tray_ && tray_->Sichtbar() && !InTaskleisteAngehakt()) fenster_->hide();
+}
+
+// ---- while it runs
+
+bool Desktopgesicht::OfflinewarnungSichtbar() const {
+    return fenster_ && fenster_->OfflineSichtbar();
+}
+
+void Desktopgesicht::ZeigeOfflinewarnung(const std::string& text) {
+    if (!fenster_) return;
+    fenster_->OfflineText(Q(text));
+    fenster_->OfflineZeigen(true);
+}
+
+void Desktopgesicht::ZeigeOfflinewarnung() {
+    if (fenster_) fenster_->OfflineZeigen(true);
+}
+
+void Desktopgesicht::VerbergeOfflinewarnung() {
+    if (fenster_) fenster_->OfflineZeigen(false);
+}
+
+void Desktopgesicht::FensterNachVorn() {
+    if (fenster_) fenster_->NachVorn();
+}
+
+void Desktopgesicht::Ton() {
+    QApplication::beep();
+}
+
+void Desktopgesicht::StatuslisteEintrag(Datum zeit, const std::string& text, bool fett) {
+    if (fenster_) fenster_->Status().Fuege(zeit, text, fett);
+}
+
+void Desktopgesicht::TitelInfo(const std::string& text) {
+    if (fenster_) fenster_->TitelInfo(Q(text));
+}
+
+void Desktopgesicht::Statuspanel(const std::string& text) {
+    if (fenster_) fenster_->Panel(Q(text));
+}
+
+Datenpflegeanzeige& Desktopgesicht::DatenpflegeFensterErzeugen() {
+    datenpflege_ = std::make_unique<frmDatenpflegeFortschritt>(fenster_.get());
+    datenpflege_->show();
+    return *datenpflege_;
+}
+
+void Desktopgesicht::DatenpflegeFensterFreigeben() {
+    datenpflege_.reset();
+}
+
+// The caller holds Dialogsperre while the dialog is open.
+std::optional<Datenpflegewahl> Desktopgesicht::DatenpflegeOptionen(const Datenpflegeoptionen::Vorgabe& vorgabe) {
+    frmDatenpflegeOptionen dialog(fenster_.get(), uhr_, *this, hilfe_, vorgabe);
+    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    return dialog.Ergebnis();
+}
+
+// ---- monitor
+
+void Desktopgesicht::Protokolleintrag(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
+                                      bool verworfen) {
+    if (monitor_ != nullptr) monitor_->Tick(titel, kursart, kurs, volume, verworfen, uhr_.Jetzt());
+}
+
+void Desktopgesicht::MonitorUmschalten(bool an) {
+    if (an && monitor_ == nullptr) MonitorOeffnen();
+    if (!an && monitor_ != nullptr) MonitorSchliessen();
+}
+
+void Desktopgesicht::MonitorOeffnen() {
+    monitor_ = new frmMonitor(nullptr, sitzung_->Modul().Titelliste, sitzung_->Einstellungen(),
+                              [this](std::int32_t) { befehle_->Ausfuehren(befehl::Dateninspektor); });
+    QDockWidget& dock = fenster_->MonitorDockOeffnen(monitor_, [this] {
+        BefehlsmarkeSetzen(befehl::Monitor, false);
+        MonitorUmschalten(false);
+    });
+    Monitorplatz(sitzung_->Einstellungen()).Laden(*fenster_, dock);
+}
+
+void Desktopgesicht::MonitorSchliessen() {
+    MonitorplatzSpeichern();
+    monitor_ = nullptr;
+    fenster_->MonitorDockSchliessen();
+}
+
+void Desktopgesicht::MonitorplatzSpeichern() {
+    if (fenster_ && fenster_->MonitorDock() != nullptr)
+        Monitorplatz(sitzung_->Einstellungen()).Speichern(*fenster_, *fenster_->MonitorDock());
+}
+
+void Desktopgesicht::TitelGeaendert() {
+    if (monitor_ != nullptr) monitor_->TitelGeaendert();
+}
+
+void Desktopgesicht::FensterplatzSpeichern() {
+    if (fenster_) plaetze_->Speichern(*fenster_, IB_Hauptfenster::Platzschluessel);
+}
+
+}  // namespace zek
