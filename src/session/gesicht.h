@@ -2,8 +2,10 @@
 // screenless program has another, which writes questions to the log and answers 0.
 #pragma once
 
+#include "backfill/wahl.h"
 #include "modul/rollen.h"
 
+#include <optional>
 #include <string>
 
 namespace zek {
@@ -59,6 +61,8 @@ public:
     // The progress window of a backfill: made for a run, released after it.
     virtual Datenpflegeanzeige& DatenpflegeFensterErzeugen() = 0;
     virtual void DatenpflegeFensterFreigeben() = 0;
+    // The choice for a manual backfill; empty when cancelled.
+    virtual std::optional<Datenpflegewahl> DatenpflegeOptionen(const Datenpflegeoptionen::Vorgabe&) { return {}; }
 
     // ---- shutdown
     virtual bool InTaskleisteAngehakt() const = 0;

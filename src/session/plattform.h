@@ -10,7 +10,6 @@
 #include "platform/uhr.h"
 #include "platform/zeitgeber.h"
 
-#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -26,10 +25,9 @@ struct Plattform {
     Profildatei& LokaleDatei;  // "ZEK_IB_Para.ini" of the program folder
     Profildatei& Portdatei;    // "ZEK_Para.ini" of the program folder
     zek::Prozesse& Prozesse;
-    tws::TwsFabrik Tws;             // makes the live session and the one of a backfill
-    std::string Programmordner;     // ends in "/"
-    std::uint32_t Zufallszahl = 0;  // seed of the backfill's client ids
-    std::function<void()> Ende;     // ends the event loop; called once, when the shutdown order is through
+    tws::TwsFabrik Tws;          // makes the live session and the one of a backfill
+    std::string Programmordner;  // ends in "/"
+    std::function<void()> Ende;  // ends the event loop; called once, when the shutdown order is through
 };
 
 }  // namespace zek

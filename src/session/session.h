@@ -10,6 +10,7 @@
 //   plattform        the seams to the machine, in one struct
 //   main             the start sequence, step by step
 //   abschluss        the closing question and the shutdown order, step by step
+//   bruecken         the roles that the lower rooms have named, played by the assembly
 //   zusammenbau      makes the objects of all rooms and ties them together
 //   sitzung          owns the above; what a program's main() and its windows hold
 //

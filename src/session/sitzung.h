@@ -22,6 +22,8 @@ public:
 
     // The start sequence. False when the program is to end at once.
     bool Starte();
+    // How the start came out; tells a program its exit status.
+    Startergebnis Ergebnis() const { return ergebnis_; }
 
     // The closing by the system (SIGTERM, SIGINT) and every other closing without a question: the shutdown order, at
     // once, also during the start and inside any wait. A backfill is cancelled before. Further calls do nothing.
@@ -54,6 +56,7 @@ private:
     Startfolge start_;
     Abschluss abschluss_;
     std::unique_ptr<Zusammenbau> teile_;
+    Startergebnis ergebnis_ = Startergebnis::Laeuft;
     bool beendet_ = false;
 };
 

@@ -1,8 +1,8 @@
 // The settings store: which of the two stores is used, what is bounded and checked, command 1041.
+#include "session/einstellungen.h"
 #include "hilfen/ram_speicher.h"
 #include "hilfen/test_gesicht.h"
 #include "platform/datum.h"
-#include "session/einstellungen.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -147,8 +147,7 @@ TEST_F(EinstellungenTest, ABadRestartTimeIsReportedOnlyWhereItIsInUse) {
     InRegistry("Optionen", "NeuStartbeiUhrzeit", "1");
     EXPECT_EQ(NurZeittext(LiesAlle().NeustartUhrzeit), "06:30:00");
     ASSERT_EQ(meldungen.Gezeigt.size(), 1u);
-    EXPECT_EQ(meldungen.Gezeigt[0].Text,
-              "Falsches Zeitformat in ZEK-Einstellung Neustart-Uhrzeit (bitte prüfen!).");
+    EXPECT_EQ(meldungen.Gezeigt[0].Text, "Falsches Zeitformat in ZEK-Einstellung Neustart-Uhrzeit (bitte prüfen!).");
 }
 
 TEST_F(EinstellungenTest, ADateBeforeATimeOfDayIsCutOff) {

@@ -1,0 +1,77 @@
+// The bridges between the rooms: each plays the role that a lower room has named for its neighbours, and passes the
+// calls on to the object of the assembly that does the work.
+#pragma once
+
+#include "backfill/lauf.h"
+#include "backfill/wahl.h"
+#include "session/einstellungen.h"
+#include "session/gesicht.h"
+#include "supervision/neustart.h"
+#include "supervision/runde.h"
+
+#include <functional>
+
+namespace zek {
+
+struct Zusammenbau;
+
+class Neustartbruecke final : public Neustart::Sitzung {
+public:
+    // `entladen` runs the shutdown order.
+    Neustartbruecke(Zusammenbau& teile, Einstellungsspeicher& einstellungen, std::function<void()> entladen);
+
+    std::string LeseOption(std::string_view schluessel, std::string_view vorgabe) override;
+    void SchreibeOption(std::string_view schluessel, std::string_view wert) override;
+    std::string LeseKommando(std::string_view schluessel) override;
+    bool TwsVerbunden() const override;
+    void disconnect() override;
+    bool DatenpflegeAbbrechen() override;
+    void DatenpflegeFensterFreigeben() override;
+    bool HauptfensterEntladen() override;
+    void ProgrammBeenden() override { entladen_(); }
+
+private:
+    Zusammenbau& teile_;
+    Einstellungsspeicher& einstellungen_;
+    std::function<void()> entladen_;
+};
+
+class Rundenbruecke final : public Runde::Mitspieler {
+public:
+    Rundenbruecke(Zusammenbau& teile, Einstellungsspeicher& einstellungen, Offlineanzeige& anzeige);
+
+    void AlleMarktdatenAbbestellen(std::int32_t& count) override;
+    void AlleMarktdatenAbonnieren(std::int32_t count) override;
+    void KontoabosAnfordern() override;
+    void TWSVerbindungAufbauen() override;
+    bool TwsVerbunden() const override;
+    void reqCurrentTime() override;
+    void VerbergeOfflinewarnung() override;
+    bool StarteAutoBackfill(Datum zeitpunkt) override;
+    void AtomZeitAbfrage() override;
+    void SchreibeLastEnd(std::string_view wert) override;
+
+private:
+    Zusammenbau& teile_;
+    Einstellungsspeicher& einstellungen_;
+    Offlineanzeige& anzeige_;
+};
+
+class Datenpflegebruecke final : public Datenpflegefenster, public Datenpflegeablage, public Datenpflegeoptionen {
+public:
+    Datenpflegebruecke(Einstellungsspeicher& einstellungen, Gesicht& gesicht);
+
+    Datenpflegeanzeige& Erzeuge() override { return gesicht_.DatenpflegeFensterErzeugen(); }
+    void GibFrei() override { gesicht_.DatenpflegeFensterFreigeben(); }
+    void Statuspanel(const std::string& text) override { gesicht_.Statuspanel(text); }
+    void Ton() override { gesicht_.Ton(); }
+    std::string Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe) override;
+    void Schreibe(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) override;
+    std::optional<Datenpflegewahl> Frage(const Vorgabe& vorgabe) override;
+
+private:
+    Einstellungsspeicher& einstellungen_;
+    Gesicht& gesicht_;
+};
+
+}  // namespace zek

@@ -1,0 +1,64 @@
+#include "session/sitzung.h"
+
+namespace zek {
+
+Sitzung::Sitzung(Plattform plattform, Gesicht& gesicht, const std::string& befehlszeile)
+    : plattform_(std::move(plattform)),
+      gesicht_(gesicht),
+      einstellungen_(modul_, plattform_.Nutzerspeicher, plattform_.LokaleDatei),
+      protokoll_(plattform_.Uhr, plattform_.Dateien, modul_, gesicht_),
+      start_(plattform_, modul_, einstellungen_, gesicht_, *this, LiesBefehlszeile(befehlszeile)),
+      abschluss_(plattform_, modul_, einstellungen_, gesicht_, *this) {
+    modul_.Programmordner = plattform_.Programmordner;
+}
+
+Sitzung::~Sitzung() = default;
+
+bool Sitzung::Starte() {
+    ergebnis_ = start_.Main();
+    if (beendet_) ergebnis_ = Startergebnis::Beendet;
+    return ergebnis_ == Startergebnis::Laeuft;
+}
+
+void Sitzung::Beende() {
+    if (beendet_) return;
+    beendet_ = true;
+    if (teile_) {
+        teile_->HalteAn();
+        abschluss_.Entladen();
+    }
+    if (plattform_.Ende) plattform_.Ende();
+}
+
+void Sitzung::HauptfensterLaden() {
+    teile_ = std::make_unique<Zusammenbau>(
+        Zusammenbau::Umgebung{plattform_, modul_, einstellungen_, gesicht_, protokoll_, [this] { Beende(); }});
+    modul_.Startzeitpunkt = plattform_.Uhr.Jetzt();
+    teile_->StarteZeitgeber();
+}
+
+void Sitzung::TWSVerbindungAufbauen() {
+    teile_->Marktdaten.Sitzung.TWSVerbindungAufbauen();
+}
+
+void Sitzung::AtomZeitAbfrage() {
+    teile_->Atomuhr.AtomZeitAbfrage();
+}
+
+void Sitzung::Titelladen() {
+    teile_->Lader.Titelladen();
+}
+
+void Sitzung::ErsteDatenpflegeVormerken() {
+    teile_->Datenpflege.StarteVerzoegert();
+}
+
+void Sitzung::MarktdatenAbbestellen(const clTitelobjekt& titel) {
+    teile_->Marktdaten.Abos.MarktdatenAbbestellen(titel);
+}
+
+void Sitzung::TwsTrennen() {
+    teile_->Marktdaten.Control->disconnect();
+}
+
+}  // namespace zek

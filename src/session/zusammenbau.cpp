@@ -1,0 +1,81 @@
+#include "session/zusammenbau.h"
+
+#include "platform/ohnefehler.h"
+
+namespace zek {
+
+namespace {
+
+std::string Option(Einstellungsspeicher& einstellungen, std::string_view schluessel) {
+    return einstellungen.LeseEinstellung(Programmtitel, abschnitt::Optionen, schluessel, "");
+}
+
+}  // namespace
+
+Zusammenbau::Zusammenbau(const Umgebung& um)
+    : um_(um),
+      neustartbruecke_(*this, um.Einstellungen, um.Entladen),
+      rundenbruecke_(*this, um.Einstellungen, um.Gesicht),
+      datenpflegebruecke_(um.Einstellungen, um.Gesicht),
+      Ablage(um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Status, VorzeichenVolumen),
+      Atomuhr(um.Modul, um.Plattform.Uhr, um.Plattform.Tcp, um.Status),
+      Neustarter(um.Modul, um.Plattform.Uhr, um.Plattform.Pumpe, um.Plattform.Dateien, um.Plattform.Prozesse, um.Status,
+                 um.Gesicht, neustartbruecke_),
+      Marktdaten({um.Modul, um.Plattform.Uhr, um.Plattform.Pumpe, Ablage, um.Status, um.Gesicht, um.Gesicht,
+                  um.Plattform.Tws, [this](std::int64_t time) { Atomuhr.currentTime(time); },
+                  [this](int code) { Neustarter.WegenFehler(code); }}),
+      Info(um.Modul, um.Plattform.Uhr, [&gesicht = um.Gesicht](const std::string& text) { gesicht.TitelInfo(text); }),
+      Lader(
+          um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Plattform.Pumpe, um.Gesicht, um.Gesicht,
+          {[this] { return Marktdaten.Control.Verbunden(); }, [this](clTitelobjekt& titel) { return Abonniere(titel); },
+           [this] { Info.TitelInfoAktualisieren(false); }}),
+      Sicherung(um.Modul, um.Plattform.Dateien, um.Gesicht, um.Gesicht),
+      Datenpflege({{um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Plattform.Pumpe, um.Status, um.Gesicht,
+                    datenpflegebruecke_, um.Plattform.Tws},
+                   um.Plattform.Zeitgeber,
+                   datenpflegebruecke_,
+                   datenpflegebruecke_,
+                   [this] { return Marktdaten.Control.Verbunden(); }}),
+      Aufsicht(um.Modul, um.Plattform.Uhr, um.Status, Neustarter, rundenbruecke_),
+      zeitgeber_(um.Plattform.Zeitgeber.Erzeuge(Runde::Intervall, [this] { Aufsicht.Durchlauf(); })),
+      tickzaehlerTimer_(
+          um.Plattform.Zeitgeber.Erzeuge(Titelinfo::Intervall, [this] { Info.TitelInfoAktualisieren(true); })) {
+    Atomuhr.SetzeZeitserver(Option(um.Einstellungen, "Zeitserver1"), Option(um.Einstellungen, "Zeitserver2"));
+}
+
+void Zusammenbau::StarteZeitgeber() {
+    zeitgeber_->Starte();
+    tickzaehlerTimer_->Starte();
+}
+
+void Zusammenbau::HalteAn() {
+    Aufsicht.Beende();
+    zeitgeber_->Stoppe();
+    tickzaehlerTimer_->Stoppe();
+    um_.Modul.Datenpflegewarteschlange.clear();
+    if (!Datenpflege.DatenpflegeFensterVorhanden()) return;
+    OhneFehler([this] { Datenpflege.BrichAb(); });
+    OhneFehler([this] { Datenpflege.FensterEntladen(); });
+}
+
+Titelzeiger Zusammenbau::TitelAnlegen(const Titelangaben& angaben) {
+    return zek::TitelAnlegen(um_.Modul, angaben, [this](clTitelobjekt& titel) { return Abonniere(titel); });
+}
+
+void Zusammenbau::BeispieltitelAnlegen(const Beispielbereiche& bereiche) {
+    zek::BeispieltitelAnlegen(bereiche, um_.Plattform.Uhr.Jetzt(), [this](const Beispieltitel& zeile) {
+        Titelangaben angaben;
+        angaben.Symbol = zeile.Symbol;
+        angaben.Börsenplatz = zeile.Börsenplatz;
+        angaben.Typ = zeile.Typ;
+        angaben.Währung = zeile.Währung;
+        angaben.Laufzeit = zeile.Laufzeit;
+        angaben.Katalog = zeile.Katalog;
+        angaben.Multiplikator = zeile.Multiplikator;
+        TitelAnlegen(angaben);
+    });
+    Sicherung.Titelspeichern();
+    Info.TitelInfoAktualisieren(false);
+}
+
+}  // namespace zek

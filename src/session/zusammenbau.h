@@ -1,0 +1,70 @@
+// The assembly: the objects of all rooms below, tied to each other. Made when the main window loads; lives until the
+// session goes.
+#pragma once
+
+#include "backfill/planung.h"
+#include "datafiles/anhaengen.h"
+#include "datafiles/titelanlegen.h"
+#include "datafiles/titelladen.h"
+#include "feed/feed.h"
+#include "session/beispieltitel.h"
+#include "session/bruecken.h"
+#include "session/plattform.h"
+#include "supervision/systemuhr.h"
+#include "supervision/titelinfo.h"
+
+#include <functional>
+#include <memory>
+
+namespace zek {
+
+struct Zusammenbau {
+    // What the assembly is made over; all must outlive it. `Entladen` runs the shutdown order.
+    struct Umgebung {
+        const zek::Plattform& Plattform;
+        IBModul& Modul;
+        Einstellungsspeicher& Einstellungen;
+        zek::Gesicht& Gesicht;
+        Statusausgabe& Status;
+        std::function<void()> Entladen;
+    };
+
+    explicit Zusammenbau(const Umgebung& um);
+    Zusammenbau(const Zusammenbau&) = delete;
+    Zusammenbau& operator=(const Zusammenbau&) = delete;
+
+    // The timers of the main window: supervision round and tick counter.
+    void StarteZeitgeber();
+    // For the shutdown: no timer, no round and no waiting backfill any more; a run that is going stops.
+    void HalteAn();
+
+    // Subscribes a title and returns the number of messages.
+    int Abonniere(clTitelobjekt& titel) { return Marktdaten.Abos.MarktdatenAbonnieren(titel); }
+    // Nothing where the list has it already. The definitions aren't saved.
+    Titelzeiger TitelAnlegen(const Titelangaben& angaben);
+    // Adds the sample titles of these areas and saves.
+    void BeispieltitelAnlegen(const Beispielbereiche& bereiche);
+
+private:
+    Umgebung um_;
+    Neustartbruecke neustartbruecke_;
+    Rundenbruecke rundenbruecke_;
+    Datenpflegebruecke datenpflegebruecke_;
+
+public:
+    Datensatzschreiber Ablage;
+    Systemuhr Atomuhr;
+    Neustart Neustarter;
+    Feed Marktdaten;
+    Titelinfo Info;
+    Titellader Lader;
+    Titelsicherung Sicherung;
+    Datenpflegeplanung Datenpflege;
+    Runde Aufsicht;
+
+private:
+    std::unique_ptr<Zeitgeber> zeitgeber_;
+    std::unique_ptr<Zeitgeber> tickzaehlerTimer_;
+};
+
+}  // namespace zek
