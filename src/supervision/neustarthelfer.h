@@ -44,7 +44,7 @@ public:
         ZweiterHelfer,     // another helper is at work
         AndererRecorder,   // the process is gone, but somebody else started a recorder meanwhile
         StartMisslungen,   // the program couldn't be started
-        NichtUebernommen,  // started, but it didn't take the program folder within UebernahmeZeit
+        NichtUebernommen,  // started, but it didn't take the program folder within a minute
     };
 
     Neustarthelfer(Auftrag auftrag, const Uhr& uhr, Pumpe& pumpe, Dateisystem& dateien, Welt& welt);

@@ -1,0 +1,148 @@
+#include "supervision/neustart.h"
+
+#include "feed/aufzeichnung.h"
+#include "platform/datum.h"
+#include "platform/ohnefehler.h"
+#include "platform/text.h"
+
+#include <vector>
+
+namespace zek {
+namespace {
+
+// A round may come this much before the clock time (about 0.04 s).
+constexpr Datum Uhrzeittoleranz = 0.0000005;
+
+// Seconds that have passed; the half millisecond makes up for the resolution of a day count.
+double Vergangen(Datum von, Datum bis) {
+    return (bis - von) * SekundenProTag + 0.0005;
+}
+
+bool Befohlen(const std::string& wert) {
+    return Zahlwert(wert) != 0;
+}
+
+}  // namespace
+
+Neustart::Neustart(IBModul& modul, const Uhr& uhr, Pumpe& pumpe, Dateisystem& dateien, Prozesse& prozesse,
+                   Statusausgabe& status, Meldungen& meldungen, Sitzung& sitzung)
+    : modul_(modul),
+      uhr_(uhr),
+      pumpe_(pumpe),
+      dateien_(dateien),
+      prozesse_(prozesse),
+      status_(status),
+      meldungen_(meldungen),
+      sitzung_(sitzung) {}
+
+bool Neustart::AutoNeustartStarten(bool nurPruefen) {
+    std::string pfad = modul_.Programmordner;
+    if (!pfad.ends_with('/')) pfad += '/';
+    pfad += Helferdatei;
+    if (dateien_.DateiExistiert(pfad)) {
+        std::vector<std::string> argumente;
+        if (modul_.KeineBeendenFrage) argumente.emplace_back("/K");
+        if (!nurPruefen) OhneFehler([&] { prozesse_.Starte(pfad, argumente); });
+        return true;
+    }
+    if (nurPruefen) {
+        meldungen_.ZeigeMeldung(
+            "ZEKIBAutoNeustart.exe wurde im Programmordner von ZEK nicht gefunden. "
+            "Kein automatischer Neustart möglich!",
+            meldung::Ok, 0);
+    }
+    return false;
+}
+
+void Neustart::UhrzeitPruefen() {
+    const Einstellungen& e = modul_.Einstellungen;
+    if (!e.NeuStartbeiUhrzeit) return;
+    const Datum jetzt = uhr_.Jetzt();
+    // The program that comes up just after the restart was started today after that time, and waits for tomorrow.
+    const bool gesternGestartet = GanzerTag(jetzt) > GanzerTag(modul_.Startzeitpunkt);
+    const bool vorherGestartet = e.NeustartUhrzeit - EineSekunde > Tageszeit(modul_.Startzeitpunkt);
+    if (!gesternGestartet && !vorherGestartet) return;
+    if (Tageszeit(jetzt) < e.NeustartUhrzeit - Uhrzeittoleranz) return;
+    Anfordern("ZEK wird zeitbedingt neu gestartet (" + Datumtext(e.NeustartUhrzeit) + ")");
+}
+
+void Neustart::FehlendeKursePruefen() {
+    const Einstellungen& e = modul_.Einstellungen;
+    if (!e.NeuStartBeiFehlendenKursen || modul_.AktiveTitel < 1) return;
+    const Datum jetzt = uhr_.Jetzt();
+    if (Vergangen(modul_.Startzeitpunkt, jetzt) < KurseKarenz) return;
+    if (Vergangen(modul_.LetzterKursZeitpunkt, jetzt) < e.NeuStartBeiFehlendenKursenSekunden) return;
+    // A lost connection is the reconnect's business.
+    if (!sitzung_.TwsVerbunden()) return;
+    if (RuhezeitAktiv(e, jetzt)) {
+        // The silence is counted anew from the end of the weekend or the pause.
+        modul_.LetzterKursZeitpunkt = jetzt;
+        return;
+    }
+    Anfordern("ZEK wird neu gestartet, weil längere Zeit keine Kurse eingetroffen sind");
+}
+
+void Neustart::KommandosPruefen() {
+    if (Befohlen(sitzung_.LeseKommando("DoQuit"))) {
+        status_.Statusmeldung("ZEK wird durch Kommand /Quit beendet (" + Datumtext(uhr_.Jetzt()) + ")", true);
+        modul_.BeendenAngefordert = true;
+    }
+    if (Befohlen(sitzung_.LeseKommando("Restart"))) {
+        Anfordern("ZEK wird durch Kommand /Restart neu gestartet (" + Datumtext(uhr_.Jetzt()) + ")");
+    }
+}
+
+void Neustart::WegenFehler(int code) {
+    const std::string nummer = std::to_string(code);
+    const std::string letzter = sitzung_.LeseOption("LetzterNeustartFehler", "0");
+    const Datum jetzt = uhr_.Jetzt();
+    if (Vergangen(DatumAusText(letzter).value_or(Zahlwert(letzter)), jetzt) < FehlerSperrzeit) {
+        status_.Statusmeldung("ZEK wird trotz Fehlermeldung Nr. " + nummer +
+                                  " nicht neu gestartet (<20 s nach letztem Neustart wegen Fehlermeldung)",
+                              true);
+        return;
+    }
+    status_.Statusmeldung("ZEK wird wegen Fehlermeldung neu gestartet (bei Fehler Nr. " + nummer + ")", true);
+    // Stored, because it is the next instance that must see it.
+    sitzung_.SchreibeOption("LetzterNeustartFehler", Datumtext(jetzt));
+    modul_.NeustartAngefordert = true;
+}
+
+bool Neustart::Ausfuehren() {
+    if (!modul_.NeustartAngefordert && !modul_.BeendenAngefordert) return false;
+    OhneFehler([&] {
+        if (!sitzung_.DatenpflegeAbbrechen()) return;
+        for (int i = 0; i < 100; ++i) pumpe_.Ereignisse();
+        sitzung_.DatenpflegeFensterFreigeben();
+    });
+    if (modul_.BeendenAngefordert) {
+        OhneFehler([&] { sitzung_.disconnect(); });
+        OhneFehler([&] { pumpe_.Ereignisse(); });
+        return ProgrammEndet();
+    }
+    if (AutoNeustartStarten(false)) return ProgrammEndet();
+    NeustartUnmoeglich();
+    return false;
+}
+
+bool Neustart::ProgrammEndet() {
+    bool entladen = false;
+    OhneFehler([&] { entladen = sitzung_.HauptfensterEntladen(); });
+    if (!entladen) OhneFehler([&] { sitzung_.ProgrammBeenden(); });
+    return true;
+}
+
+// The request stays, so that the entry comes again each round: a restart that can't be carried out stays visible.
+void Neustart::NeustartUnmoeglich() {
+    status_.Statusmeldung("Kein Neustart von ZEK möglich (Datei 'ZEKIBAutoNeustart.exe' fehlt). ", true);
+    if (!modul_.Einstellungen.NeuStartbeiUhrzeit) return;
+    status_.Statusmeldung("Die Option 'Automatischer Neustart' bei Uhrzeit wird deaktiviert.", true);
+    modul_.Einstellungen.NeuStartbeiUhrzeit = false;
+}
+
+void Neustart::Anfordern(const std::string& begruendung) {
+    status_.Statusmeldung(begruendung, true);
+    modul_.NeustartAngefordert = true;
+}
+
+}  // namespace zek

@@ -1,0 +1,121 @@
+#include "supervision/runde.h"
+
+#include "platform/datum.h"
+#include "platform/ohnefehler.h"
+#include "platform/text.h"
+
+#include <cmath>
+
+namespace zek {
+namespace {
+
+// A timer reading as whole seconds; halves go to the even side.
+std::int32_t Gerundet(float timer) {
+    return static_cast<std::int32_t>(std::nearbyint(timer));
+}
+
+constexpr std::int32_t Wiederverbindungstakt = 20;  // s of the day's clock
+constexpr float Minutentakt = 60;                   // s
+// A quick second start doesn't move the end of the recorded stretch.
+constexpr double LastEndKarenz = 10;  // s
+
+}  // namespace
+
+Runde::Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Neustart& neustart, Mitspieler& mitspieler)
+    : modul_(modul), uhr_(uhr), status_(status), neustart_(neustart), mitspieler_(mitspieler) {}
+
+void Runde::Durchlauf() {
+    if (laeuft_ || beendet_) return;
+    laeuft_ = true;
+    NeuverbindungAbschliessen();
+    // The end may have come inside a step that pumps.
+    if (!beendet_) Neustartregeln();
+    if (!beendet_) OhneFehler([&] { beendet_ = neustart_.Ausfuehren() || beendet_; });
+    if (!beendet_) Minutenblock();
+    if (!beendet_) OhneFehler([&] { Wiederverbinden(); });
+    if (!beendet_) OhneFehler([&] { Warteschlange(); });
+    laeuft_ = false;
+}
+
+void Runde::NeuverbindungAbschliessen() {
+    if (modul_.NeuverbindungsZeit == 0) return;
+    if (!modul_.FarmAktiv && GanzeSekunden(modul_.NeuverbindungsZeit, uhr_.Jetzt()) <= FarmWartezeit) return;
+    modul_.NeuverbindungsZeit = 0;
+    std::int32_t count = 0;
+    OhneFehler([&] { mitspieler_.AlleMarktdatenAbbestellen(count); });
+    if (beendet_) return;
+    OhneFehler([&] { mitspieler_.AlleMarktdatenAbonnieren(count); });
+    if (beendet_) return;
+    DatenpflegeNachNeuverbindung();
+    if (beendet_) return;
+    OhneFehler([&] { mitspieler_.KontoabosAnfordern(); });
+    modul_.LetzteDatenZeit = uhr_.Jetzt();
+}
+
+void Runde::DatenpflegeNachNeuverbindung() {
+    bool angenommen = false;
+    OhneFehler([&] { angenommen = mitspieler_.StarteAutoBackfill(modul_.LetzteDatenZeit); });
+    if (angenommen) return;
+    const Datum von = modul_.LetzteDatenZeit;
+    const Datum bis = uhr_.Jetzt();
+    modul_.Datenpflegewarteschlange.emplace_back(von, bis);
+    OhneFehler([&] { status_.Statusmeldung("Datenpflege nach Neuverbindung derzeit nicht möglich (läuft bereits)"); });
+    OhneFehler([&] {
+        status_.Statusmeldung("Backfill von " + Datumtext(von) + " bis " + Datumtext(bis) + " wird nachgeholt");
+    });
+}
+
+// Restarts wait while a dialog is open; commands are always obeyed.
+void Runde::Neustartregeln() {
+    if (!modul_.Dialogsperre) {
+        OhneFehler([&] { neustart_.UhrzeitPruefen(); });
+        OhneFehler([&] { neustart_.FehlendeKursePruefen(); });
+    }
+    OhneFehler([&] { neustart_.KommandosPruefen(); });
+}
+
+void Runde::Minutenblock() {
+    const float t = uhr_.Timer();
+    if (t <= static_cast<float>(modul_.Minutenmarke) + Minutentakt) {
+        // Midnight has passed, or the clock was set back.
+        if (t < static_cast<float>(modul_.Minutenmarke)) modul_.Minutenmarke = 0;
+        return;
+    }
+    modul_.Minutenmarke = Gerundet(t);
+    OhneFehler([&] {
+        const double seitStart = (uhr_.Jetzt() - modul_.Startzeitpunkt) * SekundenProTag;
+        if (seitStart > LastEndKarenz && modul_.LetzteDatenZeit > 0) {
+            mitspieler_.SchreibeLastEnd(ZahltextPunkt(modul_.LetzteDatenZeit));
+        }
+    });
+    OhneFehler([&] {
+        if (modul_.TWSVerbunden) mitspieler_.reqCurrentTime();
+    });
+    OhneFehler([&] {
+        if (modul_.Einstellungen.AutoUhrzeitStellen) mitspieler_.AtomZeitAbfrage();
+    });
+}
+
+// A round that is late by more than a second can miss its multiple; the attempt then comes 20 seconds later.
+void Runde::Wiederverbinden() {
+    if (Gerundet(uhr_.Timer()) % Wiederverbindungstakt != 0) return;
+    if (modul_.TWSVerbunden) {
+        modul_.Verbindungsversuche = 0;
+        return;
+    }
+    if (mitspieler_.TwsVerbunden() || modul_.Verbindungsversuche >= Hoechstversuche) return;
+    OhneFehler([&] { mitspieler_.TWSVerbindungAufbauen(); });
+    if (beendet_) return;
+    if (mitspieler_.TwsVerbunden()) {
+        OhneFehler([&] { mitspieler_.AlleMarktdatenAbonnieren(0); });
+        OhneFehler([&] { mitspieler_.VerbergeOfflinewarnung(); });
+    }
+    ++modul_.Verbindungsversuche;
+}
+
+void Runde::Warteschlange() {
+    if (modul_.Datenpflegewarteschlange.empty() || modul_.DatenpflegeLaeuft) return;
+    mitspieler_.StarteAutoBackfill(0);
+}
+
+}  // namespace zek

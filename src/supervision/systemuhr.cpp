@@ -1,0 +1,147 @@
+#include "supervision/systemuhr.h"
+
+#include "platform/datum.h"
+#include "platform/ohnefehler.h"
+#include "platform/text.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <span>
+
+namespace zek {
+namespace {
+
+// An answer below this is no time.
+constexpr std::uint32_t KleinsteAntwort = 100000;
+constexpr double SekundenVon1900Bis2000 = 3155673600.0;
+// A difference of more whole hours is a wrong zone or a wrong server, and left to the user.
+constexpr long long Hoechststunden = 12;
+// The window after midnight, both ends outside, in which the clock may go back although records were written.
+const Datum FensterBeginn = Uhrzeit(0, 5);
+const Datum FensterEnde = Uhrzeit(0, 30);
+
+std::uint32_t Netzordnung(const std::array<char, 4>& bytes) {
+    std::uint32_t wert = 0;
+    for (const char byte : bytes) wert = (wert << 8) | static_cast<unsigned char>(byte);
+    return wert;
+}
+
+}  // namespace
+
+Zeitserver Zeitserver::Aus(std::string_view text, std::string_view vorgabe) {
+    text = Getrimmt(text);
+    if (text.empty()) text = vorgabe;
+    Zeitserver server{std::string(text), Standardport};
+    const std::size_t punkt = text.rfind(':');
+    // A bare IPv6 address has more than one colon, and no port.
+    if (punkt == std::string_view::npos || text.find(':') != punkt) return server;
+    const std::optional<long long> port = Ganzzahl(text.substr(punkt + 1));
+    if (!port || *port < 1 || *port > 65535) return server;
+    return {std::string(text.substr(0, punkt)), static_cast<int>(*port)};
+}
+
+Systemuhr::Systemuhr(IBModul& modul, Uhr& uhr, TcpFabrik& tcp, Statusausgabe& status)
+    : modul_(modul), uhr_(uhr), status_(status), timeSocket_(tcp.Erzeuge()) {
+    timeSocket_->SetzeEmpfaenger(this);
+    SetzeZeitserver("", "");
+}
+
+Systemuhr::~Systemuhr() = default;
+
+void Systemuhr::SetzeZeitserver(std::string_view erster, std::string_view zweiter) {
+    erster_ = Zeitserver::Aus(erster, ErsterVorgabe);
+    zweiter_ = Zeitserver::Aus(zweiter, ZweiterVorgabe);
+}
+
+void Systemuhr::AtomZeitAbfrage() {
+    timeSocket_->Schliesse();
+    empfangen_ = 0;
+    const Zeitserver& server = zweiterIstDran_ ? zweiter_ : erster_;
+    zweiterIstDran_ = !zweiterIstDran_;
+    timeSocket_->Verbinde(server.Rechner, server.Port);
+}
+
+// The answer may come in pieces.
+void Systemuhr::TcpLesbar() {
+    OhneFehler([&] {
+        empfangen_ += timeSocket_->Lies(std::span(antwort_).subspan(empfangen_));
+        if (empfangen_ < antwort_.size()) return;
+        AbfrageBeenden();
+        Antwort(Netzordnung(antwort_));
+    });
+}
+
+// A part of an answer is one that can't be read; no answer at all is no event.
+void Systemuhr::TcpGeschlossen() {
+    if (empfangen_ > 0) AbfrageBeenden();
+}
+
+void Systemuhr::TcpFehler(int, std::string_view) {
+    AbfrageBeenden();
+}
+
+void Systemuhr::AbfrageBeenden() {
+    timeSocket_->Schliesse();
+    modul_.AtomzeitGeprueft = true;
+}
+
+void Systemuhr::Antwort(std::uint32_t sekundenSeit1900) {
+    if (sekundenSeit1900 < KleinsteAntwort) return;
+    const Zeitzone zone = uhr_.Zone();
+    // StandardBias plays no part here, but does in currentTime.
+    const int minuten = zone.Bias + (zone.Sommerzeit ? zone.DaylightBias : 0);
+    const double sekunden = static_cast<double>(sekundenSeit1900) - minuten * 60.0 - SekundenVon1900Bis2000;
+    const Datum neueZeit = DatumAus(2000, 1, 1) + sekunden / SekundenProTag;
+    if (!modul_.Einstellungen.AutoUhrzeitStellen) return;
+    if (std::llabs(GanzeSekunden(uhr_.Jetzt(), neueZeit)) > 1) SetzeNeueSystemzeit(neueZeit);
+}
+
+void Systemuhr::SetzeNeueSystemzeit(Datum neueZeit) {
+    const Datum jetzt = uhr_.Jetzt();
+    const std::string alt = Datumtext(jetzt);
+    const std::string neu = Datumtext(neueZeit);
+    if (neu == alt) return;
+    if (std::llabs(GanzeStunden(jetzt, neueZeit)) > Hoechststunden) {
+        status_.Statusmeldung(
+            "Differenz System-Uhrzeit zu Atomuhr-Zeit (" + neu + ") > 12 Stunden (wird nicht korrigiert)!", true);
+        return;
+    }
+    if (neueZeit < jetzt && !DarfZurueckstellen(jetzt, neueZeit)) return;
+    // Without the right to it nothing happens, and the entry comes all the same.
+    uhr_.SetzeSystemzeit(neueZeit);
+    // The jump neither triggers nor delays the minute block.
+    modul_.Minutenmarke = static_cast<std::int32_t>(std::nearbyint(uhr_.Timer()));
+    status_.Statusmeldung("System-Uhrzeit (" + alt + ") wurde nach Atomuhr-Zeit (" + neu + ") gestellt");
+}
+
+// Setting the clock back would make time run backwards inside the files.
+bool Systemuhr::DarfZurueckstellen(Datum jetzt, Datum neueZeit) {
+    const Datum tageszeit = Tageszeit(neueZeit);
+    if (tageszeit > FensterBeginn && tageszeit < FensterEnde) {
+        zeitKorrekturGemeldet_ = false;
+        return true;
+    }
+    if (modul_.Kursanzahl == 0) return true;
+    if (zeitKorrekturGemeldet_) return false;
+    const long long sekunden = std::llabs(GanzeSekunden(neueZeit, jetzt));
+    status_.Statusmeldung(
+        "Die System-Uhrzeit geht gegenüber der Atomuhr-Zeit " + std::to_string(sekunden) + " Sekunden vor", true);
+    // The window begins at 0:05; the text says 0:01.
+    status_.Statusmeldung("Eine automatische Korrektur erfolgt erst ab 0:01 Uhr", true);
+    zeitKorrekturGemeldet_ = true;
+    return false;
+}
+
+void Systemuhr::currentTime(std::int64_t time) {
+    const Zeitzone zone = uhr_.Zone();
+    const int minuten = -(zone.Bias + (zone.Sommerzeit ? zone.DaylightBias : zone.StandardBias));
+    const Datum twsZeit = DatumAusUnix(static_cast<double>(time) + minuten * 60.0);
+    zeitDifferenzTWS_ = static_cast<double>(GanzeStunden(twsZeit, uhr_.Jetzt()));
+    if (std::fabs(zeitDifferenzTWS_) >= static_cast<double>(Hoechststunden)) {
+        status_.Statusmeldung("System-Uhrzeit überprüfen - Abweichung>12h zu TWS-Zeit (wird nicht korrigiert!)", true);
+        return;
+    }
+    zeitDifferenzTWS_ /= 24;
+}
+
+}  // namespace zek

@@ -1,0 +1,39 @@
+#include "supervision/titelinfo.h"
+
+#include "platform/text.h"
+
+#include <utility>
+
+namespace zek {
+
+Titelinfo::Titelinfo(IBModul& modul, const Uhr& uhr, std::function<void(const std::string&)> anzeige)
+    : modul_(modul), uhr_(uhr), anzeige_(std::move(anzeige)) {}
+
+void Titelinfo::TitelInfoAktualisieren(bool nurTickRate) {
+    if (!nurTickRate) {
+        aktive_ = 0;
+        mitGeldBrief_ = 0;
+        for (const Titelzeiger& titel : modul_.Titelliste) {
+            if (!titel->Aktiv()) continue;
+            ++aktive_;
+            if (titel->BidAsk) ++mitGeldBrief_;
+        }
+    }
+    modul_.AktiveTitel = aktive_;
+    TickrateErneuern();
+    anzeige_(std::to_string(aktive_) + " Titel aktiviert, " + std::to_string(mitGeldBrief_) + " mit Geld/Brief (" +
+             FesteStellen(tickrate_, 1) + " Ticks/s)");
+}
+
+void Titelinfo::TickrateErneuern() {
+    const Datum jetzt = uhr_.Jetzt();
+    if (basis_ > 0) {
+        const double sekunden = (jetzt - basisZeit_) * SekundenProTag;
+        if (sekunden <= 0) return;
+        tickrate_ = static_cast<float>((modul_.Kursanzahl - basis_) / sekunden);
+    }
+    basis_ = modul_.Kursanzahl;
+    basisZeit_ = jetzt;
+}
+
+}  // namespace zek
