@@ -18,6 +18,7 @@
 #include "platform/pumpe.h"
 #include "platform/uhr.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -109,32 +110,33 @@ private:
         std::int32_t Kursart;
         Datum Ende = 0;  // of the next request; 0 now
         Datum Anfragezeit = 0;
-        int Anfragenummer = 1;
-        bool Zeitablauf = false;
+        int Anfragenummer = 1;    // id of the next contract request
+        double Spanne = 0;        // seconds of history wanted
+        bool Zeitablauf = false;  // no answer came
+        bool Beendet = false;     // the service has nothing older
     };
     enum class Wartet { Weiter, NeueAnfrage, Ende };
 
     bool Verbinde();
-    void Verbindungsversuch();
     void MeldeVerbindungsfehler();
     void BearbeiteTitel(std::size_t nummer);
+    bool IstFesterStart() const;
     void BestimmeStart(clTitelobjekt& titel);
     void BearbeiteSerie(clTitelobjekt& titel, std::int32_t kursart);
     bool StelleAnfrage(Serie& serie);
-    bool WarteAufTakt(const std::string& schluessel);
-    bool WarteAufAntwort(Serie& serie);
-    Wartet WarteNachPacing();
+    bool WarteAufTakt(const Serie& serie, const std::string& schluessel);
+    static std::chrono::milliseconds WarteschrittBis(double sekunden);
+    Wartet WarteAufAntwort(Serie& serie);
+    bool WarteNachPacing(const Serie& serie);
     Wartet WarteAufVerbindung(Serie& serie);
     void BehalteBalken(Serie& serie);
-    bool GehtWeiter(const Serie& serie) const;
     void Speichere(Serie& serie);
-    void WarnungNichtsGespeichert();
+    void WarneNichtsGespeichert();
     void Protokolliere(int errorCode, std::string_view errorMsg);
     void SetzeMerker(int errorCode);
-    void ZeigeFortschritt(const Serie& serie);
-    double Restanfragen(const Serie& serie) const;
+    double Restspanne(const Serie& serie) const;
     int SerienVon(const clTitelobjekt& titel) const;
-    bool IstFesterStart() const;
+    void ZeigeFortschritt(const Serie& serie, double wartezeit = 0);
     Datum Jetzt() const { return um_.Zeit.Jetzt(); }
     Datenpflegeanzeige& Anzeige();
     void Statuslabel(const std::string& text, bool rot = false);
@@ -148,6 +150,7 @@ private:
     Einarbeiter einarbeiter_;
     std::unique_ptr<tws::Tws> IBBackfill_;
     Datenpflegeanzeige* anzeige_ = nullptr;
+    std::unique_ptr<Datenpflegeanzeige> stumm_;
     bool entladen_ = false;
     bool statusRot_ = false;
     int clientId_ = 0;
@@ -160,9 +163,10 @@ private:
     bool PacingFrei_ = false;
     bool VerbindungWeg_ = false;
     bool VerbindungWieder_ = false;
-    // The present request met a violation or a lost connection and has to be repeated, even when the end of the
-    // trouble came before the wait loop saw its beginning.
-    bool wiederholen_ = false;
+    // The present request met the trouble and has to be repeated, also when the end of the trouble came before the
+    // wait loop saw its beginning.
+    bool pacingGesehen_ = false;
+    bool verbindungGesehen_ = false;
 
     int serienGesamt_ = 0;
     int serienFertig_ = 0;

@@ -67,22 +67,28 @@ public:
     void FensterEntladen();
 
 private:
+    enum class Umfang {
+        AktiveTitel,          // each title decides its kinds
+        AktiveTitelMitArten,  // the chosen kinds hold for all
+        MarkierteTitel,       // the same, inactive titles included
+    };
+
     bool LaufSteht() const { return DatenpflegeFenster_ != nullptr || um_.Lauf.Modul.DatenpflegeLaeuft; }
-    void ErzeugeFenster();
-    bool BereiteVor(Datum zeitpunkt, std::string& logtext);
-    void StarteUndWarte();
-    void ManuellerStart(const std::string& ueberschrift, const std::vector<Titelzeiger>& quelle, bool alleTitel,
-                        bool alleAktiven);
-    bool AndererLaufGemeldet();
-    void FuehreManuellAus(const Datenpflegewahl& wahl, const std::vector<Titelzeiger>& quelle, bool alleTitel,
-                          bool alleAktiven);
-    std::vector<Titelzeiger> AlleTitel() const;
+    bool BestimmeLuecke(Datenpflegelauf& lauf, Datum zeitpunkt);
     void StartDatenpflegeZeitgeber();
+    void ManuellerStart(const std::string& ueberschrift, const std::vector<Titelzeiger>& quelle, Umfang umfang);
+    bool AndererLaufGemeldet();
+    void WarneOhneAktiveTitel();
+    void FuehreManuellAus(const Datenpflegewahl& wahl, const std::vector<Titelzeiger>& quelle, Umfang umfang);
+    void ErzeugeFenster();
+    void Fuehre(Datenpflegelauf& lauf);
+    std::vector<Titelzeiger> AlleTitel() const;
 
     Umgebung um_;
     Anfragetakt takt_;
     // Shared: the run on the stack keeps it, also when the end of the program releases the window under it.
     std::shared_ptr<Datenpflegelauf> DatenpflegeFenster_;
+    std::string startmeldung_;
     std::int16_t startZaehler_ = 0;
     std::unique_ptr<Zeitgeber> startZeitgeber_;
 };

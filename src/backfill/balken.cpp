@@ -1,0 +1,181 @@
+#include "backfill/balken.h"
+
+#include "datafiles/kursart.h"
+#include "feed/abonnement.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace zek {
+namespace {
+
+// Reads along a text; every step leaves the rest in place when it doesn't fit.
+class Leser {
+public:
+    explicit Leser(std::string_view text) : rest_(text) {}
+
+    bool Zahl(std::size_t stellen, int& ziel) {
+        if (rest_.size() < stellen) return false;
+        int wert = 0;
+        for (std::size_t i = 0; i < stellen; ++i) {
+            if (rest_[i] < '0' || rest_[i] > '9') return false;
+            wert = wert * 10 + (rest_[i] - '0');
+        }
+        ziel = wert;
+        rest_.remove_prefix(stellen);
+        return true;
+    }
+    bool Zeichen(char zeichen) {
+        if (rest_.empty() || rest_.front() != zeichen) return false;
+        rest_.remove_prefix(1);
+        return true;
+    }
+    bool Leerzeichen() {
+        const auto anzahl = std::min(rest_.find_first_not_of(" \t"), rest_.size());
+        rest_.remove_prefix(anzahl);
+        return anzahl > 0;
+    }
+    // Decimals behind a point; a time's fraction of a second.
+    double Bruchteil() {
+        double wert = 0, stelle = 0.1;
+        while (!rest_.empty() && rest_.front() >= '0' && rest_.front() <= '9') {
+            wert += stelle * (rest_.front() - '0');
+            stelle /= 10;
+            rest_.remove_prefix(1);
+        }
+        return wert;
+    }
+    std::string_view Rest() const { return rest_; }
+
+private:
+    std::string_view rest_;
+};
+
+bool LiesTag(Leser& leser, Datum& ziel) {
+    int jahr = 0, monat = 0, tag = 0;
+    if (!leser.Zahl(4, jahr)) return false;
+    const bool mitStrichen = leser.Zeichen('-');
+    if (!leser.Zahl(2, monat)) return false;
+    if (mitStrichen && !leser.Zeichen('-')) return false;
+    if (!leser.Zahl(2, tag)) return false;
+    if (jahr < 1900 || monat < 1 || monat > 12 || tag < 1 || tag > 31) return false;
+    ziel = DatumAus(jahr, monat, tag);
+    return Zerlege(ziel).Tag == tag;  // the 30th of February carries over
+}
+
+bool LiesUhrzeit(Leser& leser, Datum& ziel) {
+    int stunde = 0, minute = 0, sekunde = 0;
+    if (!leser.Zahl(2, stunde) || !leser.Zeichen(':') || !leser.Zahl(2, minute)) return false;
+    if (leser.Zeichen(':') && !leser.Zahl(2, sekunde)) return false;
+    if (stunde > 23 || minute > 59 || sekunde > 59) return false;
+    const double bruchteil = leser.Zeichen('.') ? leser.Bruchteil() : 0;
+    ziel = Uhrzeit(stunde, minute, sekunde + bruchteil);
+    return true;
+}
+
+}  // namespace
+
+std::optional<Balkenzeit> LiesBalkendatum(std::string_view text) {
+    Leser leser(Getrimmt(text));
+    Datum tag = 0;
+    if (!LiesTag(leser, tag)) return std::nullopt;
+    if (leser.Rest().empty()) return Balkenzeit{tag, {}};
+    if (!leser.Zeichen('-') && !leser.Leerzeichen()) return std::nullopt;
+    Datum uhrzeit = 0;
+    if (!LiesUhrzeit(leser, uhrzeit)) return std::nullopt;
+    leser.Zeichen('Z');
+    if (leser.Rest().empty()) return Balkenzeit{tag + uhrzeit, {}};
+    if (!leser.Leerzeichen()) return std::nullopt;
+    return Balkenzeit{tag + uhrzeit, leser.Rest()};
+}
+
+bool IstFertigmeldung(std::string_view datumtext) {
+    return datumtext.starts_with("finished");
+}
+
+std::string Endzeittext(Datum ende) {
+    if (ende == 0) return {};
+    const Kalender k = Zerlege(ende);
+    char puffer[64];
+    std::snprintf(puffer, sizeof puffer, "%04d%02d%02d %02d:%02d:%02d", k.Jahr, k.Monat, k.Tag, k.Stunde, k.Minute,
+                  k.Sekunde);
+    return puffer;
+}
+
+std::string_view Historienart(std::int32_t kursart) {
+    switch (kursart) {
+        case kursart::Brief:
+            return "ASK";
+        case kursart::Geld:
+            return "BID";
+        default:
+            return "TRADES";
+    }
+}
+
+tws::Contract Historienkontrakt(const clTitelobjekt& titel) {
+    tws::Contract kontrakt;
+    const Boersenteile teile = TeileBoersenplatz(titel.Börsenplatz);
+    kontrakt.currency = titel.Währung;
+    kontrakt.exchange = teile.Boerse;
+    kontrakt.primaryExchange = teile.Primaerboerse;
+    kontrakt.secType = titel.Typ;
+    if (titel.IstLokalesSymbol) {
+        kontrakt.localSymbol = titel.Symbol;
+        return kontrakt;
+    }
+    kontrakt.symbol = titel.Symbol;
+    kontrakt.lastTradeDateOrContractMonth = titel.Laufzeit;
+    kontrakt.strike = titel.Basispreis;
+    kontrakt.right = titel.Ausübungsrecht;
+    kontrakt.multiplier = titel.Multiplikator;
+    return kontrakt;
+}
+
+bool IstIndextitel(const clTitelobjekt& titel) {
+    return GleichOhneGrossKlein(titel.Typ, "IND");
+}
+
+void Balkenpuffer::Beginne(std::int32_t kursart, bool istIndex) {
+    kursart_ = kursart;
+    istIndex_ = istIndex;
+    saetze_.clear();
+}
+
+bool Balkenpuffer::Behalten(float kurs, double volume) const {
+    if (!istIndex_ && kursart_ == kursart::Bezahlt) return volume > 0;
+    return saetze_.empty() || kurs != saetze_.back().Kurs;
+}
+
+void Balkenpuffer::Nimm(const tws::Bar& balken) {
+    const auto kurs = static_cast<float>(balken.close);
+    if (!std::isfinite(kurs) || saetze_.size() >= Hoechstzahl) return;
+    if (!Behalten(kurs, balken.volume)) return;
+    const auto zeit = LiesBalkendatum(balken.date);
+    if (!zeit) return;
+    zone_ = istIndex_ ? std::string(zeit->Zone) : std::string();
+    const bool mitVolume = !istIndex_ && balken.volume >= 0;
+    saetze_.push_back({zeit->Zeit, kurs, mitVolume ? static_cast<float>(balken.volume) : 0.0F});
+}
+
+void Gesamtreihe::Uebernimm(std::span<const KursDatensatz> puffer, Datum start) {
+    const std::size_t bisher = saetze_.size();
+    for (auto satz = puffer.rbegin(); satz != puffer.rend(); ++satz) {
+        if (satz->Datum < start) return;
+        if (bisher > 0 && !(satz->Datum < saetze_[bisher - 1].Datum)) continue;
+        saetze_.push_back(*satz);
+    }
+}
+
+std::vector<KursDatensatz> Gesamtreihe::Abgeben(double zeitKorrektur) {
+    std::vector<KursDatensatz> fertig = std::move(saetze_);
+    saetze_ = {};
+    std::reverse(fertig.begin(), fertig.end());
+    if (zeitKorrektur != 0)
+        for (auto& satz : fertig) satz.Datum += zeitKorrektur;
+    return fertig;
+}
+
+}  // namespace zek

@@ -1,0 +1,444 @@
+#include "backfill/lauf.h"
+
+#include "datafiles/dateinamen.h"
+#include "platform/ohnefehler.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <stdexcept>
+#include <utility>
+
+namespace zek {
+namespace {
+
+constexpr int Historiennummer = 1;  // ticker id of every history request
+constexpr std::chrono::milliseconds Warteschritt(250);
+constexpr int AeltesterStartTage = 7;
+constexpr std::int64_t GroessteDatei = std::numeric_limits<std::int32_t>::max();
+
+double SekundenSeit(Datum beginn, Datum jetzt) {
+    return (jetzt - beginn) / EineSekunde;
+}
+
+// Stands in for a window that has been released while the run is still on the stack.
+class StummeAnzeige final : public Datenpflegeanzeige {
+public:
+    void Titellabel(const std::string&) override {}
+    void AktuelleTitelLabel(const std::string&) override {}
+    void Datumlabel(const std::string&, bool) override {}
+    void Statuslabel(const std::string&, bool) override {}
+    void Kursartlabel(const std::string&) override {}
+    void FortschrittMaximum(int) override {}
+    void FortschrittWert(int) override {}
+    void Gesamtfortschritt(double, double) override {}
+    void AbbruchMoeglich(bool) override {}
+    void BeiAbbruch(std::function<void()>) override {}
+};
+
+class Merker {
+public:
+    explicit Merker(bool& flagge) : flagge_(flagge) { flagge_ = true; }
+    ~Merker() { flagge_ = false; }
+    Merker(const Merker&) = delete;
+    Merker& operator=(const Merker&) = delete;
+
+private:
+    bool& flagge_;
+};
+
+std::string Kursartwort(std::int32_t kursart) {
+    return std::string(KursartName(kursart));
+}
+
+// "", " (Brief)" or " (Geld)".
+std::string Kursartzusatz(std::int32_t kursart) {
+    return kursart == kursart::Bezahlt ? std::string() : " (" + Kursartwort(kursart) + ")";
+}
+
+// Two random numbers give an id of about 920 to 921 million, away from that of the live session.
+int ZufaelligeClientId(Datum jetzt) {
+    std::mt19937_64 zufall(std::bit_cast<std::uint64_t>(jetzt));
+    std::uniform_real_distribution<double> anteil(0.0, 1.0);
+    const double r1 = anteil(zufall);
+    const double r2 = anteil(zufall);
+    return static_cast<int>(r1 * 500000 + 1 + 920000000 + r2 * 500000 + 1);
+}
+
+struct Dateischluss {
+    Dateisystem& Dateien;
+    Dateihandle Handle;
+    ~Dateischluss() { Dateien.Schliesse(Handle); }
+};
+
+std::int64_t Geprueft(std::int64_t ergebnis) {
+    if (ergebnis < 0) throw std::runtime_error(SystemText(static_cast<int>(-ergebnis)));
+    return ergebnis;
+}
+
+// Reads as much of `ziel` as the file has from `stelle` on.
+void LiesAb(Dateisystem& dateien, Dateihandle handle, std::int64_t stelle, std::span<std::byte> ziel) {
+    Geprueft(dateien.Suche(handle, stelle, Ab::Anfang));
+    while (!ziel.empty()) {
+        const std::int64_t bewegt = Geprueft(dateien.Lies(handle, ziel));
+        if (bewegt == 0) return;
+        ziel = ziel.subspan(static_cast<std::size_t>(bewegt));
+    }
+}
+
+}  // namespace
+
+bool ErmittleStartDatum(const IBModul& modul, Dateisystem& dateien, Meldungen& fragen, clTitelobjekt& titel,
+                        Datum& startDatum) {
+    try {
+        const std::string pfad = Dateipfad(modul, dateien, titel, kursart::Bezahlt);
+        const auto handle = static_cast<Dateihandle>(Geprueft(dateien.Oeffne(pfad, Oeffnen::Anlegen)));
+        const Dateischluss schluss{dateien, handle};
+        const std::int64_t groesse = Geprueft(dateien.Groesse(handle));
+        if (groesse < DateikopfBytes || groesse > GroessteDatei) return false;
+        DatenDateikopf kopf;
+        LiesAb(dateien, handle, 0, KopfBytes(kopf));
+        if (!KennungStimmt(kopf)) return false;
+        KursDatensatz satz;
+        LiesAb(dateien, handle, groesse - DatensatzBytes, std::as_writable_bytes(std::span(&satz, 1)));
+        startDatum = satz.Datum;
+        return true;
+    } catch (const std::exception& fehler) {
+        fragen.ZeigeMeldung("Fehler aufgetreten: " + std::string(fehler.what()), meldung::Ok, 0);
+        return false;
+    }
+}
+
+Datenpflegelauf::Datenpflegelauf(const Datenpflegeumgebung& umgebung, Anfragetakt& takt)
+    : um_(umgebung),
+      takt_(takt),
+      einarbeiter_(umgebung.Modul, umgebung.Dateien, umgebung.Zeit, umgebung.Pumpe, umgebung.Status),
+      stumm_(std::make_unique<StummeAnzeige>()) {}
+
+Datenpflegelauf::~Datenpflegelauf() {
+    if (anzeige_) um_.Fenster.GibFrei();
+}
+
+// ---- the run
+
+void Datenpflegelauf::StarteBackfill() {
+    // The flag is the guard against re-entry as well: both go up and down together.
+    if (Abbruch || um_.Modul.DatenpflegeLaeuft) return;
+    const Merker laeuft(um_.Modul.DatenpflegeLaeuft);
+    OhneFehler([this] {
+        anzeige_ = &um_.Fenster.Erzeuge();
+        anzeige_->BeiAbbruch([this] { btnAbbruch(); });
+        anzeige_->AbbruchMoeglich(true);
+        clientId_ = ZufaelligeClientId(Jetzt());
+        IBBackfill_ = um_.Fabrik(*this);
+        if (!Verbinde()) return MeldeVerbindungsfehler();
+        for (const auto& titel : cAktualTitel) serienGesamt_ += SerienVon(*titel);
+        for (std::size_t i = 0; i < cAktualTitel.size() && !Abbruch; ++i) BearbeiteTitel(i);
+    });
+}
+
+// True when a session stands afterwards.
+bool Datenpflegelauf::Verbinde() {
+    const auto& einstellungen = um_.Modul.Einstellungen;
+    IBBackfill_->connect(einstellungen.IBIPAdr, einstellungen.IBPort, clientId_, "", false);
+    return !IBBackfill_->TwsConnectionTime().empty();
+}
+
+void Datenpflegelauf::MeldeVerbindungsfehler() {
+    if (IsManuelleDatenpflege)
+        um_.Fragen.ZeigeMeldung("Es konnte keine Verbindung zu IB hergestellt werden.", meldung::Ok, 0);
+    else
+        um_.Status.Statusmeldung("Es konnte keine Verbindung zu IB hergestellt werden (Datenpflege)", true);
+}
+
+void Datenpflegelauf::BearbeiteTitel(std::size_t nummer) {
+    const Titelzeiger halt = cAktualTitel[nummer];
+    clTitelobjekt& titel = *halt;
+    BestimmeStart(titel);
+    const std::size_t anzahl = cAktualTitel.size();
+    const double prozent = 100.0 * static_cast<double>(nummer + 1) / static_cast<double>(anzahl);
+    Anzeige().Titellabel("Titel: " + Dateinamensbildung(titel, kursart::Basisname));
+    Anzeige().AktuelleTitelLabel("Titel " + std::to_string(nummer + 1) + " von " + std::to_string(anzahl) + " (" +
+                                 FesteStellen(prozent, 1) + "%)");
+    if (KursBezahlt) BearbeiteSerie(titel, kursart::Bezahlt);
+    if (Abbruch || !KursGeldBrief) return;
+    BearbeiteSerie(titel, kursart::Brief);
+    BearbeiteSerie(titel, kursart::Geld);  // wanted: also when the series before was cancelled
+}
+
+bool Datenpflegelauf::IstFesterStart() const {
+    return AutoDatenPflegeStart <= 0 && std::floor(Startdatum) != 0;
+}
+
+void Datenpflegelauf::BestimmeStart(clTitelobjekt& titel) {
+    if (IstFesterStart()) {
+        if (!AlleAktivenTitelAktualisieren) return;
+        KursBezahlt = !GleichOhneGrossKlein(titel.Typ, "CASH");
+        KursGeldBrief = titel.BidAsk;
+        return;
+    }
+    // A start in the future makes a series ask once and stop.
+    const Datum uebersprungen = Jetzt() + 1;
+    Startdatum = AutoDatenPflegeStart;
+    if (AutoDatenPflegeStart == 0 && !ErmittleStartDatum(um_.Modul, um_.Dateien, um_.Fragen, titel, Startdatum))
+        Startdatum = uebersprungen;
+    if (GanzeTage(Startdatum, Jetzt()) > AeltesterStartTage) Startdatum = uebersprungen;
+    KursBezahlt = true;
+    KursGeldBrief = titel.BidAsk;
+}
+
+// ---- one series
+
+void Datenpflegelauf::BearbeiteSerie(clTitelobjekt& titel, std::int32_t kursart) {
+    Anzeige().Kursartlabel("Kursart: " + Kursartwort(kursart));
+    Statuslabel("Status: Daten laden, bitte warten...");
+    Anzeige().FortschrittWert(0);
+    Serie serie{titel, kursart};
+    if (BackfillEndZeit > 0)
+        serie.Ende = BackfillEndZeit;
+    else if (EndDatum != 0)
+        serie.Ende = EndDatum + EineSekunde;
+    serie.Spanne = Restspanne(serie);
+    KeineDaten_ = false;
+    TimeZoneId.clear();
+    gesamt_.Leere();
+
+    do {
+        Wartet ergebnis = Wartet::NeueAnfrage;
+        while (ergebnis == Wartet::NeueAnfrage) {
+            ZeigeFortschritt(serie);
+            ergebnis = StelleAnfrage(serie) ? WarteAufAntwort(serie) : Wartet::Ende;
+        }
+        BehalteBalken(serie);
+        Anzeige().Kursartlabel("Kursart: " + Kursartwort(kursart) + " (" + std::to_string(gesamt_.Anzahl()) +
+                               " Kurse)");
+    } while (!Abbruch && !serie.Zeitablauf && !serie.Beendet && !(serie.Ende < Startdatum));
+
+    ++serienFertig_;
+    if (Abbruch && gesamt_.Anzahl() > 0 && !entladen_ &&
+        um_.Fragen.ZeigeMeldung("Bereits empfangene Daten speichern?", meldung::JaNein, 0) == meldung::AntwortNein)
+        gesamt_.Leere();
+    if (gesamt_.Anzahl() > 0) Speichere(serie);
+}
+
+// False when the run was cancelled before the request could go out.
+bool Datenpflegelauf::StelleAnfrage(Serie& serie) {
+    const std::string ende = Endzeittext(serie.Ende);
+    const std::string art(Historienart(serie.Kursart));
+    const std::string schluessel = std::to_string(serie.Titel.id) + art + ende;
+    puffer_.Beginne(serie.Kursart, IstIndextitel(serie.Titel));
+    if (!WarteAufTakt(serie, schluessel)) return false;
+
+    puffer_.Beginne(serie.Kursart, IstIndextitel(serie.Titel));  // late bars of an answer given up may have come
+    Anzeige().Datumlabel("Datum: " + Datumtext(serie.Ende == 0 ? Jetzt() : serie.Ende), false);
+    Fertig_ = false;
+    pacingGesehen_ = verbindungGesehen_ = false;
+    const tws::Contract kontrakt = Historienkontrakt(serie.Titel);
+    IBBackfill_->reqContractDetailsEx(serie.Anfragenummer++, kontrakt);
+    takt_.Gesendet(schluessel, Jetzt());
+    IBBackfill_->reqHistoricalDataEx(Historiennummer, kontrakt, ende, "2000", "1 secs", art, useRTH, 1, false);
+    serie.Anfragezeit = Jetzt();
+    return true;
+}
+
+// Holds a request back that the service would refuse.
+bool Datenpflegelauf::WarteAufTakt(const Serie& serie, const std::string& schluessel) {
+    bool gezeigt = false;
+    while (!entladen_) {
+        const Datum jetzt = Jetzt();
+        const Datum frei = takt_.FruehestensUm(schluessel, jetzt);
+        const double sekunden = SekundenSeit(jetzt, frei);
+        if (sekunden <= 0) return true;
+        if (Abbruch) return false;
+        if (!gezeigt && sekunden > 2 * Anfragetakt::MindestabstandSekunden) {
+            gezeigt = true;
+            Anzeige().Datumlabel("Datum: " + Datumtext(serie.Ende == 0 ? jetzt : serie.Ende) +
+                                     " (Zugriffsbegrenzung des IB Servers, weiter um " + NurZeittext(frei) + ")",
+                                 false);
+        }
+        if (gezeigt) ZeigeFortschritt(serie);
+        um_.Pumpe.Warte(WarteschrittBis(sekunden));
+    }
+    return false;
+}
+
+// At most a quarter of a second, and just long enough to be past a moment that is `sekunden` away.
+std::chrono::milliseconds Datenpflegelauf::WarteschrittBis(double sekunden) {
+    if (sekunden * 1000 >= static_cast<double>(Warteschritt.count())) return Warteschritt;
+    return std::chrono::milliseconds(std::max<std::int64_t>(static_cast<std::int64_t>(sekunden * 1000) + 1, 1));
+}
+
+Datenpflegelauf::Wartet Datenpflegelauf::WarteAufAntwort(Serie& serie) {
+    for (;;) {
+        um_.Pumpe.Ereignisse();
+        const double pause = 1 - SekundenSeit(serie.Anfragezeit, Jetzt());
+        um_.Pumpe.Warte(Fertig_ ? WarteschrittBis(pause) : Warteschritt);
+        um_.Pumpe.Ereignisse();
+        // The clock was set back, or summer time ended.
+        if (Jetzt() < serie.Anfragezeit) serie.Anfragezeit = Jetzt();
+
+        if ((PacingWartet_ || pacingGesehen_) && WarteNachPacing(serie)) return Wartet::NeueAnfrage;
+        if (VerbindungWeg_ || verbindungGesehen_) {
+            const Wartet ergebnis = WarteAufVerbindung(serie);
+            if (ergebnis == Wartet::NeueAnfrage) return ergebnis;
+        }
+        if (Abbruch) return Wartet::Ende;
+        const double vergangen = SekundenSeit(serie.Anfragezeit, Jetzt());
+        if (vergangen > um_.Modul.Einstellungen.BFTimeOut) {
+            um_.Status.Statusmeldung("Backfill Timeout " + serie.Titel.Dateiname);
+            serie.Zeitablauf = true;
+            return Wartet::Ende;
+        }
+        if (Fertig_ && vergangen > 1) return Wartet::Ende;
+    }
+}
+
+// True when the same request is to be repeated, false when the run was cancelled.
+bool Datenpflegelauf::WarteNachPacing(const Serie& serie) {
+    Datum beginn = Jetzt();
+    if (!PacingFrei_)
+        Anzeige().Datumlabel(Datumtext(beginn) + ": 'Pacing Violation' - Datenpflege wartet max. 10 Minuten", true);
+    while (!PacingFrei_) {
+        if (Abbruch) return false;
+        const Datum jetzt = Jetzt();
+        beginn = std::min(beginn, jetzt);
+        const double vergangen = SekundenSeit(beginn, jetzt);
+        if (vergangen >= PacingSekunden) break;
+        ZeigeFortschritt(serie, PacingSekunden - vergangen);
+        um_.Pumpe.Warte(Warteschritt);
+    }
+    PacingWartet_ = false;
+    return true;
+}
+
+// Ende: cancelled. Weiter: the time is over and the wait loop begins anew.
+Datenpflegelauf::Wartet Datenpflegelauf::WarteAufVerbindung(Serie& serie) {
+    Datum beginn = Jetzt();
+    if (!VerbindungWieder_)
+        Anzeige().Datumlabel(Datumtext(beginn) + ": 'Verbindungsabbruch!' - Datenpflege wartet max. 30 Minuten", true);
+    while (!VerbindungWieder_) {
+        if (Abbruch) return Wartet::Ende;
+        const Datum jetzt = Jetzt();
+        beginn = std::min(beginn, jetzt);
+        if (SekundenSeit(beginn, jetzt) >= VerbindungSekunden) {
+            serie.Anfragezeit = jetzt;
+            // Over a socket that has closed meanwhile no code can tell that the connection is back.
+            if (!IBBackfill_->TwsConnectionTime().empty() || !Verbinde()) return Wartet::Weiter;
+            VerbindungWeg_ = false;
+            VerbindungWieder_ = true;
+            break;
+        }
+        um_.Pumpe.Warte(Warteschritt);
+    }
+    return Wartet::NeueAnfrage;
+}
+
+void Datenpflegelauf::BehalteBalken(Serie& serie) {
+    const auto saetze = puffer_.Saetze();
+    const Datum altesEnde = serie.Ende;
+    if (saetze.empty()) {
+        serie.Beendet = KeineDaten_;
+        serie.Ende = altesEnde - AnfrageSekunden * EineSekunde;
+    } else {
+        gesamt_.Uebernimm(saetze, Startdatum);
+        serie.Ende = saetze.front().Datum - EineSekunde;
+        // A service that answers beside the span it was asked for mustn't hold the run.
+        if (altesEnde > 0 && serie.Ende >= altesEnde) serie.Ende = altesEnde - AnfrageSekunden * EineSekunde;
+    }
+    if (serie.Zeitablauf || Abbruch) return;
+    ++antworten_;
+    antwortSekunden_ += SekundenSeit(serie.Anfragezeit, Jetzt());
+    bewegt_ += SekundenSeit(serie.Ende, altesEnde > 0 ? altesEnde : std::max(Jetzt(), serie.Ende));
+}
+
+void Datenpflegelauf::Speichere(Serie& serie) {
+    Statuslabel("Status: Daten speichern" + Kursartzusatz(serie.Kursart));
+    const auto saetze = gesamt_.Abgeben(serie.Titel.ZeitKorrektur);
+    if (einarbeiter_.DatenEinarbeiten(*this, serie.Titel, saetze, serie.Kursart) == 0) WarneNichtsGespeichert();
+}
+
+void Datenpflegelauf::WarneNichtsGespeichert() {
+    const std::string text = "Es wurden keine Daten gespeichert (Umsatzfilter prüfen)!";
+    Statuslabel(text, true);
+    um_.Fenster.Ton();
+    constexpr float warnzeit = 6;
+    const float beginn = um_.Zeit.Timer();
+    // The timer's wrap at midnight ends the wait.
+    for (float jetzt = beginn; !Abbruch && jetzt >= beginn && jetzt - beginn < warnzeit; jetzt = um_.Zeit.Timer())
+        um_.Pumpe.Warte(Warteschritt);
+    if (Abbruch && !entladen_)
+        Abbruch = um_.Fragen.ZeigeMeldung("Datenpflege jetzt abbrechen?", meldung::JaNein, 0) != meldung::AntwortNein;
+    Statuslabel(text, false);
+}
+
+// ---- the window
+
+void Datenpflegelauf::btnAbbruch() {
+    if (!statusRot_ &&
+        um_.Fragen.ZeigeMeldung("Datenpflege jetzt abbrechen?", meldung::JaNein, 0) != meldung::AntwortJa)
+        return;
+    Abbruch = true;
+}
+
+void Datenpflegelauf::Entladen() {
+    if (entladen_) return;
+    entladen_ = true;
+    if (IBBackfill_) IBBackfill_->disconnect();
+    um_.Pumpe.Ereignisse();
+    if (std::exchange(anzeige_, nullptr)) um_.Fenster.GibFrei();
+}
+
+Datenpflegeanzeige& Datenpflegelauf::Anzeige() {
+    return anzeige_ ? *anzeige_ : *stumm_;
+}
+
+void Datenpflegelauf::Statuslabel(const std::string& text, bool rot) {
+    statusRot_ = rot;
+    Anzeige().Statuslabel(text, rot);
+}
+
+void Datenpflegelauf::FortschrittMaximum(int maximum) {
+    Anzeige().FortschrittMaximum(maximum);
+}
+void Datenpflegelauf::FortschrittWert(int wert) {
+    Anzeige().FortschrittWert(wert);
+}
+void Datenpflegelauf::AbbruchMoeglich(bool moeglich) {
+    Anzeige().AbbruchMoeglich(moeglich);
+}
+
+// Seconds of history that the series still has before it.
+double Datenpflegelauf::Restspanne(const Serie& serie) const {
+    return std::max(0.0, SekundenSeit(Startdatum, serie.Ende == 0 ? Jetzt() : serie.Ende));
+}
+
+int Datenpflegelauf::SerienVon(const clTitelobjekt& titel) const {
+    bool bezahlt = KursBezahlt, geldBrief = KursGeldBrief;
+    if (!IstFesterStart() || AlleAktivenTitelAktualisieren) {
+        bezahlt = !IstFesterStart() || !GleichOhneGrossKlein(titel.Typ, "CASH");
+        geldBrief = titel.BidAsk;
+    }
+    return (bezahlt ? 1 : 0) + (geldBrief ? 2 : 0);
+}
+
+// The time to go comes from what the service has really allowed so far. `wartezeit`: seconds before the next request.
+void Datenpflegelauf::ZeigeFortschritt(const Serie& serie, double wartezeit) {
+    const double offen = std::max(0, serienGesamt_ - serienFertig_ - 1);
+    const double rest = Restspanne(serie);
+    const double teil = serie.Spanne > 0 ? 1 - std::min(1.0, rest / serie.Spanne) : 0;
+    const double anteil = serienGesamt_ > 0 ? (serienFertig_ + teil) / serienGesamt_ : 0;
+    double dauer = -1;
+    if (antworten_ > 0) {
+        const double schritt = std::max(1.0, bewegt_ / antworten_);
+        const double anfragen =
+            std::max(1.0, std::ceil(rest / schritt)) + offen * std::max(1.0, std::ceil(serie.Spanne / schritt));
+        dauer = wartezeit + takt_.DauerFuer(static_cast<std::size_t>(std::min(anfragen, 1e9)),
+                                            antwortSekunden_ / antworten_, Jetzt());
+    }
+    Anzeige().Gesamtfortschritt(std::min(anteil, 1.0), dauer);
+}
+
+}  // namespace zek

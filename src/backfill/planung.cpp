@@ -1,0 +1,222 @@
+#include "backfill/planung.h"
+
+#include "backfill/prioritaet.h"
+#include "platform/ohnefehler.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+namespace zek {
+namespace {
+
+constexpr std::int16_t Startverzoegerung = 4;  // rounds of the start timer
+constexpr std::chrono::milliseconds Startintervall(1000);
+constexpr double HoechstesAlterTage = 7;
+constexpr double VorlaufMinuten = 3;
+
+// Raises a flag and puts it back as it was: a title window that is open around it has raised it already.
+class Sperre {
+public:
+    explicit Sperre(bool& flagge) : flagge_(flagge), vorher_(std::exchange(flagge, true)) {}
+    ~Sperre() { flagge_ = vorher_; }
+    Sperre(const Sperre&) = delete;
+    Sperre& operator=(const Sperre&) = delete;
+
+private:
+    bool& flagge_;
+    bool vorher_;
+};
+
+std::string Spanne(Datum von, Datum bis) {
+    return Datumtext(von) + " bis " + Datumtext(bis);
+}
+
+}  // namespace
+
+Datenpflegeplanung::Datenpflegeplanung(const Umgebung& umgebung) : um_(umgebung) {
+    startZeitgeber_ = um_.Zeitgeber.Erzeuge(Startintervall, [this] { StartDatenpflegeZeitgeber(); });
+}
+
+// ---- automatic starts
+
+bool Datenpflegeplanung::StarteAutoBackfill(Datum zeitpunkt) {
+    if (LaufSteht()) return false;
+    bool ergebnis = false;
+    bool luecke = true;
+    OhneFehler([&] {
+        ErzeugeFenster();
+        const auto lauf = DatenpflegeFenster_;
+        luecke = BestimmeLuecke(*lauf, zeitpunkt);
+        if (!luecke) return;
+        lauf->IsManuelleDatenpflege = false;
+        TitelNachPrioritaet(AlleTitel(), lauf->cAktualTitel, false);
+        if (!lauf->cAktualTitel.empty()) {
+            um_.Lauf.Status.Statusmeldung(startmeldung_, true);
+            Fuehre(*lauf);
+        }
+        lauf->cAktualTitel.clear();
+        ergebnis = true;
+    });
+    if (luecke) FensterEntladen();
+    return ergebnis;
+}
+
+// The span of an automatic run and its log text. False when no gap is known.
+bool Datenpflegeplanung::BestimmeLuecke(Datenpflegelauf& lauf, Datum zeitpunkt) {
+    auto& schlange = um_.Lauf.Modul.Datenpflegewarteschlange;
+    if (!schlange.empty()) {
+        std::tie(lauf.AutoDatenPflegeStart, lauf.BackfillEndZeit) = schlange.front();
+        schlange.pop_front();
+        startmeldung_ =
+            "Backfill aus Warteschlange von " + Spanne(lauf.AutoDatenPflegeStart, lauf.BackfillEndZeit) + " gestartet";
+        return true;
+    }
+    const Datum jetzt = um_.Lauf.Zeit.Jetzt();
+    if (zeitpunkt == 0) {
+        zeitpunkt = Zahlwert(um_.Ablage.Lies("Datenpflege", "IBLastEnd", "0"));
+        if (zeitpunkt == 0) return false;
+        zeitpunkt = std::max(zeitpunkt, jetzt - HoechstesAlterTage);
+        um_.Lauf.Modul.LetzteDatenZeit = zeitpunkt;
+    }
+    // Right after midnight the step back would make the start a day older.
+    if (Zerlege(zeitpunkt).Stunde > 1) zeitpunkt -= Uhrzeit(0, 0, VorlaufMinuten * 60);
+    lauf.BackfillEndZeit = jetzt;
+    lauf.AutoDatenPflegeStart = zeitpunkt;
+    startmeldung_ = "Auto-Backfill von " + Spanne(zeitpunkt, jetzt) + " gestartet";
+    return true;
+}
+
+void Datenpflegeplanung::NachNeuverbindung(Datum zeitpunkt) {
+    if (StarteAutoBackfill(zeitpunkt)) return;
+    auto& modul = um_.Lauf.Modul;
+    const Datum von = modul.LetzteDatenZeit;
+    const Datum bis = um_.Lauf.Zeit.Jetzt();
+    modul.Datenpflegewarteschlange.emplace_back(von, bis);
+    um_.Lauf.Status.Statusmeldung("Datenpflege nach Neuverbindung derzeit nicht möglich (läuft bereits)");
+    um_.Lauf.Status.Statusmeldung("Backfill von " + Spanne(von, bis) + " wird nachgeholt");
+}
+
+void Datenpflegeplanung::WarteschlangeAbarbeiten() {
+    const auto& modul = um_.Lauf.Modul;
+    if (!modul.Datenpflegewarteschlange.empty() && !modul.DatenpflegeLaeuft) StarteAutoBackfill(0);
+}
+
+void Datenpflegeplanung::StarteVerzoegert() {
+    if (!um_.Lauf.Modul.Einstellungen.AutoDatenpflege) return;
+    startZaehler_ = Startverzoegerung;
+    startZeitgeber_->Starte();
+}
+
+void Datenpflegeplanung::StartDatenpflegeZeitgeber() {
+    if (startZaehler_ == 0) return startZeitgeber_->Stoppe();
+    if (startZaehler_ > 1) {
+        --startZaehler_;
+        return;
+    }
+    const auto& modul = um_.Lauf.Modul;
+    if (!um_.TwsVerbunden() || modul.Dialogsperre) return;
+    startZeitgeber_->Stoppe();
+    StarteAutoBackfill(0);
+    if (!modul.Datenpflegewarteschlange.empty()) StarteAutoBackfill(0);
+}
+
+// ---- manual starts
+
+void Datenpflegeplanung::DatenpflegeAktiveTitel() {
+    ManuellerStart("Datenpflege der aktiven Titel", AlleTitel(), Umfang::AktiveTitel);
+}
+
+void Datenpflegeplanung::DatenpflegeMarkierteTitel(const std::vector<Titelzeiger>& markierte) {
+    ManuellerStart("Datenpflege der markierten Titel", markierte, Umfang::MarkierteTitel);
+}
+
+bool Datenpflegeplanung::DatenpflegeOhneDialog(const Datenpflegewahl& wahl, bool artenGewaehlt) {
+    if (AndererLaufGemeldet()) return false;
+    WarneOhneAktiveTitel();
+    FuehreManuellAus(wahl, AlleTitel(), artenGewaehlt ? Umfang::AktiveTitelMitArten : Umfang::AktiveTitel);
+    return true;
+}
+
+void Datenpflegeplanung::ManuellerStart(const std::string& ueberschrift, const std::vector<Titelzeiger>& quelle,
+                                        Umfang umfang) {
+    if (AndererLaufGemeldet()) return;
+    WarneOhneAktiveTitel();
+    std::optional<Datenpflegewahl> wahl;
+    {
+        const Sperre sperre(um_.Lauf.Modul.Dialogsperre);
+        wahl = um_.Optionen.Frage(
+            {ueberschrift, umfang == Umfang::MarkierteTitel, LiesDatenpflegewahl(um_.Ablage, um_.Lauf.Zeit.Jetzt())});
+    }
+    if (!wahl) return;
+    SpeichereDatenpflegewahl(um_.Ablage, *wahl, um_.Lauf.Zeit.Jetzt());
+    FuehreManuellAus(*wahl, quelle, umfang);
+}
+
+bool Datenpflegeplanung::AndererLaufGemeldet() {
+    if (!LaufSteht()) return false;
+    um_.Lauf.Fragen.ZeigeMeldung("Es läuft bereits eine Datenpflege (automatische Aktualisierung).", meldung::Ok, 0);
+    return true;
+}
+
+// Wanted: the start goes on all the same.
+void Datenpflegeplanung::WarneOhneAktiveTitel() {
+    const auto& titel = um_.Lauf.Modul.Titelliste;
+    if (std::any_of(titel.begin(), titel.end(), [](const auto& t) { return t->Aktiv(); })) return;
+    um_.Lauf.Fragen.ZeigeMeldung("Es sind keine Titel zur Datenaufzeichnung aktiviert.", meldung::Ok, 0);
+}
+
+void Datenpflegeplanung::FuehreManuellAus(const Datenpflegewahl& wahl, const std::vector<Titelzeiger>& quelle,
+                                          Umfang umfang) {
+    OhneFehler([&] {
+        ErzeugeFenster();
+        const auto lauf = DatenpflegeFenster_;
+        um_.Lauf.Modul.Datenpflegewarteschlange.clear();
+        lauf->AlleAktivenTitelAktualisieren = umfang == Umfang::AktiveTitel;
+        TitelNachPrioritaet(quelle, lauf->cAktualTitel, umfang == Umfang::MarkierteTitel);
+        lauf->KursBezahlt = wahl.Bezahlt;
+        lauf->KursGeldBrief = wahl.GeldBrief;
+        lauf->useRTH = wahl.UseRTH;
+        lauf->Startdatum = wahl.Start;
+        lauf->EndDatum = wahl.AktualBisAktuell ? 0 : wahl.Ende;
+        lauf->IsManuelleDatenpflege = true;
+        if (lauf->cAktualTitel.empty()) return;
+        um_.Lauf.Status.Statusmeldung("Datenpflege aktiver Titel gestartet");
+        Fuehre(*lauf);
+        um_.Lauf.Status.Statusmeldung("Datenpflege beendet");
+    });
+    FensterEntladen();
+    if (!um_.Lauf.Modul.Datenpflegewarteschlange.empty()) StarteAutoBackfill(0);
+}
+
+// ---- the run and its window
+
+void Datenpflegeplanung::ErzeugeFenster() {
+    DatenpflegeFenster_ = std::make_shared<Datenpflegelauf>(um_.Lauf, takt_);
+}
+
+void Datenpflegeplanung::Fuehre(Datenpflegelauf& lauf) {
+    um_.Lauf.Fenster.Statuspanel("Datenpflege (gestartet " + Datumtext(um_.Lauf.Zeit.Jetzt()) + ")");
+    lauf.StarteBackfill();
+    PumpeBis(um_.Lauf.Pumpe, [this] { return !um_.Lauf.Modul.DatenpflegeLaeuft; });
+}
+
+void Datenpflegeplanung::BrichAb() {
+    if (DatenpflegeFenster_) DatenpflegeFenster_->Abbruch = true;
+}
+
+void Datenpflegeplanung::FensterEntladen() {
+    um_.Lauf.Fenster.Statuspanel("");
+    const auto fenster = DatenpflegeFenster_;
+    if (!fenster) return;
+    OhneFehler([&] { fenster->Entladen(); });
+    if (DatenpflegeFenster_ == fenster) DatenpflegeFenster_ = nullptr;
+}
+
+std::vector<Titelzeiger> Datenpflegeplanung::AlleTitel() const {
+    const auto& titel = um_.Lauf.Modul.Titelliste;
+    return {titel.begin(), titel.end()};
+}
+
+}  // namespace zek
