@@ -14,9 +14,9 @@ namespace zek {
 
 namespace {
 
-// A write that the system refused, with its errno.
-struct Schreibfehler : std::runtime_error {
-    explicit Schreibfehler(std::int64_t ergebnis)
+// A call that the system refused, with its errno.
+struct Systemfehler : std::runtime_error {
+    explicit Systemfehler(std::int64_t ergebnis)
         : std::runtime_error(SystemText(static_cast<int>(-ergebnis))), Nummer(static_cast<int>(-ergebnis)) {}
     int Nummer;
 };
@@ -25,8 +25,19 @@ bool NurNullen(std::span<const char> feld) {
     return std::ranges::all_of(feld, [](char zeichen) { return zeichen == '\0'; });
 }
 
-std::int64_t LiesSatz(clDateiIO& datei, KursDatensatz& satz) {
-    return datei.Lies(std::as_writable_bytes(std::span(&satz, 1)));
+// The result of a call, unless the system refused it.
+std::int64_t Gelungen(std::int64_t ergebnis) {
+    if (ergebnis < 0) throw Systemfehler(ergebnis);
+    return ergebnis;
+}
+
+// A write at a place that wasn't reached would destroy records.
+void Setze(clDateiIO& datei, std::int64_t stelle) {
+    Gelungen(datei.SeekAbsolute(Dateiposition::AusBytes(stelle)));
+}
+
+bool LiesSatz(clDateiIO& datei, KursDatensatz& satz) {
+    return Gelungen(datei.Lies(std::as_writable_bytes(std::span(&satz, 1)))) == DatensatzBytes;
 }
 
 // Steps back from the last record over those with a Datum of 0; true when there was one. The position is then
@@ -34,11 +45,11 @@ std::int64_t LiesSatz(clDateiIO& datei, KursDatensatz& satz) {
 bool UeberspringeNullsaetze(clDateiIO& datei, std::int64_t groesse) {
     const std::int64_t anzahl = (groesse - DateikopfBytes) / DatensatzBytes;
     if (anzahl < 1) return false;
-    datei.SeekAbsolute(Dateiposition::AusBytes(groesse - DatensatzBytes));
+    Setze(datei, groesse - DatensatzBytes);
     bool gefunden = false;
     KursDatensatz satz;
     for (std::int64_t i = 0; i < anzahl; ++i) {
-        if (LiesSatz(datei, satz) != DatensatzBytes || satz.Datum != 0.0) break;
+        if (!LiesSatz(datei, satz) || satz.Datum != 0.0) break;
         datei.SeekRelative(-2 * static_cast<std::int32_t>(DatensatzBytes));
         gefunden = true;
     }
@@ -47,7 +58,7 @@ bool UeberspringeNullsaetze(clDateiIO& datei, std::int64_t groesse) {
 
 // What a short write left behind goes, so that the file stays whole and takes the next record.
 void NimmZurueck(clDateiIO& datei, std::int64_t groesse) {
-    datei.SeekAbsolute(Dateiposition::AusBytes(groesse));
+    Setze(datei, groesse);
     datei.SetzeDateiEnde();
 }
 
@@ -81,7 +92,7 @@ void Datensatzschreiber::DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t k
             Anhaengen(titel, kursart, kurs, volume);
         } catch (const DateiFehler& fehler) {
             MeldeFehler(fehler.Nummer(), fehler.what());
-        } catch (const Schreibfehler& fehler) {
+        } catch (const Systemfehler& fehler) {
             MeldeFehler(fehler.Nummer, fehler.what());
         } catch (const std::exception& fehler) {
             MeldeFehler(0, fehler.what());
@@ -123,11 +134,10 @@ void Datensatzschreiber::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, f
     } else if (!titel.KonsistenzGecheckt(kursart)) {
         groesse = Erstpruefung(titel, kursart, groesse);
     }
-    datei_.SeekAbsolute(Dateiposition::AusBytes(groesse));
+    Setze(datei_, groesse);
     KursDatensatz satz{uhr_.Jetzt() + titel.ZeitKorrektur, kurs, volume};
     if (kursart == kursart::BAVolume) satz.Volume = vorzeichenVolumen_(titel);
-    const std::int64_t geschrieben = datei_.Schreibe(std::as_bytes(std::span(&satz, 1)));
-    if (geschrieben < 0) throw Schreibfehler(geschrieben);
+    const std::int64_t geschrieben = Gelungen(datei_.Schreibe(std::as_bytes(std::span(&satz, 1))));
     if (geschrieben < DatensatzBytes) NimmZurueck(datei_, groesse);
 }
 
@@ -135,7 +145,7 @@ void Datensatzschreiber::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, f
 std::int64_t Datensatzschreiber::Erstpruefung(clTitelobjekt& titel, std::int32_t kursart, std::int64_t groesse) {
     DatenDateikopf kopf;
     if (datei_.Lies(KopfBytes(kopf)) > 0 && NurNullen(kopf.KurzName) && NurNullen(kopf.LangSymbol)) {
-        datei_.SeekAbsolute({});
+        Setze(datei_, 0);
         datei_.WriteNewHeader(titel, kursart);
     }
     const std::string name = datei_.FileName();
@@ -148,7 +158,7 @@ void Datensatzschreiber::LegeKopfAn(clTitelobjekt& titel, std::int32_t kursart) 
     const std::int64_t geschrieben = datei_.WriteNewHeader(titel, kursart);
     if (geschrieben == DateikopfBytes) return;
     NimmZurueck(datei_, 0);
-    throw Schreibfehler(geschrieben < 0 ? geschrieben : -ENOSPC);
+    throw Systemfehler(geschrieben < 0 ? geschrieben : -ENOSPC);
 }
 
 void Datensatzschreiber::MeldeFehler(int nummer, const char* text) {

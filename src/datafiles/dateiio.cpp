@@ -125,9 +125,9 @@ std::int64_t clDateiIO::Schreibe(std::span<const std::byte> daten) {
     return Merke(dateien_.Schreibe(handle_, daten));
 }
 
-void clDateiIO::SeekAbsolute(Dateiposition neuePosition) {
+std::int64_t clDateiIO::SeekAbsolute(Dateiposition neuePosition) {
     PruefeOffen();
-    Merke(dateien_.Suche(handle_, neuePosition.Bytes(), Ab::Anfang));
+    return Merke(dateien_.Suche(handle_, neuePosition.Bytes(), Ab::Anfang));
 }
 
 void clDateiIO::SeekRelative(std::int32_t abstand) {

@@ -74,8 +74,8 @@ public:
     std::int64_t Lies(std::span<std::byte> ziel);
     std::int64_t Schreibe(std::span<const std::byte> daten);
 
-    // The system's answer isn't tested.
-    void SeekAbsolute(Dateiposition neuePosition);
+    // The system's answer raises nothing: the new position in bytes, or -errno.
+    std::int64_t SeekAbsolute(Dateiposition neuePosition);
     // Moves from the present place. The size of the file at the first call of an instance decides, once and for
     // good, which system call is used: up to 4,000,000,000 bytes the one with 32 bits, which can't reach a position
     // of 2^32 or above.

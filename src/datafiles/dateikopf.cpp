@@ -117,7 +117,7 @@ bool DateikopfErneuern(Dateisystem& dateien, const std::string& pfad, const clTi
     DatenDateikopf kopf;
     if (datei.Lies(KopfBytes(kopf)) != DateikopfBytes || !KennungStimmt(kopf)) return false;
     ParameterErneuern(kopf, titel);
-    datei.SeekAbsolute({});
+    if (datei.SeekAbsolute({}) != 0) return false;
     return datei.Schreibe(KopfBytes(std::as_const(kopf))) == DateikopfBytes;
 }
 

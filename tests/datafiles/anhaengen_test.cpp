@@ -1,0 +1,314 @@
+#include "datafiles/anhaengen.h"
+
+#include "datafiles/dateinamen.h"
+#include "datafiles/vokabular.h"
+#include "platform/datum.h"
+
+#include <gmock/gmock.h>
+
+namespace zek {
+namespace {
+
+using namespace hilfen;
+using testing::ElementsAre;
+
+const std::string Pfad = "/daten/Futures/DAX@EUREX_FUT_201206_EUR.ZEK";
+
+class Anhaengen : public testing::Test {
+protected:
+    Anhaengen() {
+        ram.LegeOrdnerbaumAn("/daten/Futures");
+        modul.Datenordner = "/daten";
+        MacheDax(titel);
+        titel.Katalog = "Futures";
+    }
+
+    void Tick(float kurs, float volume = 1, std::int32_t art = kursart::Bezahlt) {
+        schreiber.DatensatzAnhaengen(titel, art, kurs, volume, false);
+        EXPECT_EQ(ram.OffeneHandles(), 0u);
+    }
+    // A file as an earlier run left it.
+    void Vorhanden(const std::string& inhalt) { ram.LegeDateiAn(Pfad, inhalt); }
+    std::string Datei(const std::string& pfad = Pfad) const { return ram.Inhalt(pfad); }
+    std::string Jetzt(float kurs, float volume = 1) const { return Satzbytes(welt.Jetzt(), kurs, volume); }
+
+    RamDateisystem ram;
+    StoerDateisystem dateien{ram};
+    VirtuelleWelt welt;
+    TestStatus status;
+    IBModul modul;
+    clTitelobjekt titel;
+    float vorzeichenVolumen = -7;
+    int volumenfragen = 0;
+    Datensatzschreiber schreiber{modul, dateien, welt, status, [this](clTitelobjekt&) {
+                                     ++volumenfragen;
+                                     return vorzeichenVolumen;
+                                 }};
+};
+
+TEST_F(Anhaengen, TheFirstTickCreatesFolderHeaderAndRecord) {
+    titel.Katalog = "Neu";
+    Tick(5012.25F, 3);
+    EXPECT_EQ(Datei("/daten/Neu/DAX@EUREX_FUT_201206_EUR.ZEK"), DaxKopf() + Jetzt(5012.25F, 3));
+    EXPECT_TRUE(status.Eintraege.empty());
+}
+
+TEST_F(Anhaengen, ARecordIsLaidOutAsByHand) {
+    welt.StelleUhr(46341.25);  // 40 E6 A0 A8 00..: little-endian below
+    Tick(1.5F, -2);
+    EXPECT_EQ(Datei().substr(856), Hex("00 00 00 00 A8 A0 E6 40  00 00 C0 3F  00 00 00 C0"));
+}
+
+TEST_F(Anhaengen, ALaterTickCostsFiveFileCallsAndNoMore) {
+    Tick(1);
+    Tick(2);
+    dateien.VergissProtokoll();
+    Tick(3);
+    EXPECT_EQ(dateien.Muster(), "Oeffne Groesse Suche Schreibe Schliesse");
+}
+
+TEST_F(Anhaengen, TheTimeCorrectionOfTheTitleIsAdded) {
+    titel.ZeitKorrektur = -1.0 / 24;
+    Tick(1);
+    EXPECT_EQ(Saetze(Datei())[0].Datum, welt.Jetzt() - 1.0 / 24);
+}
+
+TEST_F(Anhaengen, AHeaderAloneIsAValidFile) {
+    Vorhanden(DaxKopf());
+    Tick(9);
+    EXPECT_EQ(Datei(), DaxKopf() + Jetzt(9));
+}
+
+TEST_F(Anhaengen, ATornHeaderOrATornRecordGetsNothingAndNoWord) {
+    for (const std::string& torn :
+         {DaxKopf().substr(0, 855), DaxKopf().substr(0, 1), DaxKopf() + std::string(15, 'x'), DaxDatei(2) + "x"}) {
+        Vorhanden(torn);
+        Tick(1);
+        EXPECT_EQ(Datei(), torn);
+    }
+    EXPECT_TRUE(status.Eintraege.empty());
+}
+
+TEST_F(Anhaengen, AZeroedHeaderIsReplacedAndTheRecordsStay) {
+    Vorhanden(Nullen(856) + DaxDatei(3).substr(856));
+    Tick(9);
+    EXPECT_EQ(Datei(), DaxDatei(3) + Jetzt(9));
+}
+
+TEST_F(Anhaengen, AHeaderWithANameIsNotReplaced) {
+    std::string kopf = Nullen(856);
+    kopf[40] = 'x';
+    Vorhanden(kopf);
+    Tick(9);
+    EXPECT_EQ(Datei(), kopf + Jetzt(9));
+}
+
+TEST_F(Anhaengen, AHeaderIsOnlyLookedAtOnceInARun) {
+    Tick(1);
+    Tick(2);
+    Vorhanden(Nullen(856) + DaxDatei(1).substr(856));
+    Tick(3);
+    EXPECT_EQ(Datei().substr(0, 856), Nullen(856));
+}
+
+TEST_F(Anhaengen, ZeroRecordsAtTheEndGiveTheirPlaceToTheNewRecord) {
+    Vorhanden(DaxDatei(3) + Nullen(32));
+    Tick(9);
+    EXPECT_EQ(Datei(), DaxDatei(3) + Jetzt(9));
+}
+
+TEST_F(Anhaengen, ZeroRecordsFurtherInStay) {
+    const std::string mitLoch = DaxDatei(2) + Nullen(16) + DaxDatei(1).substr(856);
+    Vorhanden(mitLoch + Nullen(48));
+    Tick(9);
+    EXPECT_EQ(Datei(), mitLoch + Jetzt(9));
+}
+
+TEST_F(Anhaengen, AFileOfZeroRecordsAloneEndsUp856BytesLongWithTheTickInItsHeader) {
+    Vorhanden(DaxKopf() + Nullen(5 * 16));
+    Tick(9);
+    EXPECT_EQ(Datei(), DaxKopf().substr(0, 840) + Jetzt(9));
+    Tick(10);
+    EXPECT_EQ(Datei().size(), 872u);
+}
+
+TEST_F(Anhaengen, EachKindIsCheckedOnce) {
+    Vorhanden(DaxDatei(1) + Nullen(16));
+    Tick(1, 1, kursart::Geld);
+    Tick(2, 1, kursart::Geld);
+    EXPECT_TRUE(titel.KonsistenzGecheckt(kursart::Geld));
+    EXPECT_FALSE(titel.KonsistenzGecheckt(kursart::Bezahlt));
+    Tick(2);
+    EXPECT_EQ(Datei(), DaxDatei(1) + Jetzt(2));
+    EXPECT_TRUE(titel.KonsistenzGecheckt(kursart::Bezahlt));
+}
+
+TEST_F(Anhaengen, KindFiveTakesTheSignedVolume) {
+    Tick(100, 7, kursart::BAVolume);
+    Tick(100, 7, kursart::Bezahlt);
+    EXPECT_EQ(volumenfragen, 1);
+    EXPECT_EQ(Saetze(Datei("/daten/Futures/DAX@EUREX_FUT_201206_EUR-BAV.ZEK"))[0].Volume, -7);
+    EXPECT_EQ(Saetze(Datei())[0].Volume, 7);
+}
+
+TEST_F(Anhaengen, TheSignedVolumeIsNotAskedForADamagedFile) {
+    ram.LegeDateiAn("/daten/Futures/DAX@EUREX_FUT_201206_EUR-BAV.ZEK", "kaputt");
+    Tick(100, 7, kursart::BAVolume);
+    EXPECT_EQ(volumenfragen, 0);
+}
+
+TEST_F(Anhaengen, AccountDataGoesToItsOwnFolder) {
+    ram.LegeOrdnerbaumAn("/konten");
+    modul.Einstellungen.KontenDatenSpeicherOrdner = "/konten/";
+    schreiber.DatensatzAnhaengen(titel, 1, 5, 0, true);
+    EXPECT_EQ(Datei("/konten/DAX@EUREX_FUT_201206_EUR.ZEK"), DaxKopf() + Jetzt(5, 0));
+    modul.Einstellungen.KontenDatenSpeicherOrdner = "k";
+    schreiber.DatensatzAnhaengen(titel, 1, 6, 0, true);
+    EXPECT_EQ(Datei(), DaxKopf() + Jetzt(6, 0));
+}
+
+TEST_F(Anhaengen, TheNextRecordFollowsANewCatalogAtOnce) {
+    Tick(1);
+    titel.Katalog = "Anders";
+    Tick(2);
+    EXPECT_EQ(Datei("/daten/Anders/DAX@EUREX_FUT_201206_EUR.ZEK"), DaxKopf() + Jetzt(2));
+    EXPECT_EQ(Saetze(Datei()).size(), 1u);
+}
+
+TEST_F(Anhaengen, AFileOfOtherLetterCaseIsUsedAndRemembered) {
+    const std::string klein = "/daten/FUTURES/dax@eurex_fut_201206_eur.zek";
+    ram.LegeDateiAn(klein, DaxDatei(1));
+    titel.Katalog = "futures";
+    ram.Loesche("/daten/Futures");
+    Tick(2);
+    Tick(3);
+    EXPECT_EQ(Saetze(Datei(klein)).size(), 3u);
+    EXPECT_THAT(ram.Dateien(), ElementsAre(klein));
+    dateien.VergissProtokoll();
+    Tick(4);
+    EXPECT_EQ(dateien.Muster(), "Oeffne Groesse Suche Schreibe Schliesse");
+    ram.Loesche(klein);
+    Tick(5);
+    EXPECT_EQ(Datei("/daten/FUTURES/DAX@EUREX_FUT_201206_EUR.ZEK"), DaxKopf() + Jetzt(5));
+}
+
+TEST_F(Anhaengen, AFailedOpenGivesALogLineAndTheNextTickTriesAgain) {
+    Tick(1);
+    dateien.StoereArt(Dateiaufruf::Oeffne, EMFILE);
+    Tick(2);
+    ASSERT_EQ(status.Eintraege.size(), 1u);
+    EXPECT_EQ(status.Letzte(), "Fehler Nr. 45602 beim Speichern von " + Pfad + " (Error opening '" + Pfad +
+                                   "'.\r\nError 24\r\nToo many open files)");
+    EXPECT_FALSE(status.Eintraege[0].Fett);
+    dateien.Heile();
+    Tick(3);
+    EXPECT_EQ(Saetze(Datei()).size(), 2u);
+}
+
+TEST_F(Anhaengen, AFullDiskGivesALogLineForEachLostTickAndRecordingGoesOn) {
+    Tick(1);
+    ram.SetzeFreienPlatz(0);
+    Tick(2);
+    Tick(3);
+    EXPECT_EQ(status.Letzte(), "Fehler Nr. 28 beim Speichern von " + Pfad + " (No space left on device)");
+    EXPECT_EQ(status.Eintraege.size(), 2u);
+    ram.SetzeFreienPlatz(1 << 20);
+    Tick(4);
+    ASSERT_EQ(Saetze(Datei()).size(), 2u);
+    EXPECT_EQ(Saetze(Datei())[1].Kurs, 4);
+}
+
+TEST_F(Anhaengen, AShortWriteLosesItsTickWithoutAWordAndLeavesTheFileWhole) {
+    Tick(1);
+    ram.SetzeFreienPlatz(7);
+    Tick(2);
+    EXPECT_TRUE(status.Eintraege.empty());
+    EXPECT_EQ(Datei().size(), 872u);
+    ram.SetzeFreienPlatz(1 << 20);
+    Tick(3);
+    EXPECT_EQ(Saetze(Datei())[1].Kurs, 3);
+}
+
+TEST_F(Anhaengen, AHeaderThatDoesNotFitOnTheDiskLeavesAnEmptyFile) {
+    ram.SetzeFreienPlatz(500);
+    Tick(1);
+    EXPECT_EQ(Datei(), "");
+    EXPECT_EQ(status.Letzte(), "Fehler Nr. 28 beim Speichern von " + Pfad + " (No space left on device)");
+    ram.SetzeFreienPlatz(1 << 20);
+    Tick(2);
+    EXPECT_EQ(Datei(), DaxKopf() + Jetzt(2));
+}
+
+TEST_F(Anhaengen, AnErrorOfTheSignedVolumeOrOfAnUnknownKindEndsNothing) {
+    Datensatzschreiber ohneFrage(modul, dateien, welt, status, {});
+    ohneFrage.DatensatzAnhaengen(titel, kursart::BAVolume, 1, 1, false);
+    Vorhanden(DaxDatei(1));
+    Tick(1, 1, 21);  // same name as the traded file, no mark of its own
+    EXPECT_EQ(status.Anzahl("Fehler Nr. 0 beim Speichern von /daten/Futures/DAX@EUREX_FUT_201206_EUR"), 2u);
+    EXPECT_EQ(ram.OffeneHandles(), 0u);
+}
+
+TEST_F(Anhaengen, WhicheverCallFailsTheRecordsBeforeItStayAndTheNextTickIsRecorded) {
+    for (std::uint64_t n = 1; n <= 16; ++n) {
+        Vorhanden(DaxDatei(2) + Nullen(16));
+        titel.KonsistenzGecheckt(kursart::Bezahlt, false);
+        dateien.Heile();
+        dateien.StoereNten(n, EIO);
+        Tick(7);
+        dateien.Heile();
+        titel.KonsistenzGecheckt(kursart::Bezahlt, false);
+        Tick(8);
+        EXPECT_EQ(Datei().substr(0, DaxDatei(2).size()), DaxDatei(2)) << n;
+        EXPECT_EQ(Saetze(Datei()).back().Kurs, 8) << n;
+    }
+}
+
+TEST_F(Anhaengen, AnAcknowledgedTickSurvivesACrashAtEveryCall) {
+    for (std::uint64_t n = 1; n <= 12; ++n) {
+        ram.Loesche(Pfad);
+        titel.KonsistenzGecheckt(kursart::Bezahlt, false);
+        StoerDateisystem sterbend(ram);
+        Datensatzschreiber kurzlebig(modul, sterbend, welt, status, {});
+        kurzlebig.DatensatzAnhaengen(titel, 1, 1, 1, false);
+        kurzlebig.DatensatzAnhaengen(titel, 1, 2, 1, false);
+        sterbend.StuerzeAb(n);
+        kurzlebig.DatensatzAnhaengen(titel, 1, 3, 1, false);
+        kurzlebig.DatensatzAnhaengen(titel, 1, 4, 1, false);
+        ASSERT_GE(Datei().size(), 856u + 32u) << n;
+        EXPECT_EQ((Datei().size() - 856) % 16, 0u) << n;
+        EXPECT_EQ(Saetze(Datei())[1].Kurs, 2) << n;
+        EXPECT_EQ(Datei().substr(0, 856), DaxKopf()) << n;
+    }
+}
+
+TEST_F(Anhaengen, ALiveTickDoesNotTouchTheTimeOfTheLastMerge) {
+    std::string datei = DaxDatei(1);
+    datei.replace(686, 20, "2012#03#09#17#05#44 ");
+    Vorhanden(datei);
+    Tick(2);
+    EXPECT_EQ(Datei(), datei + Jetzt(2));
+}
+
+TEST_F(Anhaengen, CleaningTheEndTellsWhetherItCut) {
+    Vorhanden(DaxDatei(1) + Nullen(16));
+    clDateiIO datei(ram);
+    datei.OpenFile(Pfad, false);
+    EXPECT_TRUE(DateiEndeBereinigen(datei, Pfad));
+    EXPECT_TRUE(datei.IsOpen());
+    EXPECT_EQ(datei.FileSize().Bytes(), 872);
+    EXPECT_FALSE(DateiEndeBereinigen(datei, Pfad));
+    datei.CloseFile();
+    EXPECT_FALSE(DateiEndeBereinigen(datei, Pfad)) << "no open file";
+}
+
+TEST_F(Anhaengen, AnEndThatCannotBeSteppedThroughIsNotCut) {
+    Vorhanden(DaxDatei(1) + Nullen(32));
+    clDateiIO datei(dateien);
+    datei.OpenFile(Pfad, false);
+    dateien.Stoere({.Art = Dateiaufruf::Suche, .Ab = 4, .Anzahl = 1, .Fehler = EIO});
+    EXPECT_FALSE(DateiEndeBereinigen(datei, Pfad));
+    EXPECT_EQ(Datei(), DaxDatei(1) + Nullen(32));
+}
+
+}  // namespace
+}  // namespace zek
