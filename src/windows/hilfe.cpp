@@ -10,7 +10,7 @@
 namespace zek {
 
 QStringList Hilfeordner(const QString& programmordner) {
-    return {programmordner + "/hilfe", programmordner + "/../share/tessaron-zek/hilfe",
+    return {programmordner + "/hilfe", programmordner + "/../../share/tessaron-zek/hilfe",
             programmordner + "/../../../docs/hilfe"};
 }
 
