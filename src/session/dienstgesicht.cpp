@@ -25,6 +25,7 @@ void Dienstgesicht::Melde(const std::string& text) {
 }
 
 int Dienstgesicht::ZeigeMeldung(const std::string& text, int flags, int) {
+    letzteMeldung_ = text;
     const bool frage = (flags & Knopfsatzmaske) != meldung::Ok;
     Melde((frage ? "Frage (ohne Bildschirm mit 0 beantwortet): " : "Hinweis: ") + Einzeilig(text));
     return meldung::Zeitablauf;

@@ -17,6 +17,9 @@ public:
     // Where messages and questions go; until then they are dropped. Must outlive this object's use.
     void ProtokollierenIn(Statusausgabe& protokoll) { protokoll_ = &protokoll; }
 
+    // The message or question shown last, "" before the first.
+    const std::string& LetzteMeldung() const { return letzteMeldung_; }
+
     int ZeigeMeldung(const std::string& text, int flags, int sekunden) override;
 
     bool OfflinewarnungSichtbar() const override { return offlinewarnung_; }
@@ -89,6 +92,7 @@ private:
 
     std::function<void(const std::string&)> ausgabe_;
     Statusausgabe* protokoll_ = nullptr;
+    std::string letzteMeldung_;
     bool offlinewarnung_ = false;
     Datenpflegemelder datenpflege_{*this};
 };

@@ -12,6 +12,7 @@
 //   abschluss        the closing question and the shutdown order, step by step
 //   bruecken         the roles that the lower rooms have named, played by the assembly
 //   zusammenbau      makes the objects of all rooms and ties them together
+//   dienst           the recorder without a screen: options and one run
 //   sitzung          owns the above; what a program's main() and its windows hold
 //
 // Whoever wants to know what happens at the start reads main.cpp from top to bottom; at the end, abschluss.cpp.
@@ -20,6 +21,7 @@
 #include "session/abschluss.h"
 #include "session/befehlszeile.h"
 #include "session/beispieltitel.h"
+#include "session/dienst.h"
 #include "session/einstellungen.h"
 #include "session/gesicht.h"
 #include "session/main.h"
