@@ -5,8 +5,9 @@
 
 namespace zek {
 
-// A flock on one file in the folder. The system drops it when the process ends in whatever way, so a crash leaves no
-// stale lock; child processes don't inherit it. Two objects exclude each other inside one process too.
+// A write lock (open file description lock) on one file in the folder. The system drops it when the process ends in
+// whatever way, so a crash leaves no stale lock; started programs don't inherit it. Two objects exclude each other
+// inside one process too. Asking for it takes nothing, so it never disturbs somebody who is just taking it.
 class Ordnersperre {
 public:
     // Name of the recorder's own lock file.
@@ -20,7 +21,7 @@ public:
     // Takes the lock; true when this object holds it (already). False when another holds it, or when the lock file
     // can't be opened.
     bool Nimm();
-    // True while another process or object holds it. Takes nothing, creates no file.
+    // True while another process or object holds it. Creates no file.
     bool VonAnderemGehalten() const;
     bool Gehalten() const { return griff_ >= 0; }
     void GibFrei();

@@ -28,6 +28,11 @@ std::string Verweisziel(const std::string& pfad) {
 // Runs in the second child: becomes the program, or tells the errno value through the pipe.
 [[noreturn]] void WerdeProgramm(char* const* argumente, int rohr) {
     ::setsid();
+    // What this process ignores or holds back would be inherited.
+    for (const int nummer : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE, SIGCHLD}) std::signal(nummer, SIG_DFL);
+    sigset_t keine;
+    ::sigemptyset(&keine);
+    ::sigprocmask(SIG_SETMASK, &keine, nullptr);
     const int leer = ::open("/dev/null", O_RDONLY);
     if (leer >= 0) ::dup2(leer, STDIN_FILENO);
     if (leer > STDIN_FILENO) ::close(leer);
@@ -52,10 +57,6 @@ bool FremderProzess::Laeuft() const {
     if (griff_ < 0) return ::kill(static_cast<pid_t>(pid_), 0) == 0 || errno == EPERM;
     pollfd frage{griff_, POLLIN, 0};
     return ::poll(&frage, 1, 0) == 0;
-}
-
-std::string FremderProzess::Programm() const {
-    return Verweisziel("/proc/" + std::to_string(pid_) + "/exe");
 }
 
 bool StarteUnabhaengig(const std::string& programm, const std::vector<std::string>& argumente) {

@@ -16,16 +16,14 @@ public:
     FremderProzess& operator=(const FremderProzess&) = delete;
 
     bool Laeuft() const;
-    // Path of its executable; empty when that can't be known.
-    std::string Programm() const;
 
 private:
     long pid_;
     int griff_ = -1;  // pidfd
 };
 
-// Starts a program in a session of its own, as nobody's child, with no input. True once it really runs; false when it
-// can't be executed.
+// Starts a program in a session of its own, as nobody's child, with no input and the usual signals. True once it really
+// runs; false when it can't be executed.
 bool StarteUnabhaengig(const std::string& programm, const std::vector<std::string>& argumente);
 
 // Full path of this process's executable, links resolved; its folder ends in "/".
