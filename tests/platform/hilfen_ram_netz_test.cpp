@@ -158,6 +158,18 @@ TEST_F(RamNetzTest, AStandstillHoldsEverythingBackInOrder) {
     EXPECT_TRUE(server.Verlauf.ends_with("geschlossen"));
 }
 
+TEST_F(RamNetzTest, NothingOvertakesWhatWasHeldBack) {
+    Verbinde();
+    netz.HalteAn();
+    client.Sende("ab");
+    welt.Ereignisse();
+    netz.SetzeLatenz(0.01);
+    welt.Plane(0.01, [&] { netz.LasseWeiter(); });
+    client.Sende("cd");
+    welt.Laufe(1);
+    EXPECT_EQ(server.Daten, "abcd");
+}
+
 TEST_F(RamNetzTest, MoreThanTheLimitIsNotTaken) {
     Verbinde();
     netz.HalteAn();
