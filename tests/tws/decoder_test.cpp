@@ -13,15 +13,16 @@ namespace {
 std::atomic<long> Anforderungen{0};
 }
 
-void* operator new(std::size_t groesse) {
+// Not inlined: the compiler would see malloc paired with delete and complain.
+[[gnu::noinline]] void* operator new(std::size_t groesse) {
     ++Anforderungen;
     if (void* zeiger = std::malloc(groesse ? groesse : 1)) return zeiger;
     throw std::bad_alloc();
 }
-void operator delete(void* zeiger) noexcept {
+[[gnu::noinline]] void operator delete(void* zeiger) noexcept {
     std::free(zeiger);
 }
-void operator delete(void* zeiger, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* zeiger, std::size_t) noexcept {
     std::free(zeiger);
 }
 
