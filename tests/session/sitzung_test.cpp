@@ -1,0 +1,403 @@
+// The session as a whole over a scripted control: bringing up, ending in every situation, and the shutdown order.
+#include "hilfen/ram_dateisystem.h"
+#include "hilfen/ram_netz.h"
+#include "hilfen/ram_speicher.h"
+#include "hilfen/test_gesicht.h"
+#include "hilfen/test_prozesse.h"
+#include "hilfen/test_tws.h"
+#include "hilfen/virtuelle_welt.h"
+#include "platform/datum.h"
+#include "platform/text.h"
+#include "session/dienst.h"
+#include "titles/titeldatei.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace zek {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+const Datum Mittag = DatumAus(2026, 11, 16, 12, 0, 0);
+
+// A machine with a program folder, a configured port and a start hint that was declined.
+struct Rechner {
+    hilfen::VirtuelleWelt welt{Mittag};
+    hilfen::RamNetz netz{welt};
+    hilfen::RamDateisystem dateien;
+    hilfen::RamNutzerspeicher registry;
+    hilfen::RamProfildatei lokal;
+    hilfen::RamProfildatei port;
+    hilfen::TestProzesse prozesse;
+    hilfen::TestTwsFabrik tws;
+    int enden = 0;
+
+    Rechner() {
+        dateien.LegeOrdnerbaumAn("/zek");
+        registry.Setze(ProduktName, "ZEKStart", "VersionsHinweis", "1");
+        Setze("Optionen", "DontShowStartUpTitel", "1");
+        Setze("IBConnect", "IBPort", "7496");
+        tws.BeiErzeugen = [](hilfen::TestTws& control) {
+            control.BeiConnect = [](hilfen::TestTws& c) { c.Ereignisse().nextValidId(1); };
+        };
+    }
+    Plattform Maschine() {
+        return {welt,  welt, welt,     netz,         dateien, registry,
+                lokal, port, prozesse, tws.Fabrik(), "/zek/", [this] { ++enden; }};
+    }
+    void Setze(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
+        registry.Setze(Programmtitel, abschnitt, schluessel, wert);
+    }
+    std::string Registry(std::string_view abschnitt, std::string_view schluessel) {
+        return registry.Lies(Programmtitel, abschnitt, schluessel).value_or("(fehlt)");
+    }
+    // Saves so many active titles; the first with depth, the last inactive.
+    void MitTiteln(int anzahl) {
+        Titelliste titel;
+        for (int i = 1; i <= anzahl; ++i) {
+            auto t = std::make_shared<clTitelobjekt>();
+            t->id = i;
+            t->Symbol = "T" + std::to_string(i);
+            t->Typ = "STK";
+            t->Börsenplatz = "SMART";
+            t->Währung = "USD";
+            t->Dateiname = "T" + std::to_string(i);
+            t->UseMarkttiefe = i == 1;
+            t->Aktiv(i < anzahl);
+            titel.Fuege(t);
+        }
+        ASSERT_EQ(SchreibeTiteldatei(dateien, "/zek/", titel), std::nullopt);
+    }
+    std::string Log() { return AusCodepage(dateien.Inhalt("/zek/IBZEKLog.txt")); }
+    const std::vector<std::string>& Anfragen() { return tws.Kontrollen.at(0)->Zeilen; }
+    std::size_t Zeilen(std::string_view anfang) { return tws.Kontrollen.at(0)->Anzahl(anfang); }
+};
+
+struct SitzungTest : testing::Test, Rechner {
+    hilfen::TestGesicht gesicht;
+    std::unique_ptr<Sitzung> sitzung;
+
+    bool Starte(const std::string& zeile = "") {
+        sitzung = std::make_unique<Sitzung>(Maschine(), gesicht, zeile);
+        return sitzung->Starte();
+    }
+    void DatenKamen() { sitzung->Modul().LetzteDatenZeit = welt.Jetzt(); }
+};
+
+TEST_F(SitzungTest, TheStartConnectsAndSubscribesTheActiveTitles) {
+    MitTiteln(3);
+    ASSERT_TRUE(Starte());
+    EXPECT_THAT(Anfragen(), ElementsAre("connect(, 7496, 255281497, , false)", "reqCurrentTime()",
+                                        "reqMktData(1, T1, STK, , 0, , , SMART, , USD, , false, false)",
+                                        "reqMktDepth(1, T1, STK, , 0, , , SMART, USD, 10, false)",
+                                        "reqMktData(2, T2, STK, , 0, , , SMART, , USD, , false, false)"));
+    EXPECT_THAT(Log(), HasSubstr("Verbindung hergestellt um 20261116 12:00:00 CET\r\n"));
+    EXPECT_EQ(gesicht.TitelInfoText.substr(0, 38), "2 Titel aktiviert, 0 mit Geld/Brief (0");
+}
+
+TEST_F(SitzungTest, TheSecondSettingOfTheStartTimeCounts) {
+    ASSERT_TRUE(Starte("/W5"));
+    EXPECT_NEAR((sitzung->Modul().Startzeitpunkt - Mittag) * SekundenProTag, 5, 0.2);
+}
+
+TEST_F(SitzungTest, TheShutdownGoesThroughItsStepsInOrder) {
+    MitTiteln(3);
+    ASSERT_TRUE(Starte());
+    welt.Laufe(15);
+    DatenKamen();
+    gesicht.InTaskleiste = true;
+    gesicht.Aufrufe.clear();
+    tws.Letzte().Zeilen.clear();
+    registry.Schreibvorgaenge.clear();
+    sitzung->Beende();
+    EXPECT_THAT(Anfragen(),
+                ElementsAre("cancelMktData(1)", "cancelMktDepth(1, false)", "cancelMktData(2)", "disconnect()"));
+    EXPECT_THAT(gesicht.Aufrufe, ElementsAre("TaskleistenstilSetzen aus", "TrayFreigeben", "FensterplatzSpeichern",
+                                             "MonitorplatzSpeichern"));
+    using V = hilfen::Speichervorgang;
+    const std::string programm(Programmtitel);
+    EXPECT_THAT(
+        registry.Schreibvorgaenge,
+        ElementsAre(V{programm, "Datenpflege", "IBLastEnd", ZahltextPunkt(sitzung->Modul().LetzteDatenZeit)},
+                    V{programm, "Hauptfenster", "Taskbar", "1"}, V{programm, "Hauptfenster", "Anzeigen", "-1"}));
+    EXPECT_TRUE(sitzung->Modul().Titelliste.IstLeer());
+    EXPECT_EQ(enden, 1);
+}
+
+TEST_F(SitzungTest, AMinimizedWindowIsRememberedAsHidden) {
+    ASSERT_TRUE(Starte());
+    gesicht.Minimiert = true;
+    sitzung->Beende();
+    EXPECT_EQ(Registry("Hauptfenster", "Anzeigen"), "0");
+    EXPECT_EQ(Registry("Hauptfenster", "Taskbar"), "0");
+}
+
+TEST_F(SitzungTest, ASessionOfTenSecondsLeavesTheEarlierMarkInPlace) {
+    Setze("Datenpflege", "IBLastEnd", "46000.5");
+    ASSERT_TRUE(Starte());
+    welt.LaufeBis(sitzung->Modul().Startzeitpunkt + 10 * EineSekunde);
+    DatenKamen();
+    sitzung->Beende();
+    EXPECT_EQ(Registry("Datenpflege", "IBLastEnd"), "46000.5");
+}
+
+TEST_F(SitzungTest, ASessionOfElevenSecondsMovesTheMark) {
+    Setze("Datenpflege", "IBLastEnd", "46000.5");
+    ASSERT_TRUE(Starte());
+    welt.LaufeBis(sitzung->Modul().Startzeitpunkt + 11 * EineSekunde);
+    DatenKamen();
+    sitzung->Beende();
+    EXPECT_THAT(Registry("Datenpflege", "IBLastEnd"), HasSubstr("46342.50012"));
+}
+
+TEST_F(SitzungTest, WithoutAnyDataTheMarkStays) {
+    Setze("Datenpflege", "IBLastEnd", "46000.5");
+    ASSERT_TRUE(Starte());
+    welt.Laufe(100);
+    sitzung->Beende();
+    EXPECT_EQ(Registry("Datenpflege", "IBLastEnd"), "46000.5");
+}
+
+TEST_F(SitzungTest, TitlesAreNotSavedAtTheEnd) {
+    MitTiteln(2);
+    ASSERT_TRUE(Starte());
+    const std::string vorher = dateien.Inhalt("/zek/IB_Titel.Dat");
+    sitzung->Modul().Titelliste[0]->Symbol = "GEÄNDERT";
+    sitzung->Beende();
+    EXPECT_EQ(dateien.Inhalt("/zek/IB_Titel.Dat"), vorher);
+}
+
+TEST_F(SitzungTest, TheEndIsReachedOnlyOnceAndNothingRunsBehindIt) {
+    MitTiteln(3);
+    ASSERT_TRUE(Starte());
+    sitzung->Beende();
+    const std::size_t anfragen = Anfragen().size();
+    sitzung->Beende();
+    Setze("Kommando", "Restart", "1");
+    welt.Laufe(300);
+    EXPECT_EQ(enden, 1);
+    EXPECT_EQ(Anfragen().size(), anfragen);
+    EXPECT_EQ(tws.Kontrollen.size(), 1u);
+    EXPECT_THAT(prozesse.Starts, IsEmpty());
+}
+
+TEST_F(SitzungTest, TheQuitOrderOfASecondInstanceEndsTheSession) {
+    ASSERT_TRUE(Starte());
+    prozesse.AndereInstanz = true;
+    hilfen::TestGesicht zweites;
+    EXPECT_FALSE(Sitzung(Maschine(), zweites, "/Quit").Starte());
+    EXPECT_EQ(enden, 0);
+    welt.Laufe(1.5);
+    EXPECT_TRUE(sitzung->Beendet());
+    EXPECT_EQ(enden, 1);
+    EXPECT_THAT(Log(), HasSubstr("ZEK wird durch Kommand /Quit beendet (16.11.2026 12:00:01)"));
+}
+
+TEST_F(SitzungTest, TheRestartOrderStartsTheHelperAndEndsTheSession) {
+    dateien.LegeDateiAn("/zek/ZEKIBAutoNeustart.exe", "x");
+    ASSERT_TRUE(Starte("/K"));
+    Setze("Kommando", "Restart", "1");
+    welt.Laufe(1.5);
+    EXPECT_TRUE(sitzung->Beendet());
+    ASSERT_EQ(prozesse.Starts.size(), 1u);
+    EXPECT_EQ(prozesse.Starts[0].Programm, "/zek/ZEKIBAutoNeustart.exe");
+    EXPECT_THAT(prozesse.Starts[0].Argumente, ElementsAre("/K"));
+}
+
+TEST_F(SitzungTest, ALostSocketIsMadeAnewAndConnectedAtTheNextMultipleOf20Seconds) {
+    MitTiteln(2);
+    ASSERT_TRUE(Starte());
+    welt.Laufe(3);
+    tws.Letzte().Ereignisse().errMsg(-1, -1, "Connection reset by peer", "");
+    ASSERT_EQ(tws.Kontrollen.size(), 2u);
+    welt.Laufe(16);
+    EXPECT_THAT(tws.Letzte().Zeilen, IsEmpty());
+    welt.Laufe(2);
+    EXPECT_EQ(tws.Letzte().Zeilen.at(0), "connect(, 7496, 255281497, , false)");
+    EXPECT_EQ(tws.Letzte().Anzahl("reqMktData(1, T1"), 1u);
+    EXPECT_FALSE(gesicht.Offline.Sichtbar);
+}
+
+TEST_F(SitzungTest, LastEndIsWrittenOnceAMinute) {
+    ASSERT_TRUE(Starte());
+    DatenKamen();
+    welt.Laufe(130);
+    EXPECT_EQ(Registry("Datenpflege", "IBLastEnd"), ZahltextPunkt(sitzung->Modul().LetzteDatenZeit));
+}
+
+TEST_F(SitzungTest, TheTimeServersOfTheSettingsAreAsked) {
+    Setze("Optionen", "AutoUhrzeitStellen", "1");
+    Setze("Optionen", "Zeitserver1", "zeit.beispiel:3700");
+    ASSERT_TRUE(Starte());
+    EXPECT_EQ(netz.LetztesZiel(), "zeit.beispiel:3700");
+}
+
+TEST_F(SitzungTest, AnEndDuringTheStartDelayLeavesNoWindow) {
+    welt.Plane(2, [&] { sitzung->Beende(); });
+    EXPECT_FALSE(Starte("/W100"));
+    EXPECT_LT(welt.Sekunden(), 3);
+    EXPECT_FALSE(gesicht.Geladen);
+    EXPECT_EQ(sitzung->Ergebnis(), Startergebnis::Beendet);
+    EXPECT_EQ(enden, 1);
+    EXPECT_THAT(tws.Kontrollen, IsEmpty());
+}
+
+TEST_F(SitzungTest, AnEndWhileConnectingRunsTheShutdownOrder) {
+    tws.BeiErzeugen = [&](hilfen::TestTws& control) {
+        control.VerbindungGelingt = false;
+        control.BeiConnect = [&](hilfen::TestTws&) {
+            welt.Plane(1, [&] { sitzung->Beende(); });
+            welt.Warte(std::chrono::seconds(5));
+        };
+    };
+    MitTiteln(3);
+    EXPECT_FALSE(Starte());
+    EXPECT_THAT(Anfragen(), Contains("disconnect()"));
+    EXPECT_EQ(Zeilen("reqMktData"), 0u);
+    EXPECT_EQ(gesicht.Anzahl("FensterplatzSpeichern"), 1u);
+    EXPECT_EQ(gesicht.Anzahl("ZeigeArbeitsansicht"), 0u);
+}
+
+TEST_F(SitzungTest, AnEndInThePauseOfALongLoadCancelsWhatWasSubscribed) {
+    MitTiteln(101);
+    welt.Plane(1.5, [&] { sitzung->Beende(); });
+    EXPECT_FALSE(Starte());
+    EXPECT_GT(Zeilen("reqMktData("), 30u);
+    EXPECT_LT(Zeilen("reqMktData("), 100u);
+    // The title at which the load pauses is in the list already.
+    EXPECT_EQ(Zeilen("cancelMktData("), Zeilen("reqMktData(") + 1);
+    EXPECT_EQ(gesicht.Anzahl("ZeigeArbeitsansicht"), 0u);
+    EXPECT_EQ(enden, 1);
+}
+
+TEST_F(SitzungTest, AnEndInsideABackfillRunStopsIt) {
+    MitTiteln(2);
+    Setze("Optionen", "AutoDatenpflege", "1");
+    Setze("Datenpflege", "IBLastEnd", "46342.4");
+    ASSERT_TRUE(Starte());
+    welt.Plane(30, [&] {
+        EXPECT_TRUE(sitzung->Modul().DatenpflegeLaeuft);
+        sitzung->Beende();
+    });
+    welt.Laufe(40);
+    EXPECT_TRUE(sitzung->Beendet());
+    EXPECT_FALSE(sitzung->Modul().DatenpflegeLaeuft);
+    EXPECT_LT(welt.Sekunden(), 60);
+    EXPECT_THAT(Log(), HasSubstr("Auto-Backfill von 16.11.2026 09:33:00 bis 16.11.2026 12:00:0"));
+    EXPECT_EQ(gesicht.Anzahl("DatenpflegeFensterFreigeben"), 1u);
+}
+
+TEST_F(SitzungTest, TheClosingQuestionIsAskedUnlessKForbidsIt) {
+    ASSERT_TRUE(Starte());
+    gesicht.Fragen.Antworten = {meldung::AntwortNein, meldung::AntwortJa};
+    EXPECT_FALSE(DarfSchliessen(sitzung->Modul(), gesicht, "Tessaron ZEK für Interactive Brokers"));
+    EXPECT_TRUE(DarfSchliessen(sitzung->Modul(), gesicht, "Tessaron ZEK für Interactive Brokers"));
+    EXPECT_EQ(gesicht.Fragen.Gezeigt[0].Text, "Möchten Sie Tessaron ZEK für Interactive Brokers beenden?");
+    EXPECT_EQ(gesicht.Fragen.Gezeigt[0].Flags, meldung::JaNein);
+    sitzung->Modul().KeineBeendenFrage = true;
+    EXPECT_TRUE(DarfSchliessen(sitzung->Modul(), gesicht, "X"));
+    EXPECT_EQ(gesicht.Fragen.Gezeigt.size(), 2u);
+}
+
+TEST_F(SitzungTest, SampleTitlesAreAddedOnceSubscribedAndSaved) {
+    ASSERT_TRUE(Starte());
+    sitzung->Teile().BeispieltitelAnlegen({false, false, true, false});
+    sitzung->Teile().BeispieltitelAnlegen({false, false, true, true});
+    EXPECT_EQ(sitzung->Modul().Titelliste.Anzahl(), 10u);
+    EXPECT_EQ(Zeilen("reqMktData("), 10u);
+    EXPECT_EQ(LiesTiteldatei(dateien, "/zek/").Ergebnis, Titeldatei::Zustand::Gelesen);
+    EXPECT_THAT(sitzung->Modul().Katalogliste.Namen(), ElementsAre("Indizes", "US-Aktien"));
+}
+
+// ---- the program without a screen
+
+struct DienstTest : testing::Test, Rechner {
+    std::vector<std::string> ausgabe;
+    std::unique_ptr<Dienst> dienst;
+
+    bool Starte(const std::vector<std::string>& argumente) {
+        dienst = std::make_unique<Dienst>(Maschine(), LiesDienstoptionen(argumente),
+                                          [this](const std::string& zeile) { ausgabe.push_back(zeile); });
+        return dienst->Starte();
+    }
+};
+
+TEST_F(DienstTest, ItRecordsWithoutAskingAnything) {
+    registry.Setze(ProduktName, "ZEKStart", "VersionsHinweis", "0");
+    Setze("Optionen", "DontShowStartUpTitel", "0");
+    MitTiteln(3);
+    ASSERT_TRUE(Starte({}));
+    EXPECT_EQ(Zeilen("reqMktData("), 2u);
+    EXPECT_EQ(dienst->Rueckgabe(), 0);
+    EXPECT_THAT(ausgabe, IsEmpty());
+}
+
+TEST_F(DienstTest, ItLeavesWhatWasArrangedOnTheScreen) {
+    Setze("Hauptfenster", "Taskbar", "1");
+    Setze("Hauptfenster", "Anzeigen", "-1");
+    ASSERT_TRUE(Starte({}));
+    dienst->Beende();
+    EXPECT_EQ(Registry("Hauptfenster", "Taskbar"), "1");
+    EXPECT_EQ(Registry("Hauptfenster", "Anzeigen"), "-1");
+}
+
+TEST_F(DienstTest, ItsOutputShowsTheLogLinesWhereThatIsWanted) {
+    ASSERT_TRUE(Starte({"--ausgabe"}));
+    EXPECT_THAT(ausgabe, Contains("16.11.2026 12:00:00: TWS Server Version 187"));
+}
+
+TEST_F(DienstTest, ItAddsTheSampleTitlesToAnEmptyListOnly) {
+    ASSERT_TRUE(Starte({"--beispieltitel"}));
+    EXPECT_EQ(dienst->Sitzung().Modul().Titelliste.Anzahl(), 35u);
+    dienst->Beende();
+    dienst.reset();
+    MitTiteln(2);
+    ASSERT_TRUE(Starte({"--beispieltitel"}));
+    EXPECT_EQ(dienst->Sitzung().Modul().Titelliste.Anzahl(), 2u);
+}
+
+TEST_F(DienstTest, ARefusedStartSaysWhy) {
+    prozesse.AndereInstanz = true;
+    EXPECT_FALSE(Starte({}));
+    EXPECT_EQ(dienst->Rueckgabe(), 1);
+    EXPECT_EQ(dienst->LetzteMeldung(), "Tessaron ZEK für IB wurde bereits aus dem Ordner /zek gestartet!");
+    EXPECT_FALSE(Starte({"/quit"}));
+    EXPECT_EQ(dienst->Rueckgabe(), 0);
+    EXPECT_EQ(Registry("Kommando", "DoQuit"), "1");
+}
+
+TEST_F(DienstTest, WithNoPortItSaysWhereToSetOneAndRunsOn) {
+    Setze("IBConnect", "IBPort", "");
+    ASSERT_TRUE(Starte({}));
+    EXPECT_THAT(Log(), HasSubstr("'IBPort'"));
+    EXPECT_THAT(Log(), HasSubstr("Fehlende Port-Angabe: Keine Verbindung zur TWS hergestellt!"));
+}
+
+TEST(DienstoptionenTest, OptionsAndClassicSwitchesStandSideBySide) {
+    const Dienstoptionen o = LiesDienstoptionen({"--ausgabe", "/W5", "--beispieltitel", "/K"});
+    EXPECT_TRUE(o.Ausgabe && o.Beispieltitel && o.Fehler.empty());
+    EXPECT_FALSE(o.Hilfe || o.Version || o.Datenpflege);
+    EXPECT_EQ(o.Befehlszeile, "--ausgabe /W5 --beispieltitel /K");
+    EXPECT_TRUE(LiesDienstoptionen({"--help"}).Hilfe);
+    EXPECT_TRUE(LiesDienstoptionen({"--version"}).Version);
+}
+
+TEST(DienstoptionenTest, ABackfillTakesTheArgumentsBehindIt) {
+    const Dienstoptionen o = LiesDienstoptionen({"--datenpflege", "10.11.2026", "12.11.2026", "Bezahlt", "/K"});
+    ASSERT_TRUE(o.Datenpflege.has_value()) << o.Fehler;
+    EXPECT_EQ(o.Datenpflege->Wahl.Start, DatumAus(2026, 11, 10));
+    EXPECT_TRUE(o.Datenpflege->ArtenGewaehlt);
+    EXPECT_THAT(LiesDienstoptionen({"--datenpflege", "gestern"}).Fehler, Not(IsEmpty()));
+}
+
+TEST(DienstoptionenTest, WhatIsUnknownIsNamed) {
+    EXPECT_EQ(LiesDienstoptionen({"--fenster"}).Fehler, "Unbekannte Option: --fenster");
+}
+
+}  // namespace
+}  // namespace zek
