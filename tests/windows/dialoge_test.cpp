@@ -1,0 +1,438 @@
+#include "fenstertest.h"
+#include "windows/beispieltitel_fenster.h"
+#include "windows/datenpflege_fortschritt.h"
+#include "windows/datenpflege_optionen.h"
+#include "windows/info.h"
+#include "windows/meldungsfenster.h"
+#include "windows/startfenster.h"
+#include "windows/verbindungseinstellungen.h"
+#include "windows/zek_einstellungen.h"
+
+#include <QDateEdit>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimeEdit>
+#include <QTimer>
+
+namespace zek {
+
+namespace {
+
+using hilfen::TestMeldungen;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+// ---- settings
+
+struct ZekEinstellungen : testing::Test {
+    TestMeldungen meldungen;
+    Einstellungen vorher;
+    bool helfer = true;
+    std::vector<std::string> ordner;
+    std::string hilfeseite;
+
+    std::unique_ptr<frmZEKEinstellungen> Oeffne() {
+        auto dialog = std::make_unique<frmZEKEinstellungen>(
+            nullptr,
+            frmZEKEinstellungen::Umfeld{
+                meldungen, [this] { return helfer; },
+                [this](const std::string& o) { return std::find(ordner.begin(), ordner.end(), o) != ordner.end(); }},
+            [this](const std::string& seite) { hilfeseite = seite; }, vorher);
+        dialog->show();
+        return dialog;
+    }
+    std::string Gemeldet() const { return meldungen.Gezeigt.empty() ? "" : meldungen.Gezeigt.back().Text; }
+};
+
+TEST_F(ZekEinstellungen, ABackfillTimeoutOf6001IsRefusedAnd6000Taken) {
+    auto dialog = Oeffne();
+    Schreibe(*dialog, "txtBFTimeout", "6001");
+    Klick(*dialog, "Okay");
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(Gemeldet(), "Geben Sie für das Backfill-Timeout bitte einen Wert zwischen 10 und 6000 Sekunden an.");
+    Schreibe(*dialog, "txtBFTimeout", "6000");
+    Klick(*dialog, "Okay");
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(dialog->Ergebnis().BFTimeOut, 6000);
+}
+
+TEST_F(ZekEinstellungen, ATimeoutThatIsNoNumberIsRefused) {
+    auto dialog = Oeffne();
+    Schreibe(*dialog, "txtBFTimeout", "60s");
+    Klick(*dialog, "Okay");
+    EXPECT_TRUE(dialog->isVisible());
+}
+
+TEST_F(ZekEinstellungen, RestartWithoutPricesRefuses14SecondsAsksAt15AndPassesAt60) {
+    vorher.KursAufzeichnungDeaktivieren = true;
+    auto dialog = Oeffne();
+    Haken(*dialog, "optNeustartWennKeineKurse", true);
+    Schreibe(*dialog, "txtNeustartWennkeineKurseSekunden", "14");
+    Klick(*dialog, "Okay");
+    EXPECT_THAT(Gemeldet(), HasSubstr("mindestens 15 Sekunden"));
+    meldungen.Antworten = {meldung::AntwortNein};
+    Schreibe(*dialog, "txtNeustartWennkeineKurseSekunden", "15");
+    Klick(*dialog, "Okay");
+    EXPECT_EQ(Gemeldet(),
+              "Möchten Sie wirklich, dass bereits bei 15 Sekunden ohne Kurse ein Neustart von ZEK erfolgen soll?");
+    EXPECT_TRUE(dialog->isVisible());
+    meldungen.Gezeigt.clear();
+    Schreibe(*dialog, "txtNeustartWennkeineKurseSekunden", "60");
+    Klick(*dialog, "Okay");
+    EXPECT_TRUE(meldungen.Gezeigt.empty());
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(dialog->Ergebnis().NeuStartBeiFehlendenKursenSekunden, 60);
+}
+
+TEST_F(ZekEinstellungen, RestartWithoutPricesAroundTheClockAsks) {
+    auto dialog = Oeffne();
+    Haken(*dialog, "optNeustartWennKeineKurse", true);
+    Schreibe(*dialog, "txtNeustartWennkeineKurseSekunden", "90");
+    meldungen.Antworten = {meldung::AntwortNein, meldung::AntwortJa};
+    Klick(*dialog, "Okay");
+    EXPECT_THAT(Gemeldet(), HasSubstr("rund um die Uhr aktiv"));
+    EXPECT_TRUE(dialog->isVisible());
+    Klick(*dialog, "Okay");
+    EXPECT_FALSE(dialog->isVisible());
+}
+
+TEST_F(ZekEinstellungen, WithoutTheRestartHelperItsOptionsAreRefused) {
+    helfer = false;
+    auto dialog = Oeffne();
+    Haken(*dialog, "optNeustartBeiUhrzeit", true);
+    Klick(*dialog, "Okay");
+    EXPECT_THAT(Gemeldet(), HasSubstr("Deaktivieren Sie bitte die Option 'Bei Uhrzeit'"));
+    Haken(*dialog, "optNeustartBeiUhrzeit", false);
+    Schreibe(*dialog, "txtNeustartFehlernummern", "1100");
+    Klick(*dialog, "Okay");
+    EXPECT_THAT(Gemeldet(), HasSubstr("Entfernen Sie bitte die Fehlernummern"));
+    EXPECT_TRUE(dialog->isVisible());
+}
+
+TEST_F(ZekEinstellungen, SeveralAccountsInOneNameAreAskedAbout) {
+    auto dialog = Oeffne();
+    Haken(*dialog, "optKontodatenAufzeichnen", true);
+    Schreibe(*dialog, "txtKontoname", "U1,U2");
+    Haken(*dialog, "optKeinKontonameVerwenden", true);
+    meldungen.Antworten = {meldung::AntwortNein};
+    Klick(*dialog, "Okay");
+    EXPECT_THAT(Gemeldet(), HasSubstr("Daten aller Konten in die selben Titel"));
+    EXPECT_TRUE(dialog->isVisible());
+}
+
+TEST_F(ZekEinstellungen, TheAccountFolderMustExistAndGetsItsSeparator) {
+    auto dialog = Oeffne();
+    Haken(*dialog, "optKontodatenAufzeichnen", true);
+    Schreibe(*dialog, "txtKontoSpeicherOrdner", "/konto");
+    Klick(*dialog, "Okay");
+    EXPECT_EQ(Gemeldet(), "Der angegebene Speicherordner für Konto-Daten existiert nicht.");
+    ordner = {"/konto/"};
+    Klick(*dialog, "Okay");
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(dialog->Ergebnis().KontenDatenSpeicherOrdner, "/konto/");
+}
+
+TEST_F(ZekEinstellungen, DependentControlsFollowTheirCheckBoxes) {
+    auto dialog = Oeffne();
+    const auto an = [&](const char* name) { return Steuer<QWidget>(*dialog, name)->isEnabled(); };
+    const std::vector<std::pair<const char*, std::vector<const char*>>> abhaengig = {
+        {"optKursaufzeichnungDeaktivieren",
+         {"KursAufzeichnungDeaktivStart", "KursAufzeichnungDeaktivEnde", "txtAufzeichnungsPauseBoersen"}},
+        {"optNeustartWennKeineKurse", {"txtNeustartWennkeineKurseSekunden"}},
+        {"optNeustartBeiUhrzeit", {"NeustartUhrzeit"}},
+        {"optKontodatenAufzeichnen",
+         {"txtKontoname", "optPortfoliopositionen", "optKeinKontonameVerwenden", "txtKontoSpeicherOrdner"}}};
+    for (const auto& [schalter, folger] : abhaengig) {
+        for (const char* einer : folger) EXPECT_FALSE(an(einer)) << einer;
+        Haken(*dialog, schalter, true);
+        for (const char* einer : folger) EXPECT_TRUE(an(einer)) << einer;
+    }
+}
+
+TEST_F(ZekEinstellungen, EverySettingComesBackAsItWentIn) {
+    vorher.UseGesamtvolumen = vorher.IBAndere = vorher.AutoDatenpflege = true;
+    vorher.KursAufzeichnungDeaktivieren = true;
+    vorher.KeineAufzeichungStart = Uhrzeit(22, 15, 30);
+    vorher.NeuStartbeiUhrzeit = true;
+    vorher.NeustartUhrzeit = Uhrzeit(6, 30);
+    vorher.NeustartFehlernummern = "1100, 504";
+    vorher.IBPort = 7497;
+    auto dialog = Oeffne();
+    Klick(*dialog, "Okay");
+    const Einstellungen e = dialog->Ergebnis();
+    EXPECT_TRUE(e.UseGesamtvolumen && e.IBAndere && e.AutoDatenpflege && e.NeuStartbeiUhrzeit);
+    EXPECT_FALSE(e.IBBezahlt);
+    EXPECT_EQ(NurZeittext(e.KeineAufzeichungStart), "22:15:30");
+    EXPECT_EQ(NurZeittext(e.NeustartUhrzeit), "06:30:00");
+    EXPECT_THAT(e.NeustartFehlerliste, ElementsAre("1100", " 504"));
+    EXPECT_EQ(e.IBPort, 7497);
+}
+
+TEST_F(ZekEinstellungen, EscapeChangesNothingAndF1OpensTheManual) {
+    auto dialog = Oeffne();
+    QTest::keyClick(dialog.get(), Qt::Key_F1);
+    EXPECT_EQ(hilfeseite, "einstellungen");
+    QTest::keyClick(dialog.get(), Qt::Key_Escape);
+    EXPECT_EQ(dialog->result(), QDialog::Rejected);
+    EXPECT_FALSE(dialog->isVisible());
+}
+
+// ---- connection
+
+struct Verbindung : testing::Test {
+    TestMeldungen meldungen;
+    frmIBBrokerOptionen dialog{nullptr, meldungen, {}, {"", 0, 255281497}};
+    void SetUp() override { dialog.show(); }
+    std::string Gemeldet() const { return meldungen.Gezeigt.empty() ? "" : meldungen.Gezeigt.back().Text; }
+};
+
+TEST_F(Verbindung, ANewPortFieldShowsTheUsualPort) {
+    EXPECT_EQ(Steuer<QLineEdit>(dialog, "txtPort")->text(), "7496");
+}
+
+TEST_F(Verbindung, TheClientId9999IsRefusedAndTheDefaultAccepted) {
+    Schreibe(dialog, "txtIBClientID", "9999");
+    Klick(dialog, "Okay");
+    EXPECT_EQ(Gemeldet(), "Geben Sie als Client-ID bitte einen Wert zwischen 10000 und 900000000 an.");
+    EXPECT_TRUE(dialog.isVisible());
+    Schreibe(dialog, "txtIBClientID", "255281497");
+    Klick(dialog, "Okay");
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(meldungen.Gezeigt.size(), 1U);
+}
+
+TEST_F(Verbindung, WordsInPlaceOfNumbersAreRefusedTheClientIdFirst) {
+    Schreibe(dialog, "txtPort", "tws");
+    Schreibe(dialog, "txtIBClientID", "1,5");
+    Klick(dialog, "Okay");
+    EXPECT_THAT(Gemeldet(), HasSubstr("Ungültiges Format für die Client-ID"));
+    Schreibe(dialog, "txtIBClientID", "255281497");
+    Klick(dialog, "Okay");
+    EXPECT_THAT(Gemeldet(), HasSubstr("Ungültiges Format für den Port"));
+    EXPECT_TRUE(dialog.isVisible());
+}
+
+TEST_F(Verbindung, AChangedClientIdIsAskedAbout) {
+    Schreibe(dialog, "txtIBClientID", "20000");
+    meldungen.Antworten = {meldung::AntwortNein, meldung::AntwortJa};
+    Klick(dialog, "Okay");
+    EXPECT_THAT(Gemeldet(), HasSubstr("Möchten Sie die Client-ID von ZEK für die TWS wirklich ändern?"));
+    EXPECT_TRUE(dialog.isVisible());
+    Klick(dialog, "Okay");
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(dialog.Ergebnis().IBLoginID, 20000);
+    EXPECT_EQ(dialog.Ergebnis().IBPort, 7496);
+}
+
+// ---- backfill options
+
+struct Datenpflegewahldialog : testing::Test {
+    hilfen::VirtuelleWelt welt{DatumAus(2026, 11, 16, 12, 0, 0)};
+    TestMeldungen meldungen;
+    Datenpflegeoptionen::Vorgabe vorgabe{"Datenpflege der aktiven Titel",
+                                         true,
+                                         {DatumAus(2026, 11, 15, 8, 0, 0), true, DatumAus(2026, 11, 16, 12, 0, 0)}};
+
+    std::unique_ptr<frmDatenpflegeOptionen> Oeffne() {
+        auto dialog = std::make_unique<frmDatenpflegeOptionen>(nullptr, welt, meldungen, Hilfeoeffner{}, vorgabe);
+        dialog->show();
+        return dialog;
+    }
+};
+
+TEST_F(Datenpflegewahldialog, TheEndFieldsAreEnabledExactlyWhenTheOptionIsOff) {
+    auto dialog = Oeffne();
+    EXPECT_FALSE(Steuer<QDateEdit>(*dialog, "Datumfeld(1)")->isEnabled());
+    Haken(*dialog, "optAktualBisAktuell", false);
+    EXPECT_TRUE(Steuer<QDateEdit>(*dialog, "Datumfeld(1)")->isEnabled());
+    EXPECT_TRUE(Steuer<QTimeEdit>(*dialog, "Zeitfeld(1)")->isEnabled());
+}
+
+TEST_F(Datenpflegewahldialog, AStartInTheFutureKeepsTheWindowOpen) {
+    auto dialog = Oeffne();
+    Steuer<QDateEdit>(*dialog, "Datumfeld(0)")->setDate(QDate(2026, 11, 17));
+    Klick(*dialog, "Okay");
+    ASSERT_EQ(meldungen.Gezeigt.size(), 1U);
+    EXPECT_THAT(meldungen.Gezeigt[0].Text, HasSubstr("das in der Vergangenheit liegt"));
+    EXPECT_TRUE(dialog->isVisible());
+}
+
+TEST_F(Datenpflegewahldialog, ALongSpanCanBeTakenBack) {
+    auto dialog = Oeffne();
+    Steuer<QDateEdit>(*dialog, "Datumfeld(0)")->setDate(QDate(2026, 10, 1));
+    meldungen.Antworten = {meldung::AntwortAbbrechen, meldung::AntwortOk};
+    Klick(*dialog, "Okay");
+    EXPECT_TRUE(dialog->isVisible());
+    Klick(*dialog, "Okay");
+    EXPECT_FALSE(dialog->isVisible());
+}
+
+TEST_F(Datenpflegewahldialog, TheKindsAreLockedWhereEachTitleDecides) {
+    vorgabe.KursartenWaehlbar = false;
+    auto dialog = Oeffne();
+    EXPECT_FALSE(Steuer<QCheckBox>(*dialog, "optBezahlt")->isEnabled());
+    EXPECT_FALSE(Steuer<QCheckBox>(*dialog, "optGeldBrief")->isEnabled());
+    EXPECT_TRUE(Steuer<QCheckBox>(*dialog, "optUseRTH")->isEnabled());
+}
+
+TEST_F(Datenpflegewahldialog, TheChoiceIsWhatTheControlsShow) {
+    auto dialog = Oeffne();
+    Haken(*dialog, "optGeldBrief", true);
+    Haken(*dialog, "optUseRTH", true);
+    Klick(*dialog, "Okay");
+    const Datenpflegewahl wahl = dialog->Ergebnis();
+    EXPECT_EQ(Datumtext(wahl.Start), "15.11.2026 08:00:00");
+    EXPECT_TRUE(wahl.Bezahlt && wahl.GeldBrief && wahl.UseRTH && wahl.AktualBisAktuell);
+}
+
+// ---- sample titles
+
+struct Beispielfenster : testing::Test {
+    TestMeldungen meldungen;
+    std::vector<Beispielbereiche> angelegt;
+    int nieWieder = 0;
+    frmBeispieltitel fenster{nullptr, meldungen, [this](const Beispielbereiche& b) { angelegt.push_back(b); },
+                             [this] { ++nieWieder; }};
+    void SetUp() override { fenster.show(); }
+    void KeinerAngehakt() {
+        auto* liste = Steuer<QListWidget>(fenster, "LBereiche");
+        for (int i = 0; i < liste->count(); ++i) liste->item(i)->setCheckState(Qt::Unchecked);
+    }
+};
+
+TEST_F(Beispielfenster, AllFourAreasAreTickedAtFirst) {
+    Klick(fenster, "btnWeiter");
+    ASSERT_EQ(angelegt.size(), 1U);
+    EXPECT_TRUE(angelegt[0].Forex && angelegt[0].Futures && angelegt[0].Indizes && angelegt[0].Nasdaq);
+    EXPECT_FALSE(fenster.isVisible());
+}
+
+TEST_F(Beispielfenster, TickingNothingAndAnsweringNoLeavesItOpen) {
+    KeinerAngehakt();
+    meldungen.Antworten = {meldung::AntwortNein};
+    Klick(fenster, "btnWeiter");
+    EXPECT_TRUE(fenster.isVisible());
+    EXPECT_TRUE(angelegt.empty());
+}
+
+TEST_F(Beispielfenster, TickingNothingCanEndTheOfferForGood) {
+    KeinerAngehakt();
+    meldungen.Antworten = {meldung::AntwortJa, meldung::AntwortJa};
+    Klick(fenster, "btnWeiter");
+    EXPECT_FALSE(fenster.isVisible());
+    EXPECT_EQ(nieWieder, 1);
+    EXPECT_TRUE(angelegt.empty());
+}
+
+// ---- message window
+
+TEST(Meldungsfenster, YesNoClosedByItsTimeLimitGivesZero) {
+    hilfen::VirtuelleWelt welt;
+    frmMessageDialog dialog(nullptr, welt, "Weiter?", meldung::JaNein, 5);
+    QTimer::singleShot(200, &dialog, [&] { welt.StelleUhrUm(6); });
+    EXPECT_EQ(dialog.Frage(), meldung::Zeitablauf);
+}
+
+TEST(Meldungsfenster, TheCountdownShowsTheRemainingSeconds) {
+    hilfen::VirtuelleWelt welt;
+    frmMessageDialog dialog(nullptr, welt, "Weiter?", meldung::Ok, 5);
+    dialog.show();
+    EXPECT_EQ(Steuer<QLabel>(dialog, "Label1")->text(),
+              "Dieser Hinweisdialog wird in 5 Sekunden automatisch geschlossen  ");
+}
+
+int NachKlick(int flags, const char* knopf) {
+    hilfen::VirtuelleWelt welt;
+    frmMessageDialog dialog(nullptr, welt, "Text", flags, 0);
+    QTimer::singleShot(0, &dialog, [&] { Klick(dialog, knopf); });
+    return dialog.Frage();
+}
+
+TEST(Meldungsfenster, AbortRetryIgnoreHasTwoButtonsWithTheResults3And5) {
+    EXPECT_EQ(NachKlick(meldung::AbbrechenWiederholenIgnorieren, "btn(0)"), 3);
+    EXPECT_EQ(NachKlick(meldung::AbbrechenWiederholenIgnorieren, "btn(1)"), 5);
+}
+
+TEST(Meldungsfenster, YesIs6AndNoIs7AndEscapeIsNo) {
+    EXPECT_EQ(NachKlick(meldung::JaNein, "btn(0)"), 6);
+    EXPECT_EQ(NachKlick(meldung::JaNein, "btn(1)"), 7);
+    hilfen::VirtuelleWelt welt;
+    frmMessageDialog dialog(nullptr, welt, "Text", meldung::JaNein, 0);
+    QTimer::singleShot(0, &dialog, [&] { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    EXPECT_EQ(dialog.Frage(), 7);
+}
+
+TEST(Meldungsfenster, ALongTextWrapsAt500PixelsAndAShortOneStaysNarrow) {
+    hilfen::VirtuelleWelt welt;
+    frmMessageDialog kurz(nullptr, welt, "Kurz", meldung::Ok, 0);
+    frmMessageDialog lang(nullptr, welt, QString("Ein langer Text ").repeated(40), meldung::Ok, 0);
+    EXPECT_EQ(Steuer<QLabel>(lang, "Meldung")->width(), 500);
+    EXPECT_LT(kurz.width(), 300);
+    EXPECT_LE(Steuer<QPushButton>(kurz, "btn(0)")->geometry().right(), kurz.width());
+    EXPECT_GT(lang.height(), kurz.height());
+}
+
+TEST(Meldungsfenster, TheSecondButtonCanBeTheDefaultAndHasTheFocus) {
+    hilfen::VirtuelleWelt welt;
+    frmMessageDialog dialog(nullptr, welt, "Text", meldung::JaNein | meldung::ZweiterKnopf, 0);
+    dialog.show();
+    EXPECT_TRUE(Steuer<QPushButton>(dialog, "btn(1)")->isDefault());
+    EXPECT_EQ(dialog.focusWidget(), Steuer<QPushButton>(dialog, "btn(1)"));
+}
+
+// ---- small windows
+
+TEST(Fortschrittsfenster, TheCloseButtonAsksToCancelAndTheWindowStays) {
+    frmDatenpflegeFortschritt fenster(nullptr);
+    int geklickt = 0;
+    fenster.BeiAbbruch([&] { ++geklickt; });
+    fenster.show();
+    fenster.close();
+    EXPECT_EQ(geklickt, 1);
+    EXPECT_TRUE(fenster.isVisible());
+    fenster.AbbruchMoeglich(false);
+    QTest::keyClick(&fenster, Qt::Key_Escape);
+    EXPECT_EQ(geklickt, 1);
+}
+
+TEST(Fortschrittsfenster, TheRestOfTheTimeReadsWell) {
+    EXPECT_EQ(Restzeit(-1), "");
+    EXPECT_EQ(Restzeit(20), "noch weniger als eine Minute");
+    EXPECT_EQ(Restzeit(61), "noch etwa 2 Minuten");
+    EXPECT_EQ(Restzeit(3600 + 5 * 60), "noch etwa 1:05 Stunden");
+}
+
+TEST(Starthinweis, TheTickCountsWhicheverButtonWasPressed) {
+    frmStartHinweis hinweis(nullptr);
+    QTimer::singleShot(0, &hinweis, [&] {
+        Haken(hinweis, "optNichtmehrAnzeigen", true);
+        Klick(hinweis, "btnAbbrechen");
+    });
+    const StarthinweisAntwort antwort = hinweis.Frage();
+    EXPECT_TRUE(antwort.Abgebrochen);
+    EXPECT_TRUE(antwort.NichtMehrAnzeigen);
+}
+
+TEST(Startverzoegerung, CancelOnlyMarksTheEndOfTheWait) {
+    frmStartverzoegerung fenster("Bitte warten...", 20);
+    fenster.show();
+    fenster.Wert(7);
+    EXPECT_EQ(Steuer<QProgressBar>(fenster, "Fortschritt")->value(), 7);
+    EXPECT_FALSE(fenster.Abgebrochen());
+    Klick(fenster, "Abbruch");
+    EXPECT_TRUE(fenster.Abgebrochen());
+    EXPECT_TRUE(fenster.isVisible());
+}
+
+TEST(Infofenster, ShowsTheVersionAndCloses) {
+    frmTessaronInfo fenster(nullptr, "1.2.3");
+    fenster.show();
+    EXPECT_TRUE(Steuer<QLabel>(fenster, "Versionstext")->text().contains("Version 1.2.3"));
+    Klick(fenster, "cmdOK");
+    EXPECT_FALSE(fenster.isVisible());
+}
+
+}  // namespace
+
+}  // namespace zek
