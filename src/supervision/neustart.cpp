@@ -71,14 +71,14 @@ void Neustart::FehlendeKursePruefen() {
     if (!e.NeuStartBeiFehlendenKursen || modul_.AktiveTitel < 1) return;
     const Datum jetzt = uhr_.Jetzt();
     if (Vergangen(modul_.Startzeitpunkt, jetzt) < KurseKarenz) return;
-    if (Vergangen(modul_.LetzterKursZeitpunkt, jetzt) < e.NeuStartBeiFehlendenKursenSekunden) return;
     // A lost connection is the reconnect's business.
     if (!sitzung_.TwsVerbunden()) return;
     if (RuhezeitAktiv(e, jetzt)) {
-        // The silence is counted anew from the end of the weekend or the pause.
+        // The silence is counted from the last round of the weekend or the pause.
         modul_.LetzterKursZeitpunkt = jetzt;
         return;
     }
+    if (Vergangen(modul_.LetzterKursZeitpunkt, jetzt) < e.NeuStartBeiFehlendenKursenSekunden) return;
     Anfordern("ZEK wird neu gestartet, weil längere Zeit keine Kurse eingetroffen sind");
 }
 

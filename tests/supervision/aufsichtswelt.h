@@ -1,0 +1,156 @@
+// The supervision on the virtual clock: its round, its restart rules, and everybody it calls as a log of calls.
+#pragma once
+
+#include "hilfen/ram_dateisystem.h"
+#include "hilfen/test_gesicht.h"
+#include "hilfen/test_prozesse.h"
+#include "hilfen/virtuelle_welt.h"
+#include "platform/datum.h"
+#include "supervision/neustart.h"
+#include "supervision/runde.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace zek::hilfen {
+
+using Aufrufe = std::vector<std::string>;
+
+class TestSitzung : public Neustart::Sitzung {
+public:
+    explicit TestSitzung(Aufrufe& aufrufe) : aufrufe_(aufrufe) {}
+    std::string LeseOption(std::string_view schluessel, std::string_view vorgabe) override {
+        const auto wert = Optionen.find(schluessel);
+        return wert == Optionen.end() ? std::string(vorgabe) : wert->second;
+    }
+    void SchreibeOption(std::string_view schluessel, std::string_view wert) override {
+        Optionen[std::string(schluessel)] = wert;
+    }
+    std::string LeseKommando(std::string_view schluessel) override {
+        const auto wert = Kommandos.find(schluessel);
+        return wert == Kommandos.end() ? "0" : wert->second;
+    }
+    bool TwsVerbunden() const override { return Verbunden; }
+    void disconnect() override { aufrufe_.push_back("disconnect"); }
+    bool DatenpflegeAbbrechen() override {
+        if (DatenpflegeOffen) aufrufe_.push_back("DatenpflegeAbbrechen");
+        return DatenpflegeOffen;
+    }
+    void DatenpflegeFensterFreigeben() override { aufrufe_.push_back("DatenpflegeFensterFreigeben"); }
+    bool HauptfensterEntladen() override {
+        aufrufe_.push_back("HauptfensterEntladen");
+        return EntladenGelingt;
+    }
+    void ProgrammBeenden() override { aufrufe_.push_back("ProgrammBeenden"); }
+
+    std::map<std::string, std::string, std::less<>> Optionen;
+    std::map<std::string, std::string, std::less<>> Kommandos;
+    bool Verbunden = true;
+    bool DatenpflegeOffen = false;
+    bool EntladenGelingt = true;
+
+private:
+    Aufrufe& aufrufe_;
+};
+
+class TestMitspieler : public Runde::Mitspieler {
+public:
+    explicit TestMitspieler(Aufrufe& aufrufe) : aufrufe_(aufrufe) {}
+    void AlleMarktdatenAbbestellen(std::int32_t& count) override {
+        Merke("AlleMarktdatenAbbestellen " + std::to_string(count));
+        count = 7;
+    }
+    void AlleMarktdatenAbonnieren(std::int32_t count) override {
+        Merke("AlleMarktdatenAbonnieren " + std::to_string(count));
+    }
+    void KontoabosAnfordern() override { Merke("KontoabosAnfordern"); }
+    void TWSVerbindungAufbauen() override {
+        Merke("TWSVerbindungAufbauen");
+        if (VerbindenGelingt) Verbunden = true;
+    }
+    bool TwsVerbunden() const override { return Verbunden; }
+    void reqCurrentTime() override { Merke("reqCurrentTime"); }
+    void VerbergeOfflinewarnung() override { Merke("VerbergeOfflinewarnung"); }
+    bool StarteAutoBackfill(Datum zeitpunkt) override {
+        Merke("StarteAutoBackfill " + Datumtext(zeitpunkt));
+        if (BeiBackfill) BeiBackfill();
+        return BackfillGelingt;
+    }
+    void AtomZeitAbfrage() override { Merke("AtomZeitAbfrage"); }
+    void SchreibeLastEnd(std::string_view wert) override { Merke("SchreibeLastEnd " + std::string(wert)); }
+
+    bool Verbunden = true;
+    bool VerbindenGelingt = false;
+    bool BackfillGelingt = true;
+    std::function<void()> BeiBackfill;
+    std::string Stolpern;  // the call that throws
+
+private:
+    void Merke(std::string aufruf) {
+        aufrufe_.push_back(aufruf);
+        if (!Stolpern.empty() && aufruf.starts_with(Stolpern)) throw std::runtime_error("stolpert");
+    }
+    Aufrufe& aufrufe_;
+};
+
+// Started on a Monday at noon, with a standing connection. The round runs each second on the full second.
+class Aufsicht : public testing::Test {
+protected:
+    Aufsicht() {
+        modul.Programmordner = "/zek/";
+        modul.Startzeitpunkt = welt.Jetzt();
+        modul.LetzterKursZeitpunkt = welt.Jetzt();
+        modul.TWSVerbunden = true;
+        LegeHelfer();
+        zeitgeber->Starte();
+    }
+
+    void LegeHelfer() { dateien.LegeDateiAn("/zek/ZEKIBAutoNeustart.exe", "x"); }
+    void StarteUm(Datum zeit) {
+        welt.StelleUhr(zeit);
+        modul.Startzeitpunkt = zeit;
+        modul.LetzterKursZeitpunkt = zeit;
+    }
+    bool Beendet() const { return Anzahl("HauptfensterEntladen") > 0; }
+    long Anzahl(std::string_view anfang) const {
+        return std::count_if(aufrufe.begin(), aufrufe.end(), [&](const auto& a) { return a.starts_with(anfang); });
+    }
+    // The calls that begin with one of the texts, in order.
+    Aufrufe Nur(const std::vector<std::string>& anfaenge) const {
+        Aufrufe ergebnis;
+        for (const auto& a : aufrufe) {
+            for (const auto& anfang : anfaenge) {
+                if (a.starts_with(anfang)) ergebnis.push_back(a);
+            }
+        }
+        return ergebnis;
+    }
+    bool Fett(std::string_view text) const {
+        return std::any_of(status.Eintraege.begin(), status.Eintraege.end(),
+                           [&](const auto& e) { return e.Text == text && e.Fett; });
+    }
+    bool Mager(std::string_view text) const {
+        return std::any_of(status.Eintraege.begin(), status.Eintraege.end(),
+                           [&](const auto& e) { return e.Text == text && !e.Fett; });
+    }
+
+    VirtuelleWelt welt;
+    IBModul modul;
+    TestStatus status;
+    TestMeldungen meldungen;
+    RamDateisystem dateien;
+    TestProzesse prozesse;
+    Aufrufe aufrufe;
+    TestSitzung sitzung{aufrufe};
+    TestMitspieler mitspieler{aufrufe};
+    Neustart neustart{modul, welt, welt, dateien, prozesse, status, meldungen, sitzung};
+    Runde runde{modul, welt, status, neustart, mitspieler};
+    std::unique_ptr<Zeitgeber> zeitgeber = welt.Erzeuge(Runde::Intervall, [this] { runde.Durchlauf(); });
+};
+
+}  // namespace zek::hilfen
