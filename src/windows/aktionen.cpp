@@ -89,8 +89,11 @@ void Aktionen::MacheAktionen() {
 void Aktionen::MacheMenue(QMainWindow& fenster) {
     QMenuBar* leiste = fenster.menuBar();
     leiste->setObjectName("Werkzeuge");
-    for (const int nummer : {befehl::Titelauswahl, befehl::Verwaltung, befehl::Monitor})
-        leiste->addAction(Aktion(nummer));
+    for (const int nummer : {befehl::Titelauswahl, befehl::Verwaltung, befehl::Monitor}) {
+        // A menu bar shows only the icon of an action that has one; so the bar's own entry goes without.
+        QAction* aktion = Aktion(nummer);
+        connect(leiste->addAction(aktion->text()), &QAction::triggered, aktion, &QAction::trigger);
+    }
     optionen_ = leiste->addMenu("&Optionen");
     optionen_->setObjectName("1033");
     for (const int nummer : Optionen) optionen_->addAction(Aktion(nummer));

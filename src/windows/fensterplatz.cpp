@@ -47,11 +47,17 @@ void Fensterplatz::Laden(QWidget& fenster, const std::string& schluessel) {
         const std::string text = speicher_.LeseEinstellung(ProduktName, schluessel, name, "");
         return text.empty() ? vorgabe : static_cast<int>(std::clamp(Zahlwert(text), -3e6, 3e6)) / TwipsProPixel;
     };
-    const QRect jetzt = fenster.geometry();
-    QRect platz(lies("Links", jetzt.left()), lies("Oben", jetzt.top()), lies("Breite", jetzt.width()),
-                lies("Höhe", jetzt.height()));
-    platz.setSize(platz.size().expandedTo(fenster.minimumSizeHint()));
-    fenster.setGeometry(Hineingeschoben(platz, Zielbereich(platz)));
+    // Without a stored place the window manager puts the window where it finds best.
+    if (!speicher_.LeseEinstellung(ProduktName, schluessel, "Breite", "").empty()) {
+        const QPoint ecke = fenster.pos();
+        const QSize groesse = fenster.size();
+        QRect platz(lies("Links", ecke.x()), lies("Oben", ecke.y()), lies("Breite", groesse.width()),
+                    lies("Höhe", groesse.height()));
+        platz.setSize(platz.size().expandedTo(fenster.minimumSizeHint()));
+        platz = Hineingeschoben(platz, Zielbereich(platz));
+        fenster.move(platz.topLeft());
+        fenster.resize(platz.size());
+    }
     const std::string zustand = speicher_.LeseEinstellung(ProduktName, schluessel, "WinState", "0");
     if (static_cast<int>(Zahlwert(zustand)) == Maximiert) fenster.setWindowState(Qt::WindowMaximized);
 }
@@ -66,11 +72,11 @@ void Fensterplatz::Speichern(const QWidget& fenster, const std::string& schluess
     else if (fenster.isMaximized())
         zustand = Maximiert;
     if (zustand == Normal) {
-        const QRect platz = fenster.geometry();
-        schreibe("Links", platz.left() * TwipsProPixel);
-        schreibe("Oben", platz.top() * TwipsProPixel);
-        schreibe("Breite", platz.width() * TwipsProPixel);
-        schreibe("Höhe", platz.height() * TwipsProPixel);
+        // The corner of the frame and the size inside it: what move and resize take.
+        schreibe("Links", fenster.pos().x() * TwipsProPixel);
+        schreibe("Oben", fenster.pos().y() * TwipsProPixel);
+        schreibe("Breite", fenster.width() * TwipsProPixel);
+        schreibe("Höhe", fenster.height() * TwipsProPixel);
     }
     schreibe("WinState", zustand);
 }

@@ -74,7 +74,7 @@ IB_Hauptfenster::IB_Hauptfenster(Umfeld umfeld) : um_(std::move(umfeld)) {
     setCentralWidget(rahmen);
     setDockOptions(AnimatedDocks | AllowNestedDocks);
     setMinimumSize(360, 240);
-    resize(900, 560);
+    resize(1120, 640);
     statusBar()->setSizeGripEnabled(true);
 
     AnzeigeRefresh_ = new QTimer(this);

@@ -28,7 +28,7 @@ frmTessaronInfo::frmTessaronInfo(QWidget* eltern, const QString& version) : QDia
     oben->addWidget(bild, 0, Qt::AlignTop);
     oben->addSpacing(12);
     oben->addWidget(text, 1);
-    auto* leiste = new QDialogButtonBox;
+    auto* leiste = new QDialogButtonBox(this);
     auto* okay = leiste->addButton("OK", QDialogButtonBox::AcceptRole);
     okay->setObjectName("cmdOK");
     okay->setDefault(true);

@@ -35,7 +35,7 @@ frmStartHinweis::frmStartHinweis(QWidget* eltern) : QDialog(eltern) {
 
     optNichtmehrAnzeigen_ = new QCheckBox(" &Hinweis &beim nächsten Start nicht mehr anzeigen");
     optNichtmehrAnzeigen_->setObjectName("optNichtmehrAnzeigen");
-    auto* leiste = new QDialogButtonBox;
+    auto* leiste = new QDialogButtonBox(this);
     auto* okay = leiste->addButton("OK", QDialogButtonBox::AcceptRole);
     okay->setObjectName("Okay");
     okay->setDefault(true);

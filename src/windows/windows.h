@@ -10,6 +10,7 @@
 //   zek_einstellungen, verbindungseinstellungen, info, beispieltitel_fenster, startfenster   the small windows
 //   datenpflege_optionen, datenpflege_fortschritt   a backfill: its choice, its progress
 //   fensterplatz, monitorplatz, taskleiste, hilfe   places between runs, task bar, manual
+//   auskunft               command line and manners of the desktop program
 //   dialogbasis            what all dialogs share
 #pragma once
 

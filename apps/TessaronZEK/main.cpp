@@ -1,0 +1,32 @@
+// The recorder with its windows.
+#include "apps/maschine.h"
+#include "platform/qt/signalempfang.h"
+#include "session/sitzung.h"
+#include "windows/auskunft.h"
+#include "windows/desktopgesicht.h"
+#include "windows/hilfe.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <iostream>
+
+int main(int argc, char* argv[]) {
+    using namespace zek;
+    const std::vector<std::string> argumente(argv + 1, argv + argc);
+    if (const auto auskunft = Desktopauskunft(argumente, ZEK_VERSION)) return (std::cout << *auskunft).good() ? 0 : 1;
+
+    Q_INIT_RESOURCE(zek);
+    QApplication programm(argc, argv);
+    RichteAnwendungEin(programm);
+    Maschine maschine([] { QCoreApplication::exit(0); });
+    Desktopgesicht gesicht(
+        maschine.Uhr, [](const std::string& seite) { OeffneHilfe(seite); }, ZEK_VERSION);
+    Sitzung sitzung(maschine.Plattform(), gesicht, Befehlszeilentext(argumente));
+    gesicht.SetzeSitzung(sitzung);
+    const Signalempfang signale([&](int) { sitzung.Beende(); });
+    // The end of the desktop session closes without a question.
+    QObject::connect(&programm, &QGuiApplication::commitDataRequest, &programm, [&] { sitzung.Beende(); });
+    if (sitzung.Starte()) QApplication::exec();
+    return 0;
+}

@@ -1,0 +1,63 @@
+#include "windows/auskunft.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
+#include <algorithm>
+
+namespace zek {
+
+namespace {
+
+constexpr const char* Auskunft =
+    R"(TessaronZEK: zeichnet Kurse der TWS oder des Gateways von Interactive Brokers auf.
+
+Aufruf: TessaronZEK [Schalter]
+
+  /W SEKUNDEN   verzögert den Start
+  /K            fragt beim Beenden nicht nach
+  /Quit         beendet das schon laufende Programm
+  /Restart      startet das schon laufende Programm neu
+  --help        diese Hilfe
+  --version     Version
+
+Der Programmordner ist der Ordner des Programms; die Umgebungsvariable ZEK_PROGRAMMORDNER nennt einen anderen.
+Ohne Bildschirm zeichnet TessaronZEKDienst auf.
+)";
+
+bool Enthaelt(const std::vector<std::string>& argumente, const char* schalter) {
+    return std::find(argumente.begin(), argumente.end(), schalter) != argumente.end();
+}
+
+}  // namespace
+
+std::optional<std::string> Desktopauskunft(const std::vector<std::string>& argumente, const std::string& version) {
+    if (Enthaelt(argumente, "--help") || Enthaelt(argumente, "-h")) return Auskunft;
+    if (Enthaelt(argumente, "--version")) return "TessaronZEK " + version + "\n";
+    return std::nullopt;
+}
+
+std::string Befehlszeilentext(const std::vector<std::string>& argumente) {
+    std::string text;
+    for (const std::string& argument : argumente) {
+        if (!text.empty()) text += ' ';
+        text += argument;
+    }
+    return text;
+}
+
+void RichteAnwendungEin(QApplication& programm) {
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    // Qt's own texts (menus of edit fields, calendars) in German where its translations are installed.
+    auto* texte = new QTranslator(&programm);
+    if (texte->load(QLocale(QLocale::German), "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(texte);
+    QCoreApplication::setApplicationName("TessaronZEK");
+    QGuiApplication::setDesktopFileName("tessaron-zek");
+    QGuiApplication::setWindowIcon(QIcon(":/zek/zek.svg"));
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+}
+
+}  // namespace zek

@@ -1,0 +1,21 @@
+// Command line and general manners of the desktop program.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+class QApplication;
+
+namespace zek {
+
+// What "--help" or "--version" print; empty when the program is to start.
+std::optional<std::string> Desktopauskunft(const std::vector<std::string>& argumente, const std::string& version);
+
+// All arguments joined by blanks, as the classic switches are looked for.
+std::string Befehlszeilentext(const std::vector<std::string>& argumente);
+
+// Names, icon and language of the application; it doesn't end with its last window.
+void RichteAnwendungEin(QApplication& programm);
+
+}  // namespace zek
