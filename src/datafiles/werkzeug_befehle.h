@@ -1,0 +1,34 @@
+// The commands of the tool "zek", each on parsed arguments. Results are exit codes of werkzeug.h.
+#pragma once
+
+#include "datafiles/datensatz.h"
+#include "datafiles/leser.h"
+#include "datafiles/werkzeug.h"
+#include "platform/dateisystem.h"
+
+#include <ostream>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace zek::werkzeug {
+
+enum class Zeitform { Deutsch, Iso };
+
+int Info(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
+int Csv(const std::string& pfad, Zeitform form, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
+int Check(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
+
+// All data files below a folder, sorted; a file is given as it stands.
+std::vector<std::string> Datendateien(Dateisystem& dateien, const std::string& pfad);
+
+// What is wrong with a file, as German phrases; empty when it is sound.
+std::vector<std::string> Maengel(const Dateibefund& befund);
+
+// "15.11.2026 18:21:53,250" or "2026-11-15T18:21:53.250", rounded to the millisecond. A value that is no date of the
+// years 100 to 9999 comes as the bare number.
+void ZeitAnhaengen(double datum, Zeitform form, std::string& ziel);
+// One line with its end, fields separated by ";" (German) or "," (ISO). Prices and volumes as short as they are exact.
+void CsvZeileAnhaengen(const KursDatensatz& satz, Zeitform form, std::string& ziel);
+
+}  // namespace zek::werkzeug

@@ -1,0 +1,191 @@
+#include "datafiles/werkzeug.h"
+
+#include "datafiles/vokabular.h"
+#include "datafiles/werkzeug_befehle.h"
+#include "platform/dateisystem_posix.h"
+#include "platform/datum.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace zek {
+namespace {
+
+using namespace hilfen;
+
+class WerkzeugTest : public testing::Test {
+protected:
+    int Zek(std::vector<std::string> argumente) {
+        ausgabe.str("");
+        fehler.str("");
+        const int ergebnis = Werkzeug(argumente, "1.2.3", dateien, ausgabe, fehler);
+        EXPECT_EQ(ram.OffeneHandles(), 0u);
+        return ergebnis;
+    }
+    std::string Aus() const { return ausgabe.str(); }
+    std::string Fehler() const { return fehler.str(); }
+    bool Enthaelt(const std::string& text) const { return Aus().find(text) != std::string::npos; }
+
+    RamDateisystem ram;
+    StoerDateisystem dateien{ram};
+    std::ostringstream ausgabe, fehler;
+};
+
+TEST_F(WerkzeugTest, InfoDescribesAFile) {
+    std::string datei = DaxDatei(1200);
+    datei.replace(686, 20, "2012#03#09#17#05#44 ");
+    ram.LegeDateiAn("/d/DAX@EUREX_FUT_201206_EUR.ZEK", datei);
+    EXPECT_EQ(Zek({"info", "/d/DAX@EUREX_FUT_201206_EUR.ZEK"}), 0);
+    EXPECT_EQ(Aus(), R"(/d/DAX@EUREX_FUT_201206_EUR.ZEK
+  Name:           DAX@EUREX_FUT_201206_EUR
+  Symbol:         DAX@EUREX_FUT_201206_EUR
+  Kursart:        Bezahlt
+  Datenquelle:    IB
+  Titelparameter: DAX;FUT;201206;0;;;EUREX;;EUR;25;0
+  Kommentar:      Datenfeed Interactive Brokers DAX@EUREX_FUT_201206_EUR
+  Letzte Pflege:  09.03.2012 17:05:44
+  Datensätze:     1.200
+  Zeitraum:       09.12.2025 00:00:00,000 bis 09.12.2025 00:19:59,000
+  Größe:          20.056 Bytes
+  Zustand:        in Ordnung
+)");
+}
+
+TEST_F(WerkzeugTest, InfoOfAFolderTellsDepthFilesByTheirNameAndDamage) {
+    std::string tiefe = DaxDatei(1);
+    tiefe.replace(674, 12, Nullen(12));
+    ram.LegeDateiAn("/d/a/X-BIDMT3.ZEK", tiefe);
+    ram.LegeDateiAn("/d/b.zek", DaxKopf() + Nullen(16) + "x");
+    ram.LegeDateiAn("/d/notiz.txt", "kein ZEK");
+    EXPECT_EQ(Zek({"info", "/d"}), 1);
+    EXPECT_TRUE(Enthaelt("Kursart:        Markttiefe Geld, Stufe 3\n"));
+    EXPECT_TRUE(Enthaelt("Letzte Pflege:  keine\n"));
+    EXPECT_TRUE(Enthaelt("Zustand:        beschädigt: abgerissenes Ende (1 Byte), 1 leerer Datensatz am Ende\n"));
+    EXPECT_FALSE(Enthaelt("notiz"));
+    ram.LegeOrdnerbaumAn("/leer");
+    EXPECT_EQ(Zek({"info", "/leer"}), 0);
+    EXPECT_EQ(Aus(), "Keine Datendateien gefunden.\n");
+}
+
+TEST_F(WerkzeugTest, CsvPrintsRecordsInGermanAndIsoForm) {
+    ram.LegeDateiAn("/d/x.ZEK", DaxKopf() + Satzbytes(DatumAus(2026, 11, 15, 18, 21, 53.25), 5012.25F, 3) + Nullen(16) +
+                                    Satzbytes(DatumAus(2026, 11, 15, 18, 21, 53.9996), 0.1F, -2));
+    EXPECT_EQ(Zek({"csv", "/d/x.ZEK"}), 0);
+    EXPECT_EQ(Aus(), "Zeit;Kurs;Volume\n15.11.2026 18:21:53,250;5012,25;3\n15.11.2026 18:21:54,000;0,1;-2\n");
+    EXPECT_EQ(Zek({"csv", "--zeit", "iso", "/d/x.ZEK"}), 0);
+    EXPECT_EQ(Aus(), "zeit,kurs,volume\n2026-11-15T18:21:53.250,5012.25,3\n2026-11-15T18:21:54.000,0.1,-2\n");
+}
+
+TEST_F(WerkzeugTest, TimesCarryOverAtMidnightAndAnythingElseIsABareNumber) {
+    const auto Text = [](double datum) {
+        std::string text;
+        werkzeug::ZeitAnhaengen(datum, werkzeug::Zeitform::Iso, text);
+        return text;
+    };
+    EXPECT_EQ(Text(DatumAus(2026, 12, 31, 23, 59, 59.9997)), "2027-01-01T00:00:00.000");
+    EXPECT_EQ(Text(0.5), "1899-12-30T12:00:00.000");
+    EXPECT_EQ(Text(-1), "1899-12-29T00:00:00.000");
+    EXPECT_EQ(Text(1e300), "1e+300");
+    EXPECT_EQ(Text(std::numeric_limits<double>::quiet_NaN()), "nan");
+}
+
+TEST_F(WerkzeugTest, CsvStreamsFilesOfManyBlocks) {
+    ram.LegeDateiAn("/d/x.ZEK", DaxDatei(9000));
+    EXPECT_EQ(Zek({"csv", "/d/x.ZEK"}), 0);
+    const std::string text = Aus();
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 9001);
+}
+
+TEST_F(WerkzeugTest, CheckCountsFilesAndNamesTheDamage) {
+    ram.LegeDateiAn("/d/gut.ZEK", DaxDatei(2));
+    EXPECT_EQ(Zek({"check", "/d"}), 0);
+    EXPECT_EQ(Aus(), "1 Datei geprüft, 0 beanstandet.\n");
+    ram.LegeDateiAn("/d/f/kurz.ZEK", "VQL");
+    ram.LegeDateiAn("/d/f/fremd.zek", std::string(900, 'x'));
+    ram.LegeDateiAn("/d/zurueck.ZEK", DaxDatei(2) + Satzbytes(45999, 1, 1));
+    ram.LegeDateiAn("/d/loch.ZEK", DaxKopf() + Nullen(32) + Satzbytes(45999, 1, 1));
+    EXPECT_EQ(Zek({"check", "/d/"}), 1);
+    EXPECT_EQ(Aus(),
+              "/d/f/fremd.zek: beschädigt: keine Datendatei\n"
+              "/d/f/kurz.ZEK: beschädigt: kürzer als ein Dateikopf\n"
+              "/d/loch.ZEK: beschädigt: 2 leere Datensätze im Inneren\n"
+              "/d/zurueck.ZEK: beschädigt: 1 Rücksprung der Zeit, zuerst bei Datensatz 3\n"
+              "5 Dateien geprüft, 4 beanstandet.\n");
+}
+
+TEST_F(WerkzeugTest, WhatCannotBeReadGivesTwo) {
+    EXPECT_EQ(Zek({"check", "/fehlt"}), 2);
+    EXPECT_EQ(Fehler(), "zek: /fehlt: nicht gefunden\n");
+    EXPECT_EQ(Zek({"csv", "/fehlt"}), 2);
+    EXPECT_EQ(Fehler(), "zek: /fehlt: nicht gefunden\n");
+    ram.LegeDateiAn("/d/x.ZEK", DaxDatei(2));
+    dateien.StoereArt(Dateiaufruf::Oeffne, EACCES);
+    EXPECT_EQ(Zek({"info", "/d/x.ZEK"}), 2);
+    EXPECT_TRUE(Enthaelt("Zustand:        beschädigt: kein Zugriff\n"));
+    EXPECT_EQ(Zek({"check", "/d"}), 2);
+    dateien.Heile();
+    dateien.Stoere({.Art = Dateiaufruf::Lies, .Ab = 2, .Fehler = EIO});
+    EXPECT_EQ(Zek({"csv", "/d/x.ZEK"}), 2);
+    EXPECT_EQ(Fehler(), "zek: /d/x.ZEK: Lesefehler 5 (Input/output error)\n");
+    dateien.Heile();
+    ram.LegeDateiAn("/d/kurz.ZEK", "x");
+    EXPECT_EQ(Zek({"csv", "/d/kurz.ZEK"}), 2);
+    EXPECT_EQ(Fehler(), "zek: /d/kurz.ZEK: kürzer als ein Dateikopf\n");
+    EXPECT_EQ(Aus(), "");
+}
+
+TEST_F(WerkzeugTest, AFullOutputGivesTwo) {
+    ram.LegeDateiAn("/d/x.ZEK", DaxDatei(2));
+    ausgabe.setstate(std::ios::badbit);
+    EXPECT_EQ(Werkzeug({"csv", "/d/x.ZEK"}, "1", dateien, ausgabe, fehler), 2);
+    EXPECT_EQ(Fehler(), "zek: Die Ausgabe kann nicht geschrieben werden.\n");
+}
+
+TEST_F(WerkzeugTest, HelpAndVersionAreAnswersAndWrongUseIsAnError) {
+    EXPECT_EQ(Zek({"--help"}), 0);
+    EXPECT_TRUE(Enthaelt("zek csv [--zeit deutsch|iso] DATEI"));
+    EXPECT_EQ(Zek({"--version"}), 0);
+    EXPECT_EQ(Aus(), "zek 1.2.3\n");
+    const std::vector<std::vector<std::string>> falsche = {{},
+                                                           {"infos"},
+                                                           {"info"},
+                                                           {"check", "-x"},
+                                                           {"csv"},
+                                                           {"csv", "a", "b"},
+                                                           {"csv", "--zeit"},
+                                                           {"csv", "--zeit", "utc", "a"},
+                                                           {"csv", "--kurz", "a"}};
+    for (const auto& argumente : falsche) {
+        EXPECT_EQ(Zek(argumente), 2);
+        EXPECT_NE(Fehler().find("Hilfe: zek --help\n"), std::string::npos);
+        EXPECT_EQ(Aus(), "");
+    }
+}
+
+// The reader of docs/dateiformat.md, run as it stands there.
+TEST(Dateiformat, ThePythonReaderOfTheDocumentReadsADataFile) {
+    if (std::system("python3 --version > /dev/null 2>&1") != 0) GTEST_SKIP() << "no python3";
+    std::ifstream dokument(ZEK_QUELLEN "/docs/dateiformat.md");
+    const std::string text{std::istreambuf_iterator<char>(dokument), {}};
+    const std::size_t anfang = text.find("```python\n");
+    ASSERT_NE(anfang, std::string::npos);
+    const std::string programm = text.substr(anfang + 10, text.find("```", anfang + 10) - anfang - 10);
+
+    std::string vorlage = (std::filesystem::temp_directory_path() / "zek-python-XXXXXX").string();
+    const std::filesystem::path ordner = ::mkdtemp(vorlage.data());
+    std::ofstream(ordner / "leser.py") << programm;
+    std::ofstream(ordner / "a.ZEK", std::ios::binary)
+        << DaxKopf() << Satzbytes(46342.5, 5012.25F, 3) << Satzbytes(46342.75, -0.5F, 7) << "torn";
+    const std::string befehl = "cd " + ordner.string() + " && python3 leser.py a.ZEK > aus.txt 2>&1";
+    EXPECT_EQ(std::system(befehl.c_str()), 0);
+    std::ifstream aus(ordner / "aus.txt");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(aus), {}), "46342.5 5012.25 3.0\n46342.75 -0.5 7.0\n");
+    std::filesystem::remove_all(ordner);
+}
+
+}  // namespace
+}  // namespace zek
