@@ -223,6 +223,36 @@ TEST_F(SitzungTest, ALostSocketIsMadeAnewAndConnectedAtTheNextMultipleOf20Second
     EXPECT_FALSE(gesicht.Offline.Sichtbar);
 }
 
+TEST_F(SitzungTest, AnErrorNumberOfTheRestartListRestartsAndIsRememberedForTheNextInstance) {
+    dateien.LegeDateiAn("/zek/ZEKIBAutoNeustart.exe", "x");
+    Setze("Optionen", "NeustartFehlernummern", "2110");
+    ASSERT_TRUE(Starte());
+    tws.Letzte().Ereignisse().errMsg(-1, 2110, "Connectivity broken", "");
+    welt.Laufe(1.5);
+    EXPECT_TRUE(sitzung->Beendet());
+    EXPECT_EQ(prozesse.Starts.size(), 1u);
+    EXPECT_EQ(Registry("Optionen", "LetzterNeustartFehler"), "16.11.2026 12:00:00");
+}
+
+TEST_F(SitzungTest, AReconnectionRenewsTheAccountSubscription) {
+    Setze("Optionen", "KontenDatenAufzeichnen", "1");
+    Setze("Optionen", "AutoDatenpflege", "1");
+    ASSERT_TRUE(Starte());
+    welt.Laufe(10);
+    DatenKamen();
+    welt.Laufe(5);
+    EXPECT_EQ(Zeilen("reqAccountUpdates(true"), 1u);
+    for (const int code : {1100, 1101, 2104}) tws.Letzte().Ereignisse().errMsg(-1, code, "", "");
+    welt.Laufe(2);
+    EXPECT_EQ(Zeilen("reqAccountUpdates(true"), 2u);
+}
+
+TEST_F(SitzungTest, TheBrokersClockIsComparedWithThatOfTheComputer) {
+    ASSERT_TRUE(Starte());
+    tws.Letzte().Ereignisse().currentTime(static_cast<std::int64_t>(UnixAus(Mittag)) - 14 * 3600);
+    EXPECT_THAT(Log(), HasSubstr("System-Uhrzeit überprüfen - Abweichung>12h zu TWS-Zeit"));
+}
+
 TEST_F(SitzungTest, LastEndIsWrittenOnceAMinute) {
     ASSERT_TRUE(Starte());
     DatenKamen();
@@ -290,6 +320,23 @@ TEST_F(SitzungTest, AnEndInsideABackfillRunStopsIt) {
     EXPECT_LT(welt.Sekunden(), 60);
     EXPECT_THAT(Log(), HasSubstr("Auto-Backfill von 16.11.2026 09:33:00 bis 16.11.2026 12:00:0"));
     EXPECT_EQ(gesicht.Anzahl("DatenpflegeFensterFreigeben"), 1u);
+}
+
+TEST_F(SitzungTest, AnEndInsideARoundGoesNoFurtherInIt) {
+    MitTiteln(101);
+    Setze("Optionen", "AutoDatenpflege", "1");
+    ASSERT_TRUE(Starte());
+    welt.Laufe(10);
+    DatenKamen();
+    welt.Laufe(5);
+    for (const int code : {1100, 1101, 2104}) tws.Letzte().Ereignisse().errMsg(-1, code, "", "");
+    tws.Letzte().Zeilen.clear();
+    welt.Plane(2.5, [&] { sitzung->Beende(); });
+    welt.Laufe(60);
+    EXPECT_GT(Zeilen("cancelMktData("), 31u) << "the renewal had begun";
+    EXPECT_EQ(gesicht.Anzahl("DatenpflegeFensterErzeugen"), 0u);
+    EXPECT_EQ(Zeilen("reqAccountUpdates"), 0u);
+    EXPECT_EQ(enden, 1);
 }
 
 TEST_F(SitzungTest, TheClosingQuestionIsAskedUnlessKForbidsIt) {
