@@ -9,13 +9,14 @@
 //   pfad.h        the price path, a pure function of seed, contract and second
 //   wiedergabe.h  recorded data files as a source of ticks in place of the path
 //   tickquelle.h  what a subscription draws its ticks from (path or recording)
-//   sitzung.h     one client: handshake, requests, answers
-//   abonnement.h  one market data stream of a client; tiefenbuch.h its depth rows
+//   sitzung.h     one client: handshake, output (sitzung.cpp) and requests (anfragen.cpp)
+//   strom.h       a client's streams of market data and of depth
 //   historie.h    history requests, their refusals and their pacing rules
 //   meldungen.h   the messages that are sent, field by field and version by version
 //   drahtform.h   frames and fields, both ways; zonen.h dates and time zones
 //   befehle.h     the commands by name, scripts of commands
-//   wecker.h      one-shot timers
+//   buehne.h      what all sessions share; ausgang.h a client's output, in pieces or late
+//   wecker.h      one-shot timers; streuung.h hashes that serve as dice
 //
 // Commands (Simulator::Befehl, the program's standard input, lines "seconds command" of a script):
 //   1100 [n]        connectivity lost, repeated every n seconds; no ticks, no history, until 1101 or 1102
@@ -166,9 +167,20 @@ public:
     void Flut(std::uint64_t ticks);
     void AnmeldungenVerweigern(int anzahl);  // 326
     void SetzeZustellung(Zustellung art, double bytesJeSekunde = 0);
+    // The next connections end at this point of the handshake.
+    enum class Abschnitt { Annahme, Version, Start };
+    void SchliesseBei(Abschnitt abschnitt, int anzahl);
+    void StelleZeitVor(double sekunden);  // the current time that is told
+    void VerschweigeZeit(bool an);
+    void BeendeTiefe();  // all depth streams, without a message
+    // A message for each market data subscription, or each depth stream.
+    void SendeCodeJeAbonnement(int code, std::string_view text, bool tiefe = false);
 
     // Executes one command line; false when it isn't understood, nothing happens then.
     bool Befehl(std::string_view zeile);
+    // Plans the commands of a script: lines "seconds command", blank lines and lines behind "#" count for nothing.
+    // Gives the number of the first line that isn't understood, 0 when all are; nothing is planned otherwise.
+    int Spiele(std::string_view drehbuch);
 
 private:
     class Kern;

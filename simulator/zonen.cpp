@@ -1,0 +1,126 @@
+#include "simulator/zonen.h"
+
+#include "platform/datum.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
+
+namespace zek::simulator {
+
+namespace {
+
+enum class Sommer { Nie, Europa, Amerika };
+
+struct Zonenzeile {
+    std::string_view Name;
+    int Minuten;
+    Sommer Regel;
+};
+
+constexpr std::array<Zonenzeile, 18> Zonen{{{"UTC", 0, Sommer::Nie},
+                                            {"GMT", 0, Sommer::Nie},
+                                            {"GB", 0, Sommer::Europa},
+                                            {"Europe/London", 0, Sommer::Europa},
+                                            {"MET", 60, Sommer::Europa},
+                                            {"CET", 60, Sommer::Europa},
+                                            {"Europe/Berlin", 60, Sommer::Europa},
+                                            {"Europe/Zurich", 60, Sommer::Europa},
+                                            {"US/Eastern", -300, Sommer::Amerika},
+                                            {"America/New_York", -300, Sommer::Amerika},
+                                            {"EST", -300, Sommer::Nie},
+                                            {"US/Central", -360, Sommer::Amerika},
+                                            {"America/Chicago", -360, Sommer::Amerika},
+                                            {"US/Pacific", -480, Sommer::Amerika},
+                                            {"Japan", 540, Sommer::Nie},
+                                            {"JST", 540, Sommer::Nie},
+                                            {"Hongkong", 480, Sommer::Nie},
+                                            {"CTT", 480, Sommer::Nie}}};
+
+Sekunde UtcAus(int jahr, int monat, int tag, int stunde, int minute, int sekunde) {
+    return static_cast<Sekunde>(UnixAus(DatumAus(jahr, monat, tag))) + stunde * 3600 + minute * 60 + sekunde;
+}
+
+// Midnight UTC of the n-th Sunday of a month; 0 stands for the last one.
+Sekunde Sonntag(int jahr, int monat, int n) {
+    const Datum erster = n > 0 ? DatumAus(jahr, monat, 1) : DatumAus(jahr, monat + 1, 1) - 7;
+    const Datum sonntag = erster + (7 - Wochentag(erster)) % 7 + (n > 0 ? (n - 1) * 7 : 0);
+    return static_cast<Sekunde>(UnixAus(sonntag));
+}
+
+bool IstSommer(const Zonenzeile& zone, Sekunde utc) {
+    if (zone.Regel == Sommer::Nie) return false;
+    const int jahr = Zerlege(DatumAusUnix(static_cast<double>(utc))).Jahr;
+    if (zone.Regel == Sommer::Europa) return utc >= Sonntag(jahr, 3, 0) + 3600 && utc < Sonntag(jahr, 10, 0) + 3600;
+    // 02:00 on the clock of the zone, standard time in spring and summer time in autumn.
+    const Sekunde beginn = Sonntag(jahr, 3, 2) + 7200 - zone.Minuten * 60;
+    const Sekunde ende = Sonntag(jahr, 11, 1) + 3600 - zone.Minuten * 60;
+    return utc >= beginn && utc < ende;
+}
+
+// Exactly `stellen` digits from the front of the text.
+std::optional<int> Ziffern(std::string_view& text, std::size_t stellen) {
+    int wert = 0;
+    if (text.size() < stellen) return std::nullopt;
+    const auto [ende, fehler] = std::from_chars(text.data(), text.data() + stellen, wert);
+    if (fehler != std::errc{} || ende != text.data() + stellen || text.front() == '-') return std::nullopt;
+    text.remove_prefix(stellen);
+    return wert;
+}
+
+bool Zeichen(std::string_view& text, char zeichen) {
+    if (text.empty() || text.front() != zeichen) return false;
+    text.remove_prefix(1);
+    return true;
+}
+
+}  // namespace
+
+std::optional<int> Zonenversatz(std::string_view zone, Sekunde utc) {
+    const auto zeile = std::find_if(Zonen.begin(), Zonen.end(), [&](const Zonenzeile& z) { return z.Name == zone; });
+    if (zeile == Zonen.end()) return std::nullopt;
+    return zeile->Minuten + (IstSommer(*zeile, utc) ? 60 : 0);
+}
+
+std::string Datumzeit(Sekunde utc, int versatzMinuten, std::string_view trenner) {
+    const Kalender k = Zerlege(DatumAusUnix(static_cast<double>(utc + versatzMinuten * 60)));
+    std::array<char, 48> puffer;
+    const int n = std::snprintf(puffer.data(), puffer.size(), "%04d%02d%02d%.*s%02d:%02d:%02d", k.Jahr, k.Monat, k.Tag,
+                                static_cast<int>(trenner.size()), trenner.data(), k.Stunde, k.Minute, k.Sekunde);
+    return {puffer.data(), static_cast<std::size_t>(n)};
+}
+
+std::string Datumtag(Sekunde utc, int versatzMinuten) {
+    return Datumzeit(utc, versatzMinuten, " ").substr(0, 8);
+}
+
+std::optional<Endzeit> LiesEndzeit(std::string_view text, const Betreiberzone& betreiber) {
+    text = Getrimmt(text);
+    const auto jahr = Ziffern(text, 4), monat = Ziffern(text, 2), tag = Ziffern(text, 2);
+    if (!jahr || !monat || !tag) return std::nullopt;
+    const bool strich = Zeichen(text, '-');
+    if (!strich && !Zeichen(text, ' ')) return std::nullopt;
+    while (Zeichen(text, ' ')) {
+    }
+    const auto stunde = Ziffern(text, 2);
+    const bool doppelpunkt1 = Zeichen(text, ':');
+    const auto minute = Ziffern(text, 2);
+    const bool doppelpunkt2 = Zeichen(text, ':');
+    const auto sekunde = Ziffern(text, 2);
+    if (!stunde || !minute || !sekunde || !doppelpunkt1 || !doppelpunkt2) return std::nullopt;
+    if (*monat < 1 || *monat > 12 || *tag < 1 || *tag > 31 || *stunde > 23 || *minute > 59 || *sekunde > 59) {
+        return std::nullopt;
+    }
+    const Sekunde wand = UtcAus(*jahr, *monat, *tag, *stunde, *minute, *sekunde);
+    const std::string_view zone = Getrimmt(text);
+    if (zone.empty()) return strich ? Endzeit{wand, false} : Endzeit{wand - betreiber.VersatzMinuten * 60, true};
+    if (zone == betreiber.Name) return Endzeit{wand - betreiber.VersatzMinuten * 60, false};
+    // The offset hangs on the moment and the moment on the offset; one step settles all but the changing hour.
+    const auto ungefaehr = Zonenversatz(zone, wand);
+    if (!ungefaehr) return std::nullopt;
+    return Endzeit{wand - *Zonenversatz(zone, wand - *ungefaehr * 60) * 60, false};
+}
+
+}  // namespace zek::simulator
