@@ -436,7 +436,7 @@ void Datenpflegelauf::ZeigeFortschritt(const Serie& serie, double wartezeit) {
         const double anfragen =
             std::max(1.0, std::ceil(rest / schritt)) + offen * std::max(1.0, std::ceil(serie.Spanne / schritt));
         dauer = wartezeit + takt_.DauerFuer(static_cast<std::size_t>(std::min(anfragen, 1e9)),
-                                            antwortSekunden_ / antworten_, Jetzt());
+                                            antwortSekunden_ / antworten_, Jetzt() + wartezeit * EineSekunde);
     }
     Anzeige().Gesamtfortschritt(std::min(anteil, 1.0), dauer);
 }

@@ -1,0 +1,480 @@
+#include "backfill/einarbeiten.h"
+
+#include "platform/dateisystem_posix.h"
+#include "tests/backfill/pflegewelt.h"
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <random>
+
+namespace zek::pflege {
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+constexpr Datum Tag = 46000;
+
+KursDatensatz Satz(double sekunde, float kurs = 0, float volume = 1) {
+    return {Tag + sekunde / 86400, kurs == 0 ? static_cast<float>(sekunde) : kurs, volume};
+}
+// One record a second, from `von` up to `bis`.
+Saetze Reihe(int von, int bis, float kurs = 0, int schritt = 1) {
+    Saetze saetze;
+    for (int s = von; s <= bis; s += schritt) saetze.push_back(Satz(s, kurs));
+    return saetze;
+}
+Saetze operator+(Saetze a, const Saetze& b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+class EinarbeitenTest : public testing::Test {
+protected:
+    EinarbeitenTest() { titel_.Dateiname = "T", titel_.Katalog = "K"; }
+
+    static constexpr const char* Pfad = "/d/K/T-ASK.ZEK";
+    void Vorher(const Saetze& saetze) { ram().LegeDateiAn(Pfad, Kopf() + Bytes(saetze)); }
+    int Merge(const Saetze& block) {
+        Einarbeiter einarbeiter(p_.Modul, p_.Dateien, p_.Welt, p_.Welt, p_.Status);
+        return einarbeiter.DatenEinarbeiten(form_, titel_, block, kursart::Brief);
+    }
+    std::string Inhalt() { return ram().Inhalt(Pfad); }
+    Saetze Nachher() { return SaetzeAus(Inhalt()); }
+    hilfen::RamDateisystem& ram() { return p_.Ram; }
+
+    Pflegewelt p_;
+    clTitelobjekt titel_;
+    TestForm form_;
+};
+
+TEST_F(EinarbeitenTest, AnEmptyBlockTouchesNothing) {
+    EXPECT_EQ(Merge({}), 0);
+    EXPECT_FALSE(ram().DateiExistiert(Pfad));
+}
+
+TEST_F(EinarbeitenTest, AnEmptyFileGetsAHeaderTheBlockAndTheTimeOfTheMerge) {
+    EXPECT_EQ(Merge(Reihe(1, 3)), 3);
+    EXPECT_THAT(Nachher(), ElementsAre(Satz(1), Satz(2), Satz(3)));
+    EXPECT_EQ(Inhalt().substr(0, 36), "VQL ZeitstromKit-Datei Version 01.00");
+    EXPECT_EQ(Pflegestempel(Inhalt()), "2026#11#16#12#00#00 ");
+    EXPECT_EQ(ram().OffeneHandles(), 0u);
+}
+
+TEST_F(EinarbeitenTest, ABlockBehindTheLastRecordIsAppendedAndNothingElseChangesButTheMergeTime) {
+    Vorher(Reihe(1, 5));
+    EXPECT_EQ(Merge(Reihe(6, 8)), 3);
+    EXPECT_EQ(Inhalt(), Kopf("2026#11#16#12#00#00") + Bytes(Reihe(1, 8)));
+}
+
+TEST_F(EinarbeitenTest, ABlockWithFewerRecordsThanItReplacesMovesTheTailDown) {
+    Vorher(Reihe(1, 20));
+    EXPECT_EQ(Merge({Satz(5, 99), Satz(15, 98)}), 2);
+    EXPECT_EQ(Nachher(), (Reihe(1, 4) + Saetze{Satz(5, 99), Satz(15, 98)} + Reihe(16, 20)));
+    EXPECT_EQ(Inhalt().size(), 856u + 16 * 11);
+}
+
+TEST_F(EinarbeitenTest, ABlockWithMoreRecordsThanItReplacesMovesTheTailUp) {
+    Vorher(Reihe(10, 40, 0, 10));
+    EXPECT_EQ(Merge(Reihe(20, 30, 7)), 11);
+    EXPECT_EQ(Nachher(), Saetze{Satz(10)} + Reihe(20, 30, 7) + Saetze{Satz(40)});
+}
+
+TEST_F(EinarbeitenTest, ABlockBeforeTheFirstRecordKeepsAllOldRecordsBehindIt) {
+    Vorher(Reihe(100, 2600));
+    EXPECT_EQ(Merge(Reihe(1, 3)), 3);
+    EXPECT_EQ(Nachher(), Reihe(1, 3) + Reihe(100, 2600));
+}
+
+TEST_F(EinarbeitenTest, RecordsExactlyAtBothEndsAreReplacedAndOneSecondBehindStays) {
+    Vorher(Reihe(1, 10));
+    EXPECT_EQ(Merge({Satz(4, 99), Satz(6, 98)}), 2);
+    EXPECT_EQ(Nachher(), (Reihe(1, 3) + Saetze{Satz(4, 99), Satz(6, 98)} + Reihe(7, 10)));
+}
+
+TEST_F(EinarbeitenTest, WithTheFilterABlockWithoutVolumeEmptiesItsSpanAndStillSetsTheMergeTime) {
+    p_.Modul.Einstellungen.IBAndere = true;
+    Vorher(Reihe(1, 10));
+    EXPECT_EQ(Merge({Satz(4, 99, 0), Satz(6, 98, -1)}), 0);
+    EXPECT_EQ(Nachher(), Reihe(1, 3) + Reihe(7, 10));
+    EXPECT_EQ(Pflegestempel(Inhalt()), "2026#11#16#12#00#00 ");
+}
+
+TEST_F(EinarbeitenTest, TheFilterOfTradedPricesDoesntConcernQuotes) {
+    p_.Modul.Einstellungen.IBBezahlt = true;
+    EXPECT_EQ(Merge({Satz(4, 99, 0)}), 1);
+}
+
+TEST_F(EinarbeitenTest, TheTailIsntFiltered) {
+    p_.Modul.Einstellungen.IBAndere = true;
+    Vorher({Satz(1, 1, 0), Satz(5, 1, 0), Satz(9, 1, 0)});
+    EXPECT_EQ(Merge({Satz(4, 99, 3), Satz(6, 98, 0)}), 1);
+    EXPECT_THAT(Nachher(), ElementsAre(Satz(1, 1, 0), Satz(4, 99, 3), Satz(9, 1, 0)));
+}
+
+TEST_F(EinarbeitenTest, AFileOfAnotherMagicStaysUnchanged) {
+    std::string fremd = Kopf() + Bytes(Reihe(1, 5));
+    fremd[0] = 'X';
+    ram().LegeDateiAn(Pfad, fremd);
+    EXPECT_EQ(Merge(Reihe(2, 3)), 0);
+    EXPECT_EQ(Inhalt(), fremd);
+    EXPECT_TRUE(p_.Status.Eintraege.empty());
+}
+
+TEST_F(EinarbeitenTest, AHeaderOfZerosIsForeign) {
+    const std::string nullen = std::string(856, '\0') + Bytes(Reihe(1, 5));
+    ram().LegeDateiAn(Pfad, nullen);
+    EXPECT_EQ(Merge(Reihe(2, 3)), 0);
+    EXPECT_EQ(Inhalt(), nullen);
+}
+
+TEST_F(EinarbeitenTest, ALockedFileIsTriedFifteenTimesHalfASecondApart) {
+    p_.Dateien.StoereArt(hilfen::Dateiaufruf::Oeffne, EACCES);
+    EXPECT_EQ(Merge(Reihe(1, 3)), 0);
+    EXPECT_THAT(p_.Dateien.Anzahl(hilfen::Dateiaufruf::Oeffne), 15u);
+    EXPECT_NEAR(p_.Welt.Sekunden(), 14 * 0.5, 0.75);
+    ASSERT_EQ(p_.Status.Eintraege.size(), 1u);
+    EXPECT_TRUE(p_.Status.Eintraege[0].Fett);
+    EXPECT_THAT(p_.Status.Letzte(),
+                testing::StartsWith("Fehler beim Einarbeiten von Daten aufgetreten: Error opening"));
+}
+
+TEST_F(EinarbeitenTest, AFileThatIsFreeAtTheFifteenthAttemptIsMerged) {
+    p_.Dateien.Stoere({.Art = hilfen::Dateiaufruf::Oeffne, .Ab = 1, .Anzahl = 14, .Fehler = EACCES});
+    EXPECT_EQ(Merge(Reihe(1, 3)), 3);
+    EXPECT_TRUE(p_.Status.Eintraege.empty());
+}
+
+TEST_F(EinarbeitenTest, MidnightEndsAWaitForTheFileEarly) {
+    p_.Welt.StelleUhr(46342 - 0.2 / 86400);
+    p_.Dateien.Stoere({.Art = hilfen::Dateiaufruf::Oeffne, .Ab = 1, .Anzahl = 1, .Fehler = EACCES});
+    EXPECT_EQ(Merge(Reihe(1, 3)), 3);
+    EXPECT_LT(p_.Welt.Sekunden(), 0.3);
+}
+
+TEST_F(EinarbeitenTest, ZeroRecordsAtTheEndAreCutOnceBeforeTheMerge) {
+    Vorher(Reihe(1, 5) + Saetze(3));
+    EXPECT_EQ(Merge(Reihe(3, 4, 9)), 2);
+    EXPECT_EQ(Nachher(), Reihe(1, 2) + Reihe(3, 4, 9) + Reihe(5, 5));
+    EXPECT_TRUE(titel_.KonsistenzGecheckt(kursart::Brief));
+}
+
+TEST_F(EinarbeitenTest, AFileOfZeroRecordsOnlyGetsTheBlockBehindAWholeHeader) {
+    Vorher(Saetze(3));
+    EXPECT_EQ(Merge(Reihe(3, 4)), 2);
+    EXPECT_EQ(Inhalt(), Kopf("2026#11#16#12#00#00") + Bytes(Reihe(3, 4)));
+}
+
+TEST_F(EinarbeitenTest, ATornRecordAtTheEndIsntARecord) {
+    ram().LegeDateiAn(Pfad, Kopf() + Bytes(Reihe(1, 5)) + "torn");
+    EXPECT_EQ(Merge({Satz(3, 9)}), 1);
+    EXPECT_EQ(Inhalt(), Kopf("2026#11#16#12#00#00") + Bytes(Reihe(1, 2) + Saetze{Satz(3, 9)} + Reihe(4, 5)));
+}
+
+TEST_F(EinarbeitenTest, TheButtonIsLockedFromTheBlockOnAndProgressComesEveryThousandRecords) {
+    EXPECT_EQ(Merge(Reihe(1, 2500)), 2500);
+    EXPECT_EQ(form_.Maximum, 2500);
+    EXPECT_THAT(form_.Werte, ElementsAre(0, 1000, 2000));
+    EXPECT_THAT(form_.Abbrechbar, ElementsAre(false, true));
+}
+
+// ---- what is read
+
+TEST_F(EinarbeitenTest, AMergeAtTheEndOfABigFileReadsOnlyTheEnd) {
+    Vorher(Reihe(1, 50000));
+    p_.Dateien.VergissProtokoll();
+    Merge(Reihe(49990, 50005, 9));
+    std::int64_t gelesen = 0;
+    for (const auto& eintrag : p_.Dateien.Protokoll())
+        if (eintrag.Art == hilfen::Dateiaufruf::Lies) gelesen += eintrag.Ergebnis;
+    EXPECT_LT(gelesen, 856 + 3 * 16000);
+}
+
+TEST(EinarbeitenGross, AFileBeyondFourGiBIsMergedAtItsEnd) {
+    const std::filesystem::path ordner =
+        std::filesystem::temp_directory_path() / ("zek_bf_" + std::to_string(getpid()));
+    std::filesystem::create_directories(ordner / "K");
+    PosixDateisystem platte;
+    hilfen::StoerDateisystem dateien(platte);
+    Pflegewelt p;
+    p.Modul.Datenordner = ordner.string();
+    clTitelobjekt titel;
+    titel.Dateiname = "T", titel.Katalog = "K";
+    const std::string pfad = (ordner / "K" / "T.ZEK").string();
+
+    const std::int64_t anfang = 856 + (std::int64_t{5} << 28) * 16;  // behind five 4 GiB of hole
+    const auto handle = platte.Oeffne(pfad, Oeffnen::Anlegen);
+    const std::string kopf = Kopf(), saetze = Bytes(Reihe(1, 3000));
+    SchreibeGanz(platte, handle, std::as_bytes(std::span(kopf)));
+    platte.Suche(handle, anfang, Ab::Anfang);
+    SchreibeGanz(platte, handle, std::as_bytes(std::span(saetze)));
+
+    TestForm form;
+    Einarbeiter einarbeiter(p.Modul, dateien, p.Welt, p.Welt, p.Status);
+    EXPECT_EQ(einarbeiter.DatenEinarbeiten(form, titel, Reihe(1200, 1300, 7), kursart::Bezahlt), 101);
+    EXPECT_EQ(einarbeiter.DatenEinarbeiten(form, titel, {{Satz(2000, 7), Satz(2010, 7)}}, kursart::Bezahlt), 2);
+
+    const Saetze erwartet = Reihe(1, 1199) + Reihe(1200, 1300, 7) + Reihe(1301, 1999) +
+                            Saetze{Satz(2000, 7), Satz(2010, 7)} + Reihe(2011, 3000);
+    EXPECT_EQ(platte.Groesse(handle), anfang + static_cast<std::int64_t>(erwartet.size()) * 16);
+    Saetze gelesen(erwartet.size());
+    platte.Suche(handle, anfang, Ab::Anfang);
+    platte.Lies(handle, std::as_writable_bytes(std::span(gelesen)));
+    EXPECT_EQ(gelesen, erwartet);
+    std::int64_t bytes = 0;
+    for (const auto& eintrag : dateien.Protokoll())
+        if (eintrag.Art == hilfen::Dateiaufruf::Lies) bytes += eintrag.Ergebnis;
+    EXPECT_LT(bytes, 200'000);
+    platte.Schliesse(handle);
+    std::filesystem::remove_all(ordner);
+}
+
+// ---- against a simple model
+
+// The rule in one sentence: the block replaces its span. Holds for files in time order.
+Saetze Modell(const Saetze& datei, const Saetze& block, bool filter) {
+    Saetze ergebnis;
+    for (const auto& satz : datei)
+        if (satz.Datum < block.front().Datum) ergebnis.push_back(satz);
+    for (const auto& satz : block)
+        if (!filter || satz.Volume > 0) ergebnis.push_back(satz);
+    for (const auto& satz : datei)
+        if (satz.Datum > block.back().Datum) ergebnis.push_back(satz);
+    return ergebnis;
+}
+
+// The steps on a file that needn't be in order, record by record.
+Saetze Schrittmodell(const Saetze& datei, const Saetze& block) {
+    const double erstes = block.front().Datum, letztes = block.back().Datum;
+    const auto anzahl = static_cast<long>(datei.size());
+    const auto at = [&](long i) { return datei[static_cast<std::size_t>(i)].Datum; };
+
+    long zahl = 0, stelle = anzahl;
+    for (;;) {
+        if (stelle - 1000 < 0) {
+            zahl = anzahl, stelle = 0;
+            break;
+        }
+        stelle -= 1000, zahl += 1000;
+        if (at(stelle) <= letztes + 0.000001) {
+            ++stelle;
+            break;
+        }
+    }
+    while (stelle < anzahl && at(stelle) <= letztes) ++stelle, --zahl;
+    const long schwanz = stelle == anzahl ? anzahl : anzahl - zahl;
+
+    long schreib = anzahl;
+    for (;;) {
+        if (schreib - 1000 < 0) {
+            schreib = 0;
+            break;
+        }
+        schreib -= 1000;
+        if (at(schreib) < erstes) {
+            ++schreib;
+            break;
+        }
+    }
+    while (schreib < anzahl && at(schreib) < erstes) ++schreib;
+
+    Saetze ergebnis(datei.begin(), datei.begin() + schreib);
+    ergebnis = ergebnis + block;
+    for (long i = schwanz; i < anzahl; ++i)
+        if (at(i) > letztes) ergebnis.push_back(datei[static_cast<std::size_t>(i)]);
+    return ergebnis;
+}
+
+TEST_F(EinarbeitenTest, RandomFilesAndBlocksMatchTheModel) {
+    std::mt19937 zufall(20261116);
+    const auto bis = [&](int hoechstens) { return static_cast<int>(zufall() % static_cast<unsigned>(hoechstens + 1)); };
+    for (int runde = 0; runde < 400; ++runde) {
+        Saetze datei, block;
+        const int groesse = runde % 3 == 0 ? bis(5) : bis(4200);
+        for (int i = 0, s = bis(50); i < groesse; ++i, s += bis(2)) datei.push_back(Satz(1 + s, static_cast<float>(i)));
+        const int blockgroesse = 1 + (runde % 4 == 0 ? bis(3) : bis(2300));
+        for (int i = 0, s = bis(4500); i < blockgroesse; ++i, s += bis(2))
+            block.push_back(Satz(1 + s, static_cast<float>(100000 + i), static_cast<float>(bis(2) - 1)));
+        p_.Modul.Einstellungen.IBAndere = runde % 2 == 0;
+        const Saetze erwartet = Modell(datei, block, runde % 2 == 0);
+        Vorher(datei);
+        const auto behalten = std::count_if(block.begin(), block.end(),
+                                            [&](const auto& satz) { return runde % 2 != 0 || satz.Volume > 0; });
+        ASSERT_EQ(Merge(block), behalten) << "round " << runde;
+        ASSERT_EQ(Nachher(), erwartet) << "round " << runde;
+    }
+}
+
+TEST_F(EinarbeitenTest, RandomFilesOutOfOrderMatchTheSteps) {
+    std::mt19937 zufall(7);
+    for (int runde = 0; runde < 200; ++runde) {
+        Saetze datei;
+        const auto groesse = static_cast<unsigned>(zufall() % 5000);
+        for (unsigned i = 0; i < groesse; ++i) {
+            const auto s = i + static_cast<unsigned>(zufall() % (runde % 2 == 0 ? 30 : 3000));
+            datei.push_back(Satz(1 + s, static_cast<float>(i)));
+        }
+        const Saetze block = Reihe(static_cast<int>(1 + zufall() % 4000), 4000 + static_cast<int>(zufall() % 900), 7);
+        Vorher(datei);
+        Merge(block);
+        ASSERT_EQ(Nachher(), Schrittmodell(datei, block)) << "round " << runde;
+    }
+}
+
+// ---- ticks during a merge
+
+class TickWaehrendMergeTest : public EinarbeitenTest {
+protected:
+    // A tick that waits in the pump when the merge lets events run for the first time.
+    void TickWartet() {
+        p_.Welt.PlaneMikro(0, [this] { Anhaengen(); });
+    }
+    void Anhaengen() { schreiber_.DatensatzAnhaengen(titel_, kursart::Brief, 55, 1, false); }
+
+    Datensatzschreiber schreiber_{p_.Modul, p_.Dateien, p_.Welt, p_.Status, {}};
+};
+
+TEST_F(TickWaehrendMergeTest, ATickBehindTheMergesFinalPositionIsCut) {
+    Vorher(Reihe(1, 100));
+    TickWartet();
+    EXPECT_EQ(Merge({Satz(5, 99), Satz(90, 98)}), 2);
+    EXPECT_EQ(Nachher(), (Reihe(1, 4) + Saetze{Satz(5, 99), Satz(90, 98)} + Reihe(91, 100)));
+}
+
+TEST_F(TickWaehrendMergeTest, ATickIsOverwrittenWhenTheMergeEndsBehindIt) {
+    Vorher(Reihe(1, 10));
+    TickWartet();
+    EXPECT_EQ(Merge(Reihe(11, 13)), 3);
+    EXPECT_EQ(Nachher(), Reihe(1, 13));
+}
+
+TEST_F(TickWaehrendMergeTest, ATickBetweenTwoThousandsLandsAtTheFilesThenEnd) {
+    // The tick's file has no tail: after 1000 block records its end is just there.
+    struct Bei : TestForm {
+        std::function<void()> Tausend;
+        void FortschrittWert(int wert) override {
+            TestForm::FortschrittWert(wert);
+            if (wert == 1000) Tausend();
+        }
+    } form;
+    Saetze dazwischen;
+    form.Tausend = [&] {
+        p_.Welt.PlaneMikro(0, [&] {
+            Anhaengen();
+            dazwischen = Nachher();
+        });
+    };
+    Einarbeiter einarbeiter(p_.Modul, p_.Dateien, p_.Welt, p_.Welt, p_.Status);
+    EXPECT_EQ(einarbeiter.DatenEinarbeiten(form, titel_, Reihe(1, 1500), kursart::Brief), 1500);
+    ASSERT_EQ(dazwischen.size(), 1001u);
+    EXPECT_EQ(dazwischen.back().Kurs, 55);
+    EXPECT_EQ(Nachher(), Reihe(1, 1500));
+}
+
+// ---- faults
+
+class FehlerTest : public EinarbeitenTest {
+protected:
+    // A merge with tail and cut: all steps take part.
+    void Aufbau() {
+        titel_.KonsistenzGecheckt(kursart::Brief, false);
+        Vorher(alt_);
+        p_.Status.Eintraege.clear();
+        p_.Dateien.Heile();
+        p_.Dateien.VergissProtokoll();
+    }
+    bool HatGeschrieben() {
+        for (const auto& e : p_.Dateien.Protokoll())
+            if (e.Art == hilfen::Dateiaufruf::Schreibe && e.Ergebnis > 0) return true;
+        return false;
+    }
+    // Whatever happened: older records stand, the file is whole, no handle is open.
+    void PruefeGrundsatz(std::uint64_t n) {
+        const std::string inhalt = Inhalt();
+        EXPECT_EQ(inhalt.substr(0, 686), Kopf().substr(0, 686)) << "call " << n;
+        EXPECT_EQ((inhalt.size() - 856) % 16, 0u) << "call " << n;
+        const Saetze saetze = Nachher();
+        ASSERT_GE(saetze.size(), 1999u) << "call " << n;
+        EXPECT_TRUE(std::equal(alt_.begin(), alt_.begin() + 1999, saetze.begin())) << "call " << n;
+        EXPECT_EQ(ram().OffeneHandles(), 0u) << "call " << n;
+    }
+
+    const Saetze alt_ = Reihe(1, 6000);
+    const Saetze block_ = Reihe(2000, 4500, 7, 2);
+    const Saetze neu_ = Reihe(1, 1999) + block_ + Reihe(4501, 6000);
+};
+
+TEST_F(FehlerTest, AFailureOfAnyFileCallLosesNothingButWhatIsBeingWritten) {
+    Aufbau();
+    Merge(block_);
+    const std::uint64_t aufrufe = p_.Dateien.Anzahl();
+    ASSERT_EQ(Nachher(), neu_);
+    ASSERT_GT(aufrufe, 20u);
+    for (std::uint64_t n = 1; n <= aufrufe; ++n) {
+        Aufbau();
+        p_.Dateien.StoereNten(n, EIO);
+        const int ergebnis = Merge(block_);
+        PruefeGrundsatz(n);
+        const bool fertig = Nachher() == neu_;
+        if (!HatGeschrieben()) {
+            EXPECT_EQ(Inhalt(), Kopf() + Bytes(alt_)) << "call " << n;
+        }
+        if (p_.Status.Eintraege.empty()) {  // the merge has come through
+            EXPECT_TRUE(fertig) << "call " << n;
+            EXPECT_EQ(ergebnis, static_cast<int>(block_.size())) << "call " << n;
+        }
+    }
+}
+
+TEST_F(FehlerTest, AShortWriteGoesOnWhereItStopped) {
+    for (std::uint64_t n = 1; n <= 6; ++n) {
+        Aufbau();
+        p_.Dateien.SchreibeKurz(n, 7);
+        EXPECT_EQ(Merge(block_), static_cast<int>(block_.size()));
+        EXPECT_EQ(Nachher(), neu_);
+    }
+}
+
+TEST_F(FehlerTest, AFullDiskInTheMiddleOfARecordLeavesWholeRecords) {
+    Aufbau();
+    ram().SetzeFreienPlatz(16 * 1000 + 5);
+    EXPECT_EQ(Merge(Reihe(7000, 9500)), 0);
+    PruefeGrundsatz(0);
+    EXPECT_EQ(Nachher(), alt_ + Reihe(7000, 7999));
+    EXPECT_EQ(p_.Status.Eintraege.size(), 1u);
+}
+
+TEST_F(FehlerTest, AFullDiskAtTheHeaderOfANewFileLeavesAnEmptyFile) {
+    ram().SetzeFreienPlatz(100);
+    EXPECT_EQ(Merge(Reihe(1, 3)), 0);
+    EXPECT_EQ(Inhalt(), "");
+    EXPECT_EQ(p_.Status.Eintraege.size(), 1u);
+}
+
+TEST_F(FehlerTest, ACrashAtAnyCallLeavesTheOlderRecordsReadable) {
+    Aufbau();
+    Merge(block_);
+    const std::uint64_t aufrufe = p_.Dateien.Anzahl();
+    for (std::uint64_t n = 1; n <= aufrufe; ++n) {
+        Aufbau();
+        p_.Dateien.StuerzeAb(n, 5);
+        Merge(block_);
+        const Saetze saetze = Nachher();
+        ASSERT_GE(saetze.size(), 1999u) << "call " << n;
+        EXPECT_TRUE(std::equal(alt_.begin(), alt_.begin() + 1999, saetze.begin())) << "call " << n;
+        EXPECT_EQ(Inhalt().substr(0, 686), Kopf().substr(0, 686)) << "call " << n;
+    }
+}
+
+TEST_F(FehlerTest, ATitlesFileDeletedDuringTheMergeIsntMadeAnew) {
+    Vorher(Reihe(1, 10));
+    p_.Welt.PlaneMikro(0, [this] { ram().Loesche(Pfad); });
+    EXPECT_EQ(Merge({Satz(3, 9), Satz(8, 9)}), 2);
+    EXPECT_FALSE(ram().DateiExistiert(Pfad));
+    EXPECT_EQ(p_.Status.Eintraege.size(), 1u);
+}
+
+}  // namespace
+}  // namespace zek::pflege
