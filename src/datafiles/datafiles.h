@@ -10,6 +10,7 @@
 //   leser.h         Dateileser: streams a file that may be growing, and reports damage
 //   titelanlegen.h  TitelAnlegen: adds a title from texts
 //   titelladen.h    Titellader, Titelsicherung: the definitions file with pacing, progress and subscription
+//   verschieben.h   TitelDateiVerschieben: the move of one file to another catalog
 //   werkzeug.h      the command-line tool "zek"
 #pragma once
 
@@ -23,3 +24,4 @@
 #include "datafiles/leser.h"
 #include "datafiles/titelanlegen.h"
 #include "datafiles/titelladen.h"
+#include "datafiles/verschieben.h"

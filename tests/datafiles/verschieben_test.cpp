@@ -1,0 +1,153 @@
+#include "datafiles/verschieben.h"
+
+#include "datafiles/dateinamen.h"
+#include "datafiles/vokabular.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <set>
+
+namespace zek {
+namespace {
+
+using namespace hilfen;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const std::string Name = "DAX@EUREX_FUT_201206_EUR.ZEK";
+const std::string Alt = "/daten/Alt/" + Name, Neu = "/daten/Neu/" + Name;
+const std::string Ersetzen =
+    "Die Datei '" + Name +
+    "' existiert bereits im neuen Ordner. Soll die Datei überschrieben werden? Wenn Sie 'Nein' klicken, wird die "
+    "bestehende Datei weiter verwendet.";
+const std::string Nochmal =
+    "Die Datei '" + Name +
+    "' konnte nicht verschoben werden. Stellen Sie bitte sicher, dass die Datei jetzt nicht von Tessaron verwendet "
+    "wird (alle Tessaron-Instanzen schließen).";
+const std::string Abbrechen =
+    "Soll der gesamte Vorgang wirklich abgebrochen werden? Es wurden noch nicht alle Titeldateien verschoben!";
+
+class Verschieben : public testing::Test {
+protected:
+    Verschieben() {
+        ram.LegeOrdnerbaumAn("/daten/Alt");
+        modul.Datenordner = "/daten";
+        MacheDax(titel);
+        titel.Katalog = "Alt";
+    }
+    bool Verschiebe(std::int32_t art = 1, const std::string& katalog = "Neu") {
+        const bool ergebnis = TitelDateiVerschieben(modul, dateien, meldungen, titel, art, katalog);
+        EXPECT_EQ(titel.Katalog, "Alt");
+        EXPECT_EQ(ram.OffeneHandles(), 0u);
+        return ergebnis;
+    }
+    std::vector<std::string> Fragen() const {
+        std::vector<std::string> texte;
+        for (const auto& frage : meldungen.Gezeigt) texte.push_back(frage.Text);
+        return texte;
+    }
+
+    RamDateisystem ram;
+    StoerDateisystem dateien{ram};
+    TestMeldungen meldungen;
+    IBModul modul;
+    clTitelobjekt titel;
+};
+
+TEST_F(Verschieben, AFileMovesToTheFolderOfTheNewCatalog) {
+    ram.LegeDateiAn(Alt, DaxDatei(2));
+    EXPECT_TRUE(Verschiebe());
+    EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(2));
+    EXPECT_THAT(ram.Dateien(), ElementsAre(Neu));
+    EXPECT_THAT(meldungen.Gezeigt, IsEmpty());
+}
+
+TEST_F(Verschieben, WithoutASourceThereIsNothingToMove) {
+    ram.LegeDateiAn(Neu, DaxDatei(1));
+    EXPECT_TRUE(Verschiebe(kursart::Geld));
+    EXPECT_TRUE(Verschiebe());
+    EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(1));
+    EXPECT_THAT(meldungen.Gezeigt, IsEmpty());
+}
+
+TEST_F(Verschieben, ATargetWithoutRecordsIsReplacedUnasked) {
+    for (const std::string& ziel : {DaxKopf(), std::string("kurz"), std::string()}) {
+        ram.LegeDateiAn(Alt, DaxDatei(2));
+        ram.LegeDateiAn(Neu, ziel);
+        EXPECT_TRUE(Verschiebe());
+        EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(2));
+    }
+    EXPECT_THAT(meldungen.Gezeigt, IsEmpty());
+}
+
+TEST_F(Verschieben, ATargetWithARecordIsReplacedOnYes) {
+    ram.LegeDateiAn(Alt, DaxDatei(2));
+    ram.LegeDateiAn(Neu, DaxDatei(1));
+    meldungen.Antworten = {meldung::AntwortJa};
+    EXPECT_TRUE(Verschiebe());
+    EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(2));
+    EXPECT_THAT(Fragen(), ElementsAre(Ersetzen));
+    EXPECT_EQ(meldungen.Gezeigt[0].Flags, meldung::JaNein);
+    EXPECT_EQ(meldungen.Gezeigt[0].Sekunden, 0);
+}
+
+TEST_F(Verschieben, NoKeepsBothFiles) {
+    ram.LegeDateiAn(Alt, DaxDatei(2));
+    ram.LegeDateiAn(Neu, DaxDatei(1));
+    meldungen.Antworten = {meldung::AntwortNein};
+    EXPECT_TRUE(Verschiebe());
+    EXPECT_EQ(ram.Inhalt(Alt), DaxDatei(2));
+    EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(1));
+}
+
+TEST_F(Verschieben, AFailedRenameIsTriedAgainOnRetryAndOnNoGivingUp) {
+    ram.LegeDateiAn(Alt, DaxDatei(2));
+    dateien.Stoere({.Art = Dateiaufruf::BenenneUm, .Anzahl = 2, .Fehler = EBUSY});
+    meldungen.Antworten = {meldung::AntwortWiederholen, meldung::AntwortAbbrechen, meldung::AntwortNein};
+    EXPECT_TRUE(Verschiebe());
+    EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(2));
+    EXPECT_THAT(Fragen(), ElementsAre(Nochmal, Nochmal, Abbrechen));
+    EXPECT_EQ(meldungen.Gezeigt[0].Flags, meldung::WiederholenAbbrechen);
+    EXPECT_EQ(meldungen.Gezeigt[2].Flags, meldung::JaNein);
+}
+
+TEST_F(Verschieben, GivingUpEndsTheWholeAction) {
+    ram.LegeDateiAn(Alt, DaxDatei(2));
+    dateien.StoereArt(Dateiaufruf::BenenneUm, EBUSY);
+    meldungen.Antworten = {meldung::AntwortAbbrechen, meldung::AntwortJa};
+    EXPECT_FALSE(Verschiebe());
+    EXPECT_EQ(ram.Inhalt(Alt), DaxDatei(2));
+}
+
+TEST_F(Verschieben, WhereNobodyAnswersTheActionEnds) {
+    ram.LegeDateiAn(Alt, DaxDatei(2));
+    dateien.StoereArt(Dateiaufruf::BenenneUm, EBUSY);
+    EXPECT_FALSE(Verschiebe());
+    EXPECT_THAT(Fragen(), ElementsAre(Nochmal, Abbrechen));
+}
+
+TEST_F(Verschieben, ACatalogThatDiffersOnlyInLetterCaseMovesNothing) {
+    ram.LegeDateiAn(Alt, DaxDatei(2));
+    EXPECT_TRUE(Verschiebe(1, "ALT"));
+    EXPECT_THAT(ram.Dateien(), ElementsAre(Alt));
+    EXPECT_THAT(meldungen.Gezeigt, IsEmpty());
+}
+
+TEST_F(Verschieben, AllKindsMoveInTheirOrderWithTheDepthLevelsInPairs) {
+    EXPECT_EQ(UmzugsArten.size(), 26u);
+    EXPECT_EQ(std::set<std::int32_t>(UmzugsArten.begin(), UmzugsArten.end()).size(), 26u);
+    for (int n = 1; n <= 10; ++n) {
+        const auto stelle = static_cast<std::size_t>(6 + 2 * (n - 1));
+        EXPECT_EQ(UmzugsArten[stelle], kursart::GeldTiefe(n));
+        EXPECT_EQ(UmzugsArten[stelle + 1], kursart::BriefTiefe(n));
+    }
+    for (const std::int32_t art : TiteldateiArten) ram.LegeDateiAn("/daten/Alt/" + Dateinamensbildung(titel, art), "x");
+    for (const std::int32_t art : UmzugsArten) EXPECT_TRUE(Verschiebe(art));
+    EXPECT_EQ(ram.Dateien().size(), 24u);
+    EXPECT_TRUE(
+        std::ranges::all_of(ram.Dateien(), [](const std::string& pfad) { return pfad.starts_with("/daten/Neu/"); }));
+}
+
+}  // namespace
+}  // namespace zek
