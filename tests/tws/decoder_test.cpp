@@ -380,6 +380,8 @@ TEST_F(DecoderTest, BondsComeAsContractDetailsToo) {
     EXPECT_EQ(d.minTick, 0.0001);
     EXPECT_EQ(d.longName, "US Treasury Bond");
     EXPECT_EQ(d.timeZoneId, "");
+    EXPECT_EQ(d.tradingHours, "");
+    EXPECT_EQ(d.liquidHours, "");
 }
 
 TEST_F(DecoderTest, BondsHaveHoursFromVersion188) {
