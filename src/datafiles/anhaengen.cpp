@@ -66,8 +66,9 @@ void NimmZurueck(clDateiIO& datei, std::int64_t groesse) {
 
 bool DateiEndeBereinigen(clDateiIO& datei, const std::string& name) {
     bool gefunden = false;
-    const bool ohneFehler = OhneFehler([&] { gefunden = UeberspringeNullsaetze(datei, datei.FileSize().Bytes()); });
-    if (!ohneFehler || !gefunden) return false;
+    // An error on the way leaves it false: nothing is cut then.
+    OhneFehler([&] { gefunden = UeberspringeNullsaetze(datei, datei.FileSize().Bytes()); });
+    if (!gefunden) return false;
     OhneFehler([&] { datei.SetzeDateiEnde(); });
     OhneFehler([&] { datei.CloseFile(); });
     OhneFehler([&] { datei.OpenFile(name, false); });

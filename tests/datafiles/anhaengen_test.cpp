@@ -80,8 +80,8 @@ TEST_F(Anhaengen, AHeaderAloneIsAValidFile) {
 }
 
 TEST_F(Anhaengen, ATornHeaderOrATornRecordGetsNothingAndNoWord) {
-    for (const std::string& torn :
-         {DaxKopf().substr(0, 855), DaxKopf().substr(0, 1), DaxKopf() + std::string(15, 'x'), DaxDatei(2) + "x"}) {
+    for (const std::string& torn : {DaxKopf().substr(0, 855), DaxKopf().substr(0, 840), DaxKopf().substr(0, 1),
+                                    DaxKopf() + std::string(15, 'x'), DaxDatei(2) + "x"}) {
         Vorhanden(torn);
         Tick(1);
         EXPECT_EQ(Datei(), torn);

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace zek {
 namespace {
 
@@ -40,6 +42,13 @@ TEST_F(Dateikopf, OfADepthFileHasItsOwnFeedLineAndNoNameOfAKind) {
     EXPECT_EQ(FeldText(kopf.Kommentar), "Datenfeed Interactive Brokers Markttiefe\r\nDAX@EUREX_FUT_201206_EUR-BIDMT10");
     EXPECT_EQ(FeldText(kopf.LangName), "DAX@EUREX_FUT_201206_EUR-BIDMT10");
     EXPECT_EQ(std::string(kopf.Kursartname.data(), 12), Nullen(12));
+}
+
+TEST_F(Dateikopf, StartsFromZeroBytesWhateverStoodThere) {
+    DatenDateikopf kopf;
+    std::ranges::fill(KopfBytes(kopf), std::byte{'x'});
+    DateikopfAufbauen(kopf, titel, kursart::Bezahlt);
+    EXPECT_EQ(Bytes(kopf), DaxKopf());
 }
 
 TEST_F(Dateikopf, NamesTheKindAndItsSuffix) {
