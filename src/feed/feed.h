@@ -15,6 +15,8 @@
 //   vorzeichenvolumen  the signed volume; asked for by the append
 //   markttiefe         depth rows, straight to aufzeichnung
 //   kontodaten         account values and positions, straight to the append
+//   einfach            numbers of the wire as the singles of the records
+//   zeitvergleich      times of day, compared to the millisecond
 //
 // `Feed` puts them together.
 #pragma once

@@ -32,7 +32,6 @@ private:
     void Briefregel(clTitelobjekt& titel, double size, Datum jetzt);
     void Bezahltregel(clTitelobjekt& titel, double size, Datum jetzt);
     void Gesamtvolumenregel(clTitelobjekt& titel, double size, Datum jetzt);
-    void BezahltAbschliessen(clTitelobjekt& titel, Datum jetzt);
 
     IBModul& modul_;
     const Uhr& uhr_;

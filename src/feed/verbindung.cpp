@@ -13,10 +13,6 @@ namespace {
 const std::string KeineVerbindungsoptionen;
 constexpr bool KeineZusatzanmeldung = false;
 
-std::string ZahlInText(long long zahl) {
-    return std::to_string(zahl);
-}
-
 }  // namespace
 
 Verbindung::Verbindung(IBModul& modul, const Uhr& uhr, IBControl& control, Abonnement& abonnement,
@@ -54,7 +50,7 @@ void Verbindung::TWSVerbindungAufbauen() {
         return;
     }
     Melde("Verbindung hergestellt um " + control_->TwsConnectionTime());
-    if (control_->serverVersion() >= 1) Melde("TWS Server Version " + ZahlInText(control_->serverVersion()));
+    if (control_->serverVersion() >= 1) Melde("TWS Server Version " + std::to_string(control_->serverVersion()));
     OhneFehler([&] { control_->reqCurrentTime(); });
 }
 
@@ -99,7 +95,7 @@ void Verbindung::NachCodeHandeln(int errorCode) {
 
 std::string Verbindung::Meldungstext(int id, int errorCode, std::string_view errorMsg) const {
     std::string text = id < 1 ? "" : "IB: ";
-    text.append(errorMsg).append(" (").append(ZahlInText(errorCode));
+    text.append(errorMsg).append(" (").append(std::to_string(errorCode));
     if (const clTitelobjekt* titel = id < 1 ? nullptr : modul_.Titelliste.Finde(id))
         text.append(" ").append(titel->GetTitelInfo());
     return text.append(")");

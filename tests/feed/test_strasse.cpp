@@ -1,28 +1,9 @@
 // The road of a tick from its event to the bytes of its file.
 #include "feedwelt.h"
+#include "zuteilungen.h"
 
 #include "datafiles/anhaengen.h"
 #include "hilfen/ram_dateisystem.h"
-
-#include <cstdlib>
-#include <new>
-
-namespace {
-bool zaehlt = false;
-std::size_t zugriffe = 0;
-}  // namespace
-
-void* operator new(std::size_t bytes) {
-    if (zaehlt) ++zugriffe;
-    if (void* platz = std::malloc(bytes)) return platz;
-    throw std::bad_alloc();
-}
-void operator delete(void* platz) noexcept {
-    std::free(platz);
-}
-void operator delete(void* platz, std::size_t) noexcept {
-    std::free(platz);
-}
 
 namespace zek::hilfen {
 namespace {
@@ -123,16 +104,14 @@ TEST_F(Feedwelt, ATickCostsNoAllocation) {
     auto es = titel("ES");
     es->UseMarkttiefe = true;
     tws::TwsEreignisse& ereignisse = ereignis();
-    zaehlt = true;
-    zugriffe = 0;
+    BeginneZaehlung();
     for (int i = 1; i < 100; ++i) {
         for (int typ : {1, 2, 4}) ereignisse.tickPrice(es->id, typ, i, true, false, false);
         for (int typ : {0, 3, 5, 8}) ereignisse.tickSize(es->id, typ, i);
         ereignisse.tickSize(4711, 5, i);
         ereignisse.updateMktDepth(es->id, 3, 1, 1, i, i);
     }
-    zaehlt = false;
-    EXPECT_EQ(zugriffe, 0U);
+    EXPECT_EQ(BeendeZaehlung(), 0U);
     EXPECT_GT(stumm.Anzahl, 400);
 }
 
