@@ -369,8 +369,19 @@ TEST_F(TwsClientTest, AResetIsASocketErrorWithTheSystemsText) {
     Sitzung();
     server_.BrichAb();
     welt_.Ereignisse();
-    EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Connection reset by peer -"));
+    EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Connection reset by peer -", "connectionClosed"));
     EXPECT_EQ(client_->TwsConnectionTime(), "");
+}
+
+TEST_F(TwsClientTest, AControlGivenUpInsideASocketErrorSaysNoMore) {
+    for (const bool ersetzt : {true, false}) {
+        Sitzung();
+        mitschrift_.Bei = [&](const std::string&) { ersetzt ? Neu() : client_->disconnect(); };
+        server_.BrichAb();
+        welt_.Ereignisse();
+        mitschrift_.Bei = nullptr;
+        EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Connection reset by peer -"));
+    }
 }
 
 TEST_F(TwsClientTest, DisconnectClosesWithoutAnEvent) {

@@ -83,12 +83,15 @@ void Sitzung::TcpGeschlossen() {
     ereignisse_.connectionClosed();
 }
 
+// A user who leaves the error alone must still learn that the session is over.
 void Sitzung::TcpFehler(int /*nummer*/, std::string_view text) {
     const auto selbst = shared_from_this();
     Verarbeite();
     if (!offen_) return;
+    const bool stand = Steht();
     Beende();
     ereignisse_.errMsg(-1, code::SocketFehler, text, {});
+    if (stand && !aufgegeben_) ereignisse_.connectionClosed();
 }
 
 // A frame is taken out of the buffer before it is handled, so that a handler that pumps goes on behind it.

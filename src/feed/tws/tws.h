@@ -62,7 +62,9 @@ struct Bar {
     std::int32_t barCount = 0;
 };
 
-// Session codes that the client itself raises through errMsg, always with id -1.
+// Session codes that the client itself raises through errMsg, always with id -1. The session has ended when they come
+// (except 504). connectionClosed follows if a session stood (-1) or the server had been reached (503, 506, 507), unless
+// the handler gave the control up or connected anew.
 namespace code {
 inline constexpr int SocketFehler = -1;       // the socket broke; text of the system
 inline constexpr int NichtVerbunden = 504;    // a request without a session
