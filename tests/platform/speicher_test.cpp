@@ -325,6 +325,16 @@ TEST_F(Profiltest, IsReadAfreshWhenAPersonEditedIt) {
     EXPECT_EQ(datei.Lies("S", "x", "-", 255), "2");
 }
 
+TEST_F(Profiltest, AChangeWithinTheGrainOfTheTimeStampIsSeen) {
+    Lege("p.ini", "[S]\nx=1\n");
+    const auto stempel = fs::last_write_time(Pfad("p.ini"));
+    IniProfildatei datei(Pfad("p.ini"));
+    EXPECT_EQ(datei.Lies("S", "x", "-", 255), "1");
+    Lege("p.ini", "[S]\nx=2\n");
+    fs::last_write_time(Pfad("p.ini"), stempel);
+    EXPECT_EQ(datei.Lies("S", "x", "-", 255), "2");
+}
+
 TEST_F(Profiltest, LeavesNoTemporaryFileBehind) {
     IniProfildatei datei(Pfad("p.ini"));
     EXPECT_TRUE(datei.Schreibe("S", "x", "1"));
