@@ -1,0 +1,151 @@
+// One computer with a recorder and one with a broker's server, both on a virtual time line.
+#pragma once
+
+#include "datafiles/dateinamen.h"
+#include "datafiles/leser.h"
+#include "feed/tws/twsclient.h"
+#include "hilfen/ram_dateisystem.h"
+#include "hilfen/ram_netz.h"
+#include "hilfen/ram_speicher.h"
+#include "hilfen/test_gesicht.h"
+#include "hilfen/test_prozesse.h"
+#include "hilfen/virtuelle_welt.h"
+#include "platform/datum.h"
+#include "platform/text.h"
+#include "session/sitzung.h"
+#include "simulator/simulator.h"
+#include "titles/titeldatei.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zek::szenario {
+
+inline constexpr int Port = 7496;
+inline constexpr int Klient = 255281497;  // client id of the live session
+
+struct Rekorderwelt {
+    explicit Rekorderwelt(Datum beginn, simulator::Einstellungen einstellungen = {})
+        : welt(beginn), tws(netz, welt, welt, MitPort(std::move(einstellungen))) {
+        dateien.LegeOrdnerbaumAn("/zek");
+        registry.Setze(ProduktName, "ZEKStart", "VersionsHinweis", "1");
+        Setze("Optionen", "DontShowStartUpTitel", "1");
+        Setze("IBConnect", "IBPort", std::to_string(Port));
+        tws.Starte();
+    }
+
+    // ---- before the start
+    void Setze(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
+        registry.Setze(Programmtitel, abschnitt, schluessel, wert);
+    }
+    clTitelobjekt& Titel(const std::string& symbol, const std::string& typ, const std::string& platz,
+                         const std::string& waehrung, const std::string& laufzeit = "") {
+        auto t = std::make_shared<clTitelobjekt>();
+        t->id = static_cast<std::int32_t>(gespeichert.Anzahl()) + 1;
+        t->Symbol = symbol;
+        t->Typ = typ;
+        t->Börsenplatz = platz;
+        t->Währung = waehrung;
+        t->Laufzeit = laufzeit;
+        t->BidAsk = true;
+        t->Aktiv(true);
+        Dateinamensbildung(*t, kursart::Basisname);
+        gespeichert.Fuege(t);
+        return *t;
+    }
+    clTitelobjekt& Future() { return Titel("ES", "FUT", "CME", "USD", "20261218"); }
+    clTitelobjekt& Aktie() { return Titel("AAPL", "STK", "SMART", "USD"); }
+    clTitelobjekt& Devise() { return Titel("EUR", "CASH", "IDEALPRO", "USD"); }
+
+    // ---- the recorder
+    bool Starte(const std::string& befehlszeile = "") {
+        if (!dateien.DateiExistiert("/zek/IB_Titel.Dat")) SchreibeTiteldatei(dateien, "/zek/", gespeichert);
+        gesicht.MonitorMerken = false;
+        sitzung = std::make_unique<Sitzung>(Maschine(), gesicht, befehlszeile);
+        return sitzung->Starte();
+    }
+    void Beende() { sitzung->Beende(); }
+    // The process is gone from one moment to the next.
+    void Absturz() {
+        sitzung.reset();
+        welt.Ereignisse();
+    }
+    Plattform Maschine() {
+        return {
+            welt,     welt,
+            welt,     netz,
+            dateien,  registry,
+            lokal,    port,
+            prozesse, [this](tws::TwsEreignisse& e) { return std::make_unique<tws::TwsClient>(netz, welt, welt, e); },
+            "/zek/",  {}};
+    }
+    IBModul& Modul() { return sitzung->Modul(); }
+
+    // ---- time
+    void Bis(int stunde, int minute, int sekunde = 0, int tageWeiter = 0) {
+        welt.LaufeBis(GanzerTag(welt.Jetzt()) + tageWeiter + Uhrzeit(stunde, minute, sekunde));
+    }
+
+    // ---- what came about
+    std::string Log() { return AusCodepage(dateien.Inhalt("/zek/IBZEKLog.txt")); }
+    std::size_t LogAnzahl(std::string_view text) {
+        const std::string log = Log();
+        std::size_t anzahl = 0;
+        for (auto p = log.find(text); p != std::string::npos; p = log.find(text, p + 1)) ++anzahl;
+        return anzahl;
+    }
+    std::vector<KursDatensatz> Datei(int titel, std::int32_t art) {
+        Dateileser leser(dateien);
+        clTitelobjekt& t = *gespeichert.Finde(titel);
+        std::vector<KursDatensatz> saetze;
+        if (leser.Oeffne("/zek/RealtimeData/" + Dateinamensbildung(t, art)) != Dateileser::Ergebnis::Offen)
+            return saetze;
+        for (auto block = leser.NaechsterBlock(); !block.empty(); block = leser.NaechsterBlock())
+            saetze.insert(saetze.end(), block.begin(), block.end());
+        return saetze;
+    }
+
+    // The records that the messages which the server sent to the live session must have given, from their order
+    // alone: each price with its size is one, its echo is none, each further size is one with the standing price.
+    std::vector<KursDatensatz> Erwartet(int titel, std::int32_t art) {
+        const int kurstyp = art == kursart::Bezahlt ? 4 : art == kursart::Brief ? 2 : 1;
+        const int groessentyp = art == kursart::Bezahlt ? 5 : art == kursart::Brief ? 3 : 0;
+        std::vector<KursDatensatz> saetze;
+        float kurs = 0;
+        float echo = -1;  // size that may come once more without being a record
+        for (const auto& tick : tws.GesendeteTicks()) {
+            if (tick.Klient != Klient || tick.Id != titel) continue;
+            const auto groesse = static_cast<float>(tick.Groesse);
+            if (tick.IstKurs && tick.Ticktyp == kurstyp) {
+                kurs = static_cast<float>(tick.Kurs);
+                echo = groesse;
+            } else if (tick.IstKurs || tick.Ticktyp != groessentyp || std::exchange(echo, -1.0F) == groesse) {
+                continue;
+            }
+            if (kurs > 0) saetze.push_back({tick.Zeit, kurs, groesse});
+        }
+        return saetze;
+    }
+
+    hilfen::VirtuelleWelt welt;
+    hilfen::RamNetz netz{welt};
+    simulator::Simulator tws;
+    hilfen::RamDateisystem dateien;
+    hilfen::RamNutzerspeicher registry;
+    hilfen::RamProfildatei lokal;
+    hilfen::RamProfildatei port;
+    hilfen::TestProzesse prozesse;
+    hilfen::TestGesicht gesicht;
+    Titelliste gespeichert;
+    std::unique_ptr<Sitzung> sitzung;
+
+private:
+    static simulator::Einstellungen MitPort(simulator::Einstellungen einstellungen) {
+        einstellungen.Port = Port;
+        return einstellungen;
+    }
+};
+
+}  // namespace zek::szenario
