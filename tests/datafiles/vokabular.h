@@ -67,7 +67,7 @@ inline std::string Satzbytes(double datum, float kurs, float volume) {
 
 inline std::vector<KursDatensatz> Saetze(std::string_view datei) {
     std::vector<KursDatensatz> saetze((datei.size() - 856) / 16);
-    std::memcpy(saetze.data(), datei.data() + 856, saetze.size() * 16);
+    if (!saetze.empty()) std::memcpy(saetze.data(), datei.data() + 856, saetze.size() * 16);
     return saetze;
 }
 
