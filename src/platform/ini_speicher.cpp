@@ -12,7 +12,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 namespace zek {
 namespace {
@@ -226,23 +228,27 @@ bool IniDatei::Aendere(const std::function<bool(IniText&)>& aenderung) {
 }
 
 bool IniDatei::SchreibeAufPlatte(const std::string& text) const {
-    const std::string vorlaeufig = pfad_ + ".neu";
+    // A link stays one: what it points to is replaced.
+    std::error_code fehlt;
+    const std::string echt = std::filesystem::canonical(pfad_, fehlt).string();
+    const std::string& ziel = fehlt ? pfad_ : echt;
+    const std::string vorlaeufig = ziel + ".neu";
     {
         const Griff griff(::open(vorlaeufig.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
         if (!griff.Gueltig()) return false;
         struct stat angaben {};
-        if (::stat(pfad_.c_str(), &angaben) == 0) ::fchmod(griff.Nummer(), angaben.st_mode & 07777);
+        if (::stat(ziel.c_str(), &angaben) == 0) ::fchmod(griff.Nummer(), angaben.st_mode & 07777);
         if (!SchreibeAlles(griff.Nummer(), text) || ::fsync(griff.Nummer()) != 0) {
             ::unlink(vorlaeufig.c_str());
             return false;
         }
     }
-    if (std::rename(vorlaeufig.c_str(), pfad_.c_str()) != 0) {
+    if (std::rename(vorlaeufig.c_str(), ziel.c_str()) != 0) {
         ::unlink(vorlaeufig.c_str());
         return false;
     }
     // Makes the rename itself durable; without it a power cut brings back the old file, which is whole too.
-    const Griff ordner(::open(OrdnerVon(pfad_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Griff ordner(::open(OrdnerVon(ziel).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (ordner.Gueltig()) ::fsync(ordner.Nummer());
     return true;
 }

@@ -17,7 +17,8 @@ std::int32_t Gerundet(float timer) {
 constexpr std::int32_t Wiederverbindungstakt = 20;  // s of the day's clock
 constexpr float Minutentakt = 60;                   // s
 // A quick second start doesn't move the end of the recorded stretch.
-constexpr double LastEndKarenz = 10;  // s
+// The half millisecond makes up for the resolution of a day count.
+constexpr double LastEndKarenz = 10.0005;  // s
 
 }  // namespace
 
@@ -27,11 +28,11 @@ Runde::Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Neustart& ne
 void Runde::Durchlauf() {
     if (laeuft_ || beendet_) return;
     laeuft_ = true;
-    NeuverbindungAbschliessen();
+    OhneFehler([&] { NeuverbindungAbschliessen(); });
     // The end may have come inside a step that pumps.
-    if (!beendet_) Neustartregeln();
+    if (!beendet_) OhneFehler([&] { Neustartregeln(); });
     if (!beendet_) OhneFehler([&] { beendet_ = neustart_.Ausfuehren() || beendet_; });
-    if (!beendet_) Minutenblock();
+    if (!beendet_) OhneFehler([&] { Minutenblock(); });
     if (!beendet_) OhneFehler([&] { Wiederverbinden(); });
     if (!beendet_) OhneFehler([&] { Warteschlange(); });
     laeuft_ = false;

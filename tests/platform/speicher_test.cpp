@@ -335,6 +335,18 @@ TEST_F(Profiltest, AChangeWithinTheGrainOfTheTimeStampIsSeen) {
     EXPECT_EQ(datei.Lies("S", "x", "-", 255), "2");
 }
 
+TEST_F(Profiltest, ALinkStaysALinkAndTheModeStays) {
+    fs::create_directory(Pfad("woanders"));
+    Lege("woanders/echt.ini", "[S]\nx=1\n");
+    fs::permissions(Pfad("woanders/echt.ini"), fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink(Pfad("woanders/echt.ini"), Pfad("p.ini"));
+    IniProfildatei datei(Pfad("p.ini"));
+    EXPECT_TRUE(datei.Schreibe("S", "x", "2"));
+    EXPECT_TRUE(fs::is_symlink(Pfad("p.ini")));
+    EXPECT_EQ(Inhalt("woanders/echt.ini"), "[S]\nx=2\n");
+    EXPECT_EQ(fs::status(Pfad("p.ini")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
 TEST_F(Profiltest, LeavesNoTemporaryFileBehind) {
     IniProfildatei datei(Pfad("p.ini"));
     EXPECT_TRUE(datei.Schreibe("S", "x", "1"));
