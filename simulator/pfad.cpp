@@ -10,12 +10,14 @@ namespace zek::simulator {
 namespace {
 
 constexpr std::int64_t TagSekunden = 86400;
-constexpr double Quoteanteil = 0.7;    // of the ticks; two to an event
-constexpr double MittlereGroesse = 5;  // units of a trade
-constexpr int HoechsteTage = 14;       // how far is looked for an open second
+constexpr double Quoteanteil = 0.7;  // of the ticks; two to an event
+// Sizes of any eight trades that follow each other from a multiple of eight on, in an order that hangs on the seed.
+constexpr std::array<std::int64_t, 8> Groessengruppe{1, 1, 2, 3, 4, 5, 9, 15};
+constexpr std::int64_t Gruppensumme = 40;
+constexpr int HoechsteTage = 14;  // how far is looked for an open second
 
 // Salts of the uses of the seed.
-enum Salz : std::uint64_t { SalzQuote = 1, SalzUmsatz, SalzMitte, SalzZeit, SalzGroesse, SalzSpanne, SalzHandel };
+enum Salz : std::uint64_t { SalzQuote = 1, SalzHandelszahl, SalzMitte, SalzZeit, SalzGroesse, SalzSpanne, SalzHandel };
 
 std::int64_t Abgerundet(std::int64_t a, std::int64_t b) {
     return a >= 0 ? a / b : -((-a + b - 1) / b);
@@ -35,8 +37,13 @@ bool TagOffen(const Handelszeiten& zeiten, std::int64_t tag) {
     return zeiten.Tage[wochentag] && zeiten.Von < zeiten.Bis;
 }
 
-std::int64_t Handelszahl(std::int64_t umsatz) {
-    return umsatz == 0 ? 0 : std::max<std::int64_t>(1, std::llround(static_cast<double>(umsatz) / MittlereGroesse));
+std::array<std::int64_t, Groessengruppe.size()> Gemischt(std::uint64_t h) {
+    auto gruppe = Groessengruppe;
+    for (std::size_t i = gruppe.size() - 1; i > 0; --i) {
+        std::swap(gruppe[i], gruppe[h % (i + 1)]);
+        h /= i + 1;
+    }
+    return gruppe;
 }
 
 // Trades lie evenly among a second's events.
@@ -183,40 +190,35 @@ Mengenbaum Pfad::Quotebaum(const Tag& tag) const {
             einstellungen_.Schwankung};
 }
 
-Mengenbaum Pfad::Umsatzbaum(const Tag& tag) const {
-    const double dichte = einstellungen_.Dichte * (hatQuotes_ ? 1 - Quoteanteil : 1) * MittlereGroesse;
+Mengenbaum Pfad::Handelsbaum(const Tag& tag) const {
+    const double dichte = einstellungen_.Dichte * (hatQuotes_ ? 1 - Quoteanteil : 1);
     const auto menge = static_cast<std::int64_t>(std::ceil(dichte * static_cast<double>(tag.Laenge)));
-    return {Streue(saat_, SalzUmsatz, static_cast<std::uint64_t>(tag.Nummer)), hatHandel_ ? menge : 0, tag.Laenge,
+    return {Streue(saat_, SalzHandelszahl, static_cast<std::uint64_t>(tag.Nummer)), hatHandel_ ? menge : 0, tag.Laenge,
             einstellungen_.Schwankung};
 }
 
 Pfad::Treiben Pfad::TreibenIn(const Tag& tag, std::int64_t stelle) const {
     const Mengenbaum quotes = Quotebaum(tag);
-    const Mengenbaum umsatz = Umsatzbaum(tag);
+    const Mengenbaum handel = Handelsbaum(tag);
     Treiben treiben;
     treiben.Quotes = quotes.Vor(stelle + 1) - quotes.Vor(stelle);
-    treiben.UmsatzVorher = umsatz.Vor(stelle);
-    treiben.Umsatz = umsatz.Vor(stelle + 1) - treiben.UmsatzVorher;
+    treiben.HandelVorher = handel.Vor(stelle);
+    treiben.Handel = handel.Vor(stelle + 1) - treiben.HandelVorher;
     return treiben;
 }
 
-// The sizes of a second's trades: about MittlereGroesse each, together exactly the second's volume.
-std::vector<std::int64_t> Pfad::Handelsgroessen(Sekunde s, std::int64_t umsatz) const {
-    const std::int64_t anzahl = Handelszahl(umsatz);
-    if (anzahl == 0) return {};
-    std::vector<std::int64_t> groessen;
-    groessen.reserve(static_cast<std::size_t>(anzahl));
-    std::int64_t rest = umsatz;
-    for (std::int64_t i = anzahl; i > 1; --i) {
-        const std::int64_t hoechstens = std::min(2 * rest / i, rest - (i - 1));
-        const std::uint64_t h =
-            Streue(Streue(saat_, SalzHandel), static_cast<std::uint64_t>(s), static_cast<std::uint64_t>(i));
-        groessen.push_back(1 + static_cast<std::int64_t>(Anteil(h) * static_cast<double>(hoechstens)));
-        groessen.back() = std::min(groessen.back(), hoechstens);
-        rest -= groessen.back();
-    }
-    groessen.push_back(rest);
-    return groessen;
+std::int64_t Pfad::Handelsgroesse(std::int64_t tag, std::int64_t n) const {
+    constexpr auto Anzahl = static_cast<std::int64_t>(Groessengruppe.size());
+    const std::uint64_t h =
+        Streue(Streue(saat_, SalzHandel), static_cast<std::uint64_t>(tag), static_cast<std::uint64_t>(n / Anzahl));
+    return Gemischt(h)[static_cast<std::size_t>(n % Anzahl)];
+}
+
+std::int64_t Pfad::Umsatz(std::int64_t tag, std::int64_t n) const {
+    constexpr auto Anzahl = static_cast<std::int64_t>(Groessengruppe.size());
+    std::int64_t umsatz = n / Anzahl * Gruppensumme;
+    for (std::int64_t i = n - n % Anzahl; i < n; ++i) umsatz += Handelsgroesse(tag, i);
+    return umsatz;
 }
 
 // Time of event `nummer` of `anzahl` in a second; ascending.
@@ -283,24 +285,24 @@ void Pfad::QuoteZurZeit(double zeit, Kursstand& stand) const {
 }
 
 // `stand` holds what stood before the second and, afterwards, what stands behind it.
-std::vector<Pfadtick> Pfad::TicksMit(Sekunde s, const Treiben& treiben, Auswahl auswahl, Kursstand& stand) const {
-    const std::vector<std::int64_t> groessen = Handelsgroessen(s, treiben.Umsatz);
-    const auto handel = static_cast<std::int64_t>(groessen.size());
-    const std::int64_t anzahl = treiben.Quotes + handel;
+std::vector<Pfadtick> Pfad::TicksMit(Sekunde s, std::int64_t tag, const Treiben& treiben, Auswahl auswahl,
+                                     Kursstand& stand) const {
+    const std::int64_t anzahl = treiben.Quotes + treiben.Handel;
     std::vector<Pfadtick> ticks;
-    ticks.reserve(static_cast<std::size_t>(treiben.Quotes * 2 + handel));
-    double gesamt = static_cast<double>(treiben.UmsatzVorher) * los_;
-    std::size_t getan = 0;
+    ticks.reserve(static_cast<std::size_t>(treiben.Quotes * 2 + treiben.Handel));
+    std::int64_t gesamt = istIndex_ ? 0 : Umsatz(tag, treiben.HandelVorher);
+    std::int64_t getan = treiben.HandelVorher;
     for (std::int64_t i = 0; i < anzahl; ++i) {
-        const bool istHandel = IstHandel(i, handel, anzahl);
+        const bool istHandel = IstHandel(i, treiben.Handel, anzahl);
+        if (istHandel != (auswahl == Auswahl::NurHandel) && auswahl != Auswahl::Alles) continue;
         const double zeit = Zeitpunkt(s, i, anzahl);
         if (istHandel) {
-            const double groesse = static_cast<double>(groessen[getan++]) * los_;
+            const std::int64_t groesse = istIndex_ ? 0 : Handelsgroesse(tag, getan++);
             gesamt += groesse;
-            if (auswahl == Auswahl::NurQuotes) continue;
             stand.Last = HandelsKurs(zeit);
-            ticks.push_back({zeit, Tickart::Handel, stand.Last, istIndex_ ? 0 : groesse, istIndex_ ? 0 : gesamt});
-        } else if (auswahl != Auswahl::NurHandel) {
+            ticks.push_back({zeit, Tickart::Handel, stand.Last, static_cast<double>(groesse) * los_,
+                             static_cast<double>(gesamt) * los_});
+        } else {
             const double briefVorher = stand.Brief;
             QuoteZurZeit(zeit, stand);
             ticks.push_back({zeit, Tickart::Geld, stand.Geld, stand.GeldGroesse, 0});
@@ -316,9 +318,9 @@ std::vector<Pfadtick> Pfad::Ticks(Sekunde s) const {
     if (!Offen(s)) return {};
     const Tag tag = TagVon(s);
     const Treiben treiben = TreibenIn(tag, s - tag.Beginn);
-    if (treiben.Quotes == 0 && treiben.Umsatz == 0) return {};
+    if (treiben.Quotes == 0 && treiben.Handel == 0) return {};
     Kursstand stand = Stand(s - 1);
-    return TicksMit(s, treiben, Auswahl::Alles, stand);
+    return TicksMit(s, tag.Nummer, treiben, Auswahl::Alles, stand);
 }
 
 void Pfad::StandDerQuotes(Sekunde s, Kursstand& stand) const {
@@ -332,30 +334,26 @@ void Pfad::StandDerQuotes(Sekunde s, Kursstand& stand) const {
     }
     const std::int64_t stelle = Quotebaum(tag).Ort(bisher - 1);
     const Treiben treiben = TreibenIn(tag, stelle);
-    const std::int64_t handel = Handelszahl(treiben.Umsatz);
-    const std::int64_t anzahl = treiben.Quotes + handel;
-    QuoteZurZeit(Zeitpunkt(tag.Beginn + stelle, LetztesEreignis(handel, anzahl, false), anzahl), stand);
+    const std::int64_t anzahl = treiben.Quotes + treiben.Handel;
+    QuoteZurZeit(Zeitpunkt(tag.Beginn + stelle, LetztesEreignis(treiben.Handel, anzahl, false), anzahl), stand);
 }
 
 void Pfad::StandDesHandels(Sekunde s, Kursstand& stand) const {
     Tag tag = TagVon(s);
-    std::int64_t bisher = Umsatzbaum(tag).Vor(s - tag.Beginn + 1);
-    stand.Umsatz = istIndex_ ? 0 : static_cast<double>(bisher) * los_;
+    std::int64_t bisher = Handelsbaum(tag).Vor(s - tag.Beginn + 1);
+    stand.Umsatz = istIndex_ ? 0 : static_cast<double>(Umsatz(tag.Nummer, bisher)) * los_;
     if (bisher == 0) {
         const auto gestern = einstellungen_.Zeiten.VorigeOffene(tag.Beginn - 1);
         if (!gestern) return;
         tag = TagVon(*gestern);
-        bisher = Umsatzbaum(tag).Menge();
+        bisher = Handelsbaum(tag).Menge();
     }
-    const std::int64_t stelle = Umsatzbaum(tag).Ort(bisher - 1);
-    const Sekunde wo = tag.Beginn + stelle;
+    const std::int64_t stelle = Handelsbaum(tag).Ort(bisher - 1);
     const Treiben treiben = TreibenIn(tag, stelle);
-    const std::vector<std::int64_t> groessen = Handelsgroessen(wo, treiben.Umsatz);
-    const auto handel = static_cast<std::int64_t>(groessen.size());
-    const std::int64_t anzahl = treiben.Quotes + handel;
-    stand.LastZeit = Zeitpunkt(wo, LetztesEreignis(handel, anzahl, true), anzahl);
+    const std::int64_t anzahl = treiben.Quotes + treiben.Handel;
+    stand.LastZeit = Zeitpunkt(tag.Beginn + stelle, LetztesEreignis(treiben.Handel, anzahl, true), anzahl);
     stand.Last = HandelsKurs(stand.LastZeit);
-    stand.LastGroesse = istIndex_ ? 0 : static_cast<double>(groessen.back()) * los_;
+    stand.LastGroesse = istIndex_ ? 0 : static_cast<double>(Handelsgroesse(tag.Nummer, bisher - 1)) * los_;
 }
 
 Kursstand Pfad::Stand(Sekunde s) const {
@@ -372,7 +370,7 @@ std::optional<Sekunde> Pfad::NaechsteAktive(Sekunde s) const {
     for (auto offen = einstellungen_.Zeiten.NaechsteOffene(s); offen && *offen < grenze;) {
         const Tag tag = TagVon(*offen);
         std::int64_t stelle = tag.Laenge;
-        for (const Mengenbaum& baum : {Quotebaum(tag), Umsatzbaum(tag)}) {
+        for (const Mengenbaum& baum : {Quotebaum(tag), Handelsbaum(tag)}) {
             const std::int64_t vorher = baum.Vor(*offen - tag.Beginn);
             if (vorher < baum.Menge()) stelle = std::min(stelle, baum.Ort(vorher));
         }
@@ -437,20 +435,24 @@ Balken Quotebalken(Balken b, Balkenart art, Kursstand stand, const std::vector<P
 void Pfad::HaengeTagAn(const Tag& tag, Sekunde von, Sekunde bis, Balkenart art, Kursstand& stand,
                        std::vector<Balken>& balken) const {
     const std::vector<std::int64_t> quotes = Quotebaum(tag).Je(von - tag.Beginn, bis - tag.Beginn);
-    const std::vector<std::int64_t> umsatz = Umsatzbaum(tag).Je(von - tag.Beginn, bis - tag.Beginn);
+    const std::vector<std::int64_t> trades = Handelsbaum(tag).Je(von - tag.Beginn, bis - tag.Beginn);
     const bool handel = art == Balkenart::Trades;
+    Treiben treiben;
+    treiben.HandelVorher = Handelsbaum(tag).Vor(von - tag.Beginn);
     for (Sekunde s = von; s < bis; ++s) {
         const auto i = static_cast<std::size_t>(s - von);
+        treiben.Quotes = quotes[i];
+        treiben.Handel = trades[i];
         Balken b;
         b.Beginn = s;
         Beginne(b, Kurswert(art, stand));
         std::vector<Pfadtick> ticks;
         const Kursstand vorher = stand;
-        if ((handel ? umsatz[i] : quotes[i]) != 0) {
-            const Auswahl auswahl = handel ? Auswahl::NurHandel : Auswahl::NurQuotes;
-            ticks = TicksMit(s, {quotes[i], umsatz[i], 0}, auswahl, stand);
+        if ((handel ? treiben.Handel : treiben.Quotes) != 0) {
+            ticks = TicksMit(s, tag.Nummer, treiben, handel ? Auswahl::NurHandel : Auswahl::NurQuotes, stand);
         }
         balken.push_back(handel ? Handelsbalken(b, ticks) : Quotebalken(b, art, vorher, ticks));
+        treiben.HandelVorher += treiben.Handel;
     }
 }
 

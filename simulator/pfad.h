@@ -3,9 +3,10 @@
 //
 // How it can be had without walking from the beginning: the price follows from interpolated noise of five periods,
 // so it is known at any time. When something happens follows from two trees of quantities over each trading day, one
-// of quote changes, one of traded volume: a day's quantity is split again and again between the halves of its span,
+// of quote changes, one of trades: a day's quantity is split again and again between the halves of its span,
 // down to single seconds, by shares that hang on the seed. Sums up to a second, and the second that holds the n-th
-// unit, both need one walk down a tree.
+// unit, both need one walk down a tree. Trade sizes come in groups of eight with the same sum, so that the day's volume
+// is known from the number of trades.
 //
 // Ticks of second s fall between s + 0.02 and s + 0.95, so that a delivery in slices of 10 ms keeps their second.
 #pragma once
@@ -129,17 +130,20 @@ private:
     // What happens in one second.
     struct Treiben {
         std::int64_t Quotes = 0;
-        std::int64_t Umsatz = 0;        // units
-        std::int64_t UmsatzVorher = 0;  // units of the day before this second
+        std::int64_t Handel = 0;        // trades
+        std::int64_t HandelVorher = 0;  // trades of the day before this second
     };
     enum class Auswahl { Alles, NurQuotes, NurHandel };
 
     Tag TagVon(Sekunde offen) const;
     Mengenbaum Quotebaum(const Tag& tag) const;
-    Mengenbaum Umsatzbaum(const Tag& tag) const;
+    Mengenbaum Handelsbaum(const Tag& tag) const;
     Treiben TreibenIn(const Tag& tag, std::int64_t stelle) const;
-    std::vector<Pfadtick> TicksMit(Sekunde s, const Treiben& treiben, Auswahl auswahl, Kursstand& stand) const;
-    std::vector<std::int64_t> Handelsgroessen(Sekunde s, std::int64_t umsatz) const;
+    std::vector<Pfadtick> TicksMit(Sekunde s, std::int64_t tag, const Treiben& treiben, Auswahl auswahl,
+                                   Kursstand& stand) const;
+    // Size of the day's n-th trade, counted from 0, and the volume of the first n, both in lots.
+    std::int64_t Handelsgroesse(std::int64_t tag, std::int64_t n) const;
+    std::int64_t Umsatz(std::int64_t tag, std::int64_t n) const;
     double Zeitpunkt(Sekunde s, std::int64_t nummer, std::int64_t anzahl) const;
     double Mitte(double zeit) const;
     std::int64_t GeldSchritte(double zeit) const;

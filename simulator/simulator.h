@@ -7,6 +7,7 @@
 //   einstellungen.h  everything that can be set
 //   kontrakte.h   the known contracts and how requests find them
 //   pfad.h        the price path, a pure function of seed, contract and second
+//   programm.h    command line, log file and standard input of the program
 //   wiedergabe.h  recorded data files as a source of ticks in place of the path
 //   tickquelle.h  what a subscription draws its ticks from (path or recording)
 //   sitzung.h     one client: handshake, output (sitzung.cpp) and requests (anfragen.cpp)

@@ -18,6 +18,11 @@ namespace {
 constexpr int SofortHandelbar = 1;
 constexpr double KeinKurs = -1;
 
+// The double next to the decimal number that is meant.
+double Kaufmaennisch(double kurs) {
+    return std::round(kurs * 1e9) / 1e9;
+}
+
 }  // namespace
 
 // ---- Strom
@@ -111,11 +116,11 @@ void Marktstrom::SendeBild(double pfadzeit) {
     }
     if (Was().HatHandel() && stand.Last != 0) {
         SendeHandel({stand.LastZeit, Tickart::Handel, stand.Last, stand.LastGroesse, stand.Umsatz});
-        const double schritt = Was().MinTick;
-        ausgabe_.TickKurs(Id(), ticktyp::Hoch, stand.Last + 8 * schritt, 0, 0);
-        ausgabe_.TickKurs(Id(), ticktyp::Tief, stand.Last - 8 * schritt, 0, 0);
-        ausgabe_.TickKurs(Id(), ticktyp::Schluss, stand.Last - 2 * schritt, 0, 0);
-        ausgabe_.TickKurs(Id(), ticktyp::Anfang, stand.Last + schritt, 0, 0);
+        const auto neben = [&](int schritte) { return Kaufmaennisch(stand.Last + schritte * Was().MinTick); };
+        ausgabe_.TickKurs(Id(), ticktyp::Hoch, neben(8), 0, 0);
+        ausgabe_.TickKurs(Id(), ticktyp::Tief, neben(-8), 0, 0);
+        ausgabe_.TickKurs(Id(), ticktyp::Schluss, neben(-2), 0, 0);
+        ausgabe_.TickKurs(Id(), ticktyp::Anfang, neben(1), 0, 0);
     }
     if (Was().HatQuotes()) {
         const bool offen = Quelle().Offen(s);
@@ -199,7 +204,7 @@ double Tiefenstrom::Groesse(double kurs, double zeit) const {
 }
 
 double Tiefenstrom::Kurs(const Seite& seite, double bester, int stufe) const {
-    return std::round((bester + seite.Richtung * stufe * Was().MinTick) * 1e9) / 1e9;
+    return Kaufmaennisch(bester + seite.Richtung * stufe * Was().MinTick);
 }
 
 // All rows anew, inserted (vorgang 0) or updated in place (1).
