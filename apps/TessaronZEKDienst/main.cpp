@@ -1,12 +1,6 @@
 // The recorder without a screen.
-#include "feed/tws/twsclient.h"
-#include "platform/dateisystem_posix.h"
-#include "platform/ini_speicher.h"
-#include "platform/prozess_posix.h"
-#include "platform/qt/qt_plattform.h"
-#include "platform/qt/qt_tcp.h"
+#include "apps/maschine.h"
 #include "platform/qt/signalempfang.h"
-#include "platform/systemuhr_posix.h"
 #include "session/dienst.h"
 
 #include <QCoreApplication>
@@ -21,24 +15,8 @@ int main(int argc, char* argv[]) {
     if (!optionen.Fehler.empty()) return std::cerr << optionen.Fehler << "\n\n" << Dienstauskunft(), 2;
 
     QCoreApplication programm(argc, argv);
-    const std::string ordner = Programmordner();
-    HinterlegeFuerNeustart(ordner);
-    PosixUhr uhr;
-    PosixDateisystem dateien;
-    IniNutzerspeicher registry(IniNutzerspeicher::Standardordner());
-    IniProfildatei lokal(ordner + std::string(LokaleEinstellungsdatei));
-    IniProfildatei port(ordner + std::string(Portdateiname));
-    QtPumpe pumpe;
-    QtZeitgeberfabrik zeitgeber;
-    QtTcpFabrik tcp;
-    QtProzesse prozesse(ordner);
-    const tws::TwsFabrik tws = [&](tws::TwsEreignisse& e) {
-        return std::make_unique<tws::TwsClient>(tcp, pumpe, uhr, e);
-    };
-
-    Dienst dienst({uhr, pumpe, zeitgeber, tcp, dateien, registry, lokal, port, prozesse, tws, ordner,
-                   [] { QCoreApplication::quit(); }},
-                  optionen, [](const std::string& zeile) { std::cout << zeile << std::endl; });
+    Maschine maschine([] { QCoreApplication::quit(); });
+    Dienst dienst(maschine.Plattform(), optionen, [](const std::string& zeile) { std::cout << zeile << std::endl; });
     const Signalempfang signale([&](int) { dienst.Beende(); });
     if (dienst.Starte()) QCoreApplication::exec();
     if (dienst.Rueckgabe() != 0) std::cerr << dienst.LetzteMeldung() << '\n';

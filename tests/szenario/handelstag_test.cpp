@@ -204,6 +204,63 @@ TEST(HandelstagTest, TwoNightsWithARestartByTheClockGiveOneUnbrokenFile) {
     EXPECT_EQ(w.LogAnzahl("ZEK wird zeitbedingt neu gestartet (06:30:00)"), 2u);
 }
 
+TEST(HandelstagTest, MissingTicksRestartOnAWorkdayAndNeverInPauseOrWeekend) {
+    Rekorderwelt w(DatumAus(2026, 11, 20, 16, 0, 0), Boersentag());  // a Friday
+    w.dateien.LegeDateiAn("/zek/ZEKIBAutoNeustart.exe", "x");
+    w.Aktie();
+    w.Setze("Optionen", "NeuStartBeiFehlendenKursen", "1");
+    w.Setze("Optionen", "KursAufzeichnungDeaktivieren", "1");
+    w.Setze("Optionen", "KeineAufzeichungStart", "17:30:00");
+    w.Setze("Optionen", "KeineAufzeichungEnde", "09:00:00");
+    ASSERT_TRUE(w.Starte());
+    w.Bis(10, 0, 0, 3);
+    ASSERT_FALSE(w.sitzung->Beendet());
+    w.tws.Stille(600);
+    w.Bis(10, 1, 25);
+    EXPECT_FALSE(w.sitzung->Beendet());
+    w.Bis(10, 1, 40);
+    EXPECT_TRUE(w.sitzung->Beendet());
+    EXPECT_EQ(w.prozesse.Starts.size(), 1u);
+    EXPECT_EQ(w.LogAnzahl("ZEK wird neu gestartet, weil längere Zeit keine Kurse eingetroffen sind"), 1u);
+}
+
+TEST(HandelstagTest, HowTheBytesArriveChangesNoRecord) {
+    Rekorderwelt w(Montagmorgen, Boersentag());
+    w.netz.SetzeStueckelung(3);
+    w.Future();
+    w.Aktie();
+    ASSERT_TRUE(w.Starte());
+    w.Bis(9, 30);
+    w.Beende();
+    for (const int titel : {1, 2}) {
+        ErwarteGenau(w, titel, kursart::Bezahlt, 50);
+        ErwarteGenau(w, titel, kursart::Geld, 50);
+    }
+}
+
+TEST(HandelstagTest, AnEndInTheMiddleOfABackfillKeepsLiveRecordsAndClosesEverything) {
+    const Datum zehnUhr = DatumAus(2026, 11, 17, 10, 0, 0);
+    Rekorderwelt w(zehnUhr, Boersentag());
+    w.Future();
+    w.Setze("Optionen", "AutoDatenpflege", "1");
+    w.Setze("Datenpflege", "IBLastEnd", ZahltextPunkt(zehnUhr - Uhrzeit(1, 0)));
+    ASSERT_TRUE(w.Starte());
+    std::size_t quotes = 0;
+    w.welt.Plane(6, [&] {
+        EXPECT_TRUE(w.Modul().DatenpflegeLaeuft);
+        EXPECT_EQ(w.tws.Sitzungen(), 2u);
+        quotes = w.Erwartet(1, kursart::Geld).size();
+        w.Beende();
+    });
+    w.welt.Laufe(8);
+    EXPECT_GT(quotes, 0u);
+    EXPECT_FALSE(w.Modul().DatenpflegeLaeuft);
+    EXPECT_EQ(w.tws.Sitzungen(), 0u);
+    EXPECT_EQ(w.dateien.OffeneHandles(), 0u);
+    ErwarteGenau(w, 1, kursart::Geld, quotes);
+    EXPECT_THAT(w.Log(), HasSubstr("Auto-Backfill von 17.11.2026 08:57:00 bis 17.11.2026 10:00:04 gestartet"));
+}
+
 TEST(HandelstagTest, ARejectedTitleIsNamedInTheLogAndTheOthersGoOn) {
     Rekorderwelt w(Montagmorgen, Boersentag());
     w.Titel("UNBEKANNT", "STK", "SMART", "USD");
