@@ -76,21 +76,23 @@ bool DateiEndeBereinigen(clDateiIO& datei, const std::string& name) {
 }
 
 Datensatzschreiber::Datensatzschreiber(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Statusausgabe& status,
-                                       Volumenfrage vorzeichenVolumen)
+                                       Volumenfrage vorzeichenVolumen, Ablagewache* wache)
     : modul_(modul),
       dateien_(dateien),
       uhr_(uhr),
       status_(status),
       vorzeichenVolumen_(std::move(vorzeichenVolumen)),
+      wache_(wache),
       datei_(dateien) {}
 
 void Datensatzschreiber::DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
                                             bool kontodaten) {
+    Ausgang ausgang = Ausgang::Gescheitert;
     OhneFehler([&] {
         try {
             BildePfad(titel, kursart, kontodaten);
             Oeffne(titel, kursart, kontodaten);
-            Anhaengen(titel, kursart, kurs, volume);
+            ausgang = Anhaengen(titel, kursart, kurs, volume);
         } catch (const DateiFehler& fehler) {
             MeldeFehler(fehler.Nummer(), fehler.what());
         } catch (const Systemfehler& fehler) {
@@ -100,6 +102,19 @@ void Datensatzschreiber::DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t k
         }
     });
     if (datei_.IsOpen()) datei_.CloseFile();
+    if (ausgang != Ausgang::Gespeichert || !gescheitert_.empty()) Unterrichte(titel, kursart, ausgang);
+}
+
+void Datensatzschreiber::Unterrichte(const clTitelobjekt& titel, std::int32_t kursart, Ausgang ausgang) {
+    if (wache_ == nullptr) return;
+    OhneFehler([&] {
+        if (ausgang == Ausgang::Gespeichert) {
+            if (gescheitert_.erase(pfad_) > 0) wache_->WiederGespeichert(titel, kursart);
+            return;
+        }
+        gescheitert_.insert(pfad_);
+        wache_->SpeichernGescheitert(titel, kursart, ausgang == Ausgang::Beschaedigt);
+    });
 }
 
 void Datensatzschreiber::BildePfad(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten) {
@@ -125,13 +140,14 @@ void Datensatzschreiber::Oeffne(clTitelobjekt& titel, std::int32_t kursart, bool
     if (wirklich != pfad_) andereSchreibweise_.insert_or_assign(pfad_, std::move(wirklich));
 }
 
-void Datensatzschreiber::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume) {
+Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs,
+                                                          float volume) {
     std::int64_t groesse = datei_.FileSize().Bytes();
     if (groesse == 0) {
         LegeKopfAn(titel, kursart);
         groesse = DateikopfBytes;
     } else if (groesse < DateikopfBytes || (groesse - DateikopfBytes) % DatensatzBytes != 0) {
-        return;  // damaged: left as it is
+        return Ausgang::Beschaedigt;  // left as it is
     } else if (!titel.KonsistenzGecheckt(kursart)) {
         groesse = Erstpruefung(titel, kursart, groesse);
     }
@@ -139,7 +155,9 @@ void Datensatzschreiber::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, f
     KursDatensatz satz{uhr_.Jetzt() + titel.ZeitKorrektur, kurs, volume};
     if (kursart == kursart::BAVolume) satz.Volume = vorzeichenVolumen_(titel);
     const std::int64_t geschrieben = Gelungen(datei_.Schreibe(std::as_bytes(std::span(&satz, 1))));
-    if (geschrieben < DatensatzBytes) NimmZurueck(datei_, groesse);
+    if (geschrieben == DatensatzBytes) return Ausgang::Gespeichert;
+    NimmZurueck(datei_, groesse);
+    return Ausgang::Gescheitert;
 }
 
 // The check at the first write of a run; returns the size to go on with.

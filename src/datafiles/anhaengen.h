@@ -11,6 +11,7 @@
 #include <functional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace zek {
 
@@ -27,8 +28,9 @@ public:
     // Signed volume of the title's last trade; asked for kind 5.
     using Volumenfrage = std::function<float(clTitelobjekt&)>;
 
+    // `wache` may be null.
     Datensatzschreiber(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Statusausgabe& status,
-                       Volumenfrage vorzeichenVolumen);
+                       Volumenfrage vorzeichenVolumen, Ablagewache* wache = nullptr);
 
     // Appends (now + the title's ZeitKorrektur, kurs, volume). A file with a torn header or a torn record is left
     // alone without a word. An error gives one line in the log and loses this record only. `kontodaten` sends the
@@ -39,7 +41,9 @@ public:
 private:
     void BildePfad(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten);
     void Oeffne(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten);
-    void Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume);
+    enum class Ausgang { Gespeichert, Gescheitert, Beschaedigt };
+    Ausgang Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume);
+    void Unterrichte(const clTitelobjekt& titel, std::int32_t kursart, Ausgang ausgang);
     std::int64_t Erstpruefung(clTitelobjekt& titel, std::int32_t kursart, std::int64_t groesse);
     void LegeKopfAn(clTitelobjekt& titel, std::int32_t kursart);
     void MeldeFehler(int nummer, const char* text);
@@ -49,10 +53,13 @@ private:
     const Uhr& uhr_;
     Statusausgabe& status_;
     Volumenfrage vorzeichenVolumen_;
+    Ablagewache* wache_;
     clDateiIO datei_;
     std::string pfad_;  // kept for its room
     // Paths whose file really has another letter case.
     std::unordered_map<std::string, std::string> andereSchreibweise_;
+    // Paths whose last record was lost.
+    std::unordered_set<std::string> gescheitert_;
 };
 
 }  // namespace zek

@@ -8,6 +8,7 @@
 //   dateinamen.h    names, suffixes and folders: built and parsed here and nowhere else
 //   anhaengen.h     Datensatzschreiber: the append of one record, the end of every tick's road; DateiEndeBereinigen
 //   leser.h         Dateileser: streams a file that may be growing, and reports damage
+//   lueckenbuch.h   Lueckenbuch: the evidence of gaps, one text file per day beside the data
 //   titelanlegen.h  TitelAnlegen: adds a title from texts
 //   titelladen.h    Titellader, Titelsicherung: the definitions file with pacing, progress and subscription
 //   verschieben.h   TitelDateiVerschieben: the move of one file to another catalog
@@ -22,6 +23,7 @@
 #include "datafiles/datensatz.h"
 #include "datafiles/kursart.h"
 #include "datafiles/leser.h"
+#include "datafiles/lueckenbuch.h"
 #include "datafiles/titelanlegen.h"
 #include "datafiles/titelladen.h"
 #include "datafiles/verschieben.h"

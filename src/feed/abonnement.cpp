@@ -1,6 +1,7 @@
 #include "feed/abonnement.h"
 
 #include "feed/sendetakt.h"
+#include "platform/ohnefehler.h"
 #include "platform/text.h"
 
 namespace zek {
@@ -59,8 +60,8 @@ void TitelmerkmaleAbleiten(clTitelobjekt& titel, const Einstellungen& einstellun
     titel.TitelBidAskWartetaufLast = einstellungen.BidAskWartetLast && !GleichOhneGrossKlein(titel.Typ, "cash");
 }
 
-Abonnement::Abonnement(IBModul& modul, IBControl& control, const Uhr& uhr, Pumpe& pumpe)
-    : modul_(modul), control_(control), uhr_(uhr), pumpe_(pumpe) {}
+Abonnement::Abonnement(IBModul& modul, IBControl& control, const Uhr& uhr, Pumpe& pumpe, Stromwache* wache)
+    : modul_(modul), control_(control), uhr_(uhr), pumpe_(pumpe), wache_(wache) {}
 
 std::int16_t Abonnement::MarktdatenAbonnieren(clTitelobjekt& titel) {
     const auto [boerse, primaerboerse] = TeileBoersenplatz(titel.Börsenplatz);
@@ -77,11 +78,13 @@ std::int16_t Abonnement::MarktdatenAbonnieren(clTitelobjekt& titel) {
         control_->reqMktDepth(titel.id, titel.Symbol, titel.Typ, titel.Laufzeit, titel.Basispreis, titel.Ausübungsrecht,
                               titel.Multiplikator, boerse, titel.Währung, Tiefenzeilen, SmartTiefe);
     TitelmerkmaleAbleiten(titel, modul_.Einstellungen);
+    if (wache_ != nullptr && control_.Verbunden()) OhneFehler([&] { wache_->Abonniert(titel); });
     return titel.UseMarkttiefe ? 2 : 1;
 }
 
 std::int16_t Abonnement::MarktdatenAbbestellen(const clTitelobjekt& titel) {
     control_->cancelMktData(titel.id);
+    if (wache_ != nullptr && control_.Verbunden()) OhneFehler([&] { wache_->Abbestellt(titel); });
     if (!titel.UseMarkttiefe) return 1;
     control_->cancelMktDepth(titel.id, SmartTiefe);
     return 2;

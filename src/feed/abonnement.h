@@ -4,6 +4,7 @@
 
 #include "feed/ibcontrol.h"
 #include "modul/ibmodul.h"
+#include "modul/rollen.h"
 #include "platform/pumpe.h"
 #include "platform/uhr.h"
 
@@ -26,7 +27,8 @@ void TitelmerkmaleAbleiten(clTitelobjekt& titel, const Einstellungen& einstellun
 
 class Abonnement {
 public:
-    Abonnement(IBModul& modul, IBControl& control, const Uhr& uhr, Pumpe& pumpe);
+    // `wache` may be null.
+    Abonnement(IBModul& modul, IBControl& control, const Uhr& uhr, Pumpe& pumpe, Stromwache* wache = nullptr);
 
     // Sends the requests of one title and derives its flags. The number of messages sent, 1 or 2. Tests neither
     // whether the title is active nor whether the connection stands.
@@ -44,6 +46,7 @@ private:
     IBControl& control_;
     const Uhr& uhr_;
     Pumpe& pumpe_;
+    Stromwache* wache_;
     bool abonniert_ = false;   // guard of AlleMarktdatenAbonnieren
     bool bestelltAb_ = false;  // guard of AlleMarktdatenAbbestellen
 };

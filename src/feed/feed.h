@@ -49,19 +49,20 @@ struct Feedumgebung {
     tws::TwsFabrik Fabrik;
     std::function<void(std::int64_t)> ServerZeit;       // may be empty
     std::function<void(int code)> NeustartWegenFehler;  // may be empty
+    Stromwache* Wache = nullptr;                        // may be null
 };
 
 // The classes of the room, tied to each other. Must stay at its place: the control is bound to its Verbindung.
 struct Feed {
     explicit Feed(Feedumgebung um)
         : Control(std::move(um.Fabrik)),
-          Abos(um.Modul, Control, um.Zeit, um.Pumpe),
+          Abos(um.Modul, Control, um.Zeit, um.Pumpe, um.Wache),
           Schreiber(um.Modul, um.Monitor, um.Ablage),
           Ticks(um.Modul, um.Zeit, Schreiber),
           Tiefe(um.Modul, um.Zeit, Schreiber),
           Konten(um.Modul, Control, um.Ablage),
           Sitzung(um.Modul, um.Zeit, Control, Abos, um.Status, um.Anzeige,
-                  {Ticks, Tiefe, Konten, std::move(um.ServerZeit), std::move(um.NeustartWegenFehler)}) {}
+                  {Ticks, Tiefe, Konten, std::move(um.ServerZeit), std::move(um.NeustartWegenFehler), um.Wache}) {}
     Feed(const Feed&) = delete;
     Feed& operator=(const Feed&) = delete;
 

@@ -87,6 +87,7 @@ Tickannahme::Tickannahme(IBModul& modul, const Uhr& uhr, Aufzeichnung& aufzeichn
 void Tickannahme::tickPrice(int id, int tickType, double price) {
     const Datum jetzt = uhr_.Jetzt();
     modul_.LetzterKursZeitpunkt = jetzt;
+    if (modul_.ErsterKursZeitpunkt == 0) modul_.ErsterKursZeitpunkt = jetzt;
     clTitelobjekt* const titel = modul_.Titelliste.Finde(id);
     if (!titel) return;
     switch (tickType) {
@@ -108,6 +109,7 @@ void Tickannahme::tickPrice(int id, int tickType, double price) {
 void Tickannahme::tickSize(int id, int tickType, double size) {
     const Datum jetzt = uhr_.Jetzt();
     modul_.LetzterKursZeitpunkt = jetzt;
+    if (modul_.ErsterKursZeitpunkt == 0) modul_.ErsterKursZeitpunkt = jetzt;
     clTitelobjekt* const titel = modul_.Titelliste.Finde(id);
     if (!titel) return;
     switch (tickType) {

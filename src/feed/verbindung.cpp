@@ -35,6 +35,11 @@ void Verbindung::Melde(const std::string& text, bool fett) {
     OhneFehler([&] { status_.Statusmeldung(text, fett); });
 }
 
+template <typename Meldung>
+void Verbindung::Unterrichte(Meldung meldung) {
+    if (abnehmer_.Wache != nullptr) OhneFehler([&] { meldung(*abnehmer_.Wache); });
+}
+
 void Verbindung::TWSVerbindungAufbauen() {
     const Einstellungen& einstellungen = modul_.Einstellungen;
     if (einstellungen.IBPort < 1) {
@@ -61,6 +66,7 @@ void Verbindung::nextValidId(int /*orderId*/) {
 }
 
 void Verbindung::connectionClosed() {
+    Unterrichte([](Stromwache& wache) { wache.VerbindungWeg(); });
     Melde("Verbindung zur TWS ist unterbrochen!", true);
     OhneFehler([&] { anzeige_.ZeigeOfflinewarnung(); });
     modul_.TWSVerbunden = false;
@@ -69,6 +75,8 @@ void Verbindung::connectionClosed() {
 void Verbindung::errMsg(int id, int errorCode, std::string_view errorMsg,
                         std::string_view /*advancedOrderRejectJson*/) {
     OhneFehler([&] { Melde(Meldungstext(id, errorCode, errorMsg)); });
+    if (const clTitelobjekt* titel = id < 1 ? nullptr : modul_.Titelliste.Finde(id))
+        Unterrichte([&](Stromwache& wache) { wache.TitelMeldung(*titel, errorCode); });
     OhneFehler([&] { NachCodeHandeln(errorCode); });
     OhneFehler([&] { NeustartlistePruefen(errorCode); });
 }
@@ -79,10 +87,13 @@ void Verbindung::NachCodeHandeln(int errorCode) {
             modul_.FarmAktiv = true;
             break;
         case meldungscode::TwsOffline:
+            Unterrichte([](Stromwache& wache) { wache.TwsIstOffline(); });
             TwsIstOffline();
             break;
         case meldungscode::VerbindungDatenVerloren:
         case meldungscode::VerbindungDatenErhalten:
+            Unterrichte(
+                [&](Stromwache& wache) { wache.TwsIstWiederDa(errorCode == meldungscode::VerbindungDatenErhalten); });
             VerbindungWiederhergestellt();
             break;
         case meldungscode::SocketFehler:
@@ -128,6 +139,7 @@ void Verbindung::SocketAusgefallen() {
     if (modul_.Offline) return;
     OhneFehler([&] { anzeige_.Ton(); });
     if (anzeige_.OfflinewarnungSichtbar()) return;
+    Unterrichte([](Stromwache& wache) { wache.VerbindungWeg(); });
     WarnungZeigen("Problem mit der Socket-Verbindung. Die Verbindung muss neu hergestellt werden. Bitte warten...");
     std::int32_t gesendet = 0;
     OhneFehler([&] { abonnement_.AlleMarktdatenAbbestellen(gesendet); });

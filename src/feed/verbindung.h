@@ -34,6 +34,7 @@ public:
         std::function<void(std::int64_t)> ServerZeit;
         // The message's code stands in the restart list.
         std::function<void(int code)> NeustartWegenFehler;
+        Stromwache* Wache = nullptr;  // may be null
     };
 
     // Makes the first control, bound to this object.
@@ -68,6 +69,8 @@ private:
     void VerbindungWiederhergestellt();
     void SocketAusgefallen();
     void NeustartlistePruefen(int errorCode);
+    template <typename Meldung>
+    void Unterrichte(Meldung meldung);
     void WarnungZeigen(const std::string& text);
     void Melde(const std::string& text, bool fett = false);
 

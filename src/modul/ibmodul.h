@@ -48,6 +48,7 @@ struct IBModul {
     Datum NeuverbindungsZeit = 0;
     std::int32_t Verbindungsversuche = 0;
     Datum LetzterKursZeitpunkt = 0;  // last tickPrice or tickSize event of any kind
+    Datum ErsterKursZeitpunkt = 0;   // the first such event since this was set to 0
     Datum LetzteDatenZeit = 0;       // last data that reached a title; 0 never
     double Kursanzahl = 0;           // records of this session
     bool NeustartAngefordert = false;

@@ -71,6 +71,30 @@ public:
                                     bool kontodaten) = 0;
 };
 
+// Told of records that don't reach their file. A record that does costs nothing, but for the first behind a failure.
+class Ablagewache {
+public:
+    virtual ~Ablagewache() = default;
+    // `beschaedigt`: the file is left alone because it is torn. Comes for each record that is lost.
+    virtual void SpeichernGescheitert(const clTitelobjekt& titel, std::int32_t kursart, bool beschaedigt) = 0;
+    virtual void WiederGespeichert(const clTitelobjekt& titel, std::int32_t kursart) = 0;
+};
+
+// Told of what makes the stream stop and go on, at the moment it happens.
+class Stromwache {
+public:
+    virtual ~Stromwache() = default;
+    virtual void VerbindungWeg() = 0;
+    virtual void TwsIstOffline() = 0;
+    // `datenErhalten`: the streams go on; otherwise they stay dead until they are asked for again.
+    virtual void TwsIstWiederDa(bool datenErhalten) = 0;
+    // A message with the title's number; any code.
+    virtual void TitelMeldung(const clTitelobjekt& titel, int code) = 0;
+    // While the connection stands only.
+    virtual void Abonniert(const clTitelobjekt& titel) = 0;
+    virtual void Abbestellt(const clTitelobjekt& titel) = 0;
+};
+
 // What the start shows, until the working view.
 class Startanzeige {
 public:
