@@ -144,20 +144,20 @@ void Balkenpuffer::Beginne(std::int32_t kursart, bool istIndex) {
     saetze_.clear();
 }
 
-bool Balkenpuffer::Behalten(float kurs, double volume) const {
+bool Balkenpuffer::Behalten(float kurs, float volume) const {
     if (!istIndex_ && kursart_ == kursart::Bezahlt) return volume > 0;
     return saetze_.empty() || kurs != saetze_.back().Kurs;
 }
 
 void Balkenpuffer::Nimm(const tws::Bar& balken) {
     const auto kurs = static_cast<float>(balken.close);
-    if (!std::isfinite(kurs) || saetze_.size() >= Hoechstzahl) return;
-    if (!Behalten(kurs, balken.volume)) return;
+    const auto volume = static_cast<float>(balken.volume);
+    if (!std::isfinite(kurs) || !std::isfinite(volume) || saetze_.size() >= Hoechstzahl) return;
+    if (!Behalten(kurs, volume)) return;
     const auto zeit = LiesBalkendatum(balken.date);
     if (!zeit) return;
     zone_ = istIndex_ ? std::string(zeit->Zone) : std::string();
-    const bool mitVolume = !istIndex_ && balken.volume >= 0;
-    saetze_.push_back({zeit->Zeit, kurs, mitVolume ? static_cast<float>(balken.volume) : 0.0F});
+    saetze_.push_back({zeit->Zeit, kurs, istIndex_ ? 0.0F : std::max(volume, 0.0F)});
 }
 
 void Gesamtreihe::Uebernimm(std::span<const KursDatensatz> puffer, Datum start) {

@@ -5,8 +5,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <deque>
+#include <functional>
 #include <iterator>
+#include <memory>
 #include <stdexcept>
+#include <utility>
 
 namespace zek {
 namespace {
@@ -14,6 +18,14 @@ namespace {
 // Two times closer together than this (0.09 s) count as one where the tail is looked for in jumps.
 constexpr double Zeittoleranz = 0.000001;
 constexpr std::int64_t Sprung = static_cast<std::int64_t>(Einarbeiter::Blocksaetze) * DatensatzBytes;
+// Records of the tail that are read at a time; small enough for the processor's cache.
+constexpr std::size_t Schwanzblock = 16384;
+// Records of the block that go out in one write.
+constexpr std::size_t Schreibblock = 16 * Einarbeiter::Blocksaetze;
+
+std::int64_t Bytes(std::size_t saetze) {
+    return static_cast<std::int64_t>(saetze) * DatensatzBytes;
+}
 
 [[noreturn]] void WirfSystemfehler(std::int64_t fehler) {
     const std::string text = SystemText(static_cast<int>(-fehler));
@@ -41,6 +53,13 @@ struct Einarbeiter::Merge {
     bool Geschrieben = false;  // bytes of the file have been touched
     std::int64_t Ende = 0;     // behind the last whole record; a torn one isn't a record
     std::int32_t Anzahl = 0;
+    std::int64_t Stand = -1;  // position of the handle; below 0 it isn't known
+    std::int64_t Schreibstelle = DateikopfBytes;
+    // The tail: the records newer than the block, from SchwanzVon to Ende as they stood before the block was written.
+    // What is about to be overwritten waits in Gerettet; the rest is still in the file, from SchwanzVon on.
+    std::int64_t SchwanzVon = 0;
+    std::deque<std::vector<KursDatensatz>> Gerettet{};
+    std::vector<std::vector<KursDatensatz>> Frei{};  // used buffers
 
     double Erstes() const { return Saetze.front().Datum; }
     double Letztes() const { return Saetze.back().Datum; }
@@ -73,21 +92,14 @@ std::int32_t Einarbeiter::DatenEinarbeiten(Form& form, clTitelobjekt& titel, std
 void Einarbeiter::FuehreAus(Merge& merge) {
     Oeffne(merge);
     if (!LiesKopf(merge)) return;
-
     if (merge.HatSaetze()) PruefeKonsistenz(merge);
-    Schwanz schwanz;
-    std::int64_t stelle = DateikopfBytes;
-    if (merge.HatSaetze()) {
-        schwanz = LiesSchwanz(merge);
-        stelle = Schreibstelle(merge);
-    }
-    Gehe(merge, stelle);
+    BestimmeStellen(merge);
 
     pumpe_.Ereignisse();
     merge.Fenster.AbbruchMoeglich(false);
     merge.Fenster.FortschrittMaximum(static_cast<int>(merge.Saetze.size()));
     merge.Anzahl = SchreibeBlock(merge);
-    SchreibeSchwanz(merge, schwanz);
+    SchreibeSchwanz(merge);
     KuerzeDatei(merge);
     SchreibeKopf(merge);
 }
@@ -120,6 +132,7 @@ bool Einarbeiter::LiesKopf(Merge& merge) {
         const std::int64_t bewegt = merge.Datei->WriteNewHeader(merge.Titel, merge.Kursart);
         if (bewegt < 0) WirfSystemfehler(bewegt);
     }
+    merge.Stand = -1;
     Gehe(merge, 0);
     const std::size_t gelesen = Lies(merge, KopfBytes(merge.Kopf));
     if (merge.WarLeer && gelesen < sizeof(DatenDateikopf)) WirfSystemfehler(-ENOSPC);
@@ -131,87 +144,60 @@ bool Einarbeiter::LiesKopf(Merge& merge) {
 void Einarbeiter::PruefeKonsistenz(Merge& merge) {
     if (merge.Titel.KonsistenzGecheckt(merge.Kursart)) return;
     if (DateiEndeBereinigen(*merge.Datei, merge.Pfad)) merge.MerkeGroesse();
+    merge.Stand = -1;
     merge.Titel.KonsistenzGecheckt(merge.Kursart, true);
 }
 
-// The records newer than the block; the first of them may be one that isn't.
-Einarbeiter::Schwanz Einarbeiter::LiesSchwanz(Merge& merge) {
-    const double letztes = merge.Letztes();
-    std::int64_t stelle = merge.Ende;
-    std::int64_t anzahl = 0;
-    for (;;) {
-        if (stelle - Sprung < DateikopfBytes) {
-            stelle = DateikopfBytes;
-            anzahl = (merge.Ende - DateikopfBytes) / DatensatzBytes;
-            break;
-        }
-        stelle -= Sprung;
-        anzahl += static_cast<std::int64_t>(Blocksaetze);
+// Steps back from `ab` in jumps of 1000 records until halt(record there). Gives that record's place, or the first
+// record's less one when the jumps would pass it.
+template <typename Halt>
+std::int64_t Einarbeiter::SpringeZurueck(Merge& merge, std::int64_t ab, Halt halt) {
+    for (std::int64_t stelle = ab - Sprung; stelle >= DateikopfBytes; stelle -= Sprung) {
         KursDatensatz satz;
-        Gehe(merge, stelle);
-        if (LiesSaetze(merge, {&satz, 1}) == 0) WirfSystemfehler(-EIO);
-        if (!(satz.Datum > letztes + Zeittoleranz)) {
-            stelle += DatensatzBytes;
-            break;
-        }
+        if (LiesSaetze(merge, stelle, {&satz, 1}) == 0) WirfSystemfehler(-EIO);
+        if (halt(satz)) return stelle;
     }
-
-    Gehe(merge, stelle);
-    puffer_.resize(Blocksaetze);
-    for (bool gefunden = false; !gefunden;) {
-        const auto rest = static_cast<std::size_t>((merge.Ende - stelle) / DatensatzBytes);
-        const std::size_t gelesen = LiesSaetze(merge, std::span(puffer_).first(std::min(rest, Blocksaetze)));
-        if (gelesen == 0) return {};
-        stelle += static_cast<std::int64_t>(gelesen) * DatensatzBytes;
-        for (std::size_t i = 0; i < gelesen && !gefunden; ++i) {
-            gefunden = puffer_[i].Datum > letztes;
-            if (!gefunden) --anzahl;
-        }
-    }
-
-    Schwanz schwanz{std::make_unique_for_overwrite<KursDatensatz[]>(static_cast<std::size_t>(anzahl)),
-                    static_cast<std::size_t>(anzahl)};
-    Gehe(merge, merge.Ende - anzahl * DatensatzBytes);
-    if (LiesSaetze(merge, {schwanz.Saetze.get(), schwanz.Anzahl}) < schwanz.Anzahl) WirfSystemfehler(-EIO);
-    return schwanz;
+    return DateikopfBytes - DatensatzBytes;
 }
 
-// The first record that isn't older than the block.
-std::int64_t Einarbeiter::Schreibstelle(Merge& merge) {
-    const double erstes = merge.Erstes();
-    std::int64_t stelle = merge.Ende;
-    for (;;) {
-        if (stelle - Sprung < DateikopfBytes) {
-            stelle = DateikopfBytes;
-            break;
-        }
-        stelle -= Sprung;
-        KursDatensatz satz;
-        Gehe(merge, stelle);
-        if (LiesSaetze(merge, {&satz, 1}) == 0) WirfSystemfehler(-EIO);
-        if (satz.Datum < erstes) {
-            stelle += DatensatzBytes;
-            break;
-        }
-    }
-
-    Gehe(merge, stelle);
+// The place of the first record from `ab` on with halt(record), or the end.
+template <typename Halt>
+std::int64_t Einarbeiter::LiesWeiter(Merge& merge, std::int64_t ab, Halt halt) {
     puffer_.resize(Blocksaetze);
-    for (;;) {
+    for (std::int64_t stelle = ab; stelle < merge.Ende;) {
         const auto rest = static_cast<std::size_t>((merge.Ende - stelle) / DatensatzBytes);
-        const std::size_t gelesen = LiesSaetze(merge, std::span(puffer_).first(std::min(rest, Blocksaetze)));
-        if (gelesen == 0) return stelle;
-        for (std::size_t i = 0; i < gelesen; ++i, stelle += DatensatzBytes)
-            if (!(puffer_[i].Datum < erstes)) return stelle;
+        const auto teil = std::span(puffer_).first(std::min(rest, Blocksaetze));
+        if (LiesSaetze(merge, stelle, teil) < teil.size()) WirfSystemfehler(-EIO);
+        const auto treffer = std::find_if(teil.begin(), teil.end(), halt);
+        stelle += Bytes(static_cast<std::size_t>(treffer - teil.begin()));
+        if (treffer != teil.end()) return stelle;
     }
+    return merge.Ende;
 }
 
+// Where the tail begins and where the block goes.
+void Einarbeiter::BestimmeStellen(Merge& merge) {
+    merge.SchwanzVon = merge.Ende;
+    if (!merge.HatSaetze()) return;
+    const double erstes = merge.Erstes(), letztes = merge.Letztes();
+    const std::int64_t sprung =
+        SpringeZurueck(merge, merge.Ende, [=](const auto& satz) { return !(satz.Datum > letztes + Zeittoleranz); });
+    merge.SchwanzVon =
+        LiesWeiter(merge, sprung + DatensatzBytes, [=](const auto& satz) { return satz.Datum > letztes; });
+    // No jump behind the one that ended the search above can be earlier than the block.
+    const auto zuFrueh = [=](const auto& satz) { return satz.Datum < erstes; };
+    const bool amAnfang = sprung < DateikopfBytes;
+    const std::int64_t ab = amAnfang ? sprung : SpringeZurueck(merge, sprung + Sprung, zuFrueh);
+    merge.Schreibstelle = LiesWeiter(merge, ab + DatensatzBytes, std::not_fn(zuFrueh));
+}
+
+// Several thousand records go out in one write; the events of each thousand run behind it. For a tick that arrives in
+// between that makes no difference: it lands at the end of the file and is overwritten or cut.
 std::int32_t Einarbeiter::SchreibeBlock(Merge& merge) {
     std::int32_t anzahl = 0;
     for (std::size_t fertig = 0; fertig < merge.Saetze.size();) {
-        auto teil = merge.Saetze.subspan(fertig, std::min(Blocksaetze, merge.Saetze.size() - fertig));
-        fertig += teil.size();
-        const bool ganzerTeil = teil.size() == Blocksaetze;
+        auto teil = merge.Saetze.subspan(fertig, std::min(Schreibblock, merge.Saetze.size() - fertig));
+        const std::size_t ende = fertig + teil.size();
         if (merge.Filter) {
             puffer_.clear();
             std::copy_if(teil.begin(), teil.end(), std::back_inserter(puffer_),
@@ -220,28 +206,64 @@ std::int32_t Einarbeiter::SchreibeBlock(Merge& merge) {
         }
         Schreibe(merge, teil);
         anzahl += static_cast<std::int32_t>(teil.size());
-        if (!ganzerTeil) break;
-        merge.Fenster.FortschrittWert(static_cast<int>(fertig));
-        pumpe_.Ereignisse();
+        for (fertig += Blocksaetze; fertig <= ende; fertig += Blocksaetze) {
+            merge.Fenster.FortschrittWert(static_cast<int>(fertig));
+            pumpe_.Ereignisse();
+        }
+        fertig = ende;
     }
     return anzahl;
 }
 
-// Runs of newer records go out in one write each.
-void Einarbeiter::SchreibeSchwanz(Merge& merge, const Schwanz& schwanz) {
-    const double letztes = merge.Letztes();
-    const std::span<const KursDatensatz> saetze(schwanz.Saetze.get(), schwanz.Anzahl);
-    const auto neuer = [letztes](const KursDatensatz& satz) { return satz.Datum > letztes; };
+// Takes the tail up to a place into memory.
+void Einarbeiter::RetteSchwanz(Merge& merge, std::int64_t bis) {
+    while (merge.SchwanzVon < std::min(bis, merge.Ende)) LiesSchwanzblock(merge);
+}
+
+// Puts the next records of the tail behind those in memory.
+void Einarbeiter::LiesSchwanzblock(Merge& merge) {
+    std::vector<KursDatensatz> block;
+    if (!merge.Frei.empty()) {
+        block = std::move(merge.Frei.back());
+        merge.Frei.pop_back();
+    }
+    const auto rest = static_cast<std::size_t>((merge.Ende - merge.SchwanzVon) / DatensatzBytes);
+    block.resize(std::min(rest, Schwanzblock));
+    if (LiesSaetze(merge, merge.SchwanzVon, block) < block.size()) WirfSystemfehler(-EIO);
+    merge.SchwanzVon += Bytes(block.size());
+    merge.Gerettet.push_back(std::move(block));
+}
+
+void Einarbeiter::SchreibeSchwanz(Merge& merge) {
+    for (;;) {
+        if (merge.Gerettet.empty()) RetteSchwanz(merge, merge.SchwanzVon + 1);
+        if (merge.Gerettet.empty()) return;
+        std::int64_t gelesen = 0;
+        for (const auto& block : merge.Gerettet) gelesen += Bytes(block.size());
+        std::vector<KursDatensatz> block = std::move(merge.Gerettet.front());
+        merge.Gerettet.pop_front();
+        SchreibeNeuere(merge, block, merge.SchwanzVon - gelesen);
+        merge.Frei.push_back(std::move(block));
+    }
+}
+
+// Runs of newer records go out in one write each; what stands at its place already isn't written. `herkunft`: the
+// place that the records come from.
+void Einarbeiter::SchreibeNeuere(Merge& merge, std::span<const KursDatensatz> saetze, std::int64_t herkunft) {
+    const auto neuer = [letztes = merge.Letztes()](const KursDatensatz& satz) { return satz.Datum > letztes; };
     for (auto von = saetze.begin(); von != saetze.end();) {
         von = std::find_if(von, saetze.end(), neuer);
         const auto bis = std::find_if_not(von, saetze.end(), neuer);
-        Schreibe(merge, {von, bis});
+        if (merge.Schreibstelle == herkunft + Bytes(static_cast<std::size_t>(von - saetze.begin())))
+            merge.Schreibstelle += Bytes(static_cast<std::size_t>(bis - von));
+        else
+            Schreibe(merge, {von, bis});
         von = bis;
     }
 }
 
 void Einarbeiter::KuerzeDatei(Merge& merge) {
-    const Dateiposition stelle = merge.Datei->GetFilePointer();
+    const Dateiposition stelle = Dateiposition::AusBytes(merge.Schreibstelle);
     if (stelle >= merge.Datei->FileSize()) return;
     merge.Datei->CloseFile();
     clDateiIO datei(dateien_);
@@ -254,6 +276,7 @@ void Einarbeiter::KuerzeDatei(Merge& merge) {
 
 void Einarbeiter::SchreibeKopf(Merge& merge) {
     if (!merge.Datei->IsOpen()) OeffneWieder(*merge.Datei, merge.Pfad);
+    merge.Stand = -1;
     Gehe(merge, 0);
     SetzeLetztePflege(merge.Kopf, uhr_.Jetzt());
     const int fehler = SchreibeGanz(dateien_, merge.Datei->FileHandle(), KopfBytes(merge.Kopf));
@@ -279,8 +302,11 @@ void Einarbeiter::MacheSaetzeGanz(Merge& merge) noexcept {
 }
 
 void Einarbeiter::Gehe(Merge& merge, std::int64_t stelle) {
+    if (merge.Stand == stelle) return;
+    merge.Stand = -1;
     const std::int64_t erreicht = dateien_.Suche(merge.Datei->FileHandle(), stelle, Ab::Anfang);
     if (erreicht < 0) WirfSystemfehler(erreicht);
+    merge.Stand = stelle;
 }
 
 // Bytes read; fewer than asked for only at the end of the file.
@@ -292,18 +318,26 @@ std::size_t Einarbeiter::Lies(Merge& merge, std::span<std::byte> ziel) {
         if (bewegt == 0) break;
         gelesen += static_cast<std::size_t>(bewegt);
     }
+    merge.Stand += static_cast<std::int64_t>(gelesen);
     return gelesen;
 }
 
-std::size_t Einarbeiter::LiesSaetze(Merge& merge, std::span<KursDatensatz> ziel) {
+// Whole records read from a place on; fewer than asked for only at the end of the file.
+std::size_t Einarbeiter::LiesSaetze(Merge& merge, std::int64_t stelle, std::span<KursDatensatz> ziel) {
+    Gehe(merge, stelle);
     return Lies(merge, std::as_writable_bytes(ziel)) / sizeof(KursDatensatz);
 }
 
+// Writes at the present place and goes on behind it.
 void Einarbeiter::Schreibe(Merge& merge, std::span<const KursDatensatz> saetze) {
     if (saetze.empty()) return;
+    const std::int64_t bis = merge.Schreibstelle + Bytes(saetze.size());
+    RetteSchwanz(merge, bis);
+    Gehe(merge, merge.Schreibstelle);
     merge.Geschrieben = true;
     const int fehler = SchreibeGanz(dateien_, merge.Datei->FileHandle(), std::as_bytes(saetze));
     if (fehler < 0) WirfSystemfehler(fehler);
+    merge.Stand = merge.Schreibstelle = bis;
 }
 
 }  // namespace zek

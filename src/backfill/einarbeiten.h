@@ -7,8 +7,8 @@
 //   after:   [ header | older | the block          | newer ]
 //
 // Events run while the merge works. A tick that is appended to the same file meanwhile is cut off at its end, or
-// overwritten: that window lasts for the time of a merge and is accepted. Newer records are held in memory while the
-// block is written; a write error at that moment loses them.
+// overwritten: that window lasts for the time of a merge and is accepted. Newer records that have to move up are held
+// in memory while their old place is being written; a write error at that moment loses them.
 #pragma once
 
 #include "datafiles/dateiio.h"
@@ -21,7 +21,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -50,15 +49,10 @@ public:
 
     static constexpr int Oeffnungsversuche = 15;
     static constexpr float VersuchspauseSekunden = 0.5F;
-    // Records per jump, per write and between two runs of the pump.
+    // Records per jump, and between two runs of the pump.
     static constexpr std::size_t Blocksaetze = 1000;
 
 private:
-    // The newer records of the file while the block is being written.
-    struct Schwanz {
-        std::unique_ptr<KursDatensatz[]> Saetze;
-        std::size_t Anzahl = 0;
-    };
     struct Merge;
 
     void FuehreAus(Merge& merge);
@@ -66,17 +60,23 @@ private:
     void WarteHalbeSekunde();
     bool LiesKopf(Merge& merge);
     void PruefeKonsistenz(Merge& merge);
-    Schwanz LiesSchwanz(Merge& merge);
-    std::int64_t Schreibstelle(Merge& merge);
+    template <typename Halt>
+    std::int64_t SpringeZurueck(Merge& merge, std::int64_t ab, Halt halt);
+    template <typename Halt>
+    std::int64_t LiesWeiter(Merge& merge, std::int64_t ab, Halt halt);
+    void BestimmeStellen(Merge& merge);
     std::int32_t SchreibeBlock(Merge& merge);
-    void SchreibeSchwanz(Merge& merge, const Schwanz& schwanz);
+    void RetteSchwanz(Merge& merge, std::int64_t bis);
+    void LiesSchwanzblock(Merge& merge);
+    void SchreibeSchwanz(Merge& merge);
+    void SchreibeNeuere(Merge& merge, std::span<const KursDatensatz> saetze, std::int64_t herkunft);
     void KuerzeDatei(Merge& merge);
     void SchreibeKopf(Merge& merge);
     void MacheSaetzeGanz(Merge& merge) noexcept;
 
     void Gehe(Merge& merge, std::int64_t stelle);
     std::size_t Lies(Merge& merge, std::span<std::byte> ziel);
-    std::size_t LiesSaetze(Merge& merge, std::span<KursDatensatz> ziel);
+    std::size_t LiesSaetze(Merge& merge, std::int64_t stelle, std::span<KursDatensatz> ziel);
     void Schreibe(Merge& merge, std::span<const KursDatensatz> saetze);
 
     IBModul& modul_;

@@ -40,8 +40,10 @@ Datenpflegewahl LiesDatenpflegewahl(Datenpflegeablage& ablage, Datum jetzt) {
 void SpeichereDatenpflegewahl(Datenpflegeablage& ablage, const Datenpflegewahl& wahl, Datum jetzt) {
     const int felder =
         (wahl.Bezahlt ? FeldBezahlt : 0) + (wahl.GeldBrief ? FeldGeldBrief : 0) + (wahl.UseRTH ? FeldRTH : 0);
+    const Kalender start = Zerlege(wahl.Start);
+    const double uhrzeit = Uhrzeit(start.Stunde, start.Minute, start.Sekunde);
     ablage.Schreibe(Abschnitt, "IBStartTage", std::to_string(GanzeTage(wahl.Start, jetzt)));
-    ablage.Schreibe(Abschnitt, "IBUhrzeit", Zahltext(Tageszeit(wahl.Start)));
+    ablage.Schreibe(Abschnitt, "IBUhrzeit", Zahltext(uhrzeit));
     ablage.Schreibe(Abschnitt, "IBEndDatum", Datumtext(wahl.Ende));
     ablage.Schreibe(Abschnitt, "IBAktualBisAktuell", wahl.AktualBisAktuell ? "1" : "0");
     ablage.Schreibe(Abschnitt, "IBFelder", std::to_string(felder));

@@ -1,0 +1,219 @@
+#include "backfill/balken.h"
+
+#include "backfill/anfragetakt.h"
+#include "datafiles/kursart.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+
+namespace zek::pflege {
+namespace {
+
+using testing::ElementsAre;
+
+// "15.04.2025 15:29:58 [zone]", or "-" when it can't be read.
+std::string Gelesen(std::string_view text) {
+    const auto zeit = LiesBalkendatum(text);
+    if (!zeit) return "-";
+    return NurDatumtext(zeit->Zeit) + " " + NurZeittext(zeit->Zeit) + " [" + std::string(zeit->Zone) + "]";
+}
+
+TEST(Balkendatum, AllFormsOfTheServiceAreRead) {
+    EXPECT_EQ(Gelesen("20250415  15:29:58"), "15.04.2025 15:29:58 []");
+    EXPECT_EQ(Gelesen("20250415 15:29:58 US/Eastern"), "15.04.2025 15:29:58 [US/Eastern]");
+    EXPECT_EQ(Gelesen(" 20250415     15:29:58   Europe/Zurich "), "15.04.2025 15:29:58 [Europe/Zurich]");
+    EXPECT_EQ(Gelesen("20250415-15:29:58"), "15.04.2025 15:29:58 []");
+    EXPECT_EQ(Gelesen("20250415-15:29:58Z"), "15.04.2025 15:29:58 []");
+    EXPECT_EQ(Gelesen("20250415"), "15.04.2025 00:00:00 []");
+    EXPECT_EQ(Gelesen("2025-04-15 15:29:58.0"), "15.04.2025 15:29:58 []");
+    EXPECT_EQ(Gelesen("20250415 15:29"), "15.04.2025 15:29:00 []");
+}
+
+TEST(Balkendatum, AZoneWithAHyphenDoesntDisturbTheTime) {
+    EXPECT_EQ(Gelesen("20250415 15:29:58 America/Port-au-Prince"), "15.04.2025 15:29:58 [America/Port-au-Prince]");
+    EXPECT_EQ(Gelesen("20250415 15:29:58 Etc/GMT-3"), "15.04.2025 15:29:58 [Etc/GMT-3]");
+}
+
+TEST(Balkendatum, AZoneOfSeveralWordsIsTakenWhole) {
+    EXPECT_EQ(Gelesen("20250415 15:29:58 British Summer Time"), "15.04.2025 15:29:58 [British Summer Time]");
+}
+
+TEST(Balkendatum, NonsenseIsNoDate) {
+    for (const char* text :
+         {"", " ", "2025041", "abcd0415 10:00:00", "20250230 10:00:00", "20251301 10:00:00", "20250100 10:00:00",
+          "20250415 24:00:00", "20250415 10:60:00", "20250415 10:00:60", "20250415 1:00:00", "20250415x10:00:00",
+          "1744727398", "0415 15:29:58 US/Eastern", "20250415-", "20250415 10:00:00US/Eastern", "18991231 10:00:00",
+          "2025-0415 10:00:00", "20250415 -1:00:00"})
+        EXPECT_EQ(Gelesen(text), "-") << text;
+}
+
+TEST(Balkendatum, EveryCutOfAFullTextIsReadOrRefused) {
+    const std::string_view voll = "20250415 15:29:58 US/Eastern";
+    for (std::size_t laenge = 0; laenge < voll.size(); ++laenge) {
+        const auto zeit = LiesBalkendatum(voll.substr(0, laenge));
+        const bool lesbar = laenge == 8 || laenge == 9 || laenge == 14 || laenge >= 17;
+        EXPECT_EQ(zeit.has_value(), lesbar) << laenge;
+    }
+}
+
+TEST(Balkendatum, TheEndTimeOfARequestIsWrittenInOneFixedForm) {
+    EXPECT_EQ(Endzeittext(0), "");
+    EXPECT_EQ(Endzeittext(DatumAus(2025, 4, 5, 6, 7, 8)), "20250405 06:07:08");
+    EXPECT_EQ(Endzeittext(DatumAus(2025, 4, 5, 0, 0, 0) - EineSekunde), "20250404 23:59:59");
+}
+
+class PufferTest : public testing::Test {
+protected:
+    void Beginne(std::int32_t kursart, bool istIndex = false) { puffer_.Beginne(kursart, istIndex); }
+    void Nimm(double kurs, double volume, const std::string& datum = "20250415 10:00:00") {
+        tws::Bar balken;
+        balken.date = datum;
+        balken.close = kurs;
+        balken.volume = volume;
+        puffer_.Nimm(balken);
+    }
+    std::string Text() const {
+        std::string text;
+        for (const auto& satz : puffer_.Saetze())
+            text += std::to_string(std::lround(satz.Kurs)) + "x" + std::to_string(std::lround(satz.Volume)) + " ";
+        return text;
+    }
+    Balkenpuffer puffer_;
+};
+
+TEST_F(PufferTest, ATradedSeriesDropsBarsWithoutTurnoverAndKeepsEqualCloses) {
+    Beginne(kursart::Bezahlt);
+    Nimm(10, 1), Nimm(10, 0), Nimm(10, -1), Nimm(10, 2), Nimm(11, std::nan(""));
+    EXPECT_EQ(Text(), "10x1 10x2 ");
+}
+
+TEST_F(PufferTest, AQuoteSeriesKeepsChangesOnlyAndTakesMissingVolumeAsZero) {
+    Beginne(kursart::Geld);
+    Nimm(10, -1), Nimm(10, -1), Nimm(11, -1), Nimm(11, 5), Nimm(10, 3);
+    EXPECT_EQ(Text(), "10x0 11x0 10x3 ");
+}
+
+TEST_F(PufferTest, EqualnessIsThatOfSingles) {
+    Beginne(kursart::Brief);
+    Nimm(100, -1), Nimm(100.0000001, -1), Nimm(100.001, -1);
+    EXPECT_EQ(puffer_.Saetze().size(), 2u);
+}
+
+TEST_F(PufferTest, AnIndexHasNoVolumeAndLosesNoBarForMissingTurnover) {
+    Beginne(kursart::Bezahlt, true);
+    Nimm(10, 7), Nimm(11, 0), Nimm(11, 0), Nimm(12, -1);
+    EXPECT_EQ(Text(), "10x0 11x0 12x0 ");
+}
+
+TEST_F(PufferTest, TheComparisonBeginsAnewWithEachRequest) {
+    Beginne(kursart::Brief);
+    Nimm(10, -1);
+    Beginne(kursart::Brief);
+    Nimm(10, -1);
+    EXPECT_EQ(Text(), "10x0 ");
+}
+
+TEST_F(PufferTest, BarsThatCantBeReadAreDropped) {
+    Beginne(kursart::Bezahlt);
+    Nimm(10, 1, "gestern"), Nimm(std::nan(""), 1), Nimm(1e300, 1), Nimm(std::numeric_limits<double>::infinity(), 1);
+    EXPECT_EQ(Text(), "");
+}
+
+TEST_F(PufferTest, OnlyIndexBarsLeaveTheirZone) {
+    Beginne(kursart::Bezahlt, true);
+    Nimm(10, 1, "20250415 10:00:00 US/Eastern");
+    EXPECT_EQ(puffer_.LastTimezone(), "US/Eastern");
+    Beginne(kursart::Bezahlt, false);
+    Nimm(10, 1, "20250415 10:00:00 US/Eastern");
+    EXPECT_EQ(puffer_.LastTimezone(), "");
+}
+
+TEST(Gesamtreihe, FillsFromNewToOldAndStopsAtTheStart) {
+    Gesamtreihe reihe;
+    const std::vector<KursDatensatz> neu = {{103, 1, 1}, {104, 2, 1}}, alt = {{100, 3, 1}, {101, 4, 1}, {102, 5, 1}};
+    reihe.Uebernimm(neu, 101);
+    reihe.Uebernimm(alt, 101);
+    EXPECT_EQ(reihe.Anzahl(), 4u);
+    EXPECT_THAT(reihe.Abgeben(0.5), ElementsAre(KursDatensatz{101.5, 4, 1}, KursDatensatz{102.5, 5, 1},
+                                                KursDatensatz{103.5, 1, 1}, KursDatensatz{104.5, 2, 1}));
+    EXPECT_EQ(reihe.Anzahl(), 0u);
+}
+
+TEST(Gesamtreihe, PassesOverWhatEarlierRequestsGaveAlready) {
+    Gesamtreihe reihe;
+    reihe.Uebernimm(std::vector<KursDatensatz>{{103, 1, 1}, {104, 2, 1}}, 1);
+    reihe.Uebernimm(std::vector<KursDatensatz>{{102, 3, 1}, {103, 4, 1}, {104, 5, 1}}, 1);
+    EXPECT_THAT(reihe.Abgeben(0),
+                ElementsAre(KursDatensatz{102, 3, 1}, KursDatensatz{103, 1, 1}, KursDatensatz{104, 2, 1}));
+}
+
+// ---- the pace
+
+class TaktTest : public testing::Test {
+protected:
+    // Seconds from now until the request may go out.
+    double Wartezeit(const std::string& was = "neu") { return (takt_.FruehestensUm(was, Zeit()) - Zeit()) * 86400; }
+    void Frage(const std::string& was = "") {
+        takt_.Gesendet(was.empty() ? "anfrage " + std::to_string(++nummer_) : was, Zeit());
+    }
+    Datum Zeit() const { return 46000 + sekunde_ / 86400; }
+
+    Anfragetakt takt_;
+    double sekunde_ = 1000;
+    int nummer_ = 0;
+};
+
+TEST_F(TaktTest, NothingIsHeldBackButOneSecondUntilAViolationWasSeen) {
+    EXPECT_LE(Wartezeit(), 0);
+    for (int i = 0; i < 300; ++i, ++sekunde_) Frage();
+    EXPECT_LE(Wartezeit(), 0);
+    sekunde_ -= 0.75;
+    EXPECT_NEAR(Wartezeit(), 0.75, 1e-3);
+}
+
+TEST_F(TaktTest, AfterAViolationTheSixtyFirstRequestWaitsForTheFirstToBeTenMinutesOld) {
+    for (int i = 0; i < 60; ++i, ++sekunde_) Frage();
+    takt_.Verletzung(Zeit());
+    EXPECT_NEAR(Wartezeit(), 600 + 2 - 60, 1e-3);
+}
+
+TEST_F(TaktTest, TheSameRequestWaitsFifteenSeconds) {
+    takt_.Verletzung(Zeit());
+    Frage("ES");
+    sekunde_ += 5;
+    EXPECT_NEAR(Wartezeit("ES"), 12, 1e-3);
+    EXPECT_LE(Wartezeit("NQ"), 0);
+}
+
+TEST_F(TaktTest, TheCode2107IsBelievedUntilItMisleads) {
+    for (int i = 0; i < 60; ++i, ++sekunde_) Frage();
+    takt_.Verletzung(Zeit());
+    takt_.Freigabe(Zeit());
+    EXPECT_LE(Wartezeit(), 0);
+    Frage();
+    sekunde_ += 5;
+    EXPECT_LE(Wartezeit(), 0);
+    takt_.Verletzung(Zeit());
+    takt_.Freigabe(Zeit());
+    EXPECT_GT(Wartezeit(), 500);
+}
+
+TEST_F(TaktTest, AClockSetBackDoesntMakeRequestsWaitForTheFuture) {
+    takt_.Verletzung(Zeit());
+    for (int i = 0; i < 10; ++i, ++sekunde_) Frage();
+    sekunde_ -= 3600;
+    EXPECT_LE(Wartezeit(), 1.01);
+}
+
+TEST_F(TaktTest, TheTimeToGoCountsTheWindows) {
+    EXPECT_NEAR(takt_.DauerFuer(100, 1.0, Zeit()), 100, 1e-6);
+    takt_.Verletzung(Zeit());
+    EXPECT_NEAR(takt_.DauerFuer(59, 1.0, Zeit()), 59, 1e-6);
+    EXPECT_NEAR(takt_.DauerFuer(150, 1.0, Zeit()), 2 * 602 + 30, 1e-6);
+    EXPECT_NEAR(takt_.DauerFuer(150, 20.0, Zeit()), 150 * 20, 1e-6);  // slower than the limit
+}
+
+}  // namespace
+}  // namespace zek::pflege
