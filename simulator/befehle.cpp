@@ -145,7 +145,7 @@ std::string Verschachtelt() {
         "10.5\0"
         "7\0"
         "1\0",
-        19);
+        17);
     felder += innen;
     return Kopf(static_cast<std::uint32_t>(felder.size())) + felder;
 }

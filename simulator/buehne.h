@@ -9,6 +9,7 @@
 #include "simulator/simulator.h"
 #include "simulator/wecker.h"
 
+#include <cmath>
 #include <deque>
 #include <limits>
 #include <random>
@@ -60,8 +61,9 @@ struct Buehne {
         const Zeitzone zone = Clock.Zone();
         return -(zone.Bias + (zone.Sommerzeit ? zone.DaylightBias : 0));
     }
-    // The clock, in seconds since 1970 UTC.
-    double Utc() const { return UnixAus(Clock.Jetzt()) - Versatz() * 60; }
+    // The clock, in seconds since 1970 UTC. Whole microseconds: a date resolves them just so, and a whole second must
+    // not come out as the one before.
+    double Utc() const { return std::round((UnixAus(Clock.Jetzt()) - Versatz() * 60) * 1e6) / 1e6; }
     // The same on the time line of the path.
     double Pfadzeit() const { return Nullpunkt + (Utc() - Nullpunkt) * Wahl.Tempo; }
 
