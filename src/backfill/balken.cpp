@@ -151,8 +151,9 @@ bool Balkenpuffer::Behalten(float kurs, float volume) const {
 
 void Balkenpuffer::Nimm(const tws::Bar& balken) {
     const auto kurs = static_cast<float>(balken.close);
-    const auto volume = static_cast<float>(balken.volume);
-    if (!std::isfinite(kurs) || !std::isfinite(volume) || saetze_.size() >= Hoechstzahl) return;
+    if (!std::isfinite(kurs) || saetze_.size() >= Hoechstzahl) return;
+    auto volume = static_cast<float>(balken.volume);
+    if (!std::isfinite(volume)) volume = -1;  // as a service says that it has none
     if (!Behalten(kurs, volume)) return;
     const auto zeit = LiesBalkendatum(balken.date);
     if (!zeit) return;

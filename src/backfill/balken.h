@@ -50,7 +50,7 @@ public:
     static constexpr std::size_t Hoechstzahl = 1'000'000;
 
     void Beginne(std::int32_t kursart, bool istIndex);
-    // Takes close and volume of a bar. Bars whose date, close or volume can't be held by a record are dropped.
+    // Takes close and volume of a bar. Bars whose date or close can't be read are dropped.
     void Nimm(const tws::Bar& balken);
 
     std::span<const KursDatensatz> Saetze() const { return saetze_; }

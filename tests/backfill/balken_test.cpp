@@ -103,8 +103,8 @@ TEST_F(PufferTest, EqualnessIsThatOfSingles) {
 
 TEST_F(PufferTest, AnIndexHasNoVolumeAndLosesNoBarForMissingTurnover) {
     Beginne(kursart::Bezahlt, true);
-    Nimm(10, 7), Nimm(11, 0), Nimm(11, 0), Nimm(12, -1);
-    EXPECT_EQ(Text(), "10x0 11x0 12x0 ");
+    Nimm(10, 7), Nimm(11, 0), Nimm(11, 0), Nimm(12, -1), Nimm(13, std::nan(""));
+    EXPECT_EQ(Text(), "10x0 11x0 12x0 13x0 ");
 }
 
 TEST_F(PufferTest, TheComparisonBeginsAnewWithEachRequest) {
