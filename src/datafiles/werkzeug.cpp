@@ -14,6 +14,7 @@ constexpr std::string_view Hilfe =
 
 Aufruf:
   zek info DATEI|ORDNER...               Kopf, Datensätze, Zeitraum und Zustand jeder Datei
+  zek tabelle DATEI|ORDNER...            eine Zeile je Datei, mit dem letzten Kurs
   zek csv [--zeit deutsch|iso] DATEI     alle Datensätze als CSV auf die Standardausgabe
   zek check ORDNER...                    alle Dateien *.ZEK unterhalb der Ordner prüfen
   zek --help                             diese Hilfe
@@ -67,6 +68,7 @@ int RufeListe(const std::string& befehl, std::span<const std::string> argumente,
         if (IstSchalter(argument)) return FalscherAufruf(fehler, "Unbekannter Schalter: " + argument);
     }
     if (befehl == "info") return werkzeug::Info(argumente, dateien, ausgabe, fehler);
+    if (befehl == "tabelle") return werkzeug::Tabelle(argumente, dateien, ausgabe, fehler);
     return werkzeug::Check(argumente, dateien, ausgabe, fehler);
 }
 
@@ -84,7 +86,8 @@ int Fuehre(const std::vector<std::string>& argumente, const std::string& version
         return werkzeug::Gut;
     }
     if (befehl == "csv") return RufeCsv(rest, dateien, ausgabe, fehler);
-    if (befehl == "info" || befehl == "check") return RufeListe(befehl, rest, dateien, ausgabe, fehler);
+    if (befehl == "info" || befehl == "tabelle" || befehl == "check")
+        return RufeListe(befehl, rest, dateien, ausgabe, fehler);
     return FalscherAufruf(fehler, "Unbekannter Befehl: " + befehl);
 }
 

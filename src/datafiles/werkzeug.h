@@ -1,6 +1,7 @@
 // The command-line tool "zek": looks at data files, also while they are being written. All output is German.
 //
 //   zek info FILE|DIR...                       header, records, span and damage of each file
+//   zek tabelle FILE|DIR...                    one line for each file, its last price with it
 //   zek csv [--zeit deutsch|iso] FILE          all records as CSV
 //   zek check DIR...                           damage of every file below the folders
 //   zek --help, zek --version

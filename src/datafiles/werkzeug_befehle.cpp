@@ -43,7 +43,8 @@ std::string Dateiname(const std::string& pfad) {
     return strich == std::string::npos ? pfad : pfad.substr(strich + 1);
 }
 
-// The kind as the header names it; depth files have only their name to tell it.
+}  // namespace
+
 std::string Kursarttext(const DatenDateikopf& kopf, const std::string& pfad) {
     if (std::string name = FeldText(kopf.Kursartname); !name.empty()) return name;
     const auto teile = ZerlegeDateiname(Dateiname(pfad));
@@ -52,6 +53,8 @@ std::string Kursarttext(const DatenDateikopf& kopf, const std::string& pfad) {
     const std::int32_t stufe = (geld ? kursart::GeldTiefe(0) : kursart::BriefTiefe(0)) - teile->Kursart;
     return std::string("Markttiefe ") + (geld ? "Geld" : "Brief") + ", Stufe " + std::to_string(stufe);
 }
+
+namespace {
 
 std::string LetztePflege(const DatenDateikopf& kopf) {
     const auto teile = Teile(FeldText(kopf.LetztePflege), '#');
@@ -95,7 +98,8 @@ void ZeigeInfo(const std::string& pfad, const Dateibefund& befund, std::ostream&
             << "  Zustand:        " << Zustand(Maengel(befund)) << "\n";
 }
 
-// The files of all paths; reports paths that aren't there.
+}  // namespace
+
 bool Sammle(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& fehler,
             std::vector<std::string>& gefunden) {
     bool alle = true;
@@ -109,6 +113,8 @@ bool Sammle(std::span<const std::string> pfade, Dateisystem& dateien, std::ostre
     }
     return alle;
 }
+
+namespace {
 
 void SammleOrdner(Dateisystem& dateien, const std::string& ordner, int tiefe, std::vector<std::string>& gefunden) {
     if (tiefe > MaxOrdnertiefe) return;
@@ -145,7 +151,8 @@ void ZahlAnhaengen(float wert, Zeitform form, std::string& ziel) {
     ziel.append(puffer, ende);
 }
 
-// Reports a file that can't be read as a data file; true when it was one.
+}  // namespace
+
 bool Oeffne(Dateileser& leser, const std::string& pfad, std::ostream& fehler) {
     switch (leser.Oeffne(pfad)) {
         case Ergebnis::Offen:
@@ -162,8 +169,6 @@ bool Oeffne(Dateileser& leser, const std::string& pfad, std::ostream& fehler) {
     }
     return false;
 }
-
-}  // namespace
 
 std::vector<std::string> Datendateien(Dateisystem& dateien, const std::string& pfad) {
     if (!dateien.OrdnerExistiert(pfad)) return {pfad};

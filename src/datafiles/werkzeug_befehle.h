@@ -16,11 +16,21 @@ namespace zek::werkzeug {
 enum class Zeitform { Deutsch, Iso };
 
 int Info(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
+// One line for each file: name, kind, records, first and last time stamp, last price, size.
+int Tabelle(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
 int Csv(const std::string& pfad, Zeitform form, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
 int Check(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
 
 // All data files below a folder, sorted; a file is given as it stands.
 std::vector<std::string> Datendateien(Dateisystem& dateien, const std::string& pfad);
+
+// The files of all paths; reports paths that aren't there and gives false for them.
+bool Sammle(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& fehler,
+            std::vector<std::string>& gefunden);
+// Reports a file that can't be read as a data file; true when it was one.
+bool Oeffne(Dateileser& leser, const std::string& pfad, std::ostream& fehler);
+// The kind as the header names it; depth files have only their name to tell it.
+std::string Kursarttext(const DatenDateikopf& kopf, const std::string& pfad);
 
 // What is wrong with a file, as German phrases; empty when it is sound.
 std::vector<std::string> Maengel(const Dateibefund& befund);

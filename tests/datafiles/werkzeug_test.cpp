@@ -55,6 +55,18 @@ TEST_F(WerkzeugTest, InfoDescribesAFile) {
 )");
 }
 
+TEST_F(WerkzeugTest, TheTableHasALineForEachFileWithItsLastPrice) {
+    ram.LegeDateiAn("/d/DAX@EUREX_FUT_201206_EUR.ZEK", DaxDatei(2));
+    ram.LegeDateiAn("/d/leer.ZEK", DaxKopf());
+    EXPECT_EQ(Zek({"tabelle", "/d"}), 0);
+    EXPECT_TRUE(Enthaelt("Name                      Kursart  Datensätze  von                      bis      "));
+    EXPECT_TRUE(Enthaelt("Bezahlt           2  09.12.2025 00:00:00,000  09.12.2025 00:00:01,000"));
+    EXPECT_TRUE(Enthaelt("Bezahlt           0"));
+    ram.LegeDateiAn("/d/fremd.ZEK", std::string(900, 'x'));
+    EXPECT_EQ(Zek({"tabelle", "/d"}), 1);
+    EXPECT_EQ(Zek({"tabelle", "/nirgends"}), 2);
+}
+
 TEST_F(WerkzeugTest, InfoOfAFolderTellsDepthFilesByTheirNameAndDamage) {
     std::string tiefe = DaxDatei(1);
     tiefe.replace(674, 12, Nullen(12));
