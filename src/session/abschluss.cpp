@@ -39,7 +39,8 @@ void Abschluss::Entladen() {
 
 // Title by title, with no pauses.
 void Abschluss::TitelAbbestellen() {
-    for (const auto& titel : modul_.Titelliste)
+    const Titelliste alle = modul_.Titelliste;
+    for (const auto& titel : alle)
         if (titel->Aktiv()) OhneFehler([&] { rekorder_.MarktdatenAbbestellen(*titel); });
 }
 

@@ -56,7 +56,7 @@ void Dienstgesicht::DatenpflegeFensterFreigeben() {
 void Dienstgesicht::Datenpflegemelder::Titellabel(const std::string& text) {
     if (text == titel_) return;
     titel_ = text;
-    if (!text.empty()) gesicht_.Melde("Datenpflege: " + text);
+    if (!text.empty()) gesicht_.Melde("Datenpflege - " + text);
 }
 
 }  // namespace zek

@@ -1,10 +1,12 @@
 #include "session/einstellungen.h"
 
 #include "platform/datum.h"
+#include "platform/ohnefehler.h"
 #include "platform/text.h"
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace zek {
 
@@ -78,18 +80,23 @@ std::string Einstellungsspeicher::LiesAusDatei(std::string_view abschnitt, std::
 std::string Einstellungsspeicher::LeseEinstellung(std::string_view anwendung, std::string_view abschnitt,
                                                   std::string_view schluessel, std::string_view vorgabe,
                                                   bool immerRegistry, bool immerDatei) {
-    return OhneLokaleWoerter(InDatei(immerRegistry, immerDatei)
-                                 ? LiesAusDatei(abschnitt, schluessel, vorgabe)
-                                 : LeseRegistry(anwendung, abschnitt, schluessel, vorgabe));
+    std::string text;
+    OhneFehler([&] {
+        text = InDatei(immerRegistry, immerDatei) ? LiesAusDatei(abschnitt, schluessel, vorgabe)
+                                                  : LeseRegistry(anwendung, abschnitt, schluessel, vorgabe);
+    });
+    return OhneLokaleWoerter(std::move(text));
 }
 
 bool Einstellungsspeicher::SchreibeEinstellung(std::string_view anwendung, std::string_view abschnitt,
                                                std::string_view schluessel, std::string_view wert, bool immerRegistry,
                                                bool immerDatei) {
-    if (InDatei(immerRegistry, immerDatei))
-        lokaleDatei_.Schreibe(abschnitt, schluessel, wert);
-    else
-        SchreibeRegistry(anwendung, abschnitt, schluessel, wert);
+    OhneFehler([&] {
+        if (InDatei(immerRegistry, immerDatei))
+            lokaleDatei_.Schreibe(abschnitt, schluessel, wert);
+        else
+            SchreibeRegistry(anwendung, abschnitt, schluessel, wert);
+    });
     return true;
 }
 

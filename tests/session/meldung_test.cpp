@@ -133,13 +133,13 @@ TEST(DienstgesichtTest, ABackfillLogsEachTitleOnce) {
     Dienstgesicht gesicht;
     gesicht.ProtokollierenIn(status);
     Datenpflegeanzeige& anzeige = gesicht.DatenpflegeFensterErzeugen();
-    for (const char* titel : {"ES", "ES", "NQ"}) {
+    for (const char* titel : {"Titel: ES", "Titel: ES", "Titel: NQ"}) {
         anzeige.Titellabel(titel);
         anzeige.Datumlabel("15.11.2026", false);
     }
     EXPECT_EQ(status.Eintraege.size(), 2u);
-    gesicht.DatenpflegeFensterErzeugen().Titellabel("NQ");
-    EXPECT_EQ(status.Anzahl("Datenpflege: NQ"), 2u);
+    gesicht.DatenpflegeFensterErzeugen().Titellabel("Titel: NQ");
+    EXPECT_EQ(status.Anzahl("Datenpflege - Titel: NQ"), 2u);
 }
 
 TEST(DienstgesichtTest, LogLinesGoToTheOutputWhereOneIsWanted) {
