@@ -408,6 +408,20 @@ TEST_F(DienstTest, ItAddsTheSampleTitlesToAnEmptyListOnly) {
     EXPECT_EQ(dienst->Sitzung().Modul().Titelliste.Anzahl(), 2u);
 }
 
+TEST_F(DienstTest, AnEndInsideTheBackfillOfTheCommandLineEndsTheProgram) {
+    MitTiteln(2);
+    bool lief = false;
+    welt.Plane(30, [&] {
+        lief = dienst->Sitzung().Modul().DatenpflegeLaeuft;
+        dienst->Beende();
+    });
+    EXPECT_FALSE(Starte({"--datenpflege", "15.11.2026", "Bezahlt"}));
+    EXPECT_TRUE(lief);
+    EXPECT_LT(welt.Sekunden(), 40);
+    EXPECT_EQ(dienst->Rueckgabe(), 0);
+    EXPECT_THAT(Log(), HasSubstr("Datenpflege - Titel: T1\r\n"));
+}
+
 TEST_F(DienstTest, ARefusedStartSaysWhy) {
     prozesse.AndereInstanz = true;
     EXPECT_FALSE(Starte({}));
