@@ -68,6 +68,12 @@ int ZufaelligeClientId(Datum jetzt) {
     return static_cast<int>(r1 * 500000 + 1 + 920000000 + r2 * 500000 + 1);
 }
 
+// Timer reading of the last tick that could be a record of the series.
+double LetzterTick(const clTitelobjekt& titel, std::int32_t kursart) {
+    if (kursart == kursart::Bezahlt) return titel.LastPriceVolTimer;
+    return kursart == kursart::Brief ? titel.LastAskVolTimer : titel.LastBidVolTimer;
+}
+
 struct Dateischluss {
     Dateisystem& Dateien;
     Dateihandle Handle;
@@ -148,6 +154,7 @@ bool Datenpflegelauf::Verbinde() {
 }
 
 void Datenpflegelauf::MeldeVerbindungsfehler() {
+    BerichteOhneVerbindung();
     if (IsManuelleDatenpflege)
         um_.Fragen.ZeigeMeldung("Es konnte keine Verbindung zu IB hergestellt werden.", meldung::Ok, 0);
     else
@@ -202,6 +209,7 @@ void Datenpflegelauf::BearbeiteSerie(clTitelobjekt& titel, std::int32_t kursart)
     else if (EndDatum != 0)
         serie.Ende = EndDatum + EineSekunde;
     serie.Spanne = Restspanne(serie);
+    serie.Bis = serie.Gedeckt = serie.Ende == 0 ? Jetzt() : serie.Ende;
     KeineDaten_ = false;
     TimeZoneId.clear();
     gesamt_.Leere();
@@ -218,10 +226,15 @@ void Datenpflegelauf::BearbeiteSerie(clTitelobjekt& titel, std::int32_t kursart)
     } while (!Abbruch && !serie.Zeitablauf && !serie.Beendet && !(serie.Ende < Startdatum));
 
     ++serienFertig_;
+    std::string fehlschlag;
     if (Abbruch && gesamt_.Anzahl() > 0 && !entladen_ &&
-        um_.Fragen.ZeigeMeldung("Bereits empfangene Daten speichern?", meldung::JaNein, 0) == meldung::AntwortNein)
+        um_.Fragen.ZeigeMeldung("Bereits empfangene Daten speichern?", meldung::JaNein, 0) == meldung::AntwortNein) {
         gesamt_.Leere();
-    if (gesamt_.Anzahl() > 0) Speichere(serie);
+        fehlschlag = "abgebrochen";
+    }
+    const std::size_t kurse = gesamt_.Anzahl();
+    if (kurse > 0 && !Speichere(serie)) fehlschlag = "nicht gespeichert (Umsatzfilter oder Fehler beim Einarbeiten)";
+    Berichte(serie, kurse, fehlschlag);
 }
 
 // False when the run was cancelled before the request could go out.
@@ -344,20 +357,29 @@ void Datenpflegelauf::BehalteBalken(Serie& serie) {
         serie.Ende = altesEnde - AnfrageSekunden * EineSekunde;
     } else {
         gesamt_.Uebernimm(saetze, Startdatum);
+        if (serie.Zeitablauf) serie.TeilVon = saetze.front().Datum, serie.TeilBis = saetze.back().Datum;
         serie.Ende = saetze.front().Datum - EineSekunde;
         // A service that answers beside the span it was asked for mustn't hold the run.
         if (altesEnde > 0 && serie.Ende >= altesEnde) serie.Ende = altesEnde - AnfrageSekunden * EineSekunde;
     }
     if (serie.Zeitablauf || Abbruch) return;
+    if (!serie.Beendet) serie.Gedeckt = serie.Ende;
     ++antworten_;
     antwortSekunden_ += SekundenSeit(serie.Anfragezeit, Jetzt());
     bewegt_ += SekundenSeit(serie.Ende, altesEnde > 0 ? altesEnde : std::max(Jetzt(), serie.Ende));
 }
 
-void Datenpflegelauf::Speichere(Serie& serie) {
+// False when nothing was stored.
+bool Datenpflegelauf::Speichere(Serie& serie) {
     Statuslabel("Status: Daten speichern" + Kursartzusatz(serie.Kursart));
     const auto saetze = gesamt_.Abgeben(serie.Titel.ZeitKorrektur);
-    if (einarbeiter_.DatenEinarbeiten(*this, serie.Titel, saetze, serie.Kursart) == 0) WarneNichtsGespeichert();
+    const Datum beginn = Jetzt();
+    const double tickVorher = LetzterTick(serie.Titel, serie.Kursart);
+    const bool gespeichert = einarbeiter_.DatenEinarbeiten(*this, serie.Titel, saetze, serie.Kursart) != 0;
+    if (um_.BeiVerlust && LetzterTick(serie.Titel, serie.Kursart) != tickVorher)
+        OhneFehler([&] { um_.BeiVerlust(serie.Titel, serie.Kursart, beginn, Jetzt()); });
+    if (!gespeichert) WarneNichtsGespeichert();
+    return gespeichert;
 }
 
 void Datenpflegelauf::WarneNichtsGespeichert() {

@@ -41,6 +41,18 @@ public:
     virtual void Ton() = 0;
 };
 
+// What became of the history of one series, or of a part of it. Times are those that were asked for.
+struct Datenpflegeergebnis {
+    const clTitelobjekt* Titel = nullptr;  // null: all titles of the run
+    std::int32_t Kursart = 0;              // of a title
+    Datum Von = 0;
+    Datum Bis = 0;
+    bool Ergaenzt = false;        // the service has answered for all of it, and what it gave is in the file
+    bool NurHandelszeit = false;  // of the regular trading hours only
+    std::size_t Kurse = 0;        // stored bars of the series
+    std::string Grund;            // why it isn't filled
+};
+
 // What a run needs from the house.
 struct Datenpflegeumgebung {
     IBModul& Modul;
@@ -51,6 +63,9 @@ struct Datenpflegeumgebung {
     Meldungen& Fragen;
     Datenpflegefenster& Fenster;
     tws::TwsFabrik Fabrik;
+    std::function<void(const Datenpflegeergebnis&)> BeiErgebnis = {};  // may be empty
+    // Live ticks of a series were lost to its merge. May be empty.
+    std::function<void(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis)> BeiVerlust = {};
 };
 
 // The start of a run without a given one: the time of the last record of the title's traded file. True when the file
@@ -114,6 +129,10 @@ private:
         double Spanne = 0;        // seconds of history wanted
         bool Zeitablauf = false;  // no answer came
         bool Beendet = false;     // the service has nothing older
+        Datum Bis = 0;            // newest time wanted
+        Datum Gedeckt = 0;        // the service has answered for all from here on
+        Datum TeilVon = 0;        // span of the bars of an answer without an end; 0 for none
+        Datum TeilBis = 0;
     };
     enum class Wartet { Weiter, NeueAnfrage, Ende };
 
@@ -130,7 +149,11 @@ private:
     bool WarteNachPacing(const Serie& serie);
     Wartet WarteAufVerbindung(Serie& serie);
     void BehalteBalken(Serie& serie);
-    void Speichere(Serie& serie);
+    bool Speichere(Serie& serie);
+    void Berichte(const Serie& serie, std::size_t kurse, const std::string& fehlschlag);
+    void BerichteOhneVerbindung();
+    void Melde(const Datenpflegeergebnis& ergebnis);
+    std::string Abbruchgrund(const Serie& serie) const;
     void WarneNichtsGespeichert();
     void Protokolliere(int errorCode, std::string_view errorMsg);
     void SetzeMerker(int errorCode);
@@ -159,6 +182,7 @@ private:
     Gesamtreihe gesamt_;
     bool Fertig_ = false;      // the request has ended
     bool KeineDaten_ = false;  // the request ended in an error
+    int fehlercode_ = 0;       // its code
     bool PacingWartet_ = false;
     bool PacingFrei_ = false;
     bool VerbindungWeg_ = false;

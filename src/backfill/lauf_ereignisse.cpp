@@ -87,6 +87,7 @@ void Datenpflegelauf::SetzeMerker(int errorCode) {
         case fehler::KeinKontrakt:
         case fehler::KeineFreigabe:
             Fertig_ = KeineDaten_ = true;
+            fehlercode_ = errorCode;
             break;
         case fehler::HistorienfarmBereit:
             if (PacingWartet_) takt_.Freigabe(Jetzt());

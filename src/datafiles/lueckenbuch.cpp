@@ -208,14 +208,12 @@ bool Lueckenbuch::SchreibeAlle() {
     return fehler == 0;
 }
 
-bool LiesLueckenbuch(Dateisystem& dateien, const std::string& datenordner, std::vector<Lueckenzeile>& zeilen,
-                     std::size_t hoechstens) {
+bool LiesLueckenbuch(Dateisystem& dateien, const std::string& datenordner, std::vector<Lueckenzeile>& zeilen) {
     const std::string ordner = Ordnerpfad(datenordner);
     std::vector<std::string> namen;
     for (const Verzeichniseintrag& eintrag : dateien.Liste(ordner))
         if (!eintrag.IstOrdner && eintrag.Name.ends_with(Endung)) namen.push_back(eintrag.Name);
     std::ranges::sort(namen);
-    if (namen.size() > hoechstens) namen.erase(namen.begin(), namen.end() - static_cast<std::ptrdiff_t>(hoechstens));
     Sammlung sammlung;
     bool alle = true;
     std::string inhalt;

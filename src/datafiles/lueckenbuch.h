@@ -22,7 +22,6 @@
 
 #include <cstdint>
 #include <deque>
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -129,9 +128,8 @@ private:
 };
 
 // All lines below a data folder, by beginning: open lines that were closed later are left out, equal lines come once.
-// `hoechstens`: the newest so many files. A line that has no end yet in the file, as while it is being written, isn't
-// one. False when there are files that can't be read.
-bool LiesLueckenbuch(Dateisystem& dateien, const std::string& datenordner, std::vector<Lueckenzeile>& zeilen,
-                     std::size_t hoechstens = std::numeric_limits<std::size_t>::max());
+// A line that has no end yet in the file, as while it is being written, isn't one. False when there are files that
+// can't be read.
+bool LiesLueckenbuch(Dateisystem& dateien, const std::string& datenordner, std::vector<Lueckenzeile>& zeilen);
 
 }  // namespace zek

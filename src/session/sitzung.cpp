@@ -1,5 +1,8 @@
 #include "session/sitzung.h"
 
+#include "platform/ohnefehler.h"
+#include "platform/text.h"
+
 namespace zek {
 
 Sitzung::Sitzung(Plattform plattform, Gesicht& gesicht, const std::string& befehlszeile)
@@ -34,6 +37,8 @@ void Sitzung::HauptfensterLaden() {
     teile_ = std::make_unique<Zusammenbau>(
         Zusammenbau::Umgebung{plattform_, modul_, einstellungen_, gesicht_, protokoll_, [this] { Beende(); }});
     modul_.Startzeitpunkt = plattform_.Uhr.Jetzt();
+    const std::string ende = einstellungen_.LeseEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd", "0");
+    OhneFehler([&] { teile_->Luecken.Beginne(Zahlwert(ende)); });
     teile_->StarteZeitgeber();
 }
 
@@ -47,6 +52,7 @@ void Sitzung::AtomZeitAbfrage() {
 
 void Sitzung::Titelladen() {
     teile_->Lader.Titelladen();
+    OhneFehler([this] { teile_->Luecken.TitelGeladen(); });
 }
 
 void Sitzung::ErsteDatenpflegeVormerken() {

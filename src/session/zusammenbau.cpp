@@ -17,13 +17,14 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
       neustartbruecke_(*this, um.Einstellungen, um.Entladen),
       rundenbruecke_(*this, um.Einstellungen, um.Gesicht),
       datenpflegebruecke_(um.Einstellungen, um.Gesicht),
-      Ablage(um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Status, VorzeichenVolumen),
+      Luecken(um.Modul, um.Plattform.Dateien, um.Plattform.Uhr),
+      Ablage(um.Modul, um.Plattform.Dateien, um.Status, VorzeichenVolumen, &Luecken),
       Atomuhr(um.Modul, um.Plattform.Uhr, um.Plattform.Tcp, um.Status),
       Neustarter(um.Modul, um.Plattform.Uhr, um.Plattform.Pumpe, um.Plattform.Dateien, um.Plattform.Prozesse, um.Status,
                  um.Gesicht, neustartbruecke_),
       Marktdaten({um.Modul, um.Plattform.Uhr, um.Plattform.Pumpe, Ablage, um.Status, um.Gesicht, um.Gesicht,
                   um.Plattform.Tws, [this](std::int64_t time) { Atomuhr.currentTime(time); },
-                  [this](int code) { Neustarter.WegenFehler(code); }}),
+                  [this](int code) { Neustarter.WegenFehler(code); }, &Luecken}),
       Info(um.Modul, um.Plattform.Uhr, [&gesicht = um.Gesicht](const std::string& text) { gesicht.TitelInfo(text); }),
       Lader(
           um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Plattform.Pumpe, um.Gesicht, um.Gesicht,
@@ -31,7 +32,11 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
            [this] { Info.TitelInfoAktualisieren(false); }}),
       Sicherung(um.Modul, um.Plattform.Dateien, um.Gesicht, um.Gesicht),
       Datenpflege({{um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Plattform.Pumpe, um.Status, um.Gesicht,
-                    datenpflegebruecke_, um.Plattform.Tws},
+                    datenpflegebruecke_, um.Plattform.Tws,
+                    [this](const Datenpflegeergebnis& ergebnis) { Luecken.DatenpflegeErgebnis(ergebnis); },
+                    [this](const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+                        Luecken.BeimEinarbeitenVerloren(titel, kursart, von, bis);
+                    }},
                    um.Plattform.Zeitgeber,
                    datenpflegebruecke_,
                    datenpflegebruecke_,
@@ -39,16 +44,20 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
       Aufsicht(um.Modul, um.Plattform.Uhr, um.Status, Neustarter, rundenbruecke_),
       zeitgeber_(um.Plattform.Zeitgeber.Erzeuge(Runde::Intervall, [this] { Aufsicht.Durchlauf(); })),
       tickzaehlerTimer_(
-          um.Plattform.Zeitgeber.Erzeuge(Titelinfo::Intervall, [this] { Info.TitelInfoAktualisieren(true); })) {
+          um.Plattform.Zeitgeber.Erzeuge(Titelinfo::Intervall, [this] { Info.TitelInfoAktualisieren(true); })),
+      lueckenTimer_(um.Plattform.Zeitgeber.Erzeuge(Lueckenwache::Intervall, [this] { Luecken.Durchlauf(); })) {
     Atomuhr.SetzeZeitserver(Option(um.Einstellungen, "Zeitserver1"), Option(um.Einstellungen, "Zeitserver2"));
 }
 
 void Zusammenbau::StarteZeitgeber() {
     zeitgeber_->Starte();
     tickzaehlerTimer_->Starte();
+    lueckenTimer_->Starte();
 }
 
 void Zusammenbau::HalteAn() {
+    OhneFehler([this] { Luecken.Beende(); });
+    lueckenTimer_->Stoppe();
     Aufsicht.Beende();
     zeitgeber_->Stoppe();
     tickzaehlerTimer_->Stoppe();

@@ -10,6 +10,7 @@
 #include "session/beispieltitel.h"
 #include "session/bruecken.h"
 #include "session/plattform.h"
+#include "supervision/lueckenwache.h"
 #include "supervision/systemuhr.h"
 #include "supervision/titelinfo.h"
 
@@ -33,7 +34,7 @@ struct Zusammenbau {
     Zusammenbau(const Zusammenbau&) = delete;
     Zusammenbau& operator=(const Zusammenbau&) = delete;
 
-    // The timers of the main window: supervision round and tick counter.
+    // The timers of the main window: supervision round, tick counter and the watch over gaps.
     void StarteZeitgeber();
     // For the shutdown: no timer, no round and no waiting backfill any more; a run that is going stops.
     void HalteAn();
@@ -52,6 +53,7 @@ private:
     Datenpflegebruecke datenpflegebruecke_;
 
 public:
+    Lueckenwache Luecken;
     Datensatzschreiber Ablage;
     Systemuhr Atomuhr;
     Neustart Neustarter;
@@ -65,6 +67,7 @@ public:
 private:
     std::unique_ptr<Zeitgeber> zeitgeber_;
     std::unique_ptr<Zeitgeber> tickzaehlerTimer_;
+    std::unique_ptr<Zeitgeber> lueckenTimer_;
 };
 
 }  // namespace zek
