@@ -1,4 +1,5 @@
 // The simulator's bytes against layouts written out by hand, and its conduct.
+#include "platform/text.h"
 #include "simulator/meldungen.h"
 #include "simulator/rohklient.h"
 
@@ -33,6 +34,10 @@ std::string Eine(Schreibe schreibe) {
     std::string bytes;
     schreibe(bytes);
     return Inhalte(bytes).at(0);
+}
+
+int Ganz(const std::string& text) {
+    return static_cast<int>(Ganzzahl(text).value());
 }
 
 Einstellungen Ruhig() {
@@ -184,6 +189,21 @@ TEST(Anmeldung, NextValidIdMayComeLateOrNever) {
     auto wartender = nie.Angemeldet();
     nie.Laufe(100);
     EXPECT_EQ(wartender->Anzahl("9|"), 0u);
+}
+
+TEST(Anmeldung, OrdersOfOthersMayComeBeforeNextValidIdAndFarmsOneByOne) {
+    Einstellungen e;
+    e.OrdersVorNextValidId = true;
+    e.Farmabstand = 2;
+    Schauplatz schauplatz(e);
+    auto klient = schauplatz.Verbinde();
+    klient->MeldeAn();
+    EXPECT_THAT(klient->Zeilen, ElementsAre(StartsWith("187|"), StartsWith("15|"), StartsWith("5|"), StartsWith("3|"),
+                                            "53|1|", "9|1|1|", StartsWith("4|2|-1|2104|")));
+    schauplatz.Laufe(5);
+    EXPECT_EQ(klient->Anzahl("4|"), 3u);
+    schauplatz.Laufe(2);
+    EXPECT_THAT(klient->Zeilen.back(), StartsWith("4|2|-1|2158|"));
 }
 
 // ---- layouts by version
@@ -423,8 +443,8 @@ TEST(Ticks, HistoryAgreesWithWhatWasSentLive) {
     const auto felder = Spalten(klient->Mit("17|7|").at(0));
     ASSERT_EQ(felder.at(4), "119");
     for (std::size_t i = 0; i < 119; ++i) {
-        EXPECT_EQ(std::stod(felder.at(5 + i * 8 + 4)), lasts.at(i + 1)) << i;
-        EXPECT_EQ(std::stod(felder.at(5 + i * 8 + 5)), gesamt.at(i + 1) - gesamt.at(i)) << i;
+        EXPECT_EQ(Zahlwert(felder.at(5 + i * 8 + 4)), lasts.at(i + 1)) << i;
+        EXPECT_EQ(Zahlwert(felder.at(5 + i * 8 + 5)), gesamt.at(i + 1) - gesamt.at(i)) << i;
     }
     EXPECT_EQ(felder.at(5), "20261116 12:00:01 MET");
 }
@@ -609,7 +629,7 @@ TEST(Auskunft, AccountDataEndWithTheirEndAndComeAgain) {
     EXPECT_EQ(klient->Anzahl("8|1|12:00|"), 1u);
     ASSERT_EQ(klient->Anzahl("7|8|"), 4u);
     const auto future = Spalten(klient->Mit("7|8|620731015|ES|FUT|20261218|0|0|50|CME|USD|ESZ6|ES|-2|").at(0));
-    EXPECT_EQ(std::stod(future.at(15)), -2 * 50 * std::stod(future.at(14)));
+    EXPECT_EQ(Zahlwert(future.at(15)), -2 * 50 * Zahlwert(future.at(14)));
     klient->Vergiss();
     schauplatz.Laufe(181);
     EXPECT_GE(klient->Anzahl("7|8|"), 4u);
@@ -640,14 +660,14 @@ TEST(Auskunft, DepthIsABookThatStaysRight) {
     std::vector<std::pair<double, double>> seiten[2];
     for (const auto& zeile : klient->Zeilen) {
         const auto f = Spalten(zeile);
-        auto& seite = seiten[std::stoi(f.at(5))];
-        const auto wo = std::stoul(f.at(3));
+        auto& seite = seiten[Ganz(f.at(5))];
+        const auto wo = static_cast<std::size_t>(Ganz(f.at(3)));
         if (f.at(4) == "0") {
             ASSERT_LE(wo, seite.size());
-            seite.insert(seite.begin() + static_cast<std::ptrdiff_t>(wo), {std::stod(f.at(6)), std::stod(f.at(7))});
+            seite.insert(seite.begin() + static_cast<std::ptrdiff_t>(wo), {Zahlwert(f.at(6)), Zahlwert(f.at(7))});
         } else {
             ASSERT_LT(wo, seite.size());
-            if (f.at(4) == "1") seite[wo] = {std::stod(f.at(6)), std::stod(f.at(7))};
+            if (f.at(4) == "1") seite[wo] = {Zahlwert(f.at(6)), Zahlwert(f.at(7))};
             if (f.at(4) == "2") seite.erase(seite.begin() + static_cast<std::ptrdiff_t>(wo));
         }
         ASSERT_LE(seite.size(), 10u);
@@ -763,7 +783,7 @@ TEST(Historie, SecondsWithoutATradeAreFilledOrMissing) {
     schauplatz.Server.Setze().LueckenFuellen = false;
     klient->Sende(Historie(2, "", "299 S"));
     schauplatz.Laufe(1);
-    const int mitHandel = std::stoi(Spalten(klient->Mit("17|2|").at(0)).at(4));
+    const int mitHandel = Ganz(Spalten(klient->Mit("17|2|").at(0)).at(4));
     EXPECT_GT(mitHandel, 5);
     EXPECT_LT(mitHandel, 150);
 }
@@ -777,8 +797,8 @@ TEST(Historie, LongerBarsAreMadeOfSeconds) {
     const auto sekunden = Spalten(klient->Mit("17|1|").at(0)), minuten = Spalten(klient->Mit("17|2|").at(0));
     ASSERT_EQ(minuten.at(4), "2");
     double umsatz = 0;
-    for (std::size_t i = 60; i < 120; ++i) umsatz += std::stod(sekunden.at(5 + i * 8 + 5));
-    EXPECT_EQ(std::stod(minuten.at(5 + 8 + 5)), umsatz);
+    for (std::size_t i = 60; i < 120; ++i) umsatz += Zahlwert(sekunden.at(5 + i * 8 + 5));
+    EXPECT_EQ(Zahlwert(minuten.at(5 + 8 + 5)), umsatz);
     EXPECT_EQ(minuten.at(5 + 8 + 4), sekunden.at(5 + 119 * 8 + 4));
     EXPECT_EQ(minuten.at(5 + 8), "20261116 11:29:00 MET");
 }
