@@ -1,6 +1,7 @@
 #include "datafiles/werkzeug.h"
 
 #include "datafiles/werkzeug_befehle.h"
+#include "datafiles/werkzeug_luecken.h"
 
 #include <span>
 #include <string_view>
@@ -17,6 +18,8 @@ Aufruf:
   zek tabelle DATEI|ORDNER...            eine Zeile je Datei, mit dem letzten Kurs
   zek csv [--zeit deutsch|iso] DATEI     alle Datensätze als CSV auf die Standardausgabe
   zek check ORDNER...                    alle Dateien *.ZEK unterhalb der Ordner prüfen
+  zek gaps [--csv] [--von DATUM] [--bis DATUM] [--titel MUSTER] ORDNER
+                                         was ein Datenordner lückenlos hat, was ergänzt wurde und was fehlt
   zek --help                             diese Hilfe
   zek --version                          die Version
 
@@ -26,6 +29,9 @@ csv:   --zeit deutsch (Vorgabe): 15.11.2026 18:21:53,250;5012,25;3
        --zeit iso:               2026-11-15T18:21:53.250,5012.25,3
 
 check: Rückgabewert 0: alles in Ordnung; 1: beschädigte Dateien; 2: falscher Aufruf oder nicht lesbar.
+
+gaps:  Anteile je Titel und Tag, alle Lücken mit Ursache, ein Urteil je Woche; nach dem Lückennachweis, den das
+       Programm neben den Daten führt. Rückgabewert 0: es fehlt nichts; 1: es fehlt etwas; 2: wie oben.
 )";
 
 int FalscherAufruf(std::ostream& fehler, const std::string& grund) {
@@ -84,6 +90,11 @@ int Fuehre(const std::vector<std::string>& argumente, const std::string& version
     if (befehl == "--version") {
         ausgabe << "zek " << version << "\n";
         return werkzeug::Gut;
+    }
+    if (befehl == "gaps") {
+        std::string grund;
+        const int ergebnis = werkzeug::RufeLuecken(rest, dateien, ausgabe, fehler, grund);
+        return grund.empty() ? ergebnis : FalscherAufruf(fehler, grund);
     }
     if (befehl == "csv") return RufeCsv(rest, dateien, ausgabe, fehler);
     if (befehl == "info" || befehl == "tabelle" || befehl == "check")

@@ -4,6 +4,7 @@
 //   zek tabelle FILE|DIR...                    one line for each file, its last price with it
 //   zek csv [--zeit deutsch|iso] FILE          all records as CSV
 //   zek check DIR...                           damage of every file below the folders
+//   zek gaps [--csv] [--von D] [--bis D] [--titel PATTERN] DIR     what is recorded, filled and missing, and why
 //   zek --help, zek --version
 #pragma once
 

@@ -1,0 +1,196 @@
+#include "datafiles/lueckenbuch.h"
+
+#include "datafiles/zeitspannen.h"
+#include "hilfen/ram_dateisystem.h"
+#include "hilfen/stoerdateisystem.h"
+#include "hilfen/virtuelle_welt.h"
+#include "platform/datum.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace zek {
+namespace {
+
+using namespace hilfen;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+Datum Um(int stunde, int minute, double sekunde = 0) {
+    return DatumAus(2026, 11, 16, stunde, minute, sekunde);
+}
+
+// The world stands at Monday, 2026-11-16, 12:00.
+class LueckenbuchTest : public testing::Test {
+protected:
+    LueckenbuchTest() {
+        modul.Datenordner = "/d";
+        ram.LegeOrdnerbaumAn("/d");
+    }
+    std::string Heute() const { return ram.Inhalt("/d/Lücken/2026-11-16.txt"); }
+    std::vector<std::string> Gelesen() {
+        std::vector<Lueckenzeile> zeilen;
+        EXPECT_TRUE(LiesLueckenbuch(dateien, "/d", zeilen));
+        std::vector<std::string> texte;
+        for (const auto& zeile : zeilen) texte.push_back(Zeilentext(zeile));
+        return texte;
+    }
+
+    VirtuelleWelt welt;
+    IBModul modul;
+    RamDateisystem ram;
+    StoerDateisystem dateien{ram};
+    Lueckenbuch buch{modul, dateien, welt};
+};
+
+TEST_F(LueckenbuchTest, LinesStandAsWrittenByHand) {
+    buch.Schreibe({Um(10, 0, 7.25), 0, "*", "TWS offline", ""});
+    buch.Schreibe({Um(10, 0, 7.25), Um(10, 2), "*", "TWS offline", ""});
+    buch.Schreibe({Um(9, 57), Um(10, 2, 3.9996), "ES\tZ6", "Datenpflege Brief", "ergänzt: 12\nSekundenkurse"});
+    EXPECT_EQ(
+        Heute(),
+        "16.11.2026 10:00:07,250\t\t*\tTWS offline\t\n"
+        "16.11.2026 10:00:07,250\t16.11.2026 10:02:00,000\t*\tTWS offline\t\n"
+        "16.11.2026 09:57:00,000\t16.11.2026 10:02:04,000\tES Z6\tDatenpflege Brief\tergänzt: 12 Sekundenkurse\n");
+}
+
+TEST_F(LueckenbuchTest, AClosedLineTakesTheOpenOneAwayAlsoFromAnEarlierDay) {
+    ram.LegeDateiAn("/d/Lücken/2026-11-15.txt",
+                    "15.11.2026 23:59:59,999\t\t*\tTWS offline\t\n"
+                    "15.11.2026 12:00:00,000\t\tES\tTitel nicht aktiv\t\n");
+    ram.LegeDateiAn("/d/Lücken/2026-11-16.txt",
+                    "15.11.2026 23:59:59,999\t16.11.2026 00:01:00,000\t*\tTWS offline\t\n"
+                    "15.11.2026 23:59:59,999\t16.11.2026 00:01:00,000\t*\tTWS offline\t\n"
+                    "15.11.2026 23:59:59,999\t16.11.2026 00:01:00,000\tES\tTWS offline\t\n");
+    EXPECT_THAT(Gelesen(), ElementsAre("15.11.2026 12:00:00,000\t\tES\tTitel nicht aktiv\t\n",
+                                       "15.11.2026 23:59:59,999\t16.11.2026 00:01:00,000\t*\tTWS offline\t\n",
+                                       "15.11.2026 23:59:59,999\t16.11.2026 00:01:00,000\tES\tTWS offline\t\n"));
+}
+
+TEST_F(LueckenbuchTest, ForeignAndDamagedLinesArePassedOver) {
+    const std::string gut = "16.11.2026 10:00:00,000\t16.11.2026 10:01:00,000\t*\tTWS offline\t";
+    EXPECT_TRUE(LiesLueckenzeile(gut));
+    EXPECT_TRUE(LiesLueckenzeile(gut + "\r"));
+    const std::vector<std::string> schlechte = {
+        "",
+        "Notiz",
+        gut + "\tmehr",
+        gut.substr(0, gut.size() - 1),
+        "16.11.2026 10:00:00.000\t\t*\tTWS offline\t",                         // a point
+        "16.11.2026 10:00:00,0x0\t\t*\tTWS offline\t",                         // no digit
+        "31.02.2026 10:00:00,000\t\t*\tTWS offline\t",                         // no day
+        "16.11.2026 10:00:00,000\t16.11.2026 09:59:59,999\t*\tTWS offline\t",  // ends before it begins
+        "16.11.2026 10:00:00,000\t\t\tTWS offline\t",
+        "16.11.2026 10:00:00,000\t\t*\t\t"};
+    for (const auto& text : schlechte) EXPECT_FALSE(LiesLueckenzeile(text)) << text;
+}
+
+// Whatever is left of a line when the process dies in it, no reader takes it for one, and the next line is whole.
+TEST_F(LueckenbuchTest, ALineTornAtAnyLengthIsNeverReadAndHurtsNoOther) {
+    const Lueckenzeile erste{Um(10, 0), Um(10, 1), "*", "TWS offline", ""};
+    const Lueckenzeile zweite{Um(11, 0), Um(11, 1), "*", "Keine Kurse", ""};
+    const std::string text = Zeilentext(erste);
+    for (std::size_t laenge = 0; laenge <= text.size(); ++laenge) {
+        ram.LegeDateiAn("/d/Lücken/2026-11-16.txt", text.substr(0, laenge));
+        const bool ganz = laenge == text.size();
+        EXPECT_EQ(Gelesen().size(), ganz ? 1u : 0u) << laenge;
+        buch.Schreibe(zweite);
+        EXPECT_EQ(Gelesen().size(), ganz ? 2u : 1u) << laenge;
+        EXPECT_EQ(Gelesen().back(), Zeilentext(zweite));
+    }
+}
+
+TEST_F(LueckenbuchTest, WhatCannotBeWrittenWaitsForTheNextLine) {
+    const auto zeile = [](int minute) {
+        return Lueckenzeile{Um(10, minute), Um(10, minute + 1), "*", "TWS offline", ""};
+    };
+    dateien.StoereArt(Dateiaufruf::Schreibe, ENOSPC);
+    buch.Schreibe(zeile(0));
+    buch.Schreibe(zeile(1));
+    EXPECT_EQ(buch.Wartend(), 2u);
+    EXPECT_THAT(Gelesen(), IsEmpty());
+    dateien.Heile();
+    buch.Schreibe(zeile(2));
+    EXPECT_EQ(buch.Wartend(), 0u);
+    EXPECT_THAT(Gelesen(), ElementsAre(Zeilentext(zeile(0)), Zeilentext(zeile(1)), Zeilentext(zeile(2))));
+    EXPECT_EQ(ram.OffeneHandles(), 0u);
+}
+
+TEST_F(LueckenbuchTest, AWriteThatFailsHalfWayIsMadeGood) {
+    dateien.Stoere({.Art = Dateiaufruf::Schreibe, .Ab = 1, .Anzahl = 1, .Fehler = 0, .Kurz = 30});
+    dateien.Stoere({.Art = Dateiaufruf::Schreibe, .Ab = 2, .Anzahl = 1, .Fehler = ENOSPC});
+    const Lueckenzeile zeile{Um(10, 0), Um(10, 1), "*", "TWS offline", ""};
+    buch.Schreibe(zeile);
+    EXPECT_EQ(buch.Wartend(), 1u);
+    buch.Nachholen();
+    EXPECT_EQ(buch.Wartend(), 0u);
+    EXPECT_THAT(Gelesen(), ElementsAre(Zeilentext(zeile)));
+}
+
+TEST_F(LueckenbuchTest, EachFailingCallLosesNoLine) {
+    const Lueckenzeile alt{Um(9, 0), Um(9, 1), "*", "TWS offline", ""};
+    const Lueckenzeile neu{Um(10, 0), Um(10, 1), "*", "TWS offline", ""};
+    buch.Schreibe(alt);
+    dateien.VergissProtokoll();
+    buch.Schreibe(alt);
+    const auto aufrufe = dateien.Anzahl();
+    ASSERT_GT(aufrufe, 4u);
+    for (std::uint64_t n = 1; n <= aufrufe; ++n) {
+        dateien.StoereNten(n, EIO);
+        buch.Schreibe(neu);
+        dateien.Heile();
+        buch.Nachholen();
+        EXPECT_EQ(buch.Wartend(), 0u) << n;
+        EXPECT_THAT(Gelesen(), ElementsAre(Zeilentext(alt), Zeilentext(neu))) << n;
+        EXPECT_EQ(ram.OffeneHandles(), 0u) << n;
+    }
+}
+
+TEST_F(LueckenbuchTest, TheQueueOfWaitingLinesIsBounded) {
+    dateien.StoereArt(Dateiaufruf::Oeffne, EACCES);
+    buch.HalteZurueck(true);
+    for (std::size_t i = 0; i < Lueckenbuch::Hoechstzahl + 5; ++i)
+        buch.Schreibe({Um(10, 0), Um(10, 1), "T" + std::to_string(i), "TWS offline", ""});
+    EXPECT_EQ(buch.Wartend(), Lueckenbuch::Hoechstzahl);
+}
+
+TEST_F(LueckenbuchTest, ALineGoesIntoTheFileOfTheDayOnWhichItIsWritten) {
+    welt.StelleUhr(DatumAus(2026, 12, 31, 23, 59, 59));
+    buch.Schreibe({Um(10, 0), 0, "*", "TWS offline", ""});
+    welt.Laufe(2);
+    buch.Schreibe({Um(10, 0), Um(10, 1), "*", "TWS offline", ""});
+    EXPECT_THAT(ram.Dateien(), ElementsAre("/d/Lücken/2026-12-31.txt", "/d/Lücken/2027-01-01.txt"));
+}
+
+TEST(Lueckenzeile, TheCauseTellsWhatItMeansAndUnknownOnesAreGaps) {
+    const auto bedeutung = [](const char* text) { return Lueckenzeile{1, 2, "*", text, ""}.Bedeutung(); };
+    EXPECT_EQ(bedeutung("TWS offline"), Wertung::Luecke);
+    EXPECT_EQ(bedeutung("Abonnement abgelehnt (354)"), Wertung::Luecke);
+    EXPECT_EQ(bedeutung("Aufzeichnungspause"), Wertung::Gewollt);
+    EXPECT_EQ(bedeutung("Markttiefe abgelehnt (309)"), Wertung::Nebenbei);
+    EXPECT_EQ(bedeutung("Programmstart"), Wertung::Hinweis);
+    EXPECT_EQ(bedeutung("Datenpflege Geld"), Wertung::Pflege);
+    EXPECT_EQ(bedeutung("Sonnenfinsternis"), Wertung::Luecke);
+    EXPECT_EQ((Lueckenzeile{1, 2, "*", "Datenpflege Geld", ""}.Zusatz()), "Geld");
+    EXPECT_EQ((Lueckenzeile{1, 2, "*", "TWS offline", ""}.Zusatz()), "");
+}
+
+TEST(ZeitspannenTest, UniteCutAndTakeAway) {
+    Zeitspannen a(10, 20);
+    a.Fuege(30, 40);
+    a.Fuege(20, 25);  // touches
+    a.Fuege(5, 5);
+    EXPECT_THAT(a.Alle(), ElementsAre(Zeitspanne{10, 25}, Zeitspanne{30, 40}));
+    EXPECT_EQ(a.Dauer(), 25);
+    Zeitspannen b(0, 12);
+    b.Fuege(15, 35);
+    EXPECT_THAT(a.Schnitt(b).Alle(), ElementsAre(Zeitspanne{10, 12}, Zeitspanne{15, 25}, Zeitspanne{30, 35}));
+    EXPECT_THAT(a.Ohne(b).Alle(), ElementsAre(Zeitspanne{12, 15}, Zeitspanne{35, 40}));
+    EXPECT_THAT(Zeitspannen(0, 50).Ohne(a).Alle(),
+                ElementsAre(Zeitspanne{0, 10}, Zeitspanne{25, 30}, Zeitspanne{40, 50}));
+    a.Fuege(0, 100);
+    EXPECT_THAT(a.Alle(), ElementsAre(Zeitspanne{0, 100}));
+}
+
+}  // namespace
+}  // namespace zek
