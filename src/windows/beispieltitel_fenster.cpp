@@ -11,6 +11,8 @@ namespace zek {
 
 namespace {
 
+constexpr int Fensterbreite = 460;
+
 QLabel* Absatz(const QString& text) {
     auto* absatz = new QLabel(text);
     absatz->setWordWrap(true);
@@ -62,7 +64,7 @@ frmBeispieltitel::frmBeispieltitel(QWidget* eltern, Meldungen& meldungen,
         "Marktdaten bei IB abboniert sein, oder Sie verwenden die TWS mit einem Demo-Account."));
     aufbau->addStretch();
     aufbau->addLayout(unten);
-    resize(460, sizeHint().height());
+    resize(Fensterbreite, aufbau->totalHeightForWidth(Fensterbreite));
     LBereiche_->setFocus();
 }
 

@@ -83,7 +83,9 @@ void frmDatenpflegeFortschritt::AktuelleTitelLabel(const std::string& text) {
 
 void frmDatenpflegeFortschritt::Datumlabel(const std::string& text, bool rot) {
     Datumlabel_->setText(Q(text));
-    Datumlabel_->setStyleSheet(rot ? "color: rgb(220, 0, 0)" : "");
+    const bool dunkel = palette().color(QPalette::Window).lightness() < 128;
+    const char* warnfarbe = dunkel ? "color: rgb(255, 120, 120)" : "color: rgb(200, 0, 0)";
+    Datumlabel_->setStyleSheet(rot ? warnfarbe : "");
 }
 
 void frmDatenpflegeFortschritt::Statuslabel(const std::string& text, bool rot) {

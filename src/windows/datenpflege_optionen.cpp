@@ -112,6 +112,7 @@ void frmDatenpflegeOptionen::SchalteEnde() {
     const bool waehlbar = !optAktualBisAktuell_->isChecked();
     Datumfeld_[Bis]->setEnabled(waehlbar);
     Zeitfeld_[Bis]->setEnabled(waehlbar);
+    BeschriftungenSchalten(*this);
 }
 
 Datum frmDatenpflegeOptionen::Zeitpunkt(std::size_t ende) const {

@@ -3,6 +3,7 @@
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
@@ -64,6 +65,11 @@ private:
 };
 
 }  // namespace
+
+void BeschriftungenSchalten(const QWidget& dialog) {
+    for (QLabel* label : dialog.findChildren<QLabel*>())
+        if (label->buddy() != nullptr) label->setEnabled(label->buddy()->isEnabled());
+}
 
 void MarkiereBeiEintritt(QLineEdit* feld) {
     feld->installEventFilter(new Eintrittsmarkierer(feld));

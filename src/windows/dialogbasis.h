@@ -32,6 +32,9 @@ private:
     std::string hilfeseite_;
 };
 
+// Greys the labels of disabled fields: each label is as enabled as the field that it names.
+void BeschriftungenSchalten(const QWidget& dialog);
+
 // Selects the whole text whenever the field gets the focus.
 void MarkiereBeiEintritt(QLineEdit* feld);
 

@@ -91,6 +91,10 @@ QWidget* IB_Hauptfenster::MacheStart() {
     startinfo_ = Label("Startinfo");
     startinfo_->setAlignment(Qt::AlignCenter);
     startinfo_->setWordWrap(true);
+    // The window is disabled during the start; what it says then is to be read all the same.
+    QPalette farben = startinfo_->palette();
+    farben.setColor(QPalette::Disabled, QPalette::WindowText, farben.color(QPalette::Active, QPalette::WindowText));
+    startinfo_->setPalette(farben);
     fortschritt_ = new QProgressBar;
     fortschritt_->setObjectName("FortschrittAnzeige");
     fortschritt_->setTextVisible(false);

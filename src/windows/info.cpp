@@ -38,6 +38,7 @@ frmTessaronInfo::frmTessaronInfo(QWidget* eltern, const QString& version) : QDia
     connect(system, &QPushButton::clicked, this, [this] { StartSysInfo(); });
     auto* aufbau = new QVBoxLayout(this);
     aufbau->addLayout(oben);
+    aufbau->addSpacing(12);
     aufbau->addWidget(leiste);
     setMinimumWidth(420);
     okay->setFocus();

@@ -48,7 +48,7 @@ void frmMessageDialog::Aufbauen(const QString& text) {
     for (int i = 0; i < knoepfe_.Anzahl; ++i) {
         auto* knopf = new QPushButton(Q(knoepfe_.Beschriftung[static_cast<std::size_t>(i)]), this);
         knopf->setObjectName(QString("btn(%1)").arg(i));
-        knopf->setAutoDefault(false);
+        knopf->setAutoDefault(true);  // so the button that Enter presses looks like it
         connect(knopf, &QPushButton::clicked, this, [this, i] { Klick(i); });
         btn_[static_cast<std::size_t>(i)] = knopf;
     }

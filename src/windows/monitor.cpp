@@ -31,7 +31,6 @@ frmMonitor::frmMonitor(QWidget* eltern, const Titelliste& titel, Einstellungsspe
     optStatisch_->setToolTip("Eine feste Zeile je Titel statt einer laufenden Liste aller Kurse");
     optStatisch_->setChecked(Zahlwert(speicher_.LeseEinstellung(ProduktName, Abschnitt, "Statisch", "0")) != 0);
     auto* hinweis = new QLabel("Anzeige bitte schließen, wenn nicht benötigt");
-    hinweis->setEnabled(false);
     LMonitor_ = new QTableView;
     LMonitor_->setObjectName("LMonitor");
     LMonitor_->setModel(modell_);
@@ -69,6 +68,7 @@ frmMonitor::~frmMonitor() {
 void frmMonitor::Baue() {
     const bool statisch = optStatisch_->isChecked();
     modell_->Baue(statisch, titel_);
+    LMonitor_->scrollToTop();
     QHeaderView* kopf = LMonitor_->horizontalHeader();
     const int zeichen = fontMetrics().averageCharWidth();
     for (int spalte = 0; spalte < kopf->count(); ++spalte)

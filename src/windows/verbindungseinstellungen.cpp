@@ -40,6 +40,12 @@ frmIBBrokerOptionen::frmIBBrokerOptionen(QWidget* eltern, Meldungen& meldungen, 
     setObjectName("frmIBBrokerOptionen");
     txtIPAdresse_ = Feld("txtIPAdresse", Q(angaben.IBIPAdr));
     txtIPAdresse_->setPlaceholderText("127.0.0.1");
+    // Some desktops' dark colours leave this one black.
+    QPalette farben = txtIPAdresse_->palette();
+    QColor blass = farben.color(QPalette::Text);
+    blass.setAlphaF(0.55F);
+    farben.setColor(QPalette::PlaceholderText, blass);
+    txtIPAdresse_->setPalette(farben);
     txtPort_ = Feld("txtPort", angaben.IBPort > 0 ? QString::number(angaben.IBPort) : QString("7496"));
     txtIBClientID_ = Feld("txtIBClientID", QString::number(angaben.IBLoginID));
 

@@ -152,7 +152,7 @@ QGroupBox* frmZEKEinstellungen::GruppeEinschraenken() {
     aufbau->addWidget(optKursaufzeichnungDeaktivieren_);
     aufbau->addLayout(
         Eingerueckt(Reihe({Beschriftung("Zwischen", KursAufzeichnungDeaktivStart_), KursAufzeichnungDeaktivStart_,
-                           new QLabel("und"), KursAufzeichnungDeaktivEnde_})));
+                           Beschriftung("und", KursAufzeichnungDeaktivEnde_), KursAufzeichnungDeaktivEnde_})));
     aufbau->addLayout(Eingerueckt(Reihe(
         {Beschriftung("Börsen&plätze einschränken", txtAufzeichnungsPauseBoersen_), txtAufzeichnungsPauseBoersen_},
         false)));
@@ -171,8 +171,9 @@ QGroupBox* frmZEKEinstellungen::GruppeNeustart() {
     auto* gruppe = new QGroupBox("Automatischer Neustart");
     auto* aufbau = new QVBoxLayout(gruppe);
     aufbau->addWidget(optNeustartWennKeineKurse_);
-    aufbau->addLayout(Eingerueckt(Reihe({Beschriftung("&Länger als", txtNeustartWennkeineKurseSekunden_),
-                                         txtNeustartWennkeineKurseSekunden_, new QLabel("Sekunden")})));
+    aufbau->addLayout(Eingerueckt(
+        Reihe({Beschriftung("&Länger als", txtNeustartWennkeineKurseSekunden_), txtNeustartWennkeineKurseSekunden_,
+               Beschriftung("Sekunden", txtNeustartWennkeineKurseSekunden_)})));
     aufbau->addLayout(Reihe(
         {Beschriftung("Bei &Fehlernummern (Komma-getrennt)", txtNeustartFehlernummern_), txtNeustartFehlernummern_},
         false));
@@ -295,6 +296,7 @@ void frmZEKEinstellungen::SchalteAbhaengige() {
     optPortfoliopositionen_->setEnabled(konten);
     optKeinKontonameVerwenden_->setEnabled(konten);
     txtKontoSpeicherOrdner_->setEnabled(konten);
+    BeschriftungenSchalten(*this);
 }
 
 bool frmZEKEinstellungen::Pruefe() {
