@@ -45,7 +45,7 @@ public:
     ~Aufbau() { std::filesystem::remove_all(ordner_); }
 
     void HaengeAn() {
-        for (auto& titel : titel_) schreiber_.DatensatzAnhaengen(*titel, 1, 5012.25F, 3, false);
+        for (auto& titel : titel_) schreiber_.DatensatzAnhaengen(*titel, 1, 5012.25F, 3, false, uhr_.Jetzt());
     }
 
     void HaengeNacktAn() {
@@ -73,7 +73,7 @@ private:
         titel->Währung = "EUR";
         titel->Katalog = "Futures";
         // The second record makes the check of the first write in a run.
-        for (int i = 0; i < 2; ++i) schreiber_.DatensatzAnhaengen(*titel, 1, 1, 1, false);
+        for (int i = 0; i < 2; ++i) schreiber_.DatensatzAnhaengen(*titel, 1, 1, 1, false, uhr_.Jetzt());
         const std::string pfad = zek::Dateipfad(modul_, dateien_, *titel, 1);
         nackt_.push_back(pfad.substr(0, pfad.size() - 4) + "-X.ZEK");
         std::filesystem::copy_file(pfad, nackt_.back());
@@ -85,7 +85,7 @@ private:
     zek::PosixDateisystem dateien_;
     zek::PosixUhr uhr_;
     Stumm status_;
-    zek::Datensatzschreiber schreiber_{modul_, dateien_, uhr_, status_, {}};
+    zek::Datensatzschreiber schreiber_{modul_, dateien_, status_, {}};
     std::vector<std::unique_ptr<zek::clTitelobjekt>> titel_;
     std::vector<std::string> nackt_;
 };

@@ -91,7 +91,7 @@ private:
     PosixUhr uhr_;
     PosixDateisystem dateien_;
     Titelzeiger titel_;
-    Datensatzschreiber schreiber_{modul_, dateien_, uhr_, stumm_, VorzeichenVolumen};
+    Datensatzschreiber schreiber_{modul_, dateien_, stumm_, VorzeichenVolumen};
     Feed feed_{{modul_,
                 uhr_,
                 stumm_,
@@ -167,7 +167,7 @@ BENCHMARK_CAPTURE(TickBisDatei, KursUndVolumen, true)->UseManualTime()->Unit(ben
 void TickBisAblage(benchmark::State& zustand) {
     class Keine : public Datensatzablage {
     public:
-        void DatensatzAnhaengen(clTitelobjekt&, std::int32_t, float kurs, float, bool) override {
+        void DatensatzAnhaengen(clTitelobjekt&, std::int32_t, float kurs, float, bool, Datum) override {
             benchmark::DoNotOptimize(kurs);
         }
     } keine;

@@ -10,13 +10,6 @@
 
 namespace {
 
-class StehendeUhr : public zek::Uhr {
-public:
-    zek::Datum Jetzt() const override { return 46342.5; }
-    zek::Zeitzone Zone() const override { return {}; }
-    bool SetzeSystemzeit(zek::Datum) override { return false; }
-};
-
 class KeineFehler : public zek::Statusausgabe {
 public:
     void Statusmeldung(std::string_view, bool) override { std::abort(); }
@@ -38,19 +31,18 @@ void Beschreibe(zek::fuzz::EineDatei& datei) {
 }
 
 void HaengeAn(zek::fuzz::EineDatei& datei) {
-    StehendeUhr uhr;
     KeineFehler status;
     zek::IBModul modul;
     zek::clTitelobjekt titel;
-    zek::Datensatzschreiber schreiber(modul, datei, uhr, status, {});
+    zek::Datensatzschreiber schreiber(modul, datei, status, {});
     const std::vector<std::byte> vorher = datei.Inhalt;
     const bool ganz = vorher.empty() || (vorher.size() >= 856 && (vorher.size() - 856) % 16 == 0);
-    schreiber.DatensatzAnhaengen(titel, 1, 1, 1, false);
+    schreiber.DatensatzAnhaengen(titel, 1, 1, 1, false, 46342.5);
     if (!ganz && datei.Inhalt != vorher) std::abort();
     if (!ganz) return;
     if (datei.Inhalt.size() < 856 || (datei.Inhalt.size() - 856) % 16 != 0) std::abort();
     const std::size_t einmal = datei.Inhalt.size();
-    schreiber.DatensatzAnhaengen(titel, 1, 1, 1, false);
+    schreiber.DatensatzAnhaengen(titel, 1, 1, 1, false, 46342.5);
     if (datei.Inhalt.size() != einmal + 16) std::abort();
 }
 

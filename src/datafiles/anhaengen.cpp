@@ -75,24 +75,23 @@ bool DateiEndeBereinigen(clDateiIO& datei, const std::string& name) {
     return true;
 }
 
-Datensatzschreiber::Datensatzschreiber(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Statusausgabe& status,
+Datensatzschreiber::Datensatzschreiber(IBModul& modul, Dateisystem& dateien, Statusausgabe& status,
                                        Volumenfrage vorzeichenVolumen, Ablagewache* wache)
     : modul_(modul),
       dateien_(dateien),
-      uhr_(uhr),
       status_(status),
       vorzeichenVolumen_(std::move(vorzeichenVolumen)),
       wache_(wache),
       datei_(dateien) {}
 
 void Datensatzschreiber::DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
-                                            bool kontodaten) {
+                                            bool kontodaten, Datum jetzt) {
     Ausgang ausgang = Ausgang::Gescheitert;
     OhneFehler([&] {
         try {
             BildePfad(titel, kursart, kontodaten);
             Oeffne(titel, kursart, kontodaten);
-            ausgang = Anhaengen(titel, kursart, kurs, volume);
+            ausgang = Anhaengen(titel, kursart, kurs, volume, jetzt);
         } catch (const DateiFehler& fehler) {
             MeldeFehler(fehler.Nummer(), fehler.what());
         } catch (const Systemfehler& fehler) {
@@ -141,7 +140,7 @@ void Datensatzschreiber::Oeffne(clTitelobjekt& titel, std::int32_t kursart, bool
 }
 
 Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs,
-                                                          float volume) {
+                                                          float volume, Datum jetzt) {
     std::int64_t groesse = datei_.FileSize().Bytes();
     if (groesse == 0) {
         LegeKopfAn(titel, kursart);
@@ -152,7 +151,7 @@ Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, 
         groesse = Erstpruefung(titel, kursart, groesse);
     }
     Setze(datei_, groesse);
-    KursDatensatz satz{uhr_.Jetzt() + titel.ZeitKorrektur, kurs, volume};
+    KursDatensatz satz{jetzt + titel.ZeitKorrektur, kurs, volume};
     if (kursart == kursart::BAVolume) satz.Volume = vorzeichenVolumen_(titel);
     const std::int64_t geschrieben = Gelungen(datei_.Schreibe(std::as_bytes(std::span(&satz, 1))));
     if (geschrieben == DatensatzBytes) return Ausgang::Gespeichert;

@@ -29,20 +29,20 @@ public:
     using Volumenfrage = std::function<float(clTitelobjekt&)>;
 
     // `wache` may be null.
-    Datensatzschreiber(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Statusausgabe& status,
-                       Volumenfrage vorzeichenVolumen, Ablagewache* wache = nullptr);
+    Datensatzschreiber(IBModul& modul, Dateisystem& dateien, Statusausgabe& status, Volumenfrage vorzeichenVolumen,
+                       Ablagewache* wache = nullptr);
 
-    // Appends (now + the title's ZeitKorrektur, kurs, volume). A file with a torn header or a torn record is left
+    // Appends (`jetzt` + the title's ZeitKorrektur, kurs, volume). A file with a torn header or a torn record is left
     // alone without a word. An error gives one line in the log and loses this record only. `kontodaten` sends the
     // record to the folder of account data, when one is set. Throws nothing.
-    void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
-                            bool kontodaten) override;
+    void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool kontodaten,
+                            Datum jetzt) override;
 
 private:
     void BildePfad(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten);
     void Oeffne(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten);
     enum class Ausgang { Gespeichert, Gescheitert, Beschaedigt };
-    Ausgang Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume);
+    Ausgang Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt);
     void Unterrichte(const clTitelobjekt& titel, std::int32_t kursart, Ausgang ausgang);
     std::int64_t Erstpruefung(clTitelobjekt& titel, std::int32_t kursart, std::int64_t groesse);
     void LegeKopfAn(clTitelobjekt& titel, std::int32_t kursart);
@@ -50,7 +50,6 @@ private:
 
     IBModul& modul_;
     Dateisystem& dateien_;
-    const Uhr& uhr_;
     Statusausgabe& status_;
     Volumenfrage vorzeichenVolumen_;
     Ablagewache* wache_;

@@ -38,26 +38,26 @@ void Aufzeichnung::BezahltSchreiben(clTitelobjekt& titel, Datum jetzt) {
     modul_.LetzteDatenZeit = jetzt;
     if (modul_.Einstellungen.IBBezahlt && titel.LastVol == 0) return;
     if (!Angenommen(titel, kursart::Bezahlt, titel.LastPrice, titel.LastVol, jetzt)) return;
-    if (titel.BidAsk) Anhaengen(titel, kursart::BAVolume, titel.LastPrice, titel.LastVol);
-    Anhaengen(titel, kursart::Bezahlt, titel.LastPrice, titel.LastVol);
+    if (titel.BidAsk) Anhaengen(titel, kursart::BAVolume, titel.LastPrice, titel.LastVol, jetzt);
+    Anhaengen(titel, kursart::Bezahlt, titel.LastPrice, titel.LastVol, jetzt);
 }
 
 void Aufzeichnung::BriefSchreiben(clTitelobjekt& titel, Datum jetzt) {
     modul_.LetzteDatenZeit = jetzt;
     if (modul_.Einstellungen.IBAndere && titel.AskVol == 0) return;
     if (!Angenommen(titel, kursart::Brief, titel.AskPrice, titel.AskVol, jetzt)) return;
-    Anhaengen(titel, kursart::Brief, titel.AskPrice, titel.AskVol);
+    Anhaengen(titel, kursart::Brief, titel.AskPrice, titel.AskVol, jetzt);
 }
 
 void Aufzeichnung::GeldSchreiben(clTitelobjekt& titel, Datum jetzt) {
     modul_.LetzteDatenZeit = jetzt;
     if (modul_.Einstellungen.IBAndere && titel.BidVol == 0) return;
     if (!Angenommen(titel, kursart::Geld, titel.BidPrice, titel.BidVol, jetzt)) return;
-    Anhaengen(titel, kursart::Geld, titel.BidPrice, titel.BidVol);
+    Anhaengen(titel, kursart::Geld, titel.BidPrice, titel.BidVol, jetzt);
 }
 
 void Aufzeichnung::TiefeSchreiben(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt) {
-    if (Angenommen(titel, kursart, kurs, volume, jetzt)) Anhaengen(titel, kursart, kurs, volume);
+    if (Angenommen(titel, kursart, kurs, volume, jetzt)) Anhaengen(titel, kursart, kurs, volume, jetzt);
 }
 
 bool Aufzeichnung::Angenommen(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt) {
@@ -68,8 +68,8 @@ bool Aufzeichnung::Angenommen(const clTitelobjekt& titel, std::int32_t kursart, 
     return true;
 }
 
-void Aufzeichnung::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume) {
-    OhneFehler([&] { ablage_.DatensatzAnhaengen(titel, kursart, kurs, volume, false); });
+void Aufzeichnung::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt) {
+    OhneFehler([&] { ablage_.DatensatzAnhaengen(titel, kursart, kurs, volume, false, jetzt); });
 }
 
 }  // namespace zek

@@ -32,7 +32,7 @@ public:
 private:
     // Monitor, pause and count; false when the tick isn't kept.
     bool Angenommen(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt);
-    void Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume);
+    void Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt);
 
     IBModul& modul_;
     Monitorausgabe& monitor_;

@@ -60,7 +60,7 @@ struct Feed {
           Schreiber(um.Modul, um.Monitor, um.Ablage),
           Ticks(um.Modul, um.Zeit, Schreiber),
           Tiefe(um.Modul, um.Zeit, Schreiber),
-          Konten(um.Modul, Control, um.Ablage),
+          Konten(um.Modul, um.Zeit, Control, um.Ablage),
           Sitzung(um.Modul, um.Zeit, Control, Abos, um.Status, um.Anzeige,
                   {Ticks, Tiefe, Konten, std::move(um.ServerZeit), std::move(um.NeustartWegenFehler), um.Wache}) {}
     Feed(const Feed&) = delete;

@@ -44,8 +44,8 @@ bool PasstZuTitel(const tws::Contract& contract, const clTitelobjekt& titel) {
     return OptionPasst(contract, titel);
 }
 
-Kontodaten::Kontodaten(IBModul& modul, IBControl& control, Datensatzablage& ablage)
-    : modul_(modul), control_(control), ablage_(ablage) {}
+Kontodaten::Kontodaten(IBModul& modul, const Uhr& uhr, IBControl& control, Datensatzablage& ablage)
+    : modul_(modul), uhr_(uhr), control_(control), ablage_(ablage) {}
 
 void Kontodaten::KontoabosAnfordern() {
     const std::string& konten = modul_.Einstellungen.KontenDatenKontoName;
@@ -62,7 +62,7 @@ void Kontodaten::updateAccountValue(std::string_view key, std::string_view value
     if (!modul_.Einstellungen.KontenDatenAufzeichnen || !IstNumerisch(value)) return;
     const Titelzeiger titel = Kontotitel(key, curency, accountName);
     if (const auto kurs = AlsEinfach(Zahlwert(value)))
-        ablage_.DatensatzAnhaengen(*titel, kursart::Bezahlt, *kurs, 0, true);
+        ablage_.DatensatzAnhaengen(*titel, kursart::Bezahlt, *kurs, 0, true, uhr_.Jetzt());
 }
 
 Titelzeiger Kontodaten::Kontotitel(std::string_view key, std::string_view curency, std::string_view accountName) {
@@ -88,7 +88,7 @@ void Kontodaten::updatePortfolioEx(const tws::Contract& contract, double positio
         const bool glaubhaft = marketPrice >= -HoechsterPositionskurs && marketPrice <= HoechsterPositionskurs;
         const auto kurs = AlsEinfach(glaubhaft ? marketPrice : 0);
         const auto volume = AlsEinfach(position);
-        if (kurs && volume) ablage_.DatensatzAnhaengen(*titel, kursart::Position, *kurs, *volume, false);
+        if (kurs && volume) ablage_.DatensatzAnhaengen(*titel, kursart::Position, *kurs, *volume, false, uhr_.Jetzt());
         return;
     }
 }

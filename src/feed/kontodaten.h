@@ -14,7 +14,7 @@ bool PasstZuTitel(const tws::Contract& contract, const clTitelobjekt& titel);
 
 class Kontodaten {
 public:
-    Kontodaten(IBModul& modul, IBControl& control, Datensatzablage& ablage);
+    Kontodaten(IBModul& modul, const Uhr& uhr, IBControl& control, Datensatzablage& ablage);
 
     // Subscribes each account of KontenDatenKontoName, or the default account. Never ends a subscription; what stops
     // the data are the settings, tested in the events.
@@ -32,6 +32,7 @@ private:
     Titelzeiger Kontotitel(std::string_view key, std::string_view curency, std::string_view accountName);
 
     IBModul& modul_;
+    const Uhr& uhr_;
     IBControl& control_;
     Datensatzablage& ablage_;
 };

@@ -66,9 +66,10 @@ class Datensatzablage {
 public:
     virtual ~Datensatzablage() = default;
     // `kontodaten`: the record belongs into the folder of account data. For kursart::BAVolume `volume` is replaced by
-    // the signed volume.
+    // the signed volume. `jetzt`: the present time, as read when the event came in; a reading of the clock costs a tick
+    // some percent of its whole road, so each event reads it once and hands it down.
     virtual void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
-                                    bool kontodaten) = 0;
+                                    bool kontodaten, Datum jetzt) = 0;
 };
 
 // Told of records that don't reach their file. A record that does costs nothing, but for the first behind a failure.

@@ -63,7 +63,7 @@ std::int64_t PosixDateisystem::Suche(Dateihandle handle, std::int64_t abstand, A
 }
 
 std::int64_t PosixDateisystem::Groesse(Dateihandle handle) {
-    struct stat angaben {};
+    struct stat angaben;  // not cleared: this lies on the road of every tick
     if (::fstat(handle, &angaben) != 0) return -errno;
     return angaben.st_size;
 }

@@ -10,7 +10,7 @@ namespace zek {
 namespace {
 
 // Day count of 1970-01-01.
-constexpr std::int64_t Unixtag = 25569;
+constexpr auto Unixtag = static_cast<std::int64_t>(Unixbeginn);
 constexpr std::int64_t SekundenTag = 86400;
 // Years 100 to 9999 and a little around them; beyond that a day count is no date.
 constexpr double KleinsterTag = -700000;
@@ -208,11 +208,11 @@ long long GanzeTage(Datum von, Datum bis) {
 }
 
 Datum DatumAusUnix(double sekunden) {
-    return sekunden / SekundenProTag + static_cast<double>(Unixtag);
+    return sekunden / SekundenProTag + Unixbeginn;
 }
 
 double UnixAus(Datum datum) {
-    return (datum - static_cast<double>(Unixtag)) * SekundenProTag;
+    return (datum - Unixbeginn) * SekundenProTag;
 }
 
 }  // namespace zek

@@ -51,6 +51,9 @@ long long GanzeSekunden(Datum von, Datum bis);
 long long GanzeStunden(Datum von, Datum bis);
 long long GanzeTage(Datum von, Datum bis);
 
+// 1970-01-01 00:00.
+inline constexpr Datum Unixbeginn = 25569;
+
 // Seconds since 1970-01-01 00:00 as they stand, no zone applied.
 Datum DatumAusUnix(double sekunden);
 double UnixAus(Datum datum);

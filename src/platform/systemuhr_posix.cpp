@@ -40,7 +40,7 @@ Datum PosixUhr::Jetzt() const {
     const std::int64_t tag = lokal / 86400;
     // Day and fraction apart: one sum, one rounding.
     const double sekunde = static_cast<double>(lokal % 86400) + static_cast<double>(zeit.tv_nsec) * 1e-9;
-    return DatumAusUnix(0) + static_cast<double>(tag) + sekunde / SekundenProTag;
+    return Unixbeginn + static_cast<double>(tag) + sekunde / SekundenProTag;
 }
 
 Zeitzone PosixUhr::Zone() const {

@@ -358,9 +358,9 @@ protected:
     void TickWartet() {
         p_.Welt.PlaneMikro(0, [this] { Anhaengen(); });
     }
-    void Anhaengen() { schreiber_.DatensatzAnhaengen(titel_, kursart::Brief, 55, 1, false); }
+    void Anhaengen() { schreiber_.DatensatzAnhaengen(titel_, kursart::Brief, 55, 1, false, p_.Welt.Jetzt()); }
 
-    Datensatzschreiber schreiber_{p_.Modul, p_.Dateien, p_.Welt, p_.Status, {}};
+    Datensatzschreiber schreiber_{p_.Modul, p_.Dateien, p_.Status, {}};
 };
 
 TEST_F(TickWaehrendMergeTest, ATickBehindTheMergesFinalPositionIsCut) {

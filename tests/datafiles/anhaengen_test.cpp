@@ -24,7 +24,7 @@ protected:
     }
 
     void Tick(float kurs, float volume = 1, std::int32_t art = kursart::Bezahlt) {
-        schreiber.DatensatzAnhaengen(titel, art, kurs, volume, false);
+        schreiber.DatensatzAnhaengen(titel, art, kurs, volume, false, welt.Jetzt());
         EXPECT_EQ(ram.OffeneHandles(), 0u);
     }
     // A file as an earlier run left it.
@@ -40,7 +40,7 @@ protected:
     clTitelobjekt titel;
     float vorzeichenVolumen = -7;
     int volumenfragen = 0;
-    Datensatzschreiber schreiber{modul, dateien, welt, status, [this](clTitelobjekt&) {
+    Datensatzschreiber schreiber{modul, dateien, status, [this](clTitelobjekt&) {
                                      ++volumenfragen;
                                      return vorzeichenVolumen;
                                  }};
@@ -160,10 +160,10 @@ TEST_F(Anhaengen, TheSignedVolumeIsNotAskedForADamagedFile) {
 TEST_F(Anhaengen, AccountDataGoesToItsOwnFolder) {
     ram.LegeOrdnerbaumAn("/konten");
     modul.Einstellungen.KontenDatenSpeicherOrdner = "/konten/";
-    schreiber.DatensatzAnhaengen(titel, 1, 5, 0, true);
+    schreiber.DatensatzAnhaengen(titel, 1, 5, 0, true, welt.Jetzt());
     EXPECT_EQ(Datei("/konten/DAX@EUREX_FUT_201206_EUR.ZEK"), DaxKopf() + Jetzt(5, 0));
     modul.Einstellungen.KontenDatenSpeicherOrdner = "k";
-    schreiber.DatensatzAnhaengen(titel, 1, 6, 0, true);
+    schreiber.DatensatzAnhaengen(titel, 1, 6, 0, true, welt.Jetzt());
     EXPECT_EQ(Datei(), DaxKopf() + Jetzt(6, 0));
 }
 
@@ -240,8 +240,8 @@ TEST_F(Anhaengen, AHeaderThatDoesNotFitOnTheDiskLeavesAnEmptyFile) {
 }
 
 TEST_F(Anhaengen, AnErrorOfTheSignedVolumeOrOfAnUnknownKindEndsNothing) {
-    Datensatzschreiber ohneFrage(modul, dateien, welt, status, {});
-    ohneFrage.DatensatzAnhaengen(titel, kursart::BAVolume, 1, 1, false);
+    Datensatzschreiber ohneFrage(modul, dateien, status, {});
+    ohneFrage.DatensatzAnhaengen(titel, kursart::BAVolume, 1, 1, false, welt.Jetzt());
     Vorhanden(DaxDatei(1));
     Tick(1, 1, 21);  // same name as the traded file, no mark of its own
     EXPECT_EQ(status.Anzahl("Fehler Nr. 0 beim Speichern von /daten/Futures/DAX@EUREX_FUT_201206_EUR"), 2u);
@@ -268,12 +268,12 @@ TEST_F(Anhaengen, AnAcknowledgedTickSurvivesACrashAtEveryCall) {
         ram.Loesche(Pfad);
         titel.KonsistenzGecheckt(kursart::Bezahlt, false);
         StoerDateisystem sterbend(ram);
-        Datensatzschreiber kurzlebig(modul, sterbend, welt, status, {});
-        kurzlebig.DatensatzAnhaengen(titel, 1, 1, 1, false);
-        kurzlebig.DatensatzAnhaengen(titel, 1, 2, 1, false);
+        Datensatzschreiber kurzlebig(modul, sterbend, status, {});
+        kurzlebig.DatensatzAnhaengen(titel, 1, 1, 1, false, welt.Jetzt());
+        kurzlebig.DatensatzAnhaengen(titel, 1, 2, 1, false, welt.Jetzt());
         sterbend.StuerzeAb(n);
-        kurzlebig.DatensatzAnhaengen(titel, 1, 3, 1, false);
-        kurzlebig.DatensatzAnhaengen(titel, 1, 4, 1, false);
+        kurzlebig.DatensatzAnhaengen(titel, 1, 3, 1, false, welt.Jetzt());
+        kurzlebig.DatensatzAnhaengen(titel, 1, 4, 1, false, welt.Jetzt());
         ASSERT_GE(Datei().size(), 856u + 32u) << n;
         EXPECT_EQ((Datei().size() - 856) % 16, 0u) << n;
         EXPECT_EQ(Saetze(Datei())[1].Kurs, 2) << n;

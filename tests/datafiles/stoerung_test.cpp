@@ -41,14 +41,14 @@ std::vector<Lage> AlleLagen() {
 // One program run on one disk; the prices of its ticks are 1000, 1001 ...
 class Rekorder {
 public:
-    explicit Rekorder(Dateisystem& dateien) : schreiber_(modul_, dateien, welt_, Status, [](auto&) { return 0.0F; }) {
+    explicit Rekorder(Dateisystem& dateien) : schreiber_(modul_, dateien, Status, [](auto&) { return 0.0F; }) {
         modul_.Datenordner = "/d";
         hilfen::MacheDax(titel_);
         titel_.Katalog = "Index";
     }
     void Tick(int nummer) {
         welt_.Laufe(1);
-        schreiber_.DatensatzAnhaengen(titel_, 1, 1000.0F + static_cast<float>(nummer), 7, false);
+        schreiber_.DatensatzAnhaengen(titel_, 1, 1000.0F + static_cast<float>(nummer), 7, false, welt_.Jetzt());
     }
 
     hilfen::TestStatus Status;

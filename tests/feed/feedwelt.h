@@ -36,11 +36,12 @@ public:
         std::int32_t Kursart = 0;
         Satz Werte;
         bool Kontodaten = false;
+        Datum Zeit = 0;
     };
 
-    void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
-                            bool kontodaten) override {
-        Eintraege.push_back({titel.Symbol, kursart, {kurs, volume}, kontodaten});
+    void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool kontodaten,
+                            Datum jetzt) override {
+        Eintraege.push_back({titel.Symbol, kursart, {kurs, volume}, kontodaten, jetzt});
         if (Scheitert) throw std::runtime_error("disk full");
     }
 

@@ -31,6 +31,16 @@ TEST_F(Aufzeichnungstest, ATradeGivesTheSignedVolumeFirstAndCountsOnce) {
     EXPECT_THAT(monitor.Zeilen, ElementsAre(Monitorzeile{es->id, kursart::Bezahlt, 100, 5, false}));
 }
 
+TEST_F(Aufzeichnungstest, EveryRecordOfAnEventHasTheMomentAtWhichTheEventCame) {
+    welt.Laufe(17);
+    auto es = titel("ES");
+    es.bezahlt(100).bezahltVol(3);
+    const Datum ereignis = welt.Jetzt();
+    welt.Laufe(1);
+    ASSERT_EQ(ablage.Eintraege.size(), 2U);
+    for (const auto& eintrag : ablage.Eintraege) EXPECT_EQ(eintrag.Zeit, ereignis);
+}
+
 TEST_F(Aufzeichnungstest, WithoutBidAskATradeGivesOneRecord) {
     auto es = titel("ES");
     es->BidAsk = false;

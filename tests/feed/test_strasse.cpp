@@ -25,7 +25,7 @@ protected:
     }
 
     RamDateisystem dateien;
-    Datensatzschreiber schreiber{modul, dateien, welt, status, VorzeichenVolumen};
+    Datensatzschreiber schreiber{modul, dateien, status, VorzeichenVolumen};
     Feed strasse{{modul, welt, welt, schreiber, status, anzeige, monitor, fabrik.Fabrik(), {}, {}}};
 };
 
@@ -87,7 +87,7 @@ TEST_F(Strasse, WithoutAccountNamesTwoAccountsShareTheFile) {
 
 class StummeAblage : public Datensatzablage {
 public:
-    void DatensatzAnhaengen(clTitelobjekt&, std::int32_t, float, float, bool) override { ++Anzahl; }
+    void DatensatzAnhaengen(clTitelobjekt&, std::int32_t, float, float, bool, Datum) override { ++Anzahl; }
     int Anzahl = 0;
 };
 
