@@ -661,6 +661,16 @@ TEST_F(LaufTest, AnErrorOnALaterRequestSavesTheEarlierBars) {
     PruefeLueckenlos(p_.Datei("ES"), Mittag - Sekunden(1999), Mittag);
 }
 
+TEST_F(LaufTest, AnErrorInOneKindDoesntEndTheNextAtItsFirstEmptyAnswer) {
+    Mit("ES")->BidAsk = true;
+    p_.Historie.Leer = true;
+    BeiAnfrage(1, [this] { p_.Historie.Melde(162, "no permissions", 1); });
+    Automatisch(3000);
+    Starte();
+    EXPECT_THAT(Enden(), ElementsAre(StartsWith("TRADES"), StartsWith("ASK"), StartsWith("ASK"), StartsWith("BID"),
+                                     StartsWith("BID")));
+}
+
 TEST_F(LaufTest, ARequestWithoutASessionConnectsAnewWithTheSameArguments) {
     Mit("ES")->BidAsk = true;
     p_.Historie.Statt = [this](const Anfrage& a) {
