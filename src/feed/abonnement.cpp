@@ -1,5 +1,6 @@
 #include "feed/abonnement.h"
 
+#include "feed/laufmarke.h"
 #include "feed/sendetakt.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
@@ -12,18 +13,6 @@ constexpr int Tiefenzeilen = 10;
 constexpr bool SmartTiefe = false;
 const std::string KeineGenerischenTicks;
 
-// Marks a pass as running for as long as it lives.
-class Laufmarke {
-public:
-    explicit Laufmarke(bool& marke) : marke_(marke) { marke_ = true; }
-    ~Laufmarke() { marke_ = false; }
-    Laufmarke(const Laufmarke&) = delete;
-    Laufmarke& operator=(const Laufmarke&) = delete;
-
-private:
-    bool& marke_;
-};
-
 bool PauseGiltFuer(const clTitelobjekt& titel, const Einstellungen& einstellungen) {
     if (einstellungen.AufzeichnungsPauseBoersen.empty()) return true;
     for (const auto& eintrag : Teile(einstellungen.AufzeichnungsPauseBoersen, ','))
@@ -32,7 +21,8 @@ bool PauseGiltFuer(const clTitelobjekt& titel, const Einstellungen& einstellunge
 }
 
 // Calls `sende` for each active title, paced, while the connection stands; `sende` returns its number of messages.
-// Works by position up to the count at the start: titles may come and go in the waits. Returns the last batch's count.
+// Works by position up to the count at the start: titles may come and go in the waits. A title that fails doesn't
+// end the pass. Returns the last batch's count.
 template <typename Sende>
 std::int32_t FuerAlleAktiven(const IBModul& modul, const IBControl& control, Sendetakt takt, Sende sende) {
     const std::size_t anzahl = modul.Titelliste.Anzahl();
@@ -40,7 +30,7 @@ std::int32_t FuerAlleAktiven(const IBModul& modul, const IBControl& control, Sen
         takt.Schritt();
         if (position >= modul.Titelliste.Anzahl()) break;
         const Titelzeiger titel = modul.Titelliste[position];
-        if (titel->Aktiv() && control.Verbunden()) takt.Gesendet(sende(*titel));
+        if (titel->Aktiv() && control.Verbunden()) OhneFehler([&] { takt.Gesendet(sende(*titel)); });
     }
     return takt.Anzahl();
 }

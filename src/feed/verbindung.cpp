@@ -1,5 +1,6 @@
 #include "feed/verbindung.h"
 
+#include "feed/laufmarke.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 
@@ -41,6 +42,8 @@ void Verbindung::Unterrichte(Meldung meldung) {
 }
 
 void Verbindung::TWSVerbindungAufbauen() {
+    if (bautAuf_) return;
+    const Laufmarke marke(bautAuf_);
     const Einstellungen& einstellungen = modul_.Einstellungen;
     if (einstellungen.IBPort < 1) {
         Melde("Fehlende Port-Angabe: Keine Verbindung zur TWS hergestellt!", true);

@@ -45,7 +45,8 @@ public:
     Verbindung(const Verbindung&) = delete;
     Verbindung& operator=(const Verbindung&) = delete;
 
-    // Connects; waits, pumping, for the session. The caller tests IBControl::Verbunden.
+    // Connects; waits, pumping, for the session. The caller tests IBControl::Verbunden. A call that comes in that wait
+    // does nothing: it would break off the attempt that is going on.
     void TWSVerbindungAufbauen();
 
     void connectionClosed() override;
@@ -81,6 +82,7 @@ private:
     Statusausgabe& status_;
     Offlineanzeige& anzeige_;
     Abnehmer abnehmer_;
+    bool bautAuf_ = false;  // guard of TWSVerbindungAufbauen
 };
 
 }  // namespace zek

@@ -267,6 +267,18 @@ TEST_F(Abonnementtest, AShrinkingListEndsThePass) {
     EXPECT_EQ(gesendet(), 31U);
 }
 
+TEST_F(Abonnementtest, ATitleThatFailsDoesNotEndThePass) {
+    titelAnlegen(3);
+    fabrik.Letzte().BeiAnfrage = [](TestTws&, const std::string& zeile) {
+        if (zeile.find("T1") != std::string::npos || zeile == "cancelMktData(2)") throw std::runtime_error("x");
+    };
+    EXPECT_NO_THROW(abonniereAlle());
+    EXPECT_EQ(fabrik.Letzte().Anzahl("reqMktData(3"), 1U);
+    std::int32_t count = 0;
+    EXPECT_NO_THROW(feed.Abos.AlleMarktdatenAbbestellen(count));
+    EXPECT_EQ(count, 2);
+}
+
 TEST_F(Abonnementtest, AConnectionLostInTheWaitEndsTheSending) {
     titelAnlegen(40);
     welt.Plane(0.5, [&] { fabrik.Letzte().Trenne(); });

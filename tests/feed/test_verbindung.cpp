@@ -83,6 +83,41 @@ TEST_F(Verbindungstest, ASocketFailureInsideConnectReplacesTheControl) {
     EXPECT_EQ(status.Letzte(), "Es besteht keine Verbindung zur TWS!");
 }
 
+TEST_F(Verbindungstest, AnAttemptInsideAnAttemptDoesNothing) {
+    int innen = 0;
+    fabrik.Letzte().BeiConnect = [&](TestTws&) {
+        if (++innen > 1) return;
+        feed.Sitzung.TWSVerbindungAufbauen();
+        EXPECT_THAT(status.Eintraege, IsEmpty());
+    };
+    feed.Sitzung.TWSVerbindungAufbauen();
+    EXPECT_EQ(fabrik.Letzte().Anzahl("connect("), 1U);
+    EXPECT_EQ(status.Anzahl("Verbindung hergestellt um"), 1U);
+    fabrik.Letzte().Trenne();
+    feed.Sitzung.TWSVerbindungAufbauen();
+    EXPECT_EQ(fabrik.Letzte().Anzahl("connect("), 2U) << "the next one is made";
+}
+
+TEST_F(Verbindungstest, AnAttemptFromTheMessageOfAFailedOneDoesNotNest) {
+    modul.Einstellungen.NeustartFehlernummern = "-1";
+    modul.Einstellungen.NeustartFehlerliste = {"-1"};
+    std::size_t verbindungen = 0;
+    fabrik.BeiErzeugen = [&](TestTws& control) {
+        control.VerbindungGelingt = false;
+        control.BeiConnect = [&](TestTws& c) {
+            ++verbindungen;
+            c.Ereignisse().errMsg(-1, -1, "Connection refused", "");
+        };
+    };
+    Feed* eigener = nullptr;
+    Feed feed2{{modul, welt, welt, ablage, status, anzeige, monitor, fabrik.Fabrik(), {}, [&](int) {
+                    eigener->Sitzung.TWSVerbindungAufbauen();
+                }}};
+    eigener = &feed2;
+    feed2.Sitzung.TWSVerbindungAufbauen();
+    EXPECT_EQ(verbindungen, 1U);
+}
+
 TEST_F(Verbindungstest, NextValidIdMarksTheSessionAndHidesTheWarning) {
     anzeige.Sichtbar = true;
     ereignis().nextValidId(17);
