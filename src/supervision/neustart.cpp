@@ -115,6 +115,8 @@ bool Neustart::Ausfuehren() {
         for (int i = 0; i < 100; ++i) pumpe_.Ereignisse();
         sitzung_.DatenpflegeFensterFreigeben();
     });
+    // The system or a person closed the program meanwhile; it isn't to come back then.
+    if (beendet_) return true;
     if (modul_.BeendenAngefordert) {
         OhneFehler([&] { sitzung_.disconnect(); });
         OhneFehler([&] { pumpe_.Ereignisse(); });

@@ -62,6 +62,9 @@ public:
     // Carries out what was asked for. True when the program's end has begun: nothing may run any more then.
     bool Ausfuehren();
 
+    // The shutdown order has begun: nothing is carried out any more.
+    void Beende() { beendet_ = true; }
+
 private:
     bool ProgrammEndet();
     void NeustartUnmoeglich();
@@ -75,6 +78,7 @@ private:
     Statusausgabe& status_;
     Meldungen& meldungen_;
     Sitzung& sitzung_;
+    bool beendet_ = false;
 };
 
 }  // namespace zek

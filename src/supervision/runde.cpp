@@ -38,6 +38,11 @@ void Runde::Durchlauf() {
     laeuft_ = false;
 }
 
+void Runde::Beende() {
+    beendet_ = true;
+    neustart_.Beende();
+}
+
 void Runde::NeuverbindungAbschliessen() {
     if (modul_.NeuverbindungsZeit == 0) return;
     if (!modul_.FarmAktiv && GanzeSekunden(modul_.NeuverbindungsZeit, uhr_.Jetzt()) <= FarmWartezeit) return;

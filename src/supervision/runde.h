@@ -46,7 +46,7 @@ public:
     void Durchlauf();
 
     // No round begins any more: the shutdown order has begun.
-    void Beende() { beendet_ = true; }
+    void Beende();
 
 private:
     void NeuverbindungAbschliessen();

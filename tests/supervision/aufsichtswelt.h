@@ -39,6 +39,7 @@ public:
     void disconnect() override { aufrufe_.push_back("disconnect"); }
     bool DatenpflegeAbbrechen() override {
         if (DatenpflegeOffen) aufrufe_.push_back("DatenpflegeAbbrechen");
+        if (DatenpflegeOffen && BeiAbbrechen) BeiAbbrechen();
         return DatenpflegeOffen;
     }
     void DatenpflegeFensterFreigeben() override { aufrufe_.push_back("DatenpflegeFensterFreigeben"); }
@@ -52,6 +53,7 @@ public:
     std::map<std::string, std::string, std::less<>> Kommandos;
     bool Verbunden = true;
     bool DatenpflegeOffen = false;
+    std::function<void()> BeiAbbrechen;
     bool EntladenGelingt = true;
 
 private:

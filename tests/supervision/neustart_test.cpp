@@ -252,6 +252,15 @@ TEST_F(Neustarttest, ARunningBackfillIsAbortedFirst) {
                                      "HauptfensterEntladen"));
 }
 
+TEST_F(Neustarttest, AnEndWhileTheBackfillIsAbortedIsNoRestartAnyMore) {
+    sitzung.DatenpflegeOffen = true;
+    sitzung.BeiAbbrechen = [&] { welt.Plane(0, [&] { runde.Beende(); }); };
+    modul.NeustartAngefordert = true;
+    welt.Laufe(5);
+    EXPECT_TRUE(prozesse.Starts.empty()) << "the system closes the program: it isn't to come back";
+    EXPECT_FALSE(status.Enthaelt("Kein Neustart"));
+}
+
 TEST_F(Neustarttest, AMissingHelperIsReportedEachRoundAndTheRoundGoesOn) {
     dateien.Loesche("/zek/ZEKIBAutoNeustart.exe");
     TaeglichUm(12, 0);
