@@ -1,9 +1,11 @@
 #include "session/anwenden.h"
 
 #include "feed/abonnement.h"
+#include "platform/ohnefehler.h"
 #include "platform/text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace zek {
 
@@ -22,7 +24,8 @@ void TrimmeText(std::string& text) {
 }  // namespace
 
 void EinstellungenAnwenden(IBModul& modul, Einstellungsspeicher& speicher, const Einstellungen& neu,
-                           const std::function<void()>& uhrzeitAnfordern) {
+                           const std::function<void()>& uhrzeitAnfordern,
+                           const std::function<void()>& kontoabosAnfordern) {
     Einstellungen& e = modul.Einstellungen;
     const int bisherigeSekunden = e.NeuStartBeiFehlendenKursenSekunden;
     e = neu;
@@ -31,10 +34,9 @@ void EinstellungenAnwenden(IBModul& modul, Einstellungsspeicher& speicher, const
     TrimmeText(e.NeustartFehlernummern);
     TrimmeText(e.KontenDatenKontoName);
     TrimmeText(e.KontenDatenSpeicherOrdner);
-    if (!e.KontenDatenSpeicherOrdner.empty() && !e.KontenDatenSpeicherOrdner.ends_with('/'))
-        e.KontenDatenSpeicherOrdner += '/';
+    e.KontenDatenSpeicherOrdner = Kontoordner(std::move(e.KontenDatenSpeicherOrdner));
     e.BFTimeOut = std::max(e.BFTimeOut, KleinstesTimeout);
-    if (e.AutoUhrzeitStellen) uhrzeitAnfordern();
+    if (e.AutoUhrzeitStellen) OhneFehler([&] { uhrzeitAnfordern(); });
     NurUhrzeit(e.NeustartUhrzeit);
     NurUhrzeit(e.KeineAufzeichungStart);
     NurUhrzeit(e.KeineAufzeichungEnde);
@@ -42,6 +44,7 @@ void EinstellungenAnwenden(IBModul& modul, Einstellungsspeicher& speicher, const
     if (!e.NeustartFehlernummern.empty()) e.NeustartFehlerliste = Teile(e.NeustartFehlernummern, ',');
     for (const Titelzeiger& titel : modul.Titelliste) TitelmerkmaleAbleiten(*titel, e);
     speicher.SpeichereEinstellungen();
+    OhneFehler([&] { kontoabosAnfordern(); });
 }
 
 void VerbindungsangabenSpeichern(IBModul& modul, Einstellungsspeicher& speicher, const std::string& adresse, int port,

@@ -8,9 +8,11 @@
 namespace zek {
 
 // Takes `neu` over into the module: bounds as at the start, the derived flags of every title anew, and all settings
-// into the store. `uhrzeitAnfordern` is called when the clock is to be kept right.
+// into the store. `uhrzeitAnfordern` is called when the clock is to be kept right, `kontoabosAnfordern` always: an
+// account that was named just now sends nothing until it is subscribed.
 void EinstellungenAnwenden(IBModul& modul, Einstellungsspeicher& speicher, const Einstellungen& neu,
-                           const std::function<void()>& uhrzeitAnfordern);
+                           const std::function<void()>& uhrzeitAnfordern,
+                           const std::function<void()>& kontoabosAnfordern);
 
 // Address, port and client id into the module and the store. They count from the next start on.
 void VerbindungsangabenSpeichern(IBModul& modul, Einstellungsspeicher& speicher, const std::string& adresse, int port,

@@ -44,14 +44,13 @@ Datum Zeiteinstellung(std::string_view text, Datum vorgabe) {
     return NurTageszeit(DatumAusText(text).value_or(vorgabe));
 }
 
-// A text of one character is no folder, although it gets its separator: it counts as none.
+}  // namespace
+
 std::string Kontoordner(std::string ordner) {
     if (ordner.size() <= 1) return {};
     if (ordner.back() != '/') ordner += '/';
     return ordner;
 }
-
-}  // namespace
 
 bool EinstellungWahr(std::string_view text) {
     return Zahlwert(text) != 0;

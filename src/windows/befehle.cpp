@@ -5,11 +5,13 @@
 #include "windows/aktionen.h"
 #include "windows/desktopgesicht.h"
 #include "windows/hauptfenster.h"
+#include "windows/hilfe.h"
 #include "windows/info.h"
 #include "windows/statusliste.h"
 #include "windows/verbindungseinstellungen.h"
 #include "windows/zek_einstellungen.h"
 
+#include <QApplication>
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QUrl>
@@ -134,8 +136,10 @@ void Befehle::Einstellungen() {
          [this](const std::string& ordner) { return sitzung_.Maschine().Dateien.OrdnerExistiert(ordner); }},
         hilfe_, vorgabe);
     if (dialog.exec() != QDialog::Accepted) return;
-    EinstellungenAnwenden(sitzung_.Modul(), sitzung_.Einstellungen(), dialog.Ergebnis(),
-                          [this] { sitzung_.Teile().Marktdaten.Control->reqCurrentTime(); });
+    EinstellungenAnwenden(
+        sitzung_.Modul(), sitzung_.Einstellungen(), dialog.Ergebnis(),
+        [this] { sitzung_.Teile().Marktdaten.Control->reqCurrentTime(); },
+        [this] { sitzung_.Teile().Marktdaten.Konten.KontoabosAnfordern(); });
 }
 
 void Befehle::LokalSpeichern() {
@@ -146,7 +150,9 @@ void Befehle::LokalSpeichern() {
 void Befehle::Hilfe() {
     const QString datei = Q(sitzung_.Modul().Hilfedatei);
     if (QFileInfo::exists(datei) && QDesktopServices::openUrl(QUrl::fromLocalFile(datei))) return;
-    hilfe_("index");
+    const bool imMonitor =
+        gesicht_.Monitor() != nullptr && gesicht_.Monitor()->isAncestorOf(QApplication::focusWidget());
+    hilfe_(imMonitor ? hilfeseite::Monitor : hilfeseite::Inhalt);
 }
 
 }  // namespace zek
