@@ -233,6 +233,8 @@ bool Startfolge::TrotzdemStarten(int fehlernummer) {
 
 void Startfolge::UhrzeitAbwarten() {
     if (modul_.Einstellungen.AutoUhrzeitStellen) {
+        // A query of the supervision while it connected may have set it: that one's end isn't the answer.
+        modul_.AtomzeitGeprueft = false;
         rekorder_.AtomZeitAbfrage();
         const double start = plattform_.Uhr.Timer();
         const auto fertig = [&] {

@@ -335,6 +335,20 @@ TEST_F(Profiltest, AChangeWithinTheGrainOfTheTimeStampIsSeen) {
     EXPECT_EQ(datei.Lies("S", "x", "-", 255), "2");
 }
 
+// The supervision reads its commands each second: an old file that hasn't changed costs no more than a stat.
+TEST_F(Profiltest, AnUnchangedFileIsNotReadAgain) {
+    Lege("p.ini", "[S]\nx=1\n");
+    const auto stempel = fs::last_write_time(Pfad("p.ini")) - std::chrono::hours(1);
+    fs::last_write_time(Pfad("p.ini"), stempel);
+    IniProfildatei datei(Pfad("p.ini"));
+    EXPECT_EQ(datei.Lies("S", "x", "-", 255), "1");
+    Lege("p.ini", "[S]\nx=2\n");
+    fs::last_write_time(Pfad("p.ini"), stempel);
+    EXPECT_EQ(datei.Lies("S", "x", "-", 255), "1") << "same file, length and time stamp: nobody looks inside";
+    fs::last_write_time(Pfad("p.ini"), stempel + std::chrono::seconds(1));
+    EXPECT_EQ(datei.Lies("S", "x", "-", 255), "2");
+}
+
 TEST_F(Profiltest, ALinkStaysALinkAndTheModeStays) {
     fs::create_directory(Pfad("woanders"));
     Lege("woanders/echt.ini", "[S]\nx=1\n");
