@@ -4,6 +4,8 @@
 #include "platform/text.h"
 
 #include <fcntl.h>
+#include <poll.h>
+#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -56,14 +58,25 @@ void LegeOrdnerkette(const std::string& ordner) {
     }
 }
 
-// Holds the lock until it goes out of scope; waits for other holders, which need milliseconds.
-std::unique_ptr<Griff> Sperre(const std::string& datei) {
+// Holds the lock until it goes out of scope; waits for other holders.
+std::unique_ptr<Griff> Sperre(const std::string& datei, std::chrono::milliseconds geduld) {
+    constexpr std::chrono::milliseconds Takt{2};
     auto griff = std::make_unique<Griff>(::open(datei.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
     if (!griff->Gueltig()) return nullptr;
-    while (::flock(griff->Nummer(), LOCK_EX) != 0) {
-        if (errno != EINTR) return nullptr;
+    while (::flock(griff->Nummer(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EWOULDBLOCK && errno != EINTR) return nullptr;
+        if (geduld <= std::chrono::milliseconds::zero()) return nullptr;
+        ::poll(nullptr, 0, static_cast<int>(Takt.count()));
+        geduld -= Takt;
     }
     return griff;
+}
+
+std::string Heimordner() {
+    const char* heim = std::getenv("HOME");
+    if (heim != nullptr && heim[0] == '/') return heim;
+    const passwd* benutzer = ::getpwuid(::getuid());
+    return benutzer == nullptr || benutzer->pw_dir == nullptr ? std::string() : std::string(benutzer->pw_dir);
 }
 
 bool SchreibeAlles(int griff, std::string_view bytes) {
@@ -182,8 +195,8 @@ std::string IniText::Text() const {
 
 // ---- IniDatei
 
-IniDatei::IniDatei(std::string pfad, std::string sperrdatei, bool codepage)
-    : pfad_(std::move(pfad)), sperrdatei_(std::move(sperrdatei)), codepage_(codepage) {}
+IniDatei::IniDatei(std::string pfad, std::string sperrdatei, std::chrono::milliseconds geduld, bool codepage)
+    : pfad_(std::move(pfad)), sperrdatei_(std::move(sperrdatei)), geduld_(geduld), codepage_(codepage) {}
 
 IniDatei::Stand IniDatei::StandAufPlatte() const {
     struct stat angaben {};
@@ -215,7 +228,7 @@ bool IniDatei::LiesNeu() {
 bool IniDatei::Aendere(const std::function<bool(IniText&)>& aenderung) {
     LegeOrdnerkette(OrdnerVon(pfad_));
     std::unique_ptr<Griff> sperre;
-    if (!sperrdatei_.empty() && !(sperre = Sperre(sperrdatei_))) return false;
+    if (!sperrdatei_.empty() && !(sperre = Sperre(sperrdatei_, geduld_))) return false;
     if (!LiesNeu()) return false;
     const std::string vorher = text_.Text();
     if (!aenderung(text_)) return false;
@@ -255,7 +268,8 @@ bool IniDatei::SchreibeAufPlatte(const std::string& text) const {
 
 // ---- IniNutzerspeicher
 
-IniNutzerspeicher::IniNutzerspeicher(std::string ordner) : ordner_(std::move(ordner)) {
+IniNutzerspeicher::IniNutzerspeicher(std::string ordner, std::chrono::milliseconds geduld)
+    : ordner_(std::move(ordner)), geduld_(geduld) {
     if (ordner_.empty() || ordner_.back() != '/') ordner_ += '/';
 }
 
@@ -263,8 +277,7 @@ std::string IniNutzerspeicher::Standardordner() {
     const char* xdg = std::getenv("XDG_CONFIG_HOME");
     // Relative paths there are to be ignored.
     if (xdg != nullptr && xdg[0] == '/') return std::string(xdg) + "/Tessaron";
-    const char* heim = std::getenv("HOME");
-    return std::string(heim == nullptr ? "" : heim) + "/.config/Tessaron";
+    return Heimordner() + "/.config/Tessaron";
 }
 
 IniDatei& IniNutzerspeicher::Datei(std::string_view anwendung) {
@@ -275,7 +288,7 @@ IniDatei& IniNutzerspeicher::Datei(std::string_view anwendung) {
     std::replace(name.begin(), name.end(), '/', '_');
     PosixDateisystem dateien;
     const std::string pfad = OhneGrossKlein(dateien, ordner_ + name + ".ini");
-    return dateien_.try_emplace(std::move(klein), pfad, ordner_ + ".sperre", false).first->second;
+    return dateien_.try_emplace(std::move(klein), pfad, ordner_ + ".sperre", geduld_, false).first->second;
 }
 
 std::optional<std::string> IniNutzerspeicher::Lies(std::string_view anwendung, std::string_view abschnitt,
@@ -296,7 +309,7 @@ bool IniNutzerspeicher::Loesche(std::string_view anwendung, std::string_view abs
 
 // ---- IniProfildatei
 
-IniProfildatei::IniProfildatei(std::string pfad) : datei_(std::move(pfad), "", true) {}
+IniProfildatei::IniProfildatei(std::string pfad) : datei_(std::move(pfad), "", {}, true) {}
 
 std::string IniProfildatei::Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe,
                                  std::size_t puffer) {

@@ -10,6 +10,7 @@
 #include "platform/speicher.h"
 
 #include <sys/types.h>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -53,9 +54,9 @@ private:
 // One such file on disk: read when it changed, written to a temporary file and renamed.
 class IniDatei {
 public:
-    // `sperrdatei`: file whose lock a write holds against other writers; empty for none. `codepage`: Windows-1252 on
-    // disk; otherwise UTF-8.
-    IniDatei(std::string pfad, std::string sperrdatei, bool codepage);
+    // `sperrdatei`: file whose lock a write holds against other writers; empty for none. `geduld`: how long a write
+    // waits for it. `codepage`: Windows-1252 on disk; otherwise UTF-8.
+    IniDatei(std::string pfad, std::string sperrdatei, std::chrono::milliseconds geduld, bool codepage);
 
     // The present content; empty when there is no file.
     const IniText& Lies();
@@ -77,6 +78,7 @@ private:
 
     std::string pfad_;
     std::string sperrdatei_;
+    std::chrono::milliseconds geduld_;
     bool codepage_;
     IniText text_;
     std::string gelesen_;  // UTF-8 text that text_ was made of
@@ -87,10 +89,11 @@ private:
 // lock of the folder's file ".sperre", reads afresh and renames, so nobody loses a value of another.
 class IniNutzerspeicher : public Nutzerspeicher {
 public:
-    // The folder is created with the first write.
-    explicit IniNutzerspeicher(std::string ordner);
+    // The folder is created with the first write. Writers need the lock for milliseconds; one that was stopped while
+    // it held the lock must not stop everybody else, so a write gives up after `geduld`.
+    explicit IniNutzerspeicher(std::string ordner, std::chrono::milliseconds geduld = std::chrono::seconds(2));
 
-    // `$XDG_CONFIG_HOME/Tessaron`, by default `~/.config/Tessaron`.
+    // `$XDG_CONFIG_HOME/Tessaron`, by default `~/.config/Tessaron`; without HOME under the user's home of the system.
     static std::string Standardordner();
 
     std::optional<std::string> Lies(std::string_view anwendung, std::string_view abschnitt,
@@ -103,6 +106,7 @@ private:
     IniDatei& Datei(std::string_view anwendung);
 
     std::string ordner_;
+    std::chrono::milliseconds geduld_;
     std::map<std::string, IniDatei, std::less<>> dateien_;  // by application name in small letters
 };
 
