@@ -1,6 +1,6 @@
 #include "titles/titeldatei.h"
 
-#include <cstring>
+#include <algorithm>
 #include <limits>
 #include <span>
 #include <vector>
@@ -29,28 +29,44 @@ std::span<const std::byte> Bytes(std::string_view text) {
     return std::as_bytes(std::span(text.data(), text.size()));
 }
 
-// 0 or -errno. Fills `inhalt` with the whole file.
-int LiesAlles(Dateisystem& dateien, Dateihandle handle, std::vector<std::byte>& inhalt) {
-    const std::int64_t groesse = dateien.Groesse(handle);
-    if (groesse < 0) return static_cast<int>(groesse);
-    inhalt.resize(static_cast<std::size_t>(groesse));
+// No list of titles comes near it: 32767 of them take some 10 MB. What stands behind isn't read.
+constexpr std::int64_t HoechsteLaenge = std::int64_t{64} << 20;
+constexpr std::size_t Kopierblock = 65536;
+
+// Reads until `ziel` is full or the file ends. Bytes read, or -errno.
+std::int64_t LiesBis(Dateisystem& dateien, Dateihandle handle, std::span<std::byte> ziel) {
     std::size_t gelesen = 0;
-    while (gelesen < inhalt.size()) {
-        const std::int64_t anzahl = dateien.Lies(handle, std::span(inhalt).subspan(gelesen));
-        if (anzahl < 0) return static_cast<int>(anzahl);
+    while (gelesen < ziel.size()) {
+        const std::int64_t anzahl = dateien.Lies(handle, ziel.subspan(gelesen));
+        if (anzahl < 0) return anzahl;
         if (anzahl == 0) break;
         gelesen += static_cast<std::size_t>(anzahl);
     }
-    inhalt.resize(gelesen);
-    return 0;
+    return static_cast<std::int64_t>(gelesen);
 }
 
-// What a person could still rescue from the file; the next save overwrites the original.
-void LegeKopieDaneben(Dateisystem& dateien, const std::string& pfad, std::span<const std::byte> inhalt) {
+// Reads `anzahl` bytes, or those that there are, into `inhalt`. 0 or -errno.
+int Lies(Dateisystem& dateien, Dateihandle handle, std::int64_t anzahl, std::vector<std::byte>& inhalt) {
+    inhalt.resize(static_cast<std::size_t>(anzahl));
+    const std::int64_t gelesen = LiesBis(dateien, handle, inhalt);
+    inhalt.resize(static_cast<std::size_t>(std::max<std::int64_t>(gelesen, 0)));
+    return gelesen < 0 ? static_cast<int>(gelesen) : 0;
+}
+
+// What a person could still rescue from the file; the next save overwrites the original. In blocks: a foreign file may
+// be of any size.
+void LegeKopieDaneben(Dateisystem& dateien, Dateihandle original, const std::string& pfad) {
     const Handle kopie(dateien, pfad + ".defekt");
-    if (kopie.Wert() < 0) return;
-    if (SchreibeGanz(dateien, kopie.Wert(), inhalt) < 0) return;
-    dateien.SetzeLaenge(kopie.Wert(), static_cast<std::int64_t>(inhalt.size()));
+    if (kopie.Wert() < 0 || dateien.Suche(original, 0, Ab::Anfang) != 0) return;
+    std::vector<std::byte> block(Kopierblock);
+    std::int64_t laenge = 0;
+    for (;;) {
+        const std::int64_t gelesen = LiesBis(dateien, original, block);
+        if (gelesen <= 0) break;
+        if (SchreibeGanz(dateien, kopie.Wert(), std::span(block).first(static_cast<std::size_t>(gelesen))) < 0) return;
+        laenge += gelesen;
+    }
+    dateien.SetzeLaenge(kopie.Wert(), laenge);
 }
 
 Werteliste ListeAller(const Titelliste& titel) {
@@ -66,23 +82,28 @@ Werteliste ListeAller(const Titelliste& titel) {
 Titeldatei LiesTiteldatei(Dateisystem& dateien, const std::string& ordner) {
     using enum Titeldatei::Zustand;
     const std::string pfad = ordner + std::string(TiteldateiName);
+    const Handle datei(dateien, pfad);
+    if (datei.Wert() < 0) return {NichtLesbar, SystemText(-datei.Wert()), {}};
     std::vector<std::byte> inhalt;
-    {
-        const Handle datei(dateien, pfad);
-        if (datei.Wert() < 0) return {NichtLesbar, SystemText(-datei.Wert()), {}};
-        const int fehler = LiesAlles(dateien, datei.Wert(), inhalt);
-        if (fehler < 0) return {NichtLesbar, SystemText(-fehler), {}};
+    const auto kopf = static_cast<std::int64_t>(TiteldateiKennung.size());
+    if (const int fehler = Lies(dateien, datei.Wert(), kopf, inhalt); fehler < 0) {
+        return {NichtLesbar, SystemText(-fehler), {}};
     }
     if (inhalt.empty()) return {Leer, {}, {}};
-    const std::size_t kopf = TiteldateiKennung.size();
-    if (inhalt.size() < kopf || std::memcmp(inhalt.data(), TiteldateiKennung.data(), kopf) != 0) {
-        LegeKopieDaneben(dateien, pfad, inhalt);
+    if (!std::ranges::equal(inhalt, Bytes(TiteldateiKennung))) {
+        LegeKopieDaneben(dateien, datei.Wert(), pfad);
         return {Fremd, {}, {}};
     }
+    const std::int64_t groesse = dateien.Groesse(datei.Wert());
+    if (groesse < 0) return {NichtLesbar, SystemText(static_cast<int>(-groesse)), {}};
+    const std::int64_t rest = std::clamp<std::int64_t>(groesse - kopf, 0, HoechsteLaenge);
+    if (const int fehler = Lies(dateien, datei.Wert(), rest, inhalt); fehler < 0) {
+        return {NichtLesbar, SystemText(-fehler), {}};
+    }
     try {
-        return {Gelesen, {}, LiesWertbaum(std::span(inhalt).subspan(kopf))};
+        return {Gelesen, {}, LiesWertbaum(inhalt)};
     } catch (const WertbaumFehler& fehler) {
-        LegeKopieDaneben(dateien, pfad, inhalt);
+        LegeKopieDaneben(dateien, datei.Wert(), pfad);
         return {Beschaedigt, fehler.what(), {}};
     }
 }

@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <span>
 #include <string>
 
 namespace zek {
@@ -180,6 +182,35 @@ TEST_F(TiteldateiTest, AnOldLongerCopyOfDamageDoesNotShowBehindANewOne) {
     ram.LegeDateiAn(Pfad + ".defekt", std::string(500, 'x'));
     LiesAus("kurz");
     EXPECT_EQ(ram.Inhalt(Pfad + ".defekt"), "kurz");
+}
+
+// Notes the largest piece that was asked for.
+struct Messendes : RamDateisystem {
+    std::size_t groesstes = 0;
+    std::int64_t Lies(Dateihandle handle, std::span<std::byte> ziel) override {
+        groesstes = std::max(groesstes, ziel.size());
+        return RamDateisystem::Lies(handle, ziel);
+    }
+};
+
+TEST(Titeldateigroesse, AForeignFileOfAnySizeTakesLittleMemoryAndIsLaidAsideWhole) {
+    Messendes ram;
+    const std::string fremd(1'000'003, 'x');
+    ram.LegeDateiAn(Pfad, fremd);
+    EXPECT_EQ(LiesTiteldatei(ram, "/p/").Ergebnis, Zustand::Fremd);
+    EXPECT_EQ(ram.Inhalt(Pfad + ".defekt"), fremd);
+    EXPECT_LE(ram.groesstes, 65536u);
+}
+
+// A file that says it is larger than any memory.
+struct Riese : RamDateisystem {
+    std::int64_t Groesse(Dateihandle) override { return std::int64_t{1} << 50; }
+};
+
+TEST(Titeldateigroesse, BehindAGoodTreeAGiantFileIsNotRead) {
+    Riese ram;
+    ram.LegeDateiAn(Pfad, Kennung + EinTitel + std::string(1000, 'x'));
+    EXPECT_EQ(LiesTiteldatei(ram, "/p/").Ergebnis, Zustand::Gelesen);
 }
 
 TEST_F(TiteldateiTest, HostileTreesAreRefused) {
