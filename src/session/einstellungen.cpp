@@ -47,8 +47,7 @@ Datum Zeiteinstellung(std::string_view text, Datum vorgabe) {
 }  // namespace
 
 std::string Kontoordner(std::string ordner) {
-    if (ordner.size() <= 1) return {};
-    if (ordner.back() != '/') ordner += '/';
+    if (!ordner.empty() && ordner.back() != '/') ordner += '/';
     return ordner;
 }
 

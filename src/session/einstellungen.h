@@ -28,7 +28,8 @@ inline constexpr std::string_view Optionen = "Optionen", UmsatzFilter = "UmsatzF
 bool EinstellungWahr(std::string_view text);
 // A setting as a whole number, bounded to 32 bits.
 int EinstellungGanzzahl(std::string_view text);
-// The folder of account data with its separator. A text of one character is none, although it would get one.
+// The folder of account data with its separator. A text of one character gets one too, and counts as none all the same
+// (Kontodatenordner of the data files).
 std::string Kontoordner(std::string ordner);
 
 class Einstellungsspeicher {

@@ -1,5 +1,6 @@
 // The applying of changed settings while the recorder runs.
 #include "session/anwenden.h"
+#include "datafiles/dateinamen.h"
 #include "hilfen/ram_speicher.h"
 
 #include <gmock/gmock.h>
@@ -79,10 +80,11 @@ TEST_F(AnwendenTest, TheFlagsOfAllTitlesAreDerivedAnew) {
 
 TEST_F(AnwendenTest, OneCharacterIsNoFolderOfAccountData) {
     for (const auto& [eingabe, ordner] : std::map<std::string, std::string>{
-             {"", ""}, {"x", ""}, {"/", ""}, {"/konten", "/konten/"}, {" /konten/ ", "/konten/"}}) {
+             {"", ""}, {"x", "x/"}, {"/", "/"}, {"/konten", "/konten/"}, {" /konten/ ", "/konten/"}}) {
         neu.KontenDatenSpeicherOrdner = eingabe;
         WendeAn();
         EXPECT_EQ(modul.Einstellungen.KontenDatenSpeicherOrdner, ordner) << eingabe;
+        EXPECT_EQ(Kontodatenordner(modul), ordner.size() > 2 ? ordner : "") << eingabe;
     }
 }
 

@@ -1,5 +1,6 @@
 // The settings store: which of the two stores is used, what is bounded and checked, command 1041.
 #include "session/einstellungen.h"
+#include "datafiles/dateinamen.h"
 #include "hilfen/ram_speicher.h"
 #include "hilfen/test_gesicht.h"
 #include "platform/datum.h"
@@ -170,7 +171,8 @@ TEST_F(EinstellungenTest, TheFolderOfAccountDataGetsItsSeparator) {
 TEST_F(EinstellungenTest, OneCharacterIsNoFolderOfAccountData) {
     for (const char* text : {"x", "/"}) {
         InRegistry("Optionen", "KontenDatenSpeicherOrdner", text);
-        EXPECT_EQ(LiesAlle().KontenDatenSpeicherOrdner, "") << text;
+        EXPECT_EQ(LiesAlle().KontenDatenSpeicherOrdner, *text == 'x' ? "x/" : "/");
+        EXPECT_EQ(Kontodatenordner(modul), "") << text;
     }
 }
 
@@ -191,6 +193,23 @@ TEST_F(EinstellungenTest, NumbersAreReadUpToTheFirstForeignCharacterAndBounded) 
     EXPECT_EQ(e.IBPort, 7496);
     EXPECT_EQ(e.IBLoginID, 2147483647);
     EXPECT_EQ(e.BFTimeOut, 10);
+}
+
+TEST_F(EinstellungenTest, AValueThatIsNoNumberCountsAsZeroAndIsBounded) {
+    for (const char* schluessel : {"BFTimeOut", "NeuStartBeiFehlendenKursenSekunden", "AutoDatenpflege",
+                                   "KeineAufzeichungStart", "KeineAufzeichungEnde"})
+        InRegistry("Optionen", schluessel, "viel");
+    InRegistry("IBConnect", "IBPort", "Port");
+    InRegistry("IBConnect", "IBLoginID", "\xFF\xFE");
+    const Einstellungen& e = LiesAlle();
+    EXPECT_EQ(e.BFTimeOut, 10);
+    EXPECT_EQ(e.NeuStartBeiFehlendenKursenSekunden, 10);
+    EXPECT_FALSE(e.AutoDatenpflege);
+    EXPECT_EQ(NurZeittext(e.KeineAufzeichungStart), "05:00:00");
+    EXPECT_EQ(NurZeittext(e.KeineAufzeichungEnde), "06:00:00");
+    EXPECT_EQ(e.IBPort, 0);
+    EXPECT_EQ(e.IBLoginID, 0);
+    EXPECT_THAT(meldungen.Gezeigt, IsEmpty());
 }
 
 TEST_F(EinstellungenTest, SavesEveryMainSettingInItsForm) {
