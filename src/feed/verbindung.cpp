@@ -53,7 +53,8 @@ void Verbindung::TWSVerbindungAufbauen() {
         control_->connect(einstellungen.IBIPAdr, einstellungen.IBPort, einstellungen.IBLoginID,
                           KeineVerbindungsoptionen, KeineZusatzanmeldung);
     });
-    if (!control_.Verbunden()) {
+    // Without a control this throws: the start asks then whether to go on without a connection.
+    if (control_->TwsConnectionTime().empty()) {
         Melde("Es besteht keine Verbindung zur TWS!", true);
         return;
     }

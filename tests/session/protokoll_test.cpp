@@ -124,6 +124,28 @@ TEST_F(ProtokollTest, AnEntryThatCantBeWrittenIsLostSilentlyAndNoHandleStaysOpen
     EXPECT_EQ(dateien.OffeneHandles(), 0u);
 }
 
+TEST_F(ProtokollTest, AFullDiskLosesTheEntryOfTheFileAndKeepsThatOfTheList) {
+    dateien.SetzeFreienPlatz(0);
+    protokoll.Statusmeldung("verloren");
+    dateien.SetzeFreienPlatz(1000);
+    protokoll.Statusmeldung("da");
+    EXPECT_EQ(Datei(), "15.11.2026 18:21:53: da\r\n");
+    EXPECT_EQ(gesicht.Status.Eintraege.size(), 2u);
+}
+
+TEST_F(ProtokollTest, WhicheverCallFailsNothingIsThrownAndNoHandleStaysOpen) {
+    hilfen::StoerDateisystem gestoert(dateien);
+    Protokoll unsicher(welt, gestoert, modul, gesicht);
+    for (std::uint64_t n = 1; n <= 12; ++n) {
+        DateiIst(std::string(950000, 'x') + "\r\n" + std::string(50000, 'z'));
+        gestoert.StoereNten(n, EIO);
+        unsicher.Statusmeldung("Versuch " + std::to_string(n));
+        EXPECT_EQ(dateien.OffeneHandles(), 0u) << n;
+        gestoert.Heile();
+    }
+    EXPECT_EQ(gesicht.Status.Eintraege.size(), 12u);
+}
+
 TEST(StatuslisteTest, The501stEntryDoesNotTrimAndTheOneAfterItDoes) {
     Statusliste liste;
     const auto fuege = [&](int nummer) {

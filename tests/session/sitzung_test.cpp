@@ -1,13 +1,8 @@
 // The session as a whole over a scripted control: bringing up, ending in every situation, and the shutdown order.
-#include "hilfen/ram_dateisystem.h"
-#include "hilfen/ram_netz.h"
-#include "hilfen/ram_speicher.h"
 #include "hilfen/test_gesicht.h"
-#include "hilfen/test_prozesse.h"
-#include "hilfen/test_tws.h"
-#include "hilfen/virtuelle_welt.h"
 #include "platform/datum.h"
 #include "platform/text.h"
+#include "rechner.h"
 #include "session/dienst.h"
 #include "titles/titeldatei.h"
 
@@ -17,66 +12,13 @@
 namespace zek {
 namespace {
 
+using hilfen::Mittag;
+using hilfen::Rechner;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-
-const Datum Mittag = DatumAus(2026, 11, 16, 12, 0, 0);
-
-// A machine with a program folder, a configured port and a start hint that was declined.
-struct Rechner {
-    hilfen::VirtuelleWelt welt{Mittag};
-    hilfen::RamNetz netz{welt};
-    hilfen::RamDateisystem dateien;
-    hilfen::RamNutzerspeicher registry;
-    hilfen::RamProfildatei lokal;
-    hilfen::RamProfildatei port;
-    hilfen::TestProzesse prozesse;
-    hilfen::TestTwsFabrik tws;
-    int enden = 0;
-
-    Rechner() {
-        dateien.LegeOrdnerbaumAn("/zek");
-        registry.Setze(ProduktName, "ZEKStart", "VersionsHinweis", "1");
-        Setze("Optionen", "DontShowStartUpTitel", "1");
-        Setze("IBConnect", "IBPort", "7496");
-        tws.BeiErzeugen = [](hilfen::TestTws& control) {
-            control.BeiConnect = [](hilfen::TestTws& c) { c.Ereignisse().nextValidId(1); };
-        };
-    }
-    Plattform Maschine() {
-        return {welt,  welt, welt,     netz,         dateien, registry,
-                lokal, port, prozesse, tws.Fabrik(), "/zek/", [this] { ++enden; }};
-    }
-    void Setze(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
-        registry.Setze(Programmtitel, abschnitt, schluessel, wert);
-    }
-    std::string Registry(std::string_view abschnitt, std::string_view schluessel) {
-        return registry.Lies(Programmtitel, abschnitt, schluessel).value_or("(fehlt)");
-    }
-    // Saves so many active titles; the first with depth, the last inactive.
-    void MitTiteln(int anzahl) {
-        Titelliste titel;
-        for (int i = 1; i <= anzahl; ++i) {
-            auto t = std::make_shared<clTitelobjekt>();
-            t->id = i;
-            t->Symbol = "T" + std::to_string(i);
-            t->Typ = "STK";
-            t->Börsenplatz = "SMART";
-            t->Währung = "USD";
-            t->Dateiname = "T" + std::to_string(i);
-            t->UseMarkttiefe = i == 1;
-            t->Aktiv(i < anzahl);
-            titel.Fuege(t);
-        }
-        ASSERT_EQ(SchreibeTiteldatei(dateien, "/zek/", titel), std::nullopt);
-    }
-    std::string Log() { return AusCodepage(dateien.Inhalt("/zek/IBZEKLog.txt")); }
-    const std::vector<std::string>& Anfragen() { return tws.Kontrollen.at(0)->Zeilen; }
-    std::size_t Zeilen(std::string_view anfang) { return tws.Kontrollen.at(0)->Anzahl(anfang); }
-};
 
 struct SitzungTest : testing::Test, Rechner {
     hilfen::TestGesicht gesicht;
