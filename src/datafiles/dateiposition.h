@@ -1,8 +1,10 @@
 // Positions, sizes and offsets in files.
 #pragma once
 
+#include <algorithm>
 #include <compare>
 #include <cstdint>
+#include <limits>
 
 namespace zek {
 
@@ -11,9 +13,13 @@ namespace zek {
 class Dateiposition {
 public:
     static constexpr std::int64_t Einheit = 10000;
+    static constexpr std::int64_t GroessteBytes = std::numeric_limits<std::int64_t>::max() / Einheit;
 
     constexpr Dateiposition() = default;
-    static constexpr Dateiposition AusBytes(std::int64_t bytes) { return AusRoh(bytes * Einheit); }
+    // A count beyond the range becomes the range's end, such as the size of an odd sparse file.
+    static constexpr Dateiposition AusBytes(std::int64_t bytes) {
+        return AusRoh(std::clamp(bytes, -GroessteBytes, GroessteBytes) * Einheit);
+    }
     // From the stored integer, in ten-thousandths of a byte.
     static constexpr Dateiposition AusRoh(std::int64_t roh) {
         Dateiposition position;

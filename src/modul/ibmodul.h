@@ -16,6 +16,9 @@ namespace zek {
 inline constexpr std::string_view Programmtitel = "Tessaron ZEK für IB";
 inline constexpr std::string_view ProduktName = "Tessaron";
 
+// Gaps (from, to) that wait for a backfill of all titles; first in, first out.
+using Datenpflegeliste = std::deque<std::pair<Datum, Datum>>;
+
 struct IBModul {
     // Set first thing at the start, and again when the main window loads; the second value counts.
     Datum Startzeitpunkt = 0;
@@ -35,8 +38,7 @@ struct IBModul {
     std::unordered_map<std::string, Titelzeiger> Kontotitelliste;
     std::int32_t Titelnummer = 0;  // last id given out
 
-    // Gaps (from, to) that wait for a backfill; first in, first out.
-    std::deque<std::pair<Datum, Datum>> Datenpflegewarteschlange;
+    Datenpflegeliste Datenpflegewarteschlange;
     bool DatenpflegeLaeuft = false;
 
     bool Dialogsperre = false;  // a title or settings window is open

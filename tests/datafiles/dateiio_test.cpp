@@ -41,6 +41,9 @@ TEST(Dateiposition, CountsBytesAsAFixedPointNumberWithFourDecimals) {
     EXPECT_EQ(Bei(-32).Bytes(), -32);
     EXPECT_LT(Bei(4'294'967'295), Bei(4'294'967'296));
     EXPECT_EQ(Bei(856) + Bei(16) - Bei(856), Bei(16));
+    EXPECT_EQ(Bei(922'337'203'685'477).Bytes(), 922'337'203'685'477);
+    EXPECT_EQ(Bei(INT64_MAX).Bytes(), 922'337'203'685'477) << "the size of a sparse file may lie beyond the range";
+    EXPECT_EQ(Bei(INT64_MIN).Bytes(), -922'337'203'685'477);
 }
 
 TEST_F(DateiIO, AFreshInstanceIsClosedAndEveryOtherOperationSaysSo) {
