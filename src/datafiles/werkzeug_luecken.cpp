@@ -97,6 +97,8 @@ void NimmZeile(Bestand& bestand, const Lueckenzeile& zeile) {
     Titel& titel = bestand.Titel[Kleinbuchstaben(zeile.Titel)];
     if (titel.Name.empty()) titel.Name = zeile.Titel;
     titel.Genannt = std::min(titel.Genannt, von);
+    for (const std::int32_t art : Arten)
+        if (zeile.Zusatz() == KursartName(art)) titel.Arten.insert(art);
 }
 
 // ---- judging
@@ -222,6 +224,7 @@ struct Eintrag {
     Lueckenzeile Zeile;
     Zeit Von = 0, Bis = 0;
     Zeit Fehlend = 0;
+    bool Betrifft = true;  // something was to be recorded then
     std::string Text;
 };
 
@@ -311,7 +314,9 @@ private:
             if (!zeile.FuerAlle() && !bestand_.Titel.contains(Kleinbuchstaben(zeile.Titel))) continue;
             const Zeitspannen gesehen =
                 Zeitspannen(Zeitspannen::Aus(zeile.Von), werkzeug::Bis(zeile, bestand_.Stand)).Schnitt(rahmen_);
-            const bool offeneLuecke = zeile.IstOffen() && wertung == Wertung::Luecke;
+            // A program that was ended has missed nothing as long as nobody has started it anew.
+            const bool offeneLuecke =
+                zeile.IstOffen() && wertung == Wertung::Luecke && zeile.Ursache != ursache::ProgrammBeendet;
             if (gesehen.IstLeer() && !zeile.IstOffen()) continue;
             Eintrag e;
             e.Zeile = zeile;
@@ -320,27 +325,33 @@ private:
             if (gesehen.IstLeer() && (e.Von < rahmen_.Alle().front().Von || e.Von >= rahmen_.Alle().back().Bis))
                 continue;
             offen_ = offen_ || offeneLuecke;
-            if (wertung == Wertung::Luecke) e.Fehlend = FehlendIn(zeile, gesehen);
+            if (wertung == Wertung::Luecke) {
+                e.Fehlend = DauerIn(&Titel::Fehlend, zeile, gesehen);
+                e.Betrifft = zeile.IstOffen() || DauerIn(&Titel::Luecken, zeile, gesehen) > 0;
+            }
             e.Text = TextFuer(e, wertung);
             eintraege_.push_back(std::move(e));
         }
     }
 
-    Zeit FehlendIn(const Lueckenzeile& zeile, const Zeitspannen& gesehen) const {
-        Zeitspannen fehlend;
+    // How much of a line's span is of this sort for some title.
+    Zeit DauerIn(Zeitspannen Titel::*sorte, const Lueckenzeile& zeile, const Zeitspannen& gesehen) const {
+        Zeitspannen alle;
         for (const auto& [schluessel, titel] : bestand_.Titel)
-            if (Gilt(zeile, schluessel)) fehlend.Fuege(titel.Fehlend.Schnitt(gesehen));
-        return fehlend.Dauer();
+            if (Gilt(zeile, schluessel)) alle.Fuege((titel.*sorte).Schnitt(gesehen));
+        return alle.Dauer();
     }
 
     std::string TextFuer(const Eintrag& e, Wertung wertung) const {
-        std::string text = "ergänzt";
+        std::string text = e.Zeile.IstOffen() && e.Fehlend == 0 ? "seit eben" : "ergänzt";
         if (wertung == Wertung::Gewollt)
             text = "gewollt";
         else if (wertung == Wertung::Nebenbei)
             text = "betrifft nur die Markttiefe";
         else if (e.Fehlend > 0)
             text = (e.Fehlend < e.Bis - e.Von ? "es fehlen " + Dauertext(e.Fehlend) : "fehlt") + Gruende(e);
+        else if (!e.Betrifft)
+            text = "es war nichts aufzuzeichnen";
         if (e.Zeile.IstOffen()) text += ", dauert an";
         if (!Zeitspannen(e.Von, e.Bis).IstLeer() && Zeitspannen(e.Von, e.Bis).Ohne(Ruhig()).IstLeer())
             text += ", Wochenende";

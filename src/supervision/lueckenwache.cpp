@@ -29,6 +29,7 @@ constexpr double AntwortSekunden = 30;
 constexpr double NachzueglerSekunden = 2;
 constexpr std::uint32_t NachholenJede = 10;  // seconds
 constexpr int Kursmindestsekunden = 10;
+constexpr double Aufloesung = 0.0005;  // seconds that a day count may be off
 
 double Sekunden(Datum von, Datum bis) {
     return (bis - von) * SekundenProTag;
@@ -221,7 +222,7 @@ void Lueckenwache::PruefeKurse(Datum jetzt) {
     if (ruhe || aktive_ == 0 || abonniert_.empty() || !StromSteht()) return;
     const Datum letzter = std::max({modul_.LetzterKursZeitpunkt, durchgangLetzte_, ruheBis_});
     const int grenze = std::max(modul_.Einstellungen.NeuStartBeiFehlendenKursenSekunden, Kursmindestsekunden);
-    if (Sekunden(letzter, jetzt) <= grenze) return;
+    if (Sekunden(letzter, jetzt) <= grenze + Aufloesung) return;
     modul_.ErsterKursZeitpunkt = 0;
     Oeffne(Alle, ursache::KeineKurse, letzter);
 }
@@ -293,8 +294,18 @@ void Lueckenwache::PruefeAblehnungen(Datum jetzt) {
         const Ablehnung& ablehnung = (ort++)->second;
         if (ablehnung.Ursache.starts_with(ursache::TiefeAbgelehnt)) continue;
         const clTitelobjekt* titel = modul_.Titelliste.Finde(id);
-        if (titel != nullptr && Tickstandvon(*titel) != ablehnung.Stand) SchliesseAblehnung(id, jetzt);
+        if (titel == nullptr) continue;
+        const Tickstand stand = Tickstandvon(*titel);
+        if (stand != ablehnung.Stand) SchliesseAblehnung(id, ErsterTick(ablehnung.Stand, stand, jetzt));
     }
+}
+
+// The earliest of the ticks since the last look, as far as the title still knows them.
+Datum Lueckenwache::ErsterTick(const Tickstand& vorher, const Tickstand& nachher, Datum jetzt) const {
+    Datum erster = jetzt;
+    for (std::size_t i = 0; i < vorher.size(); ++i)
+        if (vorher[i] != nachher[i]) erster = std::min(erster, ZuletztUm(nachher[i] / SekundenProTag, jetzt));
+    return std::max(erster, std::min(letzterDurchlauf_, jetzt));
 }
 
 void Lueckenwache::PruefeTitel(Datum jetzt) {
@@ -385,8 +396,10 @@ void Lueckenwache::Durchlauf() {
 
 void Lueckenwache::PruefeUhr(Datum jetzt) {
     const double vergangen = Sekunden(letzterDurchlauf_, jetzt);
-    if (vergangen > SprungSekunden) Schreibe(letzterDurchlauf_, jetzt, Alle, std::string(ursache::UhrVerstellt));
     if (vergangen < -1) Schreibe(jetzt, letzterDurchlauf_, Alle, std::string(ursache::UhrZurueck));
+    if (vergangen <= SprungSekunden) return;
+    Schreibe(letzterDurchlauf_, jetzt, Alle, std::string(ursache::UhrVerstellt));
+    ruheBis_ = jetzt;
 }
 
 void Lueckenwache::PruefePause(Datum jetzt) {

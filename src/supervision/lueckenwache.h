@@ -87,6 +87,7 @@ private:
     void TitelWechselt(std::int32_t id, Titelstand& stand, bool aktiv, Datum jetzt);
     void EntferneVerschwundene(Datum jetzt);
     void PruefeAblehnungen(Datum jetzt);
+    Datum ErsterTick(const Tickstand& vorher, const Tickstand& nachher, Datum jetzt) const;
     bool StromSteht() const;
     Datum StromendeSpaetestens(Datum jetzt) const;
     void SchliesseAblehnung(std::int32_t id, Datum bis);
@@ -118,7 +119,7 @@ private:
 
     Datum letzterDurchlauf_ = 0;
     bool pausiert_ = false;
-    Datum ruheBis_ = 0;  // the last second of quiet time
+    Datum ruheBis_ = 0;  // until then a lack of ticks means nothing
     std::uint32_t durchlaeufe_ = 0;
     clTitelobjekt pausenprobe_;  // takes part in the recording pause
 };
