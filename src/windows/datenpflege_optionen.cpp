@@ -1,6 +1,7 @@
 #include "windows/datenpflege_optionen.h"
 
 #include "platform/datum.h"
+#include "windows/hilfe.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>
@@ -52,7 +53,9 @@ QTime AlsUhrzeit(Datum datum) {
 
 frmDatenpflegeOptionen::frmDatenpflegeOptionen(QWidget* eltern, const Uhr& uhr, Meldungen& meldungen,
                                                Hilfeoeffner hilfe, const Datenpflegeoptionen::Vorgabe& vorgabe)
-    : Dialogbasis(eltern, Q(vorgabe.Ueberschrift), std::move(hilfe), "datenpflege"), uhr_(uhr), meldungen_(meldungen) {
+    : Dialogbasis(eltern, Q(vorgabe.Ueberschrift), std::move(hilfe), hilfeseite::Datenpflege),
+      uhr_(uhr),
+      meldungen_(meldungen) {
     setObjectName("frmDatenpflegeOptionen");
     for (const std::size_t i : {Von, Bis}) {
         Datumfeld_[i] = Datumfeld(static_cast<int>(i));

@@ -7,6 +7,7 @@
 #include "windows/befehle.h"
 #include "windows/beispieltitel_fenster.h"
 #include "windows/datenpflege_optionen.h"
+#include "windows/hilfe.h"
 #include "windows/monitorplatz.h"
 #include "windows/statusliste.h"
 #include "windows/taskleiste.h"
@@ -44,6 +45,7 @@ int Desktopgesicht::ZeigeMeldung(const std::string& text, int flags, int sekunde
 
 StarthinweisAntwort Desktopgesicht::ZeigeStarthinweis() {
     frmStartHinweis hinweis(nullptr);
+    HilfeBeiF1(hinweis, hilfe_, hilfeseite::ErsteSchritte);
     return hinweis.Frage();
 }
 
@@ -134,6 +136,7 @@ void Desktopgesicht::ZeigeBeispieltitel() {
         [this] {
             sitzung_->Einstellungen().SchreibeRegistry(Programmtitel, abschnitt::Optionen, "DontShowStartUpTitel", "1");
         });
+    HilfeBeiF1(fenster, hilfe_, hilfeseite::Titel);
     fenster.exec();
     TitelGeaendert();
 }
@@ -277,6 +280,7 @@ void Desktopgesicht::Statuspanel(const std::string& text) {
 
 Datenpflegeanzeige& Desktopgesicht::DatenpflegeFensterErzeugen() {
     datenpflege_ = std::make_unique<frmDatenpflegeFortschritt>(fenster_.get());
+    HilfeBeiF1(*datenpflege_, hilfe_, hilfeseite::Datenpflege);
     datenpflege_->show();
     return *datenpflege_;
 }

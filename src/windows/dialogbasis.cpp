@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTimer>
 #include <utility>
 
@@ -65,6 +66,11 @@ private:
 };
 
 }  // namespace
+
+void HilfeBeiF1(QWidget& fenster, const Hilfeoeffner& hilfe, const char* seite) {
+    auto* taste = new QShortcut(QKeySequence(Qt::Key_F1), &fenster);
+    QObject::connect(taste, &QShortcut::activated, &fenster, [hilfe, seite] { hilfe(seite); });
+}
 
 void BeschriftungenSchalten(const QWidget& dialog) {
     for (QLabel* label : dialog.findChildren<QLabel*>())

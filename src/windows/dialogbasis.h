@@ -32,6 +32,9 @@ private:
     std::string hilfeseite_;
 };
 
+// F1 in a window that has no Hilfe button opens this page.
+void HilfeBeiF1(QWidget& fenster, const Hilfeoeffner& hilfe, const char* seite);
+
 // Greys the labels of disabled fields: each label is as enabled as the field that it names.
 void BeschriftungenSchalten(const QWidget& dialog);
 

@@ -7,6 +7,21 @@
 
 namespace zek {
 
+// The pages that windows ask for by their Hilfe button or F1; names without the extension.
+namespace hilfeseite {
+
+inline constexpr const char* Inhalt = "index";
+inline constexpr const char* ErsteSchritte = "erste_schritte";
+inline constexpr const char* Monitor = "monitor";
+inline constexpr const char* Einstellungen = "einstellungen";
+inline constexpr const char* Verbindung = "verbindung";
+inline constexpr const char* Datenpflege = "datenpflege";
+inline constexpr const char* Titel = "titel";
+
+inline constexpr const char* Alle[] = {Inhalt, ErsteSchritte, Monitor, Einstellungen, Verbindung, Datenpflege, Titel};
+
+}  // namespace hilfeseite
+
 // Where the manual may lie, seen from the folder of the executable: beside it, installed, or in the source tree.
 QStringList Hilfeordner(const QString& programmordner);
 

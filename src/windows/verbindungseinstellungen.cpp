@@ -1,6 +1,7 @@
 #include "windows/verbindungseinstellungen.h"
 
 #include "platform/text.h"
+#include "windows/hilfe.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -34,7 +35,7 @@ QLineEdit* Feld(const char* name, const QString& text) {
 
 frmIBBrokerOptionen::frmIBBrokerOptionen(QWidget* eltern, Meldungen& meldungen, Hilfeoeffner hilfe,
                                          const Verbindungsangaben& angaben)
-    : Dialogbasis(eltern, "Interactive Brokers", std::move(hilfe), "verbindung"),
+    : Dialogbasis(eltern, "Interactive Brokers", std::move(hilfe), hilfeseite::Verbindung),
       meldungen_(meldungen),
       bisherigeClientId_(angaben.IBLoginID) {
     setObjectName("frmIBBrokerOptionen");

@@ -1,6 +1,7 @@
 #include "windows/zek_einstellungen.h"
 
 #include "platform/text.h"
+#include "windows/hilfe.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -90,7 +91,7 @@ int Sekunden(const QLineEdit* feld) {
 
 frmZEKEinstellungen::frmZEKEinstellungen(QWidget* eltern, Umfeld umfeld, Hilfeoeffner hilfe,
                                          const Einstellungen& einstellungen)
-    : Dialogbasis(eltern, "Allgemeine Einstellungen", std::move(hilfe), "einstellungen"),
+    : Dialogbasis(eltern, "Allgemeine Einstellungen", std::move(hilfe), hilfeseite::Einstellungen),
       umfeld_(std::move(umfeld)),
       vorher_(einstellungen) {
     setObjectName("frmZEKEinstellungen");

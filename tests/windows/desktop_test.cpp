@@ -371,8 +371,11 @@ TEST_F(Desktop, EveryCommandHasATextAToolTipAndIsInTheRightPlace) {
         if (!aktion->iconText().isEmpty()) leiste.push_back(aktion->iconText().toStdString());
     EXPECT_THAT(leiste, ElementsAre("Titelauswahl", "Verwaltung", "Dateninspektor", "Info", "TWS-Einstellungen",
                                     "Hilfe", "Monitor", "Statusmeldungen löschen", "Einstellungen"));
-    for (int nummer = befehl::Titelauswahl; nummer <= befehl::LokalSpeichern; ++nummer)
-        if (QAction* aktion = Fenster().Befehle().Aktion(nummer)) EXPECT_FALSE(aktion->toolTip().isEmpty()) << nummer;
+    for (int nummer = befehl::Titelauswahl; nummer <= befehl::LokalSpeichern; ++nummer) {
+        if (QAction* aktion = Fenster().Befehle().Aktion(nummer)) {
+            EXPECT_FALSE(aktion->toolTip().isEmpty()) << nummer;
+        }
+    }
 }
 
 TEST_F(Desktop, TheTrayMenuHasItsEntriesAndQuitsWithTheQuestion) {

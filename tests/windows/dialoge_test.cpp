@@ -45,6 +45,44 @@ struct ZekEinstellungen : testing::Test {
     std::string Gemeldet() const { return meldungen.Gezeigt.empty() ? "" : meldungen.Gezeigt.back().Text; }
 };
 
+// The controls that Tab goes through, by their names.
+std::vector<std::string> Tabfolge(QWidget& dialog) {
+    std::vector<std::string> namen;
+    QWidget* feld = &dialog;
+    while ((feld = feld->nextInFocusChain()) != &dialog)
+        if ((feld->focusPolicy() & Qt::TabFocus) != 0 && feld->isEnabled() && !feld->objectName().startsWith("qt_"))
+            namen.push_back(feld->objectName().toStdString());
+    return namen;
+}
+
+TEST_F(ZekEinstellungen, TabGoesFromTopToBottomColumnByColumn) {
+    vorher.KursAufzeichnungDeaktivieren = vorher.NeuStartBeiFehlendenKursen = true;
+    vorher.NeuStartbeiUhrzeit = vorher.KontenDatenAufzeichnen = true;
+    EXPECT_THAT(
+        Tabfolge(*Oeffne()),
+        ElementsAre("optUseGesamtvolumen", "optUmsatzfilter(0)", "optUmsatzfilter(1)",
+                    "optKursaufzeichnungDeaktivieren", "KursAufzeichnungDeaktivStart", "KursAufzeichnungDeaktivEnde",
+                    "txtAufzeichnungsPauseBoersen", "optNeustartWennKeineKurse", "txtNeustartWennkeineKurseSekunden",
+                    "txtNeustartFehlernummern", "optNeustartBeiUhrzeit", "NeustartUhrzeit", "optSystemzeitStellen",
+                    "optKontodatenAufzeichnen", "optPortfoliopositionen", "txtKontoname", "optKeinKontonameVerwenden",
+                    "txtKontoSpeicherOrdner", "optBidAskNachLast", "optDatenpflege", "txtBFTimeout", "Okay", "Abbruch",
+                    "Hilfe"));
+}
+
+TEST_F(ZekEinstellungen, TheLabelOfADisabledFieldIsGreyToo) {
+    auto dialog = Oeffne();
+    const auto beschriftung = [&](const char* feld) {
+        for (QLabel* label : dialog->findChildren<QLabel*>())
+            if (label->buddy() != nullptr && label->buddy()->objectName() == feld) return label->isEnabled();
+        ADD_FAILURE() << "no label of " << feld;
+        return false;
+    };
+    EXPECT_FALSE(beschriftung("txtKontoname"));
+    EXPECT_TRUE(beschriftung("txtBFTimeout"));
+    Haken(*dialog, "optKontodatenAufzeichnen", true);
+    EXPECT_TRUE(beschriftung("txtKontoname"));
+}
+
 TEST_F(ZekEinstellungen, ABackfillTimeoutOf6001IsRefusedAnd6000Taken) {
     auto dialog = Oeffne();
     Schreibe(*dialog, "txtBFTimeout", "6001");
