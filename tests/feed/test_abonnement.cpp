@@ -249,6 +249,17 @@ TEST_F(Abonnementtest, APassInsideAPassOfItsKindDoesNothing) {
     EXPECT_EQ(fabrik.Letzte().Anzahl("reqMktData"), 64U) << "the guard is clear again";
 }
 
+TEST_F(Abonnementtest, ACancelInsideACancelDoesNothing) {
+    titelAnlegen(32);
+    std::int32_t innen = 5, aussen = 0;
+    welt.Plane(0.5, [&] { feed.Abos.AlleMarktdatenAbbestellen(innen); });
+    feed.Abos.AlleMarktdatenAbbestellen(aussen);
+    EXPECT_EQ(fabrik.Letzte().Anzahl("cancelMktData"), 32U);
+    EXPECT_EQ(innen, 5) << "its count stays";
+    feed.Abos.AlleMarktdatenAbbestellen(aussen);
+    EXPECT_EQ(fabrik.Letzte().Anzahl("cancelMktData"), 64U) << "the guard is clear again";
+}
+
 TEST_F(Abonnementtest, APassGoesByThePositionsOfItsStart) {
     titelAnlegen(33);
     welt.Plane(0.5, [&] {

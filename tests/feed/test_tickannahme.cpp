@@ -37,6 +37,14 @@ TEST_F(Tickannahmetest, TheVeryFirstPriceHasItselfAsThePreviousOne) {
     EXPECT_EQ(es->VorigerBid, 6.0F);
 }
 
+TEST_F(Tickannahmetest, PricesOfZeroAndBelowArePreviousPricesToo) {
+    auto cl = titel("CL");
+    cl.bezahlt(-37.5).bezahlt(0);
+    EXPECT_EQ(cl->VorigerLast, -37.5F);
+    cl.bezahlt(2);
+    EXPECT_EQ(cl->VorigerLast, 0.0F);
+}
+
 TEST_F(Tickannahmetest, APriceTickNotesTimerAndDate) {
     auto es = titel("ES");
     es.bezahlt(100);
@@ -92,6 +100,22 @@ TEST_F(Tickannahmetest, HalfASecondBehindThePriceIsNoEcho) {
     warte(0.1);
     es.geldVol(5);
     EXPECT_THAT(saetze(kursart::Geld), ElementsAre(Satz{100, 7}, Satz{100, 5}, Satz{100, 5}));
+}
+
+TEST_F(Tickannahmetest, TheEchoWindowsAreAFifthOfASecondAndTwoFifths) {
+    const auto echo = [&](double nachKurs, double nachVolumen) {
+        auto es = titel("ES");
+        es.geld(100);
+        warte(nachKurs - nachVolumen);
+        es.geldVol(5);
+        warte(nachVolumen);
+        es.geldVol(5);
+        return !es->NewBid;
+    };
+    EXPECT_TRUE(echo(0.19, 0.19));
+    EXPECT_FALSE(echo(0.21, 0.21));
+    EXPECT_TRUE(echo(0.39, 0.1));
+    EXPECT_FALSE(echo(0.41, 0.1));
 }
 
 TEST_F(Tickannahmetest, AnotherSizeWithinTheWindowIsNoEcho) {
