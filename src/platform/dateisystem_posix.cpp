@@ -21,13 +21,14 @@ auto Wiederholt(Aufruf aufruf) {
 }
 
 int Flaggen(Oeffnen art) {
+    // O_NONBLOCK plays no part for files; a pipe in the place of one gives an error instead of a wait without end.
     switch (art) {
         case Oeffnen::NurLesen:
             return O_RDONLY;
         case Oeffnen::LesenSchreiben:
-            return O_RDWR;
+            return O_RDWR | O_NONBLOCK;
         case Oeffnen::Anlegen:
-            return O_RDWR | O_CREAT;
+            return O_RDWR | O_CREAT | O_NONBLOCK;
         case Oeffnen::AnlegenNurLesen:
             return O_RDONLY | O_CREAT;
     }

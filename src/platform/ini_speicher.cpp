@@ -214,7 +214,9 @@ bool IniDatei::LiesNeu() {
     const Stand stand = StandAufPlatte();
     PosixDateisystem dateien;
     std::string bytes;
-    const bool gelesen = LiesGanz(dateien, pfad_, bytes);
+    // A pipe or a device in the place of the file is neither read nor replaced.
+    std::error_code egal;
+    const bool gelesen = std::filesystem::is_regular_file(pfad_, egal) && LiesGanz(dateien, pfad_, bytes);
     gelesen_ = codepage_ ? AusCodepage(bytes) : std::move(bytes);
     text_ = IniText(gelesen_);
     timespec jetzt{};

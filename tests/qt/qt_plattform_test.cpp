@@ -57,6 +57,28 @@ TEST_F(QtPlattform, ATimersCallbackThatPumpsIsEnteredAgain) {
     EXPECT_TRUE(Bis([&] { return groessteTiefe == 3; }));
 }
 
+TEST_F(QtPlattform, AnErrorOfACallbackEndsNeitherTimerNorProgram) {
+    int laeufe = 0;
+    auto zeitgeber = fabrik.Erzeuge(1ms, [&] {
+        ++laeufe;
+        throw std::runtime_error("voll");
+    });
+    zeitgeber->Starte();
+    EXPECT_TRUE(Bis([&] { return laeufe >= 3; }));
+}
+
+TEST_F(QtPlattform, AnErrorOfASignalsReceiverEndsNothing) {
+    int signale = 0;
+    const Signalempfang empfang([&](int) {
+        ++signale;
+        throw std::runtime_error("voll");
+    });
+    std::raise(SIGTERM);
+    EXPECT_TRUE(Bis([&] { return signale == 1; }));
+    std::raise(SIGTERM);
+    EXPECT_TRUE(Bis([&] { return signale == 2; }));
+}
+
 TEST_F(QtPlattform, ATimerMayBeDeletedInItsOwnCallback) {
     int laeufe = 0;
     std::unique_ptr<Zeitgeber> zeitgeber;

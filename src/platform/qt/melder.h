@@ -2,6 +2,8 @@
 // call, and must be deleted before the descriptor is closed.
 #pragma once
 
+#include "platform/ohnefehler.h"
+
 #include <QEvent>
 #include <QSocketNotifier>
 
@@ -20,7 +22,7 @@ public:
         if (ereignis->type() != QEvent::SockAct && ereignis->type() != QEvent::SockClose)
             return QSocketNotifier::event(ereignis);
         const auto beiBereit = beiBereit_;
-        beiBereit();
+        OhneFehler(beiBereit);  // Qt lets no error through its events
         return true;
     }
 

@@ -1,5 +1,6 @@
 #include "platform/qt/qt_plattform.h"
 
+#include "platform/ohnefehler.h"
 #include "platform/prozess_posix.h"
 
 #include <QCoreApplication>
@@ -53,7 +54,7 @@ protected:
         faellig_ += intervall_;
         if (faellig_ <= Zeit::now()) faellig_ = Zeit::now() + intervall_;
         StelleNaechsten();
-        beiAblauf_();
+        OhneFehler(beiAblauf_);  // Qt lets no error through its events
     }
 
 private:
