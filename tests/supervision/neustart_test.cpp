@@ -74,6 +74,19 @@ TEST_F(Neustarttest, ARoundJustBeforeTheTimeCounts) {
     EXPECT_DOUBLE_EQ(LaufeBisEnde(10), 1);
 }
 
+TEST_F(Neustarttest, ARoundATenthOfASecondBeforeTheTimeDoesNotCountYet) {
+    TaeglichUm(3, 0);
+    StarteUm(DatumAus(2026, 11, 16, 2, 59, 58.9));
+    EXPECT_DOUBLE_EQ(LaufeBisEnde(10), 2);
+}
+
+TEST_F(Neustarttest, AClockSetBackToYesterdayIsNoNewDay) {
+    TaeglichUm(3, 0);
+    StarteUm(DatumAus(2026, 11, 16, 3, 30, 0));
+    welt.StelleUhr(DatumAus(2026, 11, 15, 4, 0, 0));
+    EXPECT_DOUBLE_EQ(LaufeBisEnde(3600), 3600);
+}
+
 TEST_F(Neustarttest, TheProgramThatComesUpAtTheTimeDoesNotRestartAgain) {
     TaeglichUm(3, 0);
     for (const double sekunde : {0.0, 59.5 - 60, 59.98 - 60}) {
@@ -250,6 +263,30 @@ TEST_F(Neustarttest, ARunningBackfillIsAbortedFirst) {
     welt.Laufe(1);
     EXPECT_THAT(aufrufe, ElementsAre("DatenpflegeAbbrechen", "DatenpflegeFensterFreigeben", "disconnect",
                                      "HauptfensterEntladen"));
+}
+
+// Writes each call into the log of calls.
+class Zaehlpumpe : public Pumpe {
+public:
+    explicit Zaehlpumpe(hilfen::Aufrufe& aufrufe) : aufrufe_(aufrufe) {}
+    void Ereignisse() override { aufrufe_.emplace_back("Ereignisse"); }
+    void Warte(std::chrono::milliseconds) override { aufrufe_.emplace_back("Warte"); }
+
+private:
+    hilfen::Aufrufe& aufrufe_;
+};
+
+TEST_F(Neustarttest, EventsRunAHundredTimesForTheBackfillAndOnceForTheDisconnect) {
+    Zaehlpumpe pumpe(aufrufe);
+    Neustart gezaehlt(modul, welt, pumpe, dateien, prozesse, status, meldungen, sitzung);
+    sitzung.DatenpflegeOffen = true;
+    modul.BeendenAngefordert = true;
+    EXPECT_TRUE(gezaehlt.Ausfuehren());
+    hilfen::Aufrufe erwartet{"DatenpflegeAbbrechen"};
+    erwartet.insert(erwartet.end(), 100, "Ereignisse");
+    for (const char* aufruf : {"DatenpflegeFensterFreigeben", "disconnect", "Ereignisse", "HauptfensterEntladen"})
+        erwartet.emplace_back(aufruf);
+    EXPECT_EQ(aufrufe, erwartet);
 }
 
 TEST_F(Neustarttest, AnEndWhileTheBackfillIsAbortedIsNoRestartAnyMore) {

@@ -140,8 +140,9 @@ TEST_F(Rundentest, TheMinuteBlockComesEveryMinute) {
 
 TEST_F(Rundentest, WithinTheFirstTenSecondsTheLastEndStays) {
     modul.LetzteDatenZeit = welt.Jetzt();
-    modul.Minutenmarke = 43200 - 60 + 10;
+    modul.Minutenmarke = 43200 - 60 + 9;
     welt.Laufe(10.5);
+    EXPECT_EQ(Anzahl("reqCurrentTime"), 1) << "the block came at the tenth second";
     EXPECT_EQ(Anzahl("SchreibeLastEnd"), 0) << "ten seconds are not more than ten";
     modul.Minutenmarke = 0;
     welt.Laufe(0.5);
@@ -274,6 +275,18 @@ TEST_F(Titelinfotest, TheRateIsTheRecordsSinceTheLastRefresh) {
     welt.Laufe(1);
     info.TitelInfoAktualisieren(true);
     EXPECT_EQ(info.Tickrate(), 0);
+}
+
+TEST_F(Titelinfotest, TheRateBeginsBehindTheFirstRecords) {
+    info.TitelInfoAktualisieren(true);
+    welt.Laufe(1);
+    modul.Kursanzahl = 10;
+    info.TitelInfoAktualisieren(true);
+    EXPECT_EQ(info.Tickrate(), 0) << "a base of 0 is none";
+    welt.Laufe(1);
+    modul.Kursanzahl = 30;
+    info.TitelInfoAktualisieren(true);
+    EXPECT_NEAR(info.Tickrate(), 20, 0.01);
 }
 
 TEST_F(Titelinfotest, WithNoTimePassedOrTheClockSetBackTheRateStays) {
