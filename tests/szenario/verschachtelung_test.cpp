@@ -111,6 +111,16 @@ TEST_F(Verschachtelung, ARefusedStartWarnsOnceAndEachFurtherAttemptOnlyBeeps) {
     EXPECT_EQ(w->netz.Verbindungsversuche(), 31u);
 }
 
+TEST_F(Verschachtelung, WithoutAPortEachOfThirtyAttemptsReportsIt) {
+    Lege(1, Neun + EineSekunde);
+    w->Setze("IBConnect", "IBPort", "0");
+    ASSERT_TRUE(w->Starte());
+    w->Bis(9, 30);
+    EXPECT_EQ(w->LogAnzahl("Fehlende Port-Angabe: Keine Verbindung zur TWS hergestellt!"), 31u) << "the start's too";
+    EXPECT_EQ(w->Modul().Verbindungsversuche, 30);
+    EXPECT_EQ(w->netz.Verbindungsversuche(), 0u);
+}
+
 TEST_F(Verschachtelung, AServerThatComesUpLaterIsSubscribedByTheRound) {
     Lege(40, Neun + EineSekunde);
     w->tws.WeiseAb(30);
