@@ -51,7 +51,9 @@ struct Einarbeiter::Merge {
     bool Filter = false;
     bool WarLeer = false;      // the file got its header here
     bool Geschrieben = false;  // bytes of the file have been touched
-    std::int64_t Ende = 0;     // behind the last whole record; a torn one isn't a record
+    bool Angefangen = false;   // bytes of the block have been
+    bool BlockSteht = false;
+    std::int64_t Ende = 0;  // behind the last whole record; a torn one isn't a record
     std::int32_t Anzahl = 0;
     std::int64_t Stand = -1;  // position of the handle; below 0 it isn't known
     std::int64_t Schreibstelle = DateikopfBytes;
@@ -76,6 +78,7 @@ Einarbeiter::Einarbeiter(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, P
 
 std::int32_t Einarbeiter::DatenEinarbeiten(Form& form, clTitelobjekt& titel, std::span<const KursDatensatz> saetze,
                                            std::int32_t kursart) {
+    verlustAb_ = 0;
     if (saetze.empty()) return 0;
     Merge merge{form, titel, saetze, kursart, {}, std::make_unique<clDateiIO>(dateien_), {}};
     merge.Filter = kursart == kursart::Bezahlt ? modul_.Einstellungen.IBBezahlt : modul_.Einstellungen.IBAndere;
@@ -83,6 +86,8 @@ std::int32_t Einarbeiter::DatenEinarbeiten(Form& form, clTitelobjekt& titel, std
         FuehreAus(merge);
     } catch (const std::exception& fehler) {
         status_.Statusmeldung("Fehler beim Einarbeiten von Daten aufgetreten: " + std::string(fehler.what()), true);
+        // With the block in place only what is newer can be missing.
+        if (merge.Angefangen) verlustAb_ = (merge.BlockSteht ? merge.Letztes() : merge.Erstes()) - titel.ZeitKorrektur;
         MacheSaetzeGanz(merge);
     }
     form.AbbruchMoeglich(true);
@@ -99,6 +104,7 @@ void Einarbeiter::FuehreAus(Merge& merge) {
     merge.Fenster.AbbruchMoeglich(false);
     merge.Fenster.FortschrittMaximum(static_cast<int>(merge.Saetze.size()));
     merge.Anzahl = SchreibeBlock(merge);
+    merge.BlockSteht = true;
     SchreibeSchwanz(merge);
     KuerzeDatei(merge);
     SchreibeKopf(merge);
@@ -153,9 +159,7 @@ void Einarbeiter::PruefeKonsistenz(Merge& merge) {
 template <typename Halt>
 std::int64_t Einarbeiter::SpringeZurueck(Merge& merge, std::int64_t ab, Halt halt) {
     for (std::int64_t stelle = ab - Sprung; stelle >= DateikopfBytes; stelle -= Sprung) {
-        KursDatensatz satz;
-        if (LiesSaetze(merge, stelle, {&satz, 1}) == 0) WirfSystemfehler(-EIO);
-        if (halt(satz)) return stelle;
+        if (halt(LiesSatz(merge, stelle))) return stelle;
     }
     return DateikopfBytes - DatensatzBytes;
 }
@@ -322,6 +326,19 @@ std::size_t Einarbeiter::Lies(Merge& merge, std::span<std::byte> ziel) {
     return gelesen;
 }
 
+// One record by one call: a search jumps over a big file in thousands of steps.
+KursDatensatz Einarbeiter::LiesSatz(Merge& merge, std::int64_t stelle) {
+    KursDatensatz satz;
+    merge.Stand = -1;
+    for (auto ziel = std::as_writable_bytes(std::span(&satz, 1)); !ziel.empty();) {
+        const std::int64_t bewegt = dateien_.LiesAn(merge.Datei->FileHandle(), stelle, ziel);
+        if (bewegt <= 0) WirfSystemfehler(bewegt < 0 ? bewegt : -EIO);
+        stelle += bewegt;
+        ziel = ziel.subspan(static_cast<std::size_t>(bewegt));
+    }
+    return satz;
+}
+
 // Whole records read from a place on; fewer than asked for only at the end of the file.
 std::size_t Einarbeiter::LiesSaetze(Merge& merge, std::int64_t stelle, std::span<KursDatensatz> ziel) {
     Gehe(merge, stelle);
@@ -334,7 +351,7 @@ void Einarbeiter::Schreibe(Merge& merge, std::span<const KursDatensatz> saetze) 
     const std::int64_t bis = merge.Schreibstelle + Bytes(saetze.size());
     RetteSchwanz(merge, bis);
     Gehe(merge, merge.Schreibstelle);
-    merge.Geschrieben = true;
+    merge.Geschrieben = merge.Angefangen = true;
     const int fehler = SchreibeGanz(dateien_, merge.Datei->FileHandle(), std::as_bytes(saetze));
     if (fehler < 0) WirfSystemfehler(fehler);
     merge.Stand = merge.Schreibstelle = bis;

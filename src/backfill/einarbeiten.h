@@ -47,6 +47,10 @@ public:
     std::int32_t DatenEinarbeiten(Form& form, clTitelobjekt& titel, std::span<const KursDatensatz> saetze,
                                   std::int32_t kursart);
 
+    // Where a write error of the last call may have cost records: from this time of the recorder's clock to the
+    // present. 0 when it went well or touched nothing.
+    Datum VerlustAb() const { return verlustAb_; }
+
     static constexpr int Oeffnungsversuche = 15;
     static constexpr float VersuchspauseSekunden = 0.5F;
     // Records per jump, and between two runs of the pump.
@@ -76,6 +80,7 @@ private:
 
     void Gehe(Merge& merge, std::int64_t stelle);
     std::size_t Lies(Merge& merge, std::span<std::byte> ziel);
+    KursDatensatz LiesSatz(Merge& merge, std::int64_t stelle);
     std::size_t LiesSaetze(Merge& merge, std::int64_t stelle, std::span<KursDatensatz> ziel);
     void Schreibe(Merge& merge, std::span<const KursDatensatz> saetze);
 
@@ -85,6 +90,7 @@ private:
     Pumpe& pumpe_;
     Statusausgabe& status_;
     std::vector<KursDatensatz> puffer_;
+    Datum verlustAb_ = 0;
 };
 
 }  // namespace zek

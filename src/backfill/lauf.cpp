@@ -148,6 +148,7 @@ void Datenpflegelauf::StarteBackfill() {
 
 // True when a session stands afterwards.
 bool Datenpflegelauf::Verbinde() {
+    antwortOffen_ = false;
     const auto& einstellungen = um_.Modul.Einstellungen;
     IBBackfill_->connect(einstellungen.IBIPAdr, einstellungen.IBPort, clientId_, "", false);
     return !IBBackfill_->TwsConnectionTime().empty();
@@ -233,7 +234,7 @@ void Datenpflegelauf::BearbeiteSerie(clTitelobjekt& titel, std::int32_t kursart)
         fehlschlag = "abgebrochen";
     }
     const std::size_t kurse = gesamt_.Anzahl();
-    if (kurse > 0 && !Speichere(serie)) fehlschlag = "nicht gespeichert (Umsatzfilter oder Fehler beim Einarbeiten)";
+    if (kurse > 0) fehlschlag = Speichere(serie);
     Berichte(serie, kurse, fehlschlag);
 }
 
@@ -243,7 +244,7 @@ bool Datenpflegelauf::StelleAnfrage(Serie& serie) {
     const std::string art(Historienart(serie.Kursart));
     const std::string schluessel = std::to_string(serie.Titel.id) + art + ende;
     puffer_.Beginne(serie.Kursart, IstIndextitel(serie.Titel));
-    if (!WarteAufTakt(serie, schluessel)) return false;
+    if (!WarteAufTakt(serie, schluessel) || !VerwirfSpaeteAntwort()) return false;
 
     puffer_.Beginne(serie.Kursart, IstIndextitel(serie.Titel));  // late bars of an answer given up may have come
     Anzeige().Datumlabel("Datum: " + Datumtext(serie.Ende == 0 ? Jetzt() : serie.Ende), false);
@@ -252,9 +253,18 @@ bool Datenpflegelauf::StelleAnfrage(Serie& serie) {
     const tws::Contract kontrakt = Historienkontrakt(serie.Titel);
     IBBackfill_->reqContractDetailsEx(serie.Anfragenummer++, kontrakt);
     takt_.Gesendet(schluessel, Jetzt());
+    antwortOffen_ = true;
     IBBackfill_->reqHistoricalDataEx(Historiennummer, kontrakt, ende, "2000", "1 secs", art, useRTH, 1, false);
     serie.Anfragezeit = Jetzt();
     return true;
+}
+
+// Leaves a connection on which an answer is still to come. False when the run was cancelled meanwhile.
+bool Datenpflegelauf::VerwirfSpaeteAntwort() {
+    if (!antwortOffen_) return true;
+    IBBackfill_->disconnect();
+    Verbinde();
+    return !Abbruch && !entladen_;
 }
 
 // Holds a request back that the service would refuse.
@@ -369,17 +379,22 @@ void Datenpflegelauf::BehalteBalken(Serie& serie) {
     bewegt_ += SekundenSeit(serie.Ende, altesEnde > 0 ? altesEnde : std::max(Jetzt(), serie.Ende));
 }
 
-// False when nothing was stored.
-bool Datenpflegelauf::Speichere(Serie& serie) {
+// Why the series isn't in the file, or "".
+std::string Datenpflegelauf::Speichere(Serie& serie) {
     Statuslabel("Status: Daten speichern" + Kursartzusatz(serie.Kursart));
     const auto saetze = gesamt_.Abgeben(serie.Titel.ZeitKorrektur);
     const Datum beginn = Jetzt();
     const double tickVorher = LetzterTick(serie.Titel, serie.Kursart);
     const bool gespeichert = einarbeiter_.DatenEinarbeiten(*this, serie.Titel, saetze, serie.Kursart) != 0;
-    if (um_.BeiVerlust && LetzterTick(serie.Titel, serie.Kursart) != tickVorher)
-        OhneFehler([&] { um_.BeiVerlust(serie.Titel, serie.Kursart, beginn, Jetzt()); });
-    if (!gespeichert) WarneNichtsGespeichert();
-    return gespeichert;
+    const bool tickVerloren = LetzterTick(serie.Titel, serie.Kursart) != tickVorher;
+    const Datum verlustAb = einarbeiter_.VerlustAb() > 0 ? einarbeiter_.VerlustAb() : tickVerloren ? beginn : 0;
+    if (um_.BeiVerlust && verlustAb > 0)
+        OhneFehler([&] { um_.BeiVerlust(serie.Titel, serie.Kursart, verlustAb, Jetzt()); });
+    if (gespeichert) return {};
+    WarneNichtsGespeichert();
+    const Einstellungen& e = um_.Modul.Einstellungen;
+    const bool filter = serie.Kursart == kursart::Bezahlt ? e.IBBezahlt : e.IBAndere;
+    return filter && verlustAb == 0 ? "Umsatzfilter" : "Fehler beim Einarbeiten";
 }
 
 void Datenpflegelauf::WarneNichtsGespeichert() {

@@ -6,6 +6,11 @@
 //
 // All waits pump. Nothing here is asked for more often than once a second; a pacing violation, a lost connection and
 // a missing answer each have a wait of their own, and none of them loses bars that are in hand.
+//
+// Every history request has the same number, and nothing in an answer tells which request it belongs to. So a request
+// goes out only over a connection on which no earlier one is still open: after an answer that was given up, or one
+// that was lost with the broker's connection, IBBackfill is connected anew first. The late answer then reaches
+// nobody, and a service that takes the old request for a running one doesn't refuse the new one as a duplicate.
 #pragma once
 
 #include "backfill/anfragetakt.h"
@@ -64,7 +69,8 @@ struct Datenpflegeumgebung {
     Datenpflegefenster& Fenster;
     tws::TwsFabrik Fabrik;
     std::function<void(const Datenpflegeergebnis&)> BeiErgebnis = {};  // may be empty
-    // Live ticks of a series were lost to its merge. May be empty.
+    // Records of a series were lost to its merge: live ticks that came meanwhile, or all that a write error could have
+    // cost. May be empty.
     std::function<void(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis)> BeiVerlust = {};
 };
 
@@ -143,18 +149,20 @@ private:
     void BestimmeStart(clTitelobjekt& titel);
     void BearbeiteSerie(clTitelobjekt& titel, std::int32_t kursart);
     bool StelleAnfrage(Serie& serie);
+    bool VerwirfSpaeteAntwort();
     bool WarteAufTakt(const Serie& serie, const std::string& schluessel);
     static std::chrono::milliseconds WarteschrittBis(double sekunden);
     Wartet WarteAufAntwort(Serie& serie);
     bool WarteNachPacing(const Serie& serie);
     Wartet WarteAufVerbindung(Serie& serie);
     void BehalteBalken(Serie& serie);
-    bool Speichere(Serie& serie);
+    std::string Speichere(Serie& serie);
     void Berichte(const Serie& serie, std::size_t kurse, const std::string& fehlschlag);
     void BerichteOhneVerbindung();
     void Melde(const Datenpflegeergebnis& ergebnis);
     std::string Abbruchgrund(const Serie& serie) const;
     void WarneNichtsGespeichert();
+    void BeendeAnfrage();
     void Protokolliere(int errorCode, std::string_view errorMsg);
     void SetzeMerker(int errorCode);
     double Restspanne(const Serie& serie) const;
@@ -183,6 +191,7 @@ private:
     bool Fertig_ = false;      // the request has ended
     bool KeineDaten_ = false;  // the request ended in an error
     int fehlercode_ = 0;       // its code
+    bool antwortOffen_ = false;  // a history request has gone out over this connection and has no answer yet
     bool PacingWartet_ = false;
     bool PacingFrei_ = false;
     bool VerbindungWeg_ = false;

@@ -15,6 +15,12 @@ inline constexpr int ZuVieleTicker = 101, DoppelteNummer = 102, Historiendienst 
 
 constexpr int Historiennummer = 1;
 
+// No answer follows. Refused as a duplicate, the earlier request with the number goes on.
+bool BeendetAnfrage(int errorCode) {
+    return errorCode == fehler::ZuVieleTicker || errorCode == fehler::Historiendienst ||
+           errorCode == fehler::KeinKontrakt || errorCode == fehler::KeineFreigabe;
+}
+
 bool IstPacingVerletzung(int errorCode, std::string_view errorMsg) {
     return errorCode == fehler::Historiendienst &&
            Kleinbuchstaben(errorMsg).find("pacing violation") != std::string::npos;
@@ -29,7 +35,7 @@ void Datenpflegelauf::contractDetailsEx(int, const tws::ContractDetails& details
 void Datenpflegelauf::historicalData(int reqId, const tws::Bar& bar) {
     if (reqId != Historiennummer) return;
     if (IstFertigmeldung(bar.date)) {
-        Fertig_ = true;
+        BeendeAnfrage();
         return;
     }
     OhneFehler([&] {
@@ -39,10 +45,16 @@ void Datenpflegelauf::historicalData(int reqId, const tws::Bar& bar) {
 }
 
 void Datenpflegelauf::historicalDataEnd(int reqId, std::string_view, std::string_view) {
-    if (reqId == Historiennummer) Fertig_ = true;
+    if (reqId == Historiennummer) BeendeAnfrage();
 }
 
-void Datenpflegelauf::errMsg(int, int errorCode, std::string_view errorMsg, std::string_view) {
+void Datenpflegelauf::BeendeAnfrage() {
+    Fertig_ = true;
+    antwortOffen_ = false;
+}
+
+void Datenpflegelauf::errMsg(int id, int errorCode, std::string_view errorMsg, std::string_view) {
+    if (id == Historiennummer && BeendetAnfrage(errorCode)) antwortOffen_ = false;
     if (IstPacingVerletzung(errorCode, errorMsg)) {
         PacingWartet_ = pacingGesehen_ = true;
         PacingFrei_ = false;

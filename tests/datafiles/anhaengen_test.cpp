@@ -310,5 +310,36 @@ TEST_F(Anhaengen, AnEndThatCannotBeSteppedThroughIsNotCut) {
     EXPECT_EQ(Datei(), DaxDatei(1) + Nullen(32));
 }
 
+class Wachprotokoll final : public Ablagewache {
+public:
+    void SpeichernGescheitert(const clTitelobjekt&, std::int32_t kursart, bool beschaedigt) override {
+        Zeilen.push_back((beschaedigt ? "torn " : "lost ") + std::to_string(kursart));
+    }
+    void WiederGespeichert(const clTitelobjekt&, std::int32_t kursart) override {
+        Zeilen.push_back("again " + std::to_string(kursart));
+    }
+    std::vector<std::string> Zeilen;
+};
+
+TEST_F(Anhaengen, TheWatchHearsOfLostRecordsAndOfTheFirstOneStoredAgainOnly) {
+    Wachprotokoll wache;
+    Datensatzschreiber bewacht(modul, dateien, status, {}, &wache);
+    const auto tick = [&](std::int32_t art) { bewacht.DatensatzAnhaengen(titel, art, 1, 1, false, welt.Jetzt()); };
+    tick(1);
+    EXPECT_TRUE(wache.Zeilen.empty());
+    dateien.StoereArt(Dateiaufruf::Schreibe, ENOSPC);
+    tick(1);
+    dateien.Heile();
+    tick(2);
+    tick(1);
+    tick(1);
+    dateien.SchreibeKurz(1, 7);
+    tick(1);
+    tick(1);
+    ram.LegeDateiAn(Pfad, DaxDatei(1) + "x");
+    tick(1);
+    EXPECT_EQ(wache.Zeilen, (std::vector<std::string>{"lost 1", "again 1", "lost 1", "again 1", "torn 1"}));
+}
+
 }  // namespace
 }  // namespace zek

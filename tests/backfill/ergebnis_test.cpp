@@ -1,0 +1,136 @@
+// What a run tells of its series when they are over.
+#include "tests/backfill/pflegewelt.h"
+
+#include <gmock/gmock.h>
+
+namespace zek::pflege {
+namespace {
+
+using testing::ElementsAre;
+
+// Plans something at each open, so that it happens at the next run of the pump.
+class Lauschendes final : public hilfen::StoerDateisystem {
+public:
+    using StoerDateisystem::StoerDateisystem;
+    Dateihandle Oeffne(const std::string& pfad, Oeffnen art) override {
+        if (BeiOeffnen) BeiOeffnen();
+        return StoerDateisystem::Oeffne(pfad, art);
+    }
+    std::function<void()> BeiOeffnen;
+};
+
+class ErgebnisTest : public testing::Test {
+protected:
+    // An automatic run of one title without bid and ask over the last `sekunden`, told as texts with the seconds back
+    // from its end: "ES Bezahlt -3000..0 ergänzt 3001".
+    std::vector<std::string> Lauf(double sekunden) {
+        Datenpflegeumgebung umgebung{p_.Modul,  dateien_,  p_.Welt,    p_.Welt,
+                                     p_.Status, p_.Fragen, p_.Fenster, p_.Fabrik.Fabrik()};
+        const Datum ende = p_.Jetzt();
+        const auto spanne = [ende](Datum von, Datum bis) {
+            return std::to_string(std::lround((von - ende) / EineSekunde)) + ".." +
+                   std::to_string(std::lround((bis - ende) / EineSekunde));
+        };
+        umgebung.BeiErgebnis = [&](const Datenpflegeergebnis& e) {
+            texte_.push_back((e.Titel ? e.Titel->Dateiname + " " + std::string(KursartName(e.Kursart)) : "*") + " " +
+                             spanne(e.Von, e.Bis) +
+                             (e.Ergaenzt ? " ergänzt " + std::to_string(e.Kurse) : " nicht: " + e.Grund));
+        };
+        umgebung.BeiVerlust = [&](const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+            texte_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " verloren " +
+                             spanne(von, bis));
+        };
+        Datenpflegelauf lauf(umgebung, takt_);
+        lauf.AutoDatenPflegeStart = ende - Sekunden(sekunden);
+        lauf.BackfillEndZeit = ende;
+        lauf.cAktualTitel = {p_.Titel("ES")};
+        if (BeiStart) BeiStart(*lauf.cAktualTitel.front());
+        lauf.StarteBackfill();
+        return texte_;
+    }
+
+    Pflegewelt p_;
+    Lauschendes dateien_{p_.Ram};
+    Anfragetakt takt_;
+    std::vector<std::string> texte_;
+    std::function<void(clTitelobjekt&)> BeiStart;
+};
+
+TEST_F(ErgebnisTest, ASeriesThatRanThroughHasFilledItsSpan) {
+    EXPECT_THAT(Lauf(3000), ElementsAre("ES Bezahlt -3000..0 ergänzt 3001"));
+}
+
+TEST_F(ErgebnisTest, ATimeoutLeavesWhatIsOlderThanTheLastFullAnswer) {
+    p_.Historie.Statt = [this](const Anfrage&) { return p_.Historie.Anfragen.size() == 2; };
+    EXPECT_THAT(Lauf(3000),
+                ElementsAre("ES Bezahlt -2000..0 ergänzt 2000", "ES Bezahlt -3000..-2000 nicht: Zeitüberschreitung"));
+}
+
+TEST_F(ErgebnisTest, AnAnswerWithoutAnEndHasFilledTheSpanOfItsBars) {
+    p_.Historie.Statt = [this](const Anfrage&) {
+        p_.Historie.Balken(p_.Jetzt() - Sekunden(1999), 1, 1);
+        p_.Historie.Balken(p_.Jetzt() - Sekunden(1500), 2, 1);
+        return true;
+    };
+    const auto texte = Lauf(1900);
+    EXPECT_THAT(texte,
+                ElementsAre("ES Bezahlt -1900..-1500 ergänzt 1", "ES Bezahlt -1900..0 nicht: Zeitüberschreitung"));
+}
+
+TEST_F(ErgebnisTest, AServiceWithoutDataSaysSoAndARefusalHasItsCode) {
+    p_.Historie.Statt = [this](const Anfrage&) {
+        p_.Welt.Plane(0.1, [this] { p_.Historie.Melde(162, "HMDS query returned no data", 1); });
+        return true;
+    };
+    EXPECT_THAT(Lauf(100), ElementsAre("ES Bezahlt -100..0 nicht: keine Daten"));
+    texte_.clear();
+    p_.Historie.Statt = [this](const Anfrage&) {
+        p_.Welt.Plane(0.1, [this] { p_.Historie.Melde(200, "No security definition", 1); });
+        return true;
+    };
+    EXPECT_THAT(Lauf(100), ElementsAre("ES Bezahlt -100..0 nicht: abgelehnt (200)"));
+}
+
+TEST_F(ErgebnisTest, AGapThatIsTooOldIsLeftOut) {
+    EXPECT_THAT(Lauf(9 * 86400.0), ElementsAre("ES Bezahlt -777600..0 nicht: übersprungen (älter als 7 Tage)"));
+}
+
+TEST_F(ErgebnisTest, WithoutAConnectionTheRunAnswersForAllTitles) {
+    p_.Historie.BeiErzeugen = [](hilfen::TestTws& tws) { tws.VerbindungGelingt = false; };
+    EXPECT_THAT(Lauf(100), ElementsAre("* -100..0 nicht: keine Verbindung"));
+}
+
+TEST_F(ErgebnisTest, ASeriesThatTheTurnoverFilterTookWholeIsNotFilled) {
+    p_.Modul.Einstellungen.IBAndere = true;
+    p_.Historie.VolumenJeBalken = 0;
+    BeiStart = [](clTitelobjekt& titel) { titel.BidAsk = true; };
+    EXPECT_THAT(Lauf(100), ElementsAre("ES Bezahlt -100..0 ergänzt 0", "ES Brief -100..0 nicht: Umsatzfilter",
+                                       "ES Geld -100..0 nicht: Umsatzfilter"));
+}
+
+TEST_F(ErgebnisTest, AMergeThatFailsMayHaveLostAllFromItsBlockOn) {
+    p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes({{p_.Jetzt() - Sekunden(50), 1, 1}, {p_.Jetzt(), 1, 1}}));
+    dateien_.StoereArt(hilfen::Dateiaufruf::Schreibe, ENOSPC);
+    const auto texte = Lauf(100);
+    ASSERT_EQ(texte.size(), 2u);
+    EXPECT_TRUE(texte[0].starts_with("ES Bezahlt verloren -100..")) << texte[0];
+    EXPECT_EQ(texte[1], "ES Bezahlt -100..0 nicht: Fehler beim Einarbeiten");
+}
+
+TEST_F(ErgebnisTest, AMergeThatTouchedNothingLostNothing) {
+    dateien_.StoereArt(hilfen::Dateiaufruf::Schreibe, ENOSPC);
+    EXPECT_THAT(Lauf(100), ElementsAre("ES Bezahlt -100..0 nicht: Fehler beim Einarbeiten"));
+}
+
+TEST_F(ErgebnisTest, ATickDuringTheMergeIsLost) {
+    BeiStart = [this](clTitelobjekt& titel) {
+        dateien_.BeiOeffnen = [this, &titel] { p_.Welt.Plane(0, [&titel] { titel.LastPriceVolTimer += 1; }); };
+    };
+    const auto texte = Lauf(100);
+    ASSERT_EQ(texte.size(), 2u);
+    EXPECT_TRUE(texte[0].starts_with("ES Bezahlt verloren ")) << texte[0];
+    EXPECT_EQ(texte[1], "ES Bezahlt -100..0 ergänzt 101");
+}
+
+}  // namespace
+}  // namespace zek::pflege
