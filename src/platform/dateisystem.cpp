@@ -8,6 +8,11 @@
 
 namespace zek {
 
+std::int64_t Dateisystem::LiesAn(Dateihandle handle, std::int64_t stelle, std::span<std::byte> ziel) {
+    const std::int64_t erreicht = Suche(handle, stelle, Ab::Anfang);
+    return erreicht < 0 ? erreicht : Lies(handle, ziel);
+}
+
 std::string SystemText(int fehlernummer) {
     // The untranslated text; strerror would follow the locale.
     const char* text = ::strerrordesc_np(fehlernummer);

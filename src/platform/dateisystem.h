@@ -41,6 +41,9 @@ public:
     // Bytes moved, which may be fewer than asked for, or -errno.
     virtual std::int64_t Lies(Dateihandle handle, std::span<std::byte> ziel) = 0;
     virtual std::int64_t Schreibe(Dateihandle handle, std::span<const std::byte> daten) = 0;
+    // Reads from a place on, with one system call where the system has it. Bytes moved, or -errno. Where the handle
+    // stands afterwards isn't defined.
+    virtual std::int64_t LiesAn(Dateihandle handle, std::int64_t stelle, std::span<std::byte> ziel);
     // New position from the start of the file, or -errno.
     virtual std::int64_t Suche(Dateihandle handle, std::int64_t abstand, Ab ab) = 0;
     // Size in bytes, or -errno.

@@ -58,6 +58,10 @@ std::int64_t PosixDateisystem::Schreibe(Dateihandle handle, std::span<const std:
     return Wiederholt([&] { return ::write(handle, daten.data(), daten.size()); });
 }
 
+std::int64_t PosixDateisystem::LiesAn(Dateihandle handle, std::int64_t stelle, std::span<std::byte> ziel) {
+    return Wiederholt([&] { return ::pread(handle, ziel.data(), ziel.size(), stelle); });
+}
+
 std::int64_t PosixDateisystem::Suche(Dateihandle handle, std::int64_t abstand, Ab ab) {
     const int bezug = ab == Ab::Anfang ? SEEK_SET : ab == Ab::Jetzt ? SEEK_CUR : SEEK_END;
     return Wiederholt([&] { return ::lseek(handle, abstand, bezug); });

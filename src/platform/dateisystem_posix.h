@@ -12,6 +12,7 @@ public:
     void Schliesse(Dateihandle handle) override;
     std::int64_t Lies(Dateihandle handle, std::span<std::byte> ziel) override;
     std::int64_t Schreibe(Dateihandle handle, std::span<const std::byte> daten) override;
+    std::int64_t LiesAn(Dateihandle handle, std::int64_t stelle, std::span<std::byte> ziel) override;
     std::int64_t Suche(Dateihandle handle, std::int64_t abstand, Ab ab) override;
     std::int64_t Groesse(Dateihandle handle) override;
     int SetzeLaenge(Dateihandle handle, std::int64_t laenge) override;
