@@ -54,8 +54,9 @@ void Abschluss::SchreibeIBLastEnd() {
 void Abschluss::SchreibeTrayzustand() {
     if (gesicht_.OhneBildschirm()) return;
     const bool minimiert = gesicht_.HauptfensterMinimiert();
-    einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, "Taskbar",
-                                       gesicht_.InTaskleisteAngehakt() ? "1" : "0");
+    if (gesicht_.TaskleisteGeklaert())
+        einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, "Taskbar",
+                                           gesicht_.InTaskleisteAngehakt() ? "1" : "0");
     einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, "Anzeigen", minimiert ? "0" : "-1");
 }
 

@@ -65,6 +65,8 @@ public:
     virtual std::optional<Datenpflegewahl> DatenpflegeOptionen(const Datenpflegeoptionen::Vorgabe&) { return {}; }
 
     // ---- shutdown
+    // False while nobody has been able to say anything about the task bar: what is stored about it stays.
+    virtual bool TaskleisteGeklaert() const { return true; }
     virtual bool InTaskleisteAngehakt() const = 0;
     virtual void TrayFreigeben() = 0;
     virtual void FensterplatzSpeichern() = 0;

@@ -72,12 +72,8 @@ void Aktionen::MacheAktionen() {
         auto* aktion = new QAction(Bild(zeile.Bild), QString::fromUtf8(zeile.Menuetext), this);
         aktion->setObjectName(QString::number(zeile.Nummer));
         aktion->setIconText(QString::fromUtf8(zeile.Leistentext));
-        QString hinweis = QString::fromUtf8(zeile.Hinweis);
-        if (*zeile.Kuerzel != '\0') {
-            aktion->setShortcut(QKeySequence(zeile.Kuerzel));
-            hinweis += " (" + aktion->shortcut().toString(QKeySequence::NativeText) + ")";
-        }
-        aktion->setToolTip(hinweis);
+        aktion->setShortcut(QKeySequence(zeile.Kuerzel));
+        aktion->setToolTip(QString::fromUtf8(zeile.Hinweis));
         aktion->setStatusTip(QString::fromUtf8(zeile.Hinweis));
         aktion->setCheckable(zeile.MitMarke);
         const int nummer = zeile.Nummer;
@@ -134,6 +130,10 @@ void Aktionen::MarkeSetzen(int nummer, bool an) {
 bool Aktionen::Marke(int nummer) const {
     const QAction* aktion = Aktion(nummer);
     return aktion != nullptr && aktion->isChecked();
+}
+
+void Aktionen::Freigeben(bool an) {
+    for (QAction* aktion : aktionen_) aktion->setEnabled(an);
 }
 
 void Aktionen::KompakteLeiste(bool an) {

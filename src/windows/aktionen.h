@@ -29,6 +29,8 @@ public:
     // Doesn't run the command.
     void MarkeSetzen(int nummer, bool an);
     bool Marke(int nummer) const;
+    // Locks all commands, also their shortcuts, or frees them.
+    void Freigeben(bool an);
     QToolBar* Werkzeugleiste() const { return leiste_; }
     // Compact: small style and hidden.
     void KompakteLeiste(bool an);

@@ -44,6 +44,7 @@ QWidget* Befehle::Fenster() {
 }
 
 void Befehle::Ausfuehren(int nummer) {
+    if (sitzung_.Beendet()) return;
     switch (nummer) {
         case befehl::Titelauswahl:
             return NochNichtDa("Die Titelauswahl");

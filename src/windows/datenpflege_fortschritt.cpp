@@ -119,7 +119,8 @@ void frmDatenpflegeFortschritt::BeiAbbruch(std::function<void()> beiKlick) {
 }
 
 void frmDatenpflegeFortschritt::reject() {
-    if (btnAbbruch_->isEnabled() && beiAbbruch_) beiAbbruch_();
+    // A copy, and nothing of this window after it: the question inside may take longer than the window lives.
+    if (const auto ruf = beiAbbruch_; ruf && btnAbbruch_->isEnabled()) ruf();
 }
 
 void frmDatenpflegeFortschritt::closeEvent(QCloseEvent* ereignis) {

@@ -85,12 +85,21 @@ bool Desktopgesicht::HauptfensterMinimiert() const {
 }
 
 void Desktopgesicht::TaskleistenstilSetzen(bool an) {
+    inTaskleiste_ = an;
     if (fenster_) TaskleisteneintragSetzen(*fenster_, an);
 }
 
 void Desktopgesicht::ZeigeStartansicht() {
     fenster_->Startansicht(Q(Datumtext(sitzung_->Modul().Startzeitpunkt)));
     fenster_->show();
+    if (inTaskleiste_) TaskleistenstilSetzen(true);
+}
+
+// A window that was hidden comes back with the style that it had; without an icon it always has an entry.
+void Desktopgesicht::ZeigeFenster() {
+    if (!fenster_) return;
+    fenster_->NachVorn();
+    TaskleisteneintragSetzen(*fenster_, inTaskleiste_ || !tray_ || !tray_->Sichtbar());
 }
 
 bool Desktopgesicht::Verbindungseinstellungen(Verbindungsangaben& angaben) {
@@ -143,8 +152,7 @@ void Desktopgesicht::ZeigeBeispieltitel() {
 
 // ---- tray
 
-void Desktopgesicht::InitSysTray() {
-    QApplication::processEvents();
+void Desktopgesicht::TrayErzeugen() {
     tray_ = std::make_unique<frmSysTray>(nullptr);
     tray_->AddMenuItem("&Tessaron ZEK anzeigen", "Open", true);
     tray_->AddMenuItem("-");
@@ -162,16 +170,27 @@ void Desktopgesicht::InitSysTray() {
     tray_->SysTrayMouseUp = [this](frmSysTray::Taste taste) {
         if (taste == frmSysTray::Taste::Links) FensterNachVorn();
     };
+}
+
+// The session can end in each of its waits.
+void Desktopgesicht::InitSysTray() {
+    QApplication::processEvents();
+    if (sitzung_->Beendet()) return;
+    TrayErzeugen();
     ErsteFrageTaskleiste();
+    if (sitzung_->Beendet()) return;
     Einstellungsspeicher& speicher = sitzung_->Einstellungen();
     if (Zahlwert(speicher.LeseEinstellung(Programmtitel, abschnitt::Hauptfenster, Taskbar, "1")) != 0) {
         speicher.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, Taskbar, "1");
+        tray_->CheckMenuItem(EintragTaskleiste, true);
         fenster_->show();
         TaskleistenstilSetzen(true);
+        taskleisteGeklaert_ = true;
         QApplication::processEvents();
-        tray_->CheckMenuItem(EintragTaskleiste, true);
+        if (sitzung_->Beendet()) return;
         FensterNachVorn();
     }
+    taskleisteGeklaert_ = true;
     const std::string anzeigen = speicher.LeseEinstellung(Programmtitel, abschnitt::Hauptfenster, Anzeigen, "-1");
     if (Zahlwert(anzeigen) == 0)
         fenster_->showMinimized();
@@ -188,6 +207,7 @@ void Desktopgesicht::ErsteFrageTaskleiste() {
             "das Symbol öffnen Sie dort das Auswahlmenü.\nSoll Tessaron ZEK auch als Programm in der Taskleiste "
             "erscheinen?",
             meldung::JaNein, 0) == meldung::AntwortJa;
+    if (sitzung_->Beendet()) return;
     speicher.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, Taskbar, ja ? "1" : "0");
 }
 
@@ -221,12 +241,14 @@ bool Desktopgesicht::InTaskleisteAngehakt() const {
 }
 
 void Desktopgesicht::TrayFreigeben() {
-    tray_.reset();
+    if (!tray_) return;
+    tray_->Entferne();
+    alterTray_ = std::move(tray_);
 }
 
 // A second request while the question stands is the same question.
 bool Desktopgesicht::FrageSchliessen() {
-    if (schliessfrageOffen_) return false;
+    if (schliessfrageOffen_ || sitzung_->Beendet()) return false;
     schliessfrageOffen_ = true;
     const bool ja = DarfSchliessen(sitzung_->Modul(), *this, fenster_->windowTitle().toStdString());
     schliessfrageOffen_ = false;
@@ -235,7 +257,9 @@ bool Desktopgesicht::FrageSchliessen() {
 
 void Desktopgesicht::Minimiert() {
     // Without a notification area a hidden window could never come back.
-    if (fenster_->isMinimized() && tray_ && tray_->Sichtbar() && !InTaskleisteAngehakt()) fenster_->hide();
+    if (!fenster_->isMinimized() || !tray_ || !tray_->Sichtbar() || InTaskleisteAngehakt()) return;
+    TaskleistenstilSetzen(false);
+    fenster_->hide();
 }
 
 // ---- while it runs
@@ -259,7 +283,7 @@ void Desktopgesicht::VerbergeOfflinewarnung() {
 }
 
 void Desktopgesicht::FensterNachVorn() {
-    if (fenster_) fenster_->NachVorn();
+    ZeigeFenster();
 }
 
 void Desktopgesicht::Ton() {
@@ -285,14 +309,20 @@ Datenpflegeanzeige& Desktopgesicht::DatenpflegeFensterErzeugen() {
     return *datenpflege_;
 }
 
+// The end may come inside an event of the window itself: it goes behind that, and with the main window at the latest.
 void Desktopgesicht::DatenpflegeFensterFreigeben() {
-    datenpflege_.reset();
+    if (!datenpflege_) return;
+    datenpflege_->BeiAbbruch({});
+    datenpflege_->hide();
+    datenpflege_.release()->deleteLater();
 }
 
 // The caller holds Dialogsperre while the dialog is open.
 std::optional<Datenpflegewahl> Desktopgesicht::DatenpflegeOptionen(const Datenpflegeoptionen::Vorgabe& vorgabe) {
+    if (sitzung_->Beendet()) return std::nullopt;
     frmDatenpflegeOptionen dialog(fenster_.get(), uhr_, *this, hilfe_, vorgabe);
-    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    // An end inside a question of the dialog doesn't confirm it.
+    if (dialog.exec() != QDialog::Accepted || sitzung_->Beendet()) return std::nullopt;
     return dialog.Ergebnis();
 }
 
@@ -325,6 +355,7 @@ void Desktopgesicht::MonitorSchliessen() {
 }
 
 void Desktopgesicht::MonitorplatzSpeichern() {
+    if (monitor_ != nullptr) monitor_->Speichern();
     if (fenster_ && fenster_->MonitorDock() != nullptr)
         Monitorplatz(sitzung_->Einstellungen()).Speichern(*fenster_, *fenster_->MonitorDock());
 }

@@ -68,6 +68,7 @@ public:
     Datenpflegeanzeige& DatenpflegeFensterErzeugen() override;
     void DatenpflegeFensterFreigeben() override;
     std::optional<Datenpflegewahl> DatenpflegeOptionen(const Datenpflegeoptionen::Vorgabe& vorgabe) override;
+    bool TaskleisteGeklaert() const override { return taskleisteGeklaert_; }
     bool InTaskleisteAngehakt() const override;
     void TrayFreigeben() override;
     void FensterplatzSpeichern() override;
@@ -78,6 +79,8 @@ private:
     static constexpr int EintragTaskleiste = 5;
 
     bool FrageSchliessen();
+    void ZeigeFenster();
+    void TrayErzeugen();
     void Minimiert();
     void TrayMenue(const QString& schluessel);
     void TaskleisteUmschalten();
@@ -94,10 +97,13 @@ private:
     std::unique_ptr<IB_Hauptfenster> fenster_;
     std::unique_ptr<Befehle> befehle_;
     std::unique_ptr<frmSysTray> tray_;
+    std::unique_ptr<frmSysTray> alterTray_;  // the end may come from an entry of its own menu
     std::unique_ptr<frmStartverzoegerung> verzoegerung_;
     std::unique_ptr<frmDatenpflegeFortschritt> datenpflege_;
     frmMonitor* monitor_ = nullptr;  // owned by the dock
     bool schliessfrageOffen_ = false;
+    bool inTaskleiste_ = false;  // the application-window style
+    bool taskleisteGeklaert_ = false;
 };
 
 }  // namespace zek

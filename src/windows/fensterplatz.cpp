@@ -5,6 +5,7 @@
 #include <QAbstractItemModel>
 #include <QGuiApplication>
 #include <QHeaderView>
+#include <QRegion>
 #include <QScreen>
 #include <QWidget>
 #include <algorithm>
@@ -15,18 +16,11 @@ namespace {
 
 constexpr int Normal = 0, Minimiert = 1, Maximiert = 2;
 
-// The window's own screen if the place touches one; otherwise the primary one.
-QRect Zielbereich(const QRect& platz) {
-    const QScreen* bester = QGuiApplication::primaryScreen();
-    int groesste = 0;
-    for (const QScreen* schirm : QGuiApplication::screens()) {
-        const QRect gemeinsam = schirm->availableGeometry().intersected(platz);
-        const int flaeche = gemeinsam.width() * gemeinsam.height();
-        if (flaeche <= groesste) continue;
-        groesste = flaeche;
-        bester = schirm;
-    }
-    return bester->availableGeometry();
+// The primary one comes first.
+QList<QRect> Schirme() {
+    QList<QRect> bereiche;
+    for (const QScreen* schirm : QGuiApplication::screens()) bereiche.append(schirm->availableGeometry());
+    return bereiche;
 }
 
 std::string Spaltenname(const QHeaderView& kopf, int spalte) {
@@ -34,6 +28,21 @@ std::string Spaltenname(const QHeaderView& kopf, int spalte) {
 }
 
 }  // namespace
+
+QRect AufDieSchirme(const QRect& platz, const QList<QRect>& schirme) {
+    QRegion rest(platz);
+    QRect bester = schirme.value(0);
+    int groesste = 0;
+    for (const QRect& schirm : schirme) {
+        rest -= schirm;
+        const QRect gemeinsam = schirm.intersected(platz);
+        const int flaeche = gemeinsam.width() * gemeinsam.height();
+        if (flaeche <= groesste) continue;
+        groesste = flaeche;
+        bester = schirm;
+    }
+    return rest.isEmpty() ? platz : Hineingeschoben(platz, bester);
+}
 
 QRect Hineingeschoben(QRect platz, const QRect& bereich) {
     platz.setSize(platz.size().boundedTo(bereich.size()));
@@ -54,7 +63,7 @@ void Fensterplatz::Laden(QWidget& fenster, const std::string& schluessel) {
         QRect platz(lies("Links", ecke.x()), lies("Oben", ecke.y()), lies("Breite", groesse.width()),
                     lies("Höhe", groesse.height()));
         platz.setSize(platz.size().expandedTo(fenster.minimumSizeHint()));
-        platz = Hineingeschoben(platz, Zielbereich(platz));
+        platz = AufDieSchirme(platz, Schirme());
         fenster.move(platz.topLeft());
         fenster.resize(platz.size());
     }

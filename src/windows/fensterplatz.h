@@ -3,6 +3,7 @@
 
 #include "session/einstellungen.h"
 
+#include <QList>
 #include <QRect>
 #include <QString>
 
@@ -31,6 +32,10 @@ public:
 private:
     Einstellungsspeicher& speicher_;
 };
+
+// Where a window comes up that was last at `platz`, given the areas of the screens, the primary one first: there, if
+// the screens still hold all of it; otherwise inside the screen that has most of it, or the primary one.
+QRect AufDieSchirme(const QRect& platz, const QList<QRect>& schirme);
 
 // `platz` moved, and made smaller where it must be, so that it lies inside `bereich`.
 QRect Hineingeschoben(QRect platz, const QRect& bereich);

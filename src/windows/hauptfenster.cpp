@@ -77,7 +77,10 @@ IB_Hauptfenster::IB_Hauptfenster(Umfeld umfeld) : um_(std::move(umfeld)) {
     resize(1120, 640);
     statusBar()->setSizeGripEnabled(true);
 
+    // No menu that hides the tool bar behind the command's back.
+    setContextMenuPolicy(Qt::NoContextMenu);
     AnzeigeRefresh_ = new QTimer(this);
+    AnzeigeRefresh_->setObjectName("AnzeigeRefresh");
     connect(AnzeigeRefresh_, &QTimer::timeout, this, [this] { KurseAuffrischen(); });
     AnzeigeRefresh_->start(Anzeigetakt);
     platzTakt_ = new QTimer(this);
@@ -171,6 +174,7 @@ void IB_Hauptfenster::Startansicht(const QString& seit) {
     centralWidget()->setEnabled(false);
     menuBar()->setEnabled(false);
     aktionen_->Werkzeugleiste()->setEnabled(false);
+    aktionen_->Freigeben(false);
     laedt_ = false;
 }
 
@@ -184,6 +188,7 @@ void IB_Hauptfenster::Arbeitsansicht(const QString& datenordner) {
     centralWidget()->setEnabled(true);
     menuBar()->setEnabled(true);
     aktionen_->Werkzeugleiste()->setEnabled(true);
+    aktionen_->Freigeben(true);
     ordner_->setText(datenordner);
     ordner_->setToolTip("Datenordner: " + datenordner);
     status_->setFocus();

@@ -34,6 +34,7 @@ frmMessageDialog::frmMessageDialog(QWidget* eltern, const Uhr& uhr, const QStrin
     setModal(true);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     Zeitgeber_ = new QTimer(this);
+    Zeitgeber_->setObjectName("Zeitgeber");
     Zeitgeber_->setInterval(1000);
     connect(Zeitgeber_, &QTimer::timeout, this, [this] { Sekundentakt(); });
     Aufbauen(text);
@@ -67,15 +68,18 @@ void frmMessageDialog::Aufbauen(const QString& text) {
     for (std::size_t i = 0; i < static_cast<std::size_t>(knoepfe_.Anzahl); ++i)
         btn_[i]->setGeometry(masse.KnopfLinks[i], 14 + hoehe + Meldungsmasse::AbstandUnterText, knopf.width(),
                              knopf.height());
-    Label1_ = new QLabel(this);
+    picture1_ = new QWidget(this);
+    picture1_->setObjectName("picture1");
+    picture1_->setVisible(takt_.MitZeitgrenze());
+    Label1_ = new QLabel(picture1_);
     Label1_->setObjectName("Label1");
-    Label1_->setVisible(takt_.MitZeitgrenze());
     Label1_->setText(Q(takt_.Text()));
     Label1_->setAlignment(Qt::AlignCenter);
     const int unterKnopf = 14 + hoehe + Meldungsmasse::AbstandUnterText + knopf.height() + 12;
     const int streifen = takt_.MitZeitgrenze() ? 24 : 0;
     const int fenster = std::max(masse.Innenbreite, streifen > 0 ? Label1_->sizeHint().width() + 20 : 0);
-    Label1_->setGeometry(0, unterKnopf, fenster, streifen);
+    picture1_->setGeometry(0, unterKnopf, fenster, streifen);
+    Label1_->resize(picture1_->size());
     setFixedSize(fenster, std::max(masse.Innenhoehe, unterKnopf + streifen));
     if (knoepfe_.Standard >= 0 && knoepfe_.Standard < knoepfe_.Anzahl)
         btn_[static_cast<std::size_t>(knoepfe_.Standard)]->setDefault(true);

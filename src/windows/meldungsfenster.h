@@ -36,7 +36,8 @@ private:
     Meldungstakt takt_;
     int ergebnis_ = 0;
     QLabel* Meldung_;
-    QLabel* Label1_;  // the countdown
+    QWidget* picture1_;  // the strip of the countdown
+    QLabel* Label1_;
     std::array<QPushButton*, 3> btn_{};
     QTimer* Zeitgeber_;
 };

@@ -60,7 +60,7 @@ frmMonitor::frmMonitor(QWidget* eltern, const Titelliste& titel, Einstellungsspe
     Zeitgeber_->start(Aktualisierung);
 }
 
-frmMonitor::~frmMonitor() {
+void frmMonitor::Speichern() {
     speicher_.SchreibeEinstellung(ProduktName, Abschnitt, "Statisch", modell_->Statisch() ? "1" : "0");
     plaetze_.SpaltenSpeichern(*LMonitor_->horizontalHeader(), Spaltenplatz);
 }
@@ -83,7 +83,7 @@ void frmMonitor::Baue() {
 void frmMonitor::ModusGewechselt() {
     plaetze_.SpaltenSpeichern(*LMonitor_->horizontalHeader(), Spaltenplatz);
     Baue();
-    speicher_.SchreibeEinstellung(ProduktName, Abschnitt, "Statisch", modell_->Statisch() ? "1" : "0");
+    Speichern();
 }
 
 void frmMonitor::TitelGeaendert() {

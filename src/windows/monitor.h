@@ -19,7 +19,6 @@ public:
     // `beiDoppelklick` gets the title of a line in static mode.
     frmMonitor(QWidget* eltern, const Titelliste& titel, Einstellungsspeicher& speicher,
                std::function<void(std::int32_t titelId)> beiDoppelklick);
-    ~frmMonitor() override;
 
     // One tick; `jetzt` is the present date.
     void Tick(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool verworfen, Datum jetzt) {
@@ -27,6 +26,8 @@ public:
     }
     // Rebuilds the fixed lines after titles have changed; the price list stays.
     void TitelGeaendert();
+    // Mode and columns, as the window shows them now.
+    void Speichern();
 
 private:
     void Baue();

@@ -13,7 +13,9 @@ frmSysTray::frmSysTray(QObject* eltern)
     menue_->setObjectName("mnuPopup");
     symbol_->setContextMenu(menue_);
     connect(symbol_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason grund) {
-        if (grund == QSystemTrayIcon::Trigger && SysTrayMouseUp) SysTrayMouseUp(Taste::Links);
+        if (grund == QSystemTrayIcon::Trigger) Klick(Taste::Links);
+        if (grund == QSystemTrayIcon::Context) Klick(Taste::Rechts);
+        if (grund == QSystemTrayIcon::DoubleClick && SysTrayDoubleClick) SysTrayDoubleClick(Taste::Links);
     });
     symbol_->show();
 }
@@ -21,6 +23,11 @@ frmSysTray::frmSysTray(QObject* eltern)
 frmSysTray::~frmSysTray() {
     symbol_->hide();
     delete menue_;
+}
+
+void frmSysTray::Klick(Taste taste) {
+    if (SysTrayMouseDown) SysTrayMouseDown(taste);
+    if (SysTrayMouseUp) SysTrayMouseUp(taste);
 }
 
 void frmSysTray::ShowBalloonTip(const QString& meldung, const QString& titel, int symbol, int millisekunden) {
@@ -35,14 +42,25 @@ QString frmSysTray::ToolTip() const {
     return symbol_->toolTip();
 }
 
+void frmSysTray::IconHandle(const QIcon& bild) {
+    symbol_->setIcon(bild);
+}
+
+QIcon frmSysTray::IconHandle() const {
+    return symbol_->icon();
+}
+
 int frmSysTray::AddMenuItem(const QString& text, const QString& schluessel, bool vorgabe) {
     const int index = static_cast<int>(eintraege_.size());
     QAction* eintrag = text == "-" ? menue_->addSeparator() : menue_->addAction(text);
     eintrag->setObjectName(QString("mnuSysTray(%1)").arg(index));
     eintrag->setData(schluessel);
-    connect(eintrag, &QAction::triggered, this, [this, eintrag] {
-        if (MenuClick) MenuClick(static_cast<int>(eintraege_.indexOf(eintrag)), eintrag->data().toString());
-    });
+    // Behind the menu's own event, and on a copy: the callee may release this object and the menu with it.
+    const auto geklickt = [this, eintrag] {
+        if (const auto klick = MenuClick)
+            klick(static_cast<int>(eintraege_.indexOf(eintrag)), eintrag->data().toString());
+    };
+    connect(eintrag, &QAction::triggered, this, geklickt, Qt::QueuedConnection);
     eintraege_.append(eintrag);
     if (vorgabe) DefaultMenuIndex(index);
     return index;
@@ -63,6 +81,8 @@ void frmSysTray::EnableMenuItem(int index, bool an) {
 
 void frmSysTray::RemoveMenuItem(int index) {
     delete eintraege_.takeAt(index);
+    if (index == vorgabe_) vorgabe_ = -1;
+    if (index < vorgabe_) --vorgabe_;
 }
 
 void frmSysTray::DefaultMenuIndex(int index) {
@@ -72,6 +92,10 @@ void frmSysTray::DefaultMenuIndex(int index) {
 
 void frmSysTray::ShowMenu() {
     menue_->popup(QCursor::pos());
+}
+
+void frmSysTray::Entferne() {
+    symbol_->hide();
 }
 
 bool frmSysTray::Sichtbar() const {

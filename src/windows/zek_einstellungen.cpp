@@ -83,6 +83,12 @@ std::string Getrimmter(const QLineEdit* feld) {
     return feld->text().trimmed().toStdString();
 }
 
+// What the check has accepted, "1.000" also: whole seconds.
+int Timeout(const QLineEdit* feld) {
+    const double sekunden = ZahlAusDeutsch(Getrimmter(feld)).value_or(KleinstesTimeout);
+    return static_cast<int>(std::clamp(sekunden, 1.0 * KleinstesTimeout, 1.0 * GroesstesTimeout));
+}
+
 int Sekunden(const QLineEdit* feld) {
     return static_cast<int>(std::clamp(Zahlwert(Getrimmter(feld)), 0.0, 1e9));
 }
@@ -280,7 +286,7 @@ Einstellungen frmZEKEinstellungen::Ergebnis() const {
     if (!e.KontenDatenSpeicherOrdner.empty() && !e.KontenDatenSpeicherOrdner.ends_with('/'))
         e.KontenDatenSpeicherOrdner += '/';
     e.BidAskWartetLast = optBidAskNachLast_->isChecked();
-    e.BFTimeOut = std::max(KleinstesTimeout, Sekunden(txtBFTimeout_));
+    e.BFTimeOut = Timeout(txtBFTimeout_);
     e.AutoDatenpflege = optDatenpflege_->isChecked();
     return e;
 }
