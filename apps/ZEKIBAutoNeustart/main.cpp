@@ -11,12 +11,25 @@
 #include <poll.h>
 #include <csignal>
 #include <cstdlib>
+#include <iostream>
 #include <string>
 
 namespace {
 
 constexpr const char* Standardprogramm = "TessaronZEK";
 constexpr const char* Helfersperre = ".zek-neustart.lock";
+
+constexpr const char* Auskunft =
+    R"(ZEKIBAutoNeustart.exe: startet Tessaron ZEK neu, sobald es beendet ist.
+
+Aufruf: ZEKIBAutoNeustart.exe [Schalter für Tessaron ZEK]
+
+  --help        diese Hilfe
+  --version     Version
+
+Tessaron ZEK ruft das Programm selbst auf. Von Hand wartet es, bis der Programmordner frei ist, und startet dann
+TessaronZEK aus dem eigenen Ordner mit denselben Schaltern.
+)";
 
 // Nothing to deliver: only time passes.
 class Wartepumpe : public zek::Pumpe {
@@ -64,6 +77,9 @@ zek::Neustarthelfer::Auftrag LiesAuftrag(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    const std::string wunsch = argc > 1 ? argv[1] : "";
+    if (wunsch == "--help" || wunsch == "-h") return (std::cout << Auskunft).good() ? 0 : 1;
+    if (wunsch == "--version") return (std::cout << "ZEKIBAutoNeustart " ZEK_VERSION "\n").good() ? 0 : 1;
     // The end of the terminal that the recorder was started from is not the end of the restart.
     std::signal(SIGHUP, SIG_IGN);
     const zek::Neustarthelfer::Auftrag auftrag = LiesAuftrag(argc, argv);
