@@ -55,13 +55,22 @@ void Runde::NeuverbindungAbschliessen() {
     DatenpflegeNachNeuverbindung();
     if (beendet_) return;
     OhneFehler([&] { mitspieler_.KontoabosAnfordern(); });
+    // A connection that was lost again during the run keeps the beginning of its gap.
+    if (modul_.Offline || !mitspieler_.TwsVerbunden() || modul_.NeuverbindungsZeit != 0) return;
     modul_.LetzteDatenZeit = uhr_.Jetzt();
 }
 
-void Runde::DatenpflegeNachNeuverbindung() {
+// The run pumps until it is over. A nested round finds it going and starts no second one.
+bool Runde::StarteAutoBackfill(Datum zeitpunkt) {
+    laeuft_ = false;
     bool angenommen = false;
-    OhneFehler([&] { angenommen = mitspieler_.StarteAutoBackfill(modul_.LetzteDatenZeit); });
-    if (angenommen) return;
+    OhneFehler([&] { angenommen = mitspieler_.StarteAutoBackfill(zeitpunkt); });
+    laeuft_ = true;
+    return angenommen;
+}
+
+void Runde::DatenpflegeNachNeuverbindung() {
+    if (StarteAutoBackfill(modul_.LetzteDatenZeit)) return;
     const Datum von = modul_.LetzteDatenZeit;
     const Datum bis = uhr_.Jetzt();
     modul_.Datenpflegewarteschlange.emplace_back(von, bis);
@@ -121,7 +130,7 @@ void Runde::Wiederverbinden() {
 
 void Runde::Warteschlange() {
     if (modul_.Datenpflegewarteschlange.empty() || modul_.DatenpflegeLaeuft) return;
-    mitspieler_.StarteAutoBackfill(0);
+    StarteAutoBackfill(0);
 }
 
 }  // namespace zek

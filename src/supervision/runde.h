@@ -42,7 +42,8 @@ public:
     Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Neustart& neustart, Mitspieler& mitspieler);
 
     // One round; the event of the timer. Does nothing while a round is running, and nothing after Beende. Errors are
-    // ignored step by step.
+    // ignored step by step. A backfill that a round has started may go on for hours: the rounds go on beside it, for
+    // reconnection, commands and IBLastEnd don't wait so long.
     void Durchlauf();
 
     // No round begins any more: the shutdown order has begun.
@@ -51,6 +52,7 @@ public:
 private:
     void NeuverbindungAbschliessen();
     void DatenpflegeNachNeuverbindung();
+    bool StarteAutoBackfill(Datum zeitpunkt);
     void Neustartregeln();
     void Minutenblock();
     void Wiederverbinden();

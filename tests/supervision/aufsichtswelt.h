@@ -69,6 +69,7 @@ public:
     }
     void AlleMarktdatenAbonnieren(std::int32_t count) override {
         Merke("AlleMarktdatenAbonnieren " + std::to_string(count));
+        if (BeiAbonnieren) BeiAbonnieren();
     }
     void KontoabosAnfordern() override { Merke("KontoabosAnfordern"); }
     void TWSVerbindungAufbauen() override {
@@ -89,6 +90,7 @@ public:
     bool Verbunden = true;
     bool VerbindenGelingt = false;
     bool BackfillGelingt = true;
+    std::function<void()> BeiAbonnieren;
     std::function<void()> BeiBackfill;
     std::string Stolpern;  // the call that throws
 

@@ -91,14 +91,59 @@ TEST_F(Rundentest, ABackfillThatFailsByAnErrorIsQueued) {
 TEST_F(Rundentest, NoRoundBeginsInsideARound) {
     Neuverbindung();
     modul.FarmAktiv = true;
-    mitspieler.BeiBackfill = [&] {
+    mitspieler.BeiAbonnieren = [&] {
         sitzung.Kommandos["DoQuit"] = "1";
         for (int i = 0; i < 30; ++i) welt.Warte(Runde::Intervall);
-        EXPECT_FALSE(Beendet()) << "the round waits for the run";
+        EXPECT_FALSE(Beendet()) << "the round waits for the pass";
     };
     welt.Laufe(1);
     EXPECT_TRUE(Beendet());
     EXPECT_EQ(Anzahl("HauptfensterEntladen"), 1);
+}
+
+// A run can last for hours.
+TEST_F(Rundentest, RoundsGoOnBesideABackfillThatARoundHasStarted) {
+    Neuverbindung();
+    modul.FarmAktiv = true;
+    mitspieler.BeiBackfill = [&] {
+        modul.DatenpflegeLaeuft = true;
+        mitspieler.BeiBackfill = nullptr;
+        sitzung.Kommandos["DoQuit"] = "1";
+        for (int i = 0; i < 3; ++i) welt.Warte(Runde::Intervall);
+        EXPECT_TRUE(Beendet());
+        modul.DatenpflegeLaeuft = false;
+    };
+    welt.Laufe(1);
+    EXPECT_EQ(Anzahl("HauptfensterEntladen"), 1);
+    EXPECT_EQ(Anzahl("KontoabosAnfordern"), 0) << "nothing behind the end";
+}
+
+TEST_F(Rundentest, ASecondReconnectionDuringTheRunQueuesItsOwnGap) {
+    Neuverbindung();
+    modul.FarmAktiv = true;
+    const Datum zweite = welt.Jetzt() + 100 * EineSekunde;
+    mitspieler.BeiBackfill = [&] {
+        mitspieler.BeiBackfill = nullptr;
+        modul.LetzteDatenZeit = zweite;
+        modul.NeuverbindungsZeit = welt.Jetzt();
+        mitspieler.BackfillGelingt = false;
+        for (int i = 0; i < 3; ++i) welt.Warte(Runde::Intervall);
+        ASSERT_EQ(modul.Datenpflegewarteschlange.size(), 1U);
+        EXPECT_EQ(modul.Datenpflegewarteschlange.front().first, zweite);
+        modul.Datenpflegewarteschlange.clear();
+        mitspieler.BackfillGelingt = true;
+    };
+    welt.Laufe(1);
+}
+
+TEST_F(Rundentest, AConnectionLostDuringTheRunKeepsTheBeginningOfItsGap) {
+    Neuverbindung();
+    modul.FarmAktiv = true;
+    const Datum letzte = welt.Jetzt();
+    modul.LetzteDatenZeit = letzte;
+    mitspieler.BeiBackfill = [&] { mitspieler.Verbunden = false; };
+    welt.Laufe(1);
+    EXPECT_EQ(modul.LetzteDatenZeit, letzte);
 }
 
 TEST_F(Rundentest, NothingHappensAfterTheEnd) {
