@@ -88,21 +88,6 @@ bool Datenpflegeplanung::BestimmeLuecke(Datenpflegelauf& lauf, Datum zeitpunkt) 
     return true;
 }
 
-void Datenpflegeplanung::NachNeuverbindung(Datum zeitpunkt) {
-    if (StarteAutoBackfill(zeitpunkt)) return;
-    auto& modul = um_.Lauf.Modul;
-    const Datum von = modul.LetzteDatenZeit;
-    const Datum bis = um_.Lauf.Zeit.Jetzt();
-    modul.Datenpflegewarteschlange.emplace_back(von, bis);
-    um_.Lauf.Status.Statusmeldung("Datenpflege nach Neuverbindung derzeit nicht möglich (läuft bereits)");
-    um_.Lauf.Status.Statusmeldung("Backfill von " + Spanne(von, bis) + " wird nachgeholt");
-}
-
-void Datenpflegeplanung::WarteschlangeAbarbeiten() {
-    const auto& modul = um_.Lauf.Modul;
-    if (!modul.Datenpflegewarteschlange.empty() && !modul.DatenpflegeLaeuft) StarteAutoBackfill(0);
-}
-
 void Datenpflegeplanung::StarteVerzoegert() {
     if (!um_.Lauf.Modul.Einstellungen.AutoDatenpflege) return;
     startZaehler_ = Startverzoegerung;

@@ -1,8 +1,8 @@
 // When a backfill run starts, for which titles and for which span, and what happens when one is already going.
 //
 // Automatic starts: after the program's start, after a reconnection, and for gaps that wait in
-// IBModul::Datenpflegewarteschlange. Manual starts: all active titles, the marked titles, a command line. A manual
-// start drops all gaps that wait.
+// IBModul::Datenpflegewarteschlange (the supervision round puts them there and asks for them). Manual starts: all
+// active titles, the marked titles, a command line. A manual start drops all gaps that wait.
 #pragma once
 
 #include "backfill/lauf.h"
@@ -38,13 +38,6 @@ public:
     // Wanted oddity: where no end of a last session is known the window stays, so that until the program ends every
     // further automatic start gives false and every manual one reports a run in progress.
     bool StarteAutoBackfill(Datum zeitpunkt);
-
-    // After a reconnection has been dealt with: an automatic run from `zeitpunkt`; when it can't start now, the gap
-    // from LetzteDatenZeit to the present waits in the queue and two lines go to the log.
-    void NachNeuverbindung(Datum zeitpunkt);
-
-    // The next waiting gap, when there is one and no run is going. Asked at the end of every supervision round.
-    void WarteschlangeAbarbeiten();
 
     // The main window's manual start for all active titles; the kinds are decided per title.
     void DatenpflegeAktiveTitel();

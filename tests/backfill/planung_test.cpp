@@ -57,6 +57,14 @@ protected:
             return false;
         };
     }
+    // What the supervision round does about a reconnection, and at its end about gaps that wait.
+    void Neuverbindung() {
+        if (planung_.StarteAutoBackfill(p_.Modul.LetzteDatenZeit)) return;
+        p_.Modul.Datenpflegewarteschlange.emplace_back(p_.Modul.LetzteDatenZeit, p_.Jetzt());
+    }
+    void Rundenende() {
+        if (!p_.Modul.Datenpflegewarteschlange.empty() && !p_.Modul.DatenpflegeLaeuft) planung_.StarteAutoBackfill(0);
+    }
     Datenpflegewahl Wahl(double sekunden) {
         Datenpflegewahl wahl;
         wahl.Start = p_.Jetzt() - Sekunden(sekunden);
@@ -165,22 +173,20 @@ TEST_F(PlanungTest, AReconnectionDuringARunQueuesItsGapWhichRunsAfterwards) {
     p_.Titel("ES");
     p_.Modul.LetzteDatenZeit = Mittag - Minuten(2);
     BeiAnfrage(1, [this] {
-        planung_.NachNeuverbindung(p_.Modul.LetzteDatenZeit);
+        Neuverbindung();
         p_.Modul.LetzteDatenZeit = p_.Jetzt();
-        planung_.WarteschlangeAbarbeiten();  // a run is going
+        EXPECT_FALSE(planung_.StarteAutoBackfill(0));  // a run is going: the gap stays where it is
         EXPECT_EQ(p_.Historie.Anfragen.size(), 1u);
     });
     planung_.StarteAutoBackfill(Mittag - Minuten(5));
     EXPECT_EQ(p_.Modul.Datenpflegewarteschlange.size(), 1u);
-    planung_.WarteschlangeAbarbeiten();
-    planung_.WarteschlangeAbarbeiten();
+    Rundenende();
+    Rundenende();
     EXPECT_THAT(Enden(), ElementsAre("TRADES 20261116 12:00:00", "TRADES 20261116 12:00:00"));
     EXPECT_THAT(
         p_.Status.Eintraege,
         ElementsAre(
             Eintrag{"Auto-Backfill von 16.11.2026 11:52:00 bis 16.11.2026 12:00:00 gestartet", true},
-            Eintrag{"Datenpflege nach Neuverbindung derzeit nicht möglich (läuft bereits)", false},
-            Eintrag{"Backfill von 16.11.2026 11:58:00 bis 16.11.2026 12:00:00 wird nachgeholt", false},
             Eintrag{"Backfill aus Warteschlange von 16.11.2026 11:58:00 bis 16.11.2026 12:00:00 gestartet", true}));
 }
 
@@ -188,22 +194,15 @@ TEST_F(PlanungTest, TwoReconnectionsDuringARunGiveTwoRunsOneAfterTheOther) {
     p_.Titel("ES");
     p_.Modul.LetzteDatenZeit = Mittag - Minuten(2);
     BeiAnfrage(1, [this] {
-        planung_.NachNeuverbindung(1);
+        Neuverbindung();
         p_.Modul.LetzteDatenZeit = Mittag - Minuten(1);
-        planung_.NachNeuverbindung(1);
+        Neuverbindung();
     });
     planung_.StarteAutoBackfill(Mittag - Minuten(5));
-    planung_.WarteschlangeAbarbeiten();
+    Rundenende();
     EXPECT_THAT(Logtexte().back(), StartsWith("Backfill aus Warteschlange von 16.11.2026 11:58:00"));
-    planung_.WarteschlangeAbarbeiten();
+    Rundenende();
     EXPECT_THAT(Logtexte().back(), StartsWith("Backfill aus Warteschlange von 16.11.2026 11:59:00"));
-    EXPECT_TRUE(p_.Modul.Datenpflegewarteschlange.empty());
-}
-
-TEST_F(PlanungTest, AReconnectionWithoutARunInTheWayStartsOneAtOnce) {
-    p_.Titel("ES");
-    planung_.NachNeuverbindung(Mittag - Minuten(10));
-    EXPECT_THAT(Logtexte(), ElementsAre("Auto-Backfill von 16.11.2026 11:47:00 bis 16.11.2026 12:00:00 gestartet"));
     EXPECT_TRUE(p_.Modul.Datenpflegewarteschlange.empty());
 }
 
@@ -263,7 +262,10 @@ TEST_F(PlanungTest, AManualRunOfTheActiveTitlesAsksStoresTheChoiceAndFetches) {
     optionen_.Antwort = Wahl(1800);
     optionen_.Antwort->UseRTH = true;
     optionen_.BeiFrage = [this] { EXPECT_TRUE(p_.Modul.Dialogsperre); };
+    BeiAnfrage(1, [this] { EXPECT_EQ(p_.Fenster.Panel, "Datenpflege (gestartet 16.11.2026 12:00:00)"); });
     planung_.DatenpflegeAktiveTitel();
+    EXPECT_EQ(p_.Fenster.Panels.size(), 1u);
+    EXPECT_EQ(p_.Fenster.Panel, "");
     EXPECT_FALSE(p_.Modul.Dialogsperre);
     ASSERT_EQ(optionen_.Gefragt.size(), 1u);
     EXPECT_EQ(optionen_.Gefragt[0].Ueberschrift, "Datenpflege der aktiven Titel");
@@ -294,7 +296,7 @@ TEST_F(PlanungTest, AManualStartDropsAllGapsThatWaitButNotThoseOfItsOwnTime) {
     p_.Modul.Datenpflegewarteschlange.emplace_back(Mittag - 3, Mittag - 2);
     p_.Modul.LetzteDatenZeit = Mittag - Minuten(1);
     optionen_.Antwort = Wahl(60);
-    BeiAnfrage(1, [this] { planung_.NachNeuverbindung(1); });
+    BeiAnfrage(1, [this] { Neuverbindung(); });
     planung_.DatenpflegeAktiveTitel();
     EXPECT_THAT(Enden(), ElementsAre("TRADES ", "TRADES 20261116 12:00:00"));
     EXPECT_TRUE(p_.Modul.Datenpflegewarteschlange.empty());
