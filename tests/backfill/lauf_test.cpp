@@ -272,6 +272,24 @@ TEST_F(LaufTest, TheStartOfATitleIsTakenFromAFileOfOurMagicOnly) {
     EXPECT_EQ(p_.Ram.OffeneHandles(), 0u);
 }
 
+TEST_F(LaufTest, AFileOfTwoGiBIsOutOfReachForTheStartOfATitle) {
+    struct Gross : hilfen::StoerDateisystem {
+        using StoerDateisystem::StoerDateisystem;
+        std::int64_t Groesse(Dateihandle) override { return Bytes; }
+        std::int64_t Bytes = 0;
+    } dateien(p_.Ram);
+    auto titel = p_.Titel("ES");
+    p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes({{Mittag, 1, 1}}));
+    Datum start = 0;
+    const auto ermittle = [&] { return ErmittleStartDatum(p_.Modul, dateien, p_.Fragen, *titel, start); };
+    dateien.Bytes = 872;
+    EXPECT_TRUE(ermittle());
+    EXPECT_EQ(start, Mittag);
+    dateien.Bytes = std::int64_t{1} << 31;
+    EXPECT_FALSE(ermittle());
+    EXPECT_TRUE(p_.Fragen.Gezeigt.empty());
+}
+
 // ---- labels
 
 TEST_F(LaufTest, TheWindowTellsTitleKindDateAndCount) {
@@ -674,9 +692,8 @@ TEST_F(LaufTest, AnErrorInOneKindDoesntEndTheNextAtItsFirstEmptyAnswer) {
 TEST_F(LaufTest, ARequestWithoutASessionConnectsAnewWithTheSameArguments) {
     Mit("ES")->BidAsk = true;
     p_.Historie.Statt = [this](const Anfrage& a) {
-        if (a.Art != "ASK") return false;
-        p_.Historie.Control().Trenne();
-        return true;
+        if (a.Art == "ASK") p_.Welt.Plane(0.5, [this] { p_.Historie.Control().Trenne(); });  // behind the answer
+        return false;
     };
     Automatisch(100);
     Starte();
@@ -688,6 +705,95 @@ TEST_F(LaufTest, ARequestWithoutASessionConnectsAnewWithTheSameArguments) {
     EXPECT_EQ(verbindungen[0], verbindungen[2]);
     EXPECT_FALSE(p_.Status.Enthaelt("504"));
     EXPECT_EQ(p_.Datei("ES-BID").size(), 101u);
+}
+
+// ---- answers that come late: they reach only those who are still connected
+
+class SpaeteAntwortTest : public LaufTest {
+protected:
+    std::size_t Verbindungen() { return p_.Historie.Control().Anzahl("connect("); }
+    // `was` happens so many seconds from now, unless the run has left the connection by then.
+    void Spaeter(double sekunden, std::function<void()> was) {
+        p_.Welt.Plane(sekunden, [this, was, nummer = Verbindungen()] {
+            if (Verbindungen() == nummer) was();
+        });
+    }
+    void Fremd() {
+        for (int s = 50; s > 0; --s) p_.Historie.Balken(Mittag - Sekunden(s), 7777, 1);
+        p_.Historie.Ende();
+    }
+};
+
+TEST_F(SpaeteAntwortTest, AfterATimeoutItReachesNoSeriesThatFollows) {
+    Mit("ES")->BidAsk = true;
+    p_.Historie.Verzug = 5;
+    BeiAnfrage(
+        1, [this] { Spaeter(62, [this] { Fremd(); }); }, 0);
+    Automatisch(100);
+    Starte();
+    EXPECT_TRUE(p_.Status.Enthaelt("Backfill Timeout ES"));
+    EXPECT_FALSE(p_.Ram.DateiExistiert(p_.Pfad("ES")));
+    PruefeLueckenlos(p_.Datei("ES-ASK"), Mittag - Sekunden(100), Mittag);
+    PruefeLueckenlos(p_.Datei("ES-BID"), Mittag - Sekunden(100), Mittag);
+    const auto& zeilen = p_.Historie.Control().Zeilen;
+    EXPECT_EQ(zeilen.at(3), "disconnect()");
+    EXPECT_EQ(zeilen.at(4), zeilen.at(0));
+    EXPECT_EQ(Verbindungen(), 2u);
+}
+
+TEST_F(SpaeteAntwortTest, AfterALostConnectionItDoesntAnswerTheRepeatedRequest) {
+    Mit("ES");
+    p_.Historie.Verzug = 1.5;
+    BeiAnfrage(1, [this] {
+        p_.Historie.Melde(1100, "lost");
+        p_.Welt.Plane(40, [this] { p_.Historie.Melde(1102, "restored"); });
+        Spaeter(41, [this] {
+            p_.Historie.Liefere(Mittag);
+            p_.Historie.Ende();
+        });
+    });
+    Automatisch(5000);
+    Starte();
+    EXPECT_THAT(Enden(), ElementsAre("TRADES 20261116 12:00:00", "TRADES 20261116 12:00:00", "TRADES 20261116 11:26:40",
+                                     "TRADES 20261116 10:53:20"));
+    PruefeLueckenlos(p_.Datei("ES"), Mittag - Sekunden(5000), Mittag);
+}
+
+TEST_F(SpaeteAntwortTest, ARefusalOfTheContractIsntTheAnswerToTheHistoryRequest) {
+    Mit("ES")->BidAsk = true;
+    p_.Historie.Verzug = 0.3;
+    BeiAnfrage(2, [this] {
+        p_.Historie.Melde(200, "No security definition", 2);  // number of the contract request
+        Spaeter(1.2, [this] { Fremd(); });
+    });
+    Automatisch(3000);
+    Starte();
+    PruefeLueckenlos(p_.Datei("ES-ASK"), Mittag - Sekunden(3000), Mittag);
+}
+
+TEST_F(SpaeteAntwortTest, AnAnswerThatCameAndARefusalNeedNoNewConnection) {
+    Mit("ES")->BidAsk = true;
+    Mit("NQ")->BidAsk = true;
+    p_.Historie.Statt = [this](const Anfrage& a) {
+        if (a.Art != "ASK") return false;
+        p_.Welt.Plane(0.05, [this] { p_.Historie.Melde(162, "no permissions", 1); });
+        return true;
+    };
+    Automatisch(3000);
+    Starte();
+    EXPECT_EQ(Verbindungen(), 1u);
+}
+
+TEST_F(SpaeteAntwortTest, CancellingWhileItConnectsAnewAsksForNothingMore) {
+    Mit("ES");
+    Mit("NQ");
+    p_.Historie.Statt = [this](const Anfrage&) {
+        p_.Historie.Control().BeiConnect = [this](hilfen::TestTws&) { lauf_->Abbruch = true; };
+        return true;
+    };
+    Automatisch(100);
+    Starte();
+    EXPECT_THAT(Enden(), ElementsAre(StartsWith("TRADES")));
 }
 
 TEST_F(LaufTest, NewsOfTheSessionIsLoggedButForTheUsualCodes) {
@@ -756,6 +862,18 @@ TEST_F(AbbruchTest, ACancelledRunStartsNoFurtherTitle) {
     Starte();
     EXPECT_EQ(p_.Historie.Anfragen.size(), 1u);
     EXPECT_THAT(p_.Fragen.Gezeigt, IsEmpty());
+}
+
+TEST_F(AbbruchTest, CancelledInTheAskSeriesTheBidSeriesStillAsksOnce) {
+    Mit("ES")->BidAsk = true;
+    const auto was = [this] {
+        lauf_->Abbruch = true;
+        p_.Historie.Ende();
+    };
+    BeiAnfrage(2, was, 1.5);
+    Automatisch(100);
+    Starte();
+    EXPECT_THAT(Enden(), ElementsAre(StartsWith("TRADES"), StartsWith("ASK"), StartsWith("BID")));
 }
 
 TEST_F(AbbruchTest, TheButtonAsksFirst) {
