@@ -118,9 +118,16 @@ public:
         ::close(handle);
         KopieZeit = Zeitpunkt::Jetzt() - anfang;
     }
-    // Puts the copy's file back to the size that it has before a merge.
+    // Puts the copy's file back to the size that it has before a merge. What is new are bytes and no hole: cutting
+    // them off again is part of the work.
     void LaengeDerKopie(std::int64_t saetze) {
-        std::filesystem::resize_file(kopie_, 856 + static_cast<std::uintmax_t>(saetze) * 16);
+        const off_t ende = 856 + static_cast<off_t>(saetze) * 16;
+        const int handle = ::open(kopie_.c_str(), O_RDWR | O_CLOEXEC);
+        const std::vector<char> bytes(Kopierblock, 1);
+        for (off_t stelle = ::lseek(handle, 0, SEEK_END); stelle < ende; stelle += static_cast<off_t>(bytes.size()))
+            Pruefe(::pwrite(handle, bytes.data(), bytes.size(), stelle));
+        Pruefe(::ftruncate(handle, ende));
+        ::close(handle);
     }
 
     bool IstGesund() { return !stumm_.Fehler && std::filesystem::file_size(Pfad()) == 856 + Dateisaetze * 16; }
