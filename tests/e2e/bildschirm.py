@@ -10,9 +10,9 @@ from rekorder import wait_for
 WIDTH, HEIGHT = 1400, 1000
 
 
-def missing():
-    """Names of the programs that a screen needs and that aren't there."""
-    return [name for name in ("Xvfb", "openbox", "xdotool", "import", "xprop", "xwininfo") if shutil.which(name) is None]
+def missing(names=("Xvfb", "openbox", "xdotool", "import", "xprop", "xwininfo")):
+    """Those of the programs that a screen needs that aren't there."""
+    return [name for name in names if shutil.which(name) is None]
 
 
 class Screen:
@@ -22,13 +22,20 @@ class Screen:
         self.size = size
         self.processes = []
         read, write = os.pipe()
-        self._start(["Xvfb", "-displayfd", str(write), "-screen", "0", f"{size[0]}x{size[1]}x24", "-nolisten", "tcp"],
-                    pass_fds=[write])
+        self._start(["Xvfb", "-displayfd", str(write), "-screen", "0", f"{size[0]}x{size[1]}x24", "-nolisten", "tcp",
+                     "-noreset"], pass_fds=[write])
         os.close(write)
         with os.fdopen(read) as pipe:
             self.display = ":" + pipe.readline().strip()
         self.env = dict(os.environ, DISPLAY=self.display, LC_ALL="C.UTF-8")
         self.env.pop("WAYLAND_DISPLAY", None)
+        try:
+            self._furnish(tray)
+        except BaseException:
+            self.close()
+            raise
+
+    def _furnish(self, tray):
         self._start(["openbox", "--sm-disable"], env=self.env)
         wait_for(lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), what="openbox")
         if tray:

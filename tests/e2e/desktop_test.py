@@ -1,0 +1,255 @@
+"""The recorder with its windows on a screen of its own: a real window manager, mouse and keyboard."""
+import os
+import re
+import signal
+import struct
+import time
+import unittest
+
+from bildschirm import Screen, missing
+from rekorder import APP, Case, alive, wait_for
+
+MAIN = "Tessaron ZEK für Interactive Brokers"
+MESSAGE = "Tessaron ZEK"
+
+
+def title_file(count, active):
+    """The definitions of `count` stocks, the first `active` of them active, without bid and ask."""
+    def text(value):
+        return struct.pack("<HH", 8, len(value)) + value.encode("cp1252")
+
+    def boolean(value):
+        return struct.pack("<HH", 11, 0xFFFF if value else 0)
+
+    def number(value):
+        return struct.pack("<Hd", 5, value)
+
+    def values(elements, lower=0):
+        return struct.pack("<HHIi", 0x200C, 1, len(elements), lower) + b"".join(elements)
+
+    def title(index):
+        name = f"S{index:03}"
+        nested = values([text("1"), boolean(False), boolean(False)])
+        return values([text(name), text("SMART"), text("STK"), text(""), number(0), text(""), text("USD"),
+                       boolean(index < active), boolean(False), text("Aktien"), struct.pack("<Hi", 3, 0),
+                       text(name + "@SMART_STK_USD"), number(0), boolean(False), boolean(False),
+                       values([number(0), nested, struct.pack("<Hh", 2, 0)]), boolean(False)])
+    return b"Tessaron ZEK IBDefs 01.00.00" + values([title(index) for index in range(count)], 1)
+
+
+@unittest.skipIf(missing(), "no screen: missing " + ", ".join(missing()))
+class Desktop(Case):
+    program = "TessaronZEK"
+    with_tray = False
+
+    def setUp(self):
+        super().setUp()
+        self.screen = Screen(tray=self.with_tray)
+        self.addCleanup(self.screen.close)
+        self.env.update(DISPLAY=self.screen.display, QT_QPA_PLATFORM="xcb", LC_ALL="C.UTF-8")
+        self.env.pop("WAYLAND_DISPLAY", None)
+        # The program writes 1 here as soon as it shows the working view.
+        self.setting(APP, "Hauptfenster", "Taskbar", "2")
+
+    def working_view(self, seconds=20):
+        wait_for(lambda: self.read_setting(APP, "Hauptfenster", "Taskbar") == "1", seconds, "the working view")
+
+    def recording(self, *args):
+        """A recorder that records from the simulator; its window has the focus."""
+        simulator = self.simulator("--rate", "300")
+        self.sample_titles()
+        recorder = self.recorder(*args)
+        self.working_view()
+        self.wait_for_records(100)
+        self.main = self.screen.window(MAIN)
+        return simulator, recorder
+
+    def counter(self):
+        """The part of the window that holds the number of records, in the compact view."""
+        menu_bar = 26
+        return self.screen.pixels(self.main, (0, menu_bar, 300, 34))
+
+    def ask_to_close(self, answer):
+        self.screen.activate(self.main)
+        self.screen.key("alt+F4")
+        question = self.screen.window(MESSAGE)
+        self.screen.key(*answer)
+        self.screen.gone(MESSAGE)
+        return question
+
+
+class Window(Desktop):
+    def test_records_come_in_and_the_counter_moves_with_them(self):
+        self.setting(APP, "Optionen", "KomprimierteAnsicht", "1")
+        simulator, recorder = self.recording("/K")
+        before = self.counter()
+        wait_for(lambda: self.counter() != before, 5, "a movement of the counter")
+        simulator.command("silence")
+        time.sleep(1)
+        before = self.counter()
+        time.sleep(1)
+        self.assertEqual(self.counter(), before, "the counter moves without prices")
+        simulator.command("resume")
+        wait_for(lambda: self.counter() != before, 5, "a movement of the counter")
+        self.assertEqual(recorder.stop(signal.SIGTERM), 0)
+        self.assert_sound()
+
+    def test_the_closing_question_is_answered_by_keyboard(self):
+        _, recorder = self.recording()
+        self.ask_to_close(["Escape"])
+        self.assertTrue(recorder.running())
+        self.ask_to_close(["Tab", "Return"])
+        self.assertTrue(recorder.running())
+        self.wait_for_records(50)
+        self.ask_to_close(["Return"])
+        self.assertEqual(recorder.popen.wait(20), 0)
+        self.assert_sound()
+
+    def test_recording_goes_on_behind_the_question(self):
+        self.recording()
+        self.screen.key("alt+F4")
+        self.screen.window(MESSAGE)
+        self.wait_for_records(200)
+
+    def test_the_place_of_the_window_comes_back(self):
+        _, recorder = self.recording("/K")
+        self.screen.xdotool("windowmove", "--sync", self.main, 77, 99)
+        self.screen.xdotool("windowsize", "--sync", self.main, 900, 500)
+        time.sleep(1)
+        place = self.screen.geometry(self.main)
+        recorder.stop()
+        self.recorder("/K")
+        self.main = self.screen.window(MAIN)
+        wait_for(lambda: self.screen.geometry(self.main) == place, 5, f"the place {place}")
+
+
+class Instances(Desktop):
+    def test_a_second_instance_says_so_and_goes_by_itself(self):
+        self.recording("/K")
+        second = self.recorder()
+        self.screen.window(MESSAGE)
+        self.assertEqual(second.popen.wait(20), 0)
+        self.screen.gone(MESSAGE)
+        self.assertEqual(len(self.recorders()), 1)
+        self.wait_for_records(50)
+
+    def test_quit_ends_the_window_without_a_question(self):
+        _, first = self.recording()
+        self.assertEqual(self.recorder("/Quit").popen.wait(20), 0)
+        self.assertEqual(first.popen.wait(20), 0)
+        self.assertEqual(self.screen.windows(MAIN), [])
+        self.assertIn("ZEK wird durch Kommand /Quit beendet (", self.log())
+
+    def test_quit_ends_it_behind_open_windows_too(self):
+        _, first = self.recording()
+        self.screen.key("ctrl+comma")
+        self.screen.window("Allgemeine Einstellungen")
+        self.screen.key("alt+o")
+        self.screen.type("5")
+        self.screen.key("Return")
+        self.screen.window(MESSAGE)
+        self.recorder("/Quit")
+        self.assertEqual(first.popen.wait(20), 0)
+        self.assert_sound()
+
+    def test_quit_ends_it_amid_a_backfill(self):
+        simulator, first = self.recording()
+        simulator.command("hold 1")
+        self.screen.key("F5")
+        self.screen.window("Datenpflege der aktiven Titel")
+        self.screen.key("Return")
+        self.screen.window("Datenpflege")
+        time.sleep(2)
+        self.recorder("/Quit")
+        self.assertEqual(first.popen.wait(20), 0)
+        self.assert_sound()
+
+    def test_restart_brings_the_desktop_program_back(self):
+        _, first = self.recording("/K")
+        self.assertEqual(self.recorder("/Restart").popen.wait(20), 0)
+        first.popen.wait(40)
+        again = wait_for(self.recorders, 40, "the new recorder")
+        self.main = self.screen.window(MAIN, 40)
+        self.wait_for_records(50)
+        self.assertIn("ZEK wird durch Kommand /Restart neu gestartet (", self.log())
+        # The new one was started with /K as well: it closes without a question.
+        self.screen.key("alt+F4")
+        wait_for(lambda: not alive(again[0]), 20, "the end of the new recorder")
+        self.assert_sound()
+
+
+class Start(Desktop):
+    """Times from the start of the process to the working view."""
+
+    def start_time(self, count, active):
+        (self.home / "IB_Titel.Dat").write_bytes(title_file(count, active))
+        path = self.settings_file(APP)
+        path.write_text(re.sub(r"Taskbar=.*", "Taskbar=2", path.read_text()))
+        begin = time.monotonic()
+        recorder = self.recorder("/K")
+        while self.read_setting(APP, "Hauptfenster", "Taskbar") != "1":
+            self.assertLess(time.monotonic() - begin, 60, "no working view")
+            time.sleep(0.002)
+        seconds = time.monotonic() - begin
+        self.assertTrue(self.screen.windows(MAIN))
+        self.assertEqual(recorder.stop(), 0)
+        return seconds
+
+    def test_500_titles_are_in_the_working_view_within_a_second(self):
+        self.simulator("--lines", "1000")
+        times = [self.start_time(500, 30) for _ in range(3)]
+        print("start with 500 titles, 30 of them active: " + ", ".join(f"{t * 1000:.0f} ms" for t in times))
+        self.assertLess(min(times), 1.0)
+
+    def test_only_the_pace_of_the_subscriptions_makes_a_start_longer(self):
+        # 31 messages a second: once they are sent, the next title waits for the rest of the second.
+        self.simulator("--lines", "1000")
+        seconds = self.start_time(200, 200)
+        print(f"start with 200 active titles: {seconds * 1000:.0f} ms")
+        self.assertGreater(seconds, 6.0)
+        self.assertLess(seconds, 7.5)
+
+
+class Tray(Desktop):
+    with_tray = True
+
+    def setUp(self):
+        if missing(("trayer",)):
+            self.skipTest("no notification area: trayer isn't installed")
+        super().setUp()
+        self.trayer = int(self.screen.xdotool("search", "--class", "trayer").split()[-1])
+        self.empty = self.screen.geometry(self.trayer)
+
+    def icon(self):
+        wait_for(lambda: self.screen.geometry(self.trayer) != self.empty, 20, "the icon")
+        x, y, width, height = self.screen.geometry(self.trayer)
+        return x + width // 2, y + height // 2
+
+    def test_a_minimized_window_comes_back_by_a_click_on_the_icon(self):
+        self.recording("/K")
+        x, y = self.icon()
+        self.screen.click(x, y, 3)
+        wait_for(self.screen.popups, 5, "the menu")
+        self.screen.key("Up", "Up", "Return")
+        self.screen.window(MESSAGE)
+        self.screen.key("Return")
+        self.screen.gone(MESSAGE)
+        self.screen.xdotool("windowminimize", "--sync", self.main)
+        self.screen.gone(MAIN)
+        self.wait_for_records(50)
+        self.screen.click(x, y)
+        self.main = self.screen.window(MAIN)
+
+    def test_its_menu_ends_the_program_after_the_question(self):
+        _, recorder = self.recording()
+        self.screen.click(*self.icon(), 3)
+        wait_for(self.screen.popups, 5, "the menu")
+        self.screen.key("Up", "Return")
+        self.screen.window(MESSAGE)
+        self.screen.key("Return")
+        self.assertEqual(recorder.popen.wait(20), 0)
+
+
+if __name__ == "__main__":
+    os.environ.pop("QT_SCALE_FACTOR", None)
+    unittest.main(verbosity=2)
