@@ -188,9 +188,9 @@ private:
 
     Balkenpuffer puffer_;
     Gesamtreihe gesamt_;
-    bool Fertig_ = false;      // the request has ended
-    bool KeineDaten_ = false;  // the request ended in an error
-    int fehlercode_ = 0;       // its code
+    bool Fertig_ = false;        // the request has ended
+    bool KeineDaten_ = false;    // the request ended in an error
+    int fehlercode_ = 0;         // its code
     bool antwortOffen_ = false;  // a history request has gone out over this connection and has no answer yet
     bool PacingWartet_ = false;
     bool PacingFrei_ = false;
