@@ -99,6 +99,7 @@ void Einarbeiter::FuehreAus(Merge& merge) {
     if (!LiesKopf(merge)) return;
     if (merge.HatSaetze()) PruefeKonsistenz(merge);
     BestimmeStellen(merge);
+    PruefePlatz(merge);
 
     pumpe_.Ereignisse();
     merge.Fenster.AbbruchMoeglich(false);
@@ -193,6 +194,14 @@ void Einarbeiter::BestimmeStellen(Merge& merge) {
     const bool amAnfang = sprung < DateikopfBytes;
     const std::int64_t ab = amAnfang ? sprung : SpringeZurueck(merge, sprung + Sprung, zuFrueh);
     merge.Schreibstelle = LiesWeiter(merge, ab + DatensatzBytes, std::not_fn(zuFrueh));
+}
+
+// On a full disk the merge would fail half way and take good records with it; it isn't begun.
+void Einarbeiter::PruefePlatz(const Merge& merge) {
+    const std::int64_t zuwachs = merge.Schreibstelle + Bytes(merge.Saetze.size()) - merge.SchwanzVon;
+    if (zuwachs <= 0) return;
+    const std::int64_t frei = dateien_.FreierPlatz(merge.Pfad.substr(0, merge.Pfad.rfind('/')));
+    if (frei >= 0 && frei < zuwachs) WirfSystemfehler(-ENOSPC);
 }
 
 // Several thousand records go out in one write; the events of each thousand run behind it. For a tick that arrives in

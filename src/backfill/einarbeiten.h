@@ -69,6 +69,7 @@ private:
     template <typename Halt>
     std::int64_t LiesWeiter(Merge& merge, std::int64_t ab, Halt halt);
     void BestimmeStellen(Merge& merge);
+    void PruefePlatz(const Merge& merge);
     std::int32_t SchreibeBlock(Merge& merge);
     void RetteSchwanz(Merge& merge, std::int64_t bis);
     void LiesSchwanzblock(Merge& merge);

@@ -479,8 +479,28 @@ TEST_F(FehlerTest, AShortWriteGoesOnWhereItStopped) {
     }
 }
 
-TEST_F(FehlerTest, AFullDiskInTheMiddleOfARecordLeavesWholeRecords) {
+TEST_F(FehlerTest, AMergeThatDoesntFitOnTheDiskIsntBegun) {
+    for (const std::int64_t platz : {0, 15, 16 * 2500, 16 * 2501 - 1}) {
+        Aufbau();
+        ram().SetzeFreienPlatz(platz);
+        EXPECT_EQ(Merge(Reihe(7000, 9500)), 0) << platz;
+        EXPECT_EQ(Inhalt(), Kopf() + Bytes(alt_)) << platz;
+    }
     Aufbau();
+    ram().SetzeFreienPlatz(16 * 2501);
+    EXPECT_EQ(Merge(Reihe(7000, 9500)), 2501);
+}
+
+TEST_F(FehlerTest, OnAFullDiskAMergeThatNeedsNoRoomIsMade) {
+    Aufbau();
+    ram().SetzeFreienPlatz(0);
+    EXPECT_EQ(Merge(Reihe(100, 200, 7)), 101);
+    EXPECT_EQ(Nachher(), Reihe(1, 99) + Reihe(100, 200, 7) + Reihe(201, 6000));
+}
+
+TEST_F(FehlerTest, ADiskThatFillsInTheMiddleOfARecordLeavesWholeRecords) {
+    Aufbau();
+    p_.Dateien.StoereArt(hilfen::Dateiaufruf::FreierPlatz, EIO);
     ram().SetzeFreienPlatz(16 * 1000 + 5);
     EXPECT_EQ(Merge(Reihe(7000, 9500)), 0);
     PruefeGrundsatz(0);
