@@ -1,12 +1,5 @@
 // The desktop face under a whole session: windows as a person meets them, the machine under them scripted.
-#include "fenstertest.h"
-#include "hilfen/ram_dateisystem.h"
-#include "hilfen/ram_netz.h"
-#include "hilfen/test_prozesse.h"
-#include "hilfen/test_tws.h"
-#include "session/sitzung.h"
-#include "titles/titeldatei.h"
-#include "windows/desktopgesicht.h"
+#include "desktopwelt.h"
 #include "windows/statusliste.h"
 
 #include <QAction>
@@ -23,99 +16,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-struct Desktop : testing::Test {
-    hilfen::VirtuelleWelt welt{DatumAus(2026, 11, 16, 12, 0, 0)};
-    hilfen::RamNetz netz{welt};
-    hilfen::RamDateisystem dateien;
-    hilfen::RamNutzerspeicher registry;
-    hilfen::RamProfildatei lokal;
-    hilfen::RamProfildatei port;
-    hilfen::TestProzesse prozesse;
-    hilfen::TestTwsFabrik tws;
-    int enden = 0;
-    std::vector<std::string> hilfeseiten;
-    std::vector<std::string> fragen;  // texts of the messages that came up
-    std::unique_ptr<Desktopgesicht> gesicht;
-    std::unique_ptr<Sitzung> sitzung;
-    QTimer person;
-    // What the person clicks on a message whose text contains the key; "btn(0)" otherwise.
-    std::vector<std::pair<std::string, const char*>> antworten;
-
-    Desktop() {
-        dateien.LegeOrdnerbaumAn("/zek");
-        registry.Setze(ProduktName, "ZEKStart", "VersionsHinweis", "1");
-        Setze("Optionen", "DontShowStartUpTitel", "1");
-        Setze("IBConnect", "IBPort", "7496");
-        Setze("Hauptfenster", "Taskbar", "1");
-        tws.BeiErzeugen = [](hilfen::TestTws& control) {
-            control.BeiConnect = [](hilfen::TestTws& c) { c.Ereignisse().nextValidId(1); };
-        };
-        QObject::connect(&person, &QTimer::timeout, [this] { Antworte(); });
-        person.start(5);
-    }
-    ~Desktop() override {
-        // The session before the face that it shows itself on.
-        sitzung.reset();
-        gesicht.reset();
-    }
-
-    void Setze(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
-        registry.Setze(Programmtitel, abschnitt, schluessel, wert);
-    }
-    std::string Registry(std::string_view abschnitt, std::string_view schluessel) {
-        return registry.Lies(Programmtitel, abschnitt, schluessel).value_or("(fehlt)");
-    }
-    void MitTitel(const std::string& symbol) {
-        Titelliste titel;
-        auto t = std::make_shared<clTitelobjekt>();
-        t->id = 1;
-        t->Symbol = symbol;
-        t->Typ = "FUT";
-        t->Börsenplatz = "CME";
-        t->Dateiname = symbol + "@CME_FUT";
-        t->BidAsk = true;
-        t->Aktiv(true);
-        titel.Fuege(t);
-        ASSERT_EQ(SchreibeTiteldatei(dateien, "/zek/", titel), std::nullopt);
-    }
-    bool Starte(const std::string& zeile = "") {
-        gesicht = std::make_unique<Desktopgesicht>(
-            welt, [this](const std::string& seite) { hilfeseiten.push_back(seite); }, "1.0");
-        sitzung = std::make_unique<Sitzung>(Plattform{welt, welt, welt, netz, dateien, registry, lokal, port, prozesse,
-                                                      tws.Fabrik(), "/zek/", [this] { ++enden; }},
-                                            *gesicht, zeile);
-        gesicht->SetzeSitzung(*sitzung);
-        const bool laeuft = sitzung->Starte();
-        QApplication::processEvents();
-        return laeuft;
-    }
-    void Antworte() {
-        QWidget* offen = QApplication::activeModalWidget();
-        if (offen == nullptr || offen->objectName() != "frmMessageDialog") return;
-        const std::string text = Steuer<QLabel>(*offen, "Meldung")->text().toStdString();
-        fragen.push_back(text);
-        const char* knopf = "btn(0)";
-        for (const auto& [teil, antwort] : antworten)
-            if (text.find(teil) != std::string::npos) knopf = antwort;
-        Klick(*offen, knopf);
-    }
-    IB_Hauptfenster& Fenster() { return *gesicht->Hauptfenster(); }
-    void Befehl(int nummer) { Fenster().Befehle().Aktion(nummer)->trigger(); }
-    // Does something in the next modal window of that name.
-    template <typename Tat>
-    void Im(const char* fenster, Tat tat) {
-        auto* warte = new QTimer(&person);
-        QObject::connect(warte, &QTimer::timeout, [=, this] {
-            QWidget* offen = QApplication::activeModalWidget();
-            if (offen == nullptr || offen->objectName() != fenster) return;
-            warte->stop();
-            tat(*offen);
-        });
-        warte->start(5);
-    }
-    tws::TwsEreignisse& Tws() { return tws.Letzte().Ereignisse(); }
-};
 
 TEST_F(Desktop, TheStartEndsInTheWorkingView) {
     MitTitel("ES");
