@@ -1,0 +1,210 @@
+// How the windows behave under a person's hands, beyond the dialogs.
+#include "desktopwelt.h"
+#include "windows/fensterplatz.h"
+#include "windows/meldungsfenster.h"
+#include "windows/monitorplatz.h"
+#include "windows/statusliste.h"
+#include "windows/zek_einstellungen.h"
+
+#include <QDockWidget>
+#include <QMainWindow>
+#include <QProgressBar>
+#include <QScreen>
+#include <QSystemTrayIcon>
+
+namespace zek {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct Bedienung : Desktop {
+    // An entry of the tray's menu; it acts behind the event of the click.
+    static void Waehle(QAction& eintrag) {
+        eintrag.trigger();
+        QApplication::processEvents();
+    }
+};
+
+// ---- start view
+
+TEST_F(Bedienung, InTheStartViewNoCommandRunsNotEvenByItsShortcut) {
+    bool gesehen = false;
+    tws.BeiErzeugen = [&](hilfen::TestTws& control) {
+        control.BeiConnect = [&](hilfen::TestTws& c) {
+            EXPECT_TRUE(Steuer<QLabel>(Fenster(), "Startinfo")->isVisible());
+            EXPECT_TRUE(Steuer<QProgressBar>(Fenster(), "FortschrittAnzeige")->isVisible());
+            EXPECT_FALSE(Steuer<QWidget>(Fenster(), "StandardInfoRahmen")->isVisible());
+            EXPECT_EQ(Steuer<QLabel>(Fenster(), "Startinfo")->text(),
+                      "Die Verbindung zu Interactive Brokers wird initialisiert. ");
+            EXPECT_TRUE(QTest::qWaitForWindowActive(&Fenster()));
+            QTest::keyClick(&Fenster(), Qt::Key_F1);
+            gesehen = true;
+            c.Ereignisse().nextValidId(1);
+        };
+    };
+    ASSERT_TRUE(Starte());
+    EXPECT_TRUE(gesehen);
+    EXPECT_THAT(hilfeseiten, IsEmpty());
+    QTest::keyClick(&Fenster(), Qt::Key_F1);
+    EXPECT_THAT(hilfeseiten, ElementsAre("index"));
+}
+
+// ---- task bar
+
+TEST_F(Bedienung, TheTraysTaskBarEntryTogglesAndSaysWhenItCounts) {
+    ASSERT_TRUE(Starte());
+    QAction* eintrag = nullptr;
+    gesicht->Tray()->ShowMenu();
+    for (QAction* aktion : QApplication::activePopupWidget()->actions())
+        if (aktion->data() == "ShowInTaskBar") eintrag = aktion;
+    QApplication::activePopupWidget()->close();
+    ASSERT_NE(eintrag, nullptr);
+    EXPECT_TRUE(eintrag->isChecked());
+    Waehle(*eintrag);
+    EXPECT_FALSE(gesicht->InTaskleisteAngehakt());
+    EXPECT_THAT(fragen, ElementsAre("Die Änderung dieser Einstellung wird erst nach Neustart des Programms wirksam."));
+    Waehle(*eintrag);
+    EXPECT_TRUE(gesicht->InTaskleisteAngehakt());
+    EXPECT_EQ(fragen.size(), 1U);
+    Waehle(*eintrag);
+    sitzung->Beende();
+    EXPECT_EQ(Registry("Hauptfenster", "Taskbar"), "0");
+}
+
+TEST_F(Bedienung, ALeftClickOnTheIconBringsAMinimizedWindowBack) {
+    ASSERT_TRUE(Starte());
+    Fenster().showMinimized();
+    std::vector<int> gedrueckt;
+    gesicht->Tray()->SysTrayMouseDown = [&](frmSysTray::Taste taste) { gedrueckt.push_back(static_cast<int>(taste)); };
+    auto* symbol = gesicht->Tray()->findChild<QSystemTrayIcon*>();
+    emit symbol->activated(QSystemTrayIcon::Context);
+    EXPECT_TRUE(Fenster().isMinimized());
+    emit symbol->activated(QSystemTrayIcon::Trigger);
+    EXPECT_FALSE(Fenster().isMinimized());
+    EXPECT_TRUE(Fenster().isVisible());
+    EXPECT_THAT(gedrueckt, ElementsAre(2, 1));
+}
+
+// ---- status list
+
+TEST_F(Bedienung, ADoubleClickShowsTheWholeEntryInAMessage) {
+    ASSERT_TRUE(Starte());
+    sitzung->Status().Statusmeldung("Eine lange Meldung", true);
+    Statuslistenansicht& liste = Fenster().Status();
+    const int letzte = liste.Modell().rowCount() - 1;
+    EXPECT_EQ(liste.currentIndex().row(), letzte);
+    EXPECT_TRUE(liste.selectionModel()->isRowSelected(letzte));
+    const QPoint stelle = liste.visualRect(liste.Modell().index(letzte, 1)).center();
+    QTest::mouseClick(liste.viewport(), Qt::LeftButton, {}, stelle);
+    QTest::mouseDClick(liste.viewport(), Qt::LeftButton, {}, stelle);
+    EXPECT_THAT(fragen, ElementsAre("16.11.2026 12:00:00: Eine lange Meldung"));
+}
+
+// ---- places
+
+TEST(Plaetze, AWindowStaysOnASecondScreenAndComesBackFromOneThatIsGone) {
+    const QRect erster(0, 0, 1920, 1080), zweiter(1920, 0, 1280, 1024);
+    const QRect rechts(2000, 100, 800, 600), ueberBeide(1700, 100, 800, 600);
+    EXPECT_EQ(AufDieSchirme(rechts, {erster, zweiter}), rechts);
+    EXPECT_EQ(AufDieSchirme(ueberBeide, {erster, zweiter}), ueberBeide);
+    EXPECT_EQ(AufDieSchirme(rechts, {erster}), QRect(1120, 100, 800, 600));
+    EXPECT_EQ(AufDieSchirme({3000, 900, 800, 600}, {erster, zweiter}), QRect(2400, 424, 800, 600));
+}
+
+struct Dockplatz : testing::Test {
+    Einstellungswelt welt;
+    QMainWindow fenster;
+    QDockWidget dock{"Monitor"};
+    Dockplatz() {
+        fenster.setCentralWidget(new QWidget);
+        fenster.addDockWidget(Qt::BottomDockWidgetArea, &dock);
+        dock.setWidget(new QWidget);
+        fenster.resize(700, 500);
+        fenster.show();
+    }
+    void Gespeichert(const char* koordinaten, const char* seite, const char* schwebt) {
+        welt.registry.Setze(Programmtitel, "Monitor", "DockKoord", koordinaten);
+        welt.registry.Setze(Programmtitel, "Monitor", "DockPos", seite);
+        welt.registry.Setze(Programmtitel, "Monitor", "DockFloat", schwebt);
+        Monitorplatz(welt.speicher).Laden(fenster, dock);
+        QApplication::processEvents();
+    }
+};
+
+TEST_F(Dockplatz, ADockedPaneComesBackAtItsSideAndSize) {
+    Gespeichert("0\t20\t210\t400", "2", "0");
+    EXPECT_EQ(fenster.dockWidgetArea(&dock), Qt::RightDockWidgetArea);
+    EXPECT_FALSE(dock.isFloating());
+    EXPECT_NEAR(dock.width(), 210, 2);
+}
+
+TEST_F(Dockplatz, AFloatingPaneOfAMissingScreenComesBackInside) {
+    Gespeichert("5000\t100\t5300\t300", "8", "1");
+    EXPECT_TRUE(dock.isFloating());
+    EXPECT_EQ(dock.geometry().size(), QSize(300, 200));
+    EXPECT_TRUE(fenster.screen()->geometry().contains(dock.geometry()));
+}
+
+TEST_F(Dockplatz, APlaceThatIsNoneLeavesThePaneDockedBelow) {
+    for (const char* unsinn : {"", "1\t2\t3", "1\t2\tdrei\t4", "10\t10\t5\t5"}) {
+        Gespeichert(unsinn, "1", "1");
+        EXPECT_FALSE(dock.isFloating()) << unsinn;
+        EXPECT_EQ(fenster.dockWidgetArea(&dock), Qt::BottomDockWidgetArea) << unsinn;
+    }
+}
+
+TEST_F(Dockplatz, WhatIsStoredIsWhatComesBack) {
+    dock.setFloating(true);
+    dock.setGeometry(60, 70, 320, 180);
+    QApplication::processEvents();
+    Monitorplatz(welt.speicher).Speichern(fenster, dock);
+    EXPECT_EQ(welt.registry.Lies(Programmtitel, "Monitor", "DockKoord"), "60\t70\t380\t250");
+    EXPECT_EQ(welt.registry.Lies(Programmtitel, "Monitor", "DockFloat"), "1");
+    dock.setGeometry(0, 0, 100, 100);
+    Monitorplatz(welt.speicher).Laden(fenster, dock);
+    EXPECT_EQ(dock.geometry(), QRect(60, 70, 320, 180));
+}
+
+// ---- messages and fields
+
+TEST(Meldungsuhr, TheStripCountsDownAndTheMessageGoesByItself) {
+    hilfen::VirtuelleWelt welt;
+    frmMessageDialog dialog(nullptr, welt, "Weiter?", meldung::JaNein, 5);
+    dialog.show();
+    auto* zeitgeber = Steuer<QTimer>(dialog, "Zeitgeber");
+    EXPECT_EQ(zeitgeber->interval(), 1000);
+    zeitgeber->setInterval(1);
+    auto* text = Steuer<QLabel>(*Steuer<QWidget>(dialog, "picture1"), "Label1");
+    welt.StelleUhrUm(2);
+    const QString drei = "Dieser Hinweisdialog wird in 3 Sekunden automatisch geschlossen  ";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return text->text() == drei; }, 2000));
+    EXPECT_TRUE(text->isVisible());
+    welt.StelleUhrUm(3);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !dialog.isVisible(); }, 2000));
+    frmMessageDialog ohne(nullptr, welt, "Weiter?", meldung::JaNein, 0);
+    ohne.show();
+    EXPECT_FALSE(Steuer<QWidget>(ohne, "picture1")->isVisible());
+}
+
+TEST(Felder, EnteringTheTimeoutSelectsAllOfItAndThousandsAreUnderstood) {
+    hilfen::TestMeldungen meldungen;
+    frmZEKEinstellungen dialog(nullptr, {meldungen, [] { return true; }, [](const std::string&) { return true; }}, {},
+                               {});
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    auto* feld = Steuer<QLineEdit>(dialog, "txtBFTimeout");
+    feld->deselect();
+    QTest::mouseClick(feld, Qt::LeftButton);
+    QApplication::processEvents();
+    EXPECT_EQ(feld->selectedText(), "60");
+    QTest::keyClicks(feld, "1.000");
+    Klick(dialog, "Okay");
+    EXPECT_THAT(meldungen.Gezeigt, IsEmpty());
+    EXPECT_EQ(dialog.Ergebnis().BFTimeOut, 1000);
+}
+
+}  // namespace
+
+}  // namespace zek
