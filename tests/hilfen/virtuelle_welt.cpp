@@ -78,6 +78,7 @@ bool VirtuelleWelt::SetzeSystemzeit(Datum neueZeit) {
     GesetzteZeiten.push_back(neueZeit);
     if (!DarfUhrStellen) return false;
     StelleUhr(neueZeit);
+    if (NachSystemzeit) NachSystemzeit();
     return true;
 }
 

@@ -78,7 +78,8 @@ public:
     std::uint64_t Gelaufen() const { return gelaufen_; }
 
     bool DarfUhrStellen = true;
-    std::vector<Datum> GesetzteZeiten;  // every SetzeSystemzeit, also the refused ones
+    std::vector<Datum> GesetzteZeiten;       // every SetzeSystemzeit, also the refused ones
+    std::function<void()> NachSystemzeit{};  // runs when one has been obeyed
 
 private:
     bool LaufeNaechstesBis(Mikro ende);

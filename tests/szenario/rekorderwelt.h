@@ -7,6 +7,7 @@
 #include "hilfen/ram_dateisystem.h"
 #include "hilfen/ram_netz.h"
 #include "hilfen/ram_speicher.h"
+#include "hilfen/stoerdateisystem.h"
 #include "hilfen/test_gesicht.h"
 #include "hilfen/test_prozesse.h"
 #include "hilfen/virtuelle_welt.h"
@@ -16,6 +17,8 @@
 #include "simulator/simulator.h"
 #include "titles/titeldatei.h"
 
+#include <cmath>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -26,9 +29,40 @@ namespace zek::szenario {
 inline constexpr int Port = 7496;
 inline constexpr int Klient = 255281497;  // client id of the live session
 
+// The clock of the broker's server: always right, whatever becomes of the recorder's.
+class Brokeruhr : public Uhr {
+public:
+    explicit Brokeruhr(const hilfen::VirtuelleWelt& welt)
+        : welt_(welt),
+          utc_(std::llround(static_cast<long double>(welt.Jetzt()) * MikroProTag) + Bias() * MikroProMinute) {}
+    Datum Jetzt() const override {
+        return static_cast<Datum>(static_cast<long double>(utc_ + welt_.Mikrosekunden() - Bias() * MikroProMinute) /
+                                  MikroProTag);
+    }
+    Zeitzone Zone() const override { return welt_.Zone(); }
+    bool SetzeSystemzeit(Datum) override { return false; }
+    // Seconds since 1970.
+    double Utc() const { return UnixAus(Jetzt()) + static_cast<double>(Bias()) * 60; }
+    // Minutes from local time to UTC.
+    int Bias() const {
+        const Zeitzone zone = welt_.Zone();
+        return zone.Bias + (zone.Sommerzeit ? zone.DaylightBias : zone.StandardBias);
+    }
+
+private:
+    static constexpr long double MikroProTag = 86400e6L;
+    static constexpr std::int64_t MikroProMinute = 60'000'000;
+
+    const hilfen::VirtuelleWelt& welt_;
+    std::int64_t utc_;  // microseconds at the world's beginning
+};
+
 struct Rekorderwelt {
-    explicit Rekorderwelt(Datum beginn, simulator::Einstellungen einstellungen = {})
-        : welt(beginn), tws(netz, welt, welt, MitPort(std::move(einstellungen))) {
+    explicit Rekorderwelt(Datum beginn, simulator::Einstellungen einstellungen = {}, bool sommerzeit = false)
+        : welt(beginn),
+          brokeruhr(MitZone(welt, sommerzeit)),
+          tws(netz, welt, brokeruhr, MitPort(std::move(einstellungen))) {
+        platte.SetzeProtokoll(false);
         dateien.LegeOrdnerbaumAn("/zek");
         registry.Setze(ProduktName, "ZEKStart", "VersionsHinweis", "1");
         Setze("Optionen", "DontShowStartUpTitel", "1");
@@ -76,7 +110,7 @@ struct Rekorderwelt {
         return {
             welt,     welt,
             welt,     netz,
-            dateien,  registry,
+            platte,   registry,
             lokal,    port,
             prozesse, [this](tws::TwsEreignisse& e) { return std::make_unique<tws::TwsClient>(netz, welt, welt, e); },
             "/zek/",  {}};
@@ -130,9 +164,11 @@ struct Rekorderwelt {
     }
 
     hilfen::VirtuelleWelt welt;
+    Brokeruhr brokeruhr;
     hilfen::RamNetz netz{welt};
     simulator::Simulator tws;
     hilfen::RamDateisystem dateien;
+    hilfen::StoerDateisystem platte{dateien};  // what the recorder sees of it
     hilfen::RamNutzerspeicher registry;
     hilfen::RamProfildatei lokal;
     hilfen::RamProfildatei port;
@@ -142,6 +178,12 @@ struct Rekorderwelt {
     std::unique_ptr<Sitzung> sitzung;
 
 private:
+    static const hilfen::VirtuelleWelt& MitZone(hilfen::VirtuelleWelt& welt, bool sommerzeit) {
+        Zeitzone zone = welt.Zone();
+        zone.Sommerzeit = sommerzeit;
+        welt.SetzeZone(zone);
+        return welt;
+    }
     static simulator::Einstellungen MitPort(simulator::Einstellungen einstellungen) {
         einstellungen.Port = Port;
         return einstellungen;

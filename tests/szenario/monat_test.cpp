@@ -1,0 +1,192 @@
+// Two months in the life of a recorder, over both changes of the clocks, with all that can go wrong, and the question
+// behind them: is every record there once, or is its time named?
+#include "szenario/orakel.h"
+
+#include <gtest/gtest.h>
+
+namespace zek::szenario {
+namespace {
+
+constexpr double Stunde = 3600, Tag = 24 * Stunde;
+
+// A plan from midnight on, so that "day 3, 10:15" is easy to say. The market is open from 9:00 to 12:00 (winter time).
+struct Monat {
+    explicit Monat(Datum mitternacht, double tage) {
+        Wie.Beginn = mitternacht;
+        Wie.Sekunden = tage * Tag;
+        Wie.Von = 9 * 3600;
+        Wie.Bis = 12 * 3600;
+    }
+    // `tag` counts from 0; the time of day is that of the clock at the beginning.
+    Monat& Am(int tag, double uhrzeit, Schlag was, double dauer = 0, int zahl = 1) {
+        Wie.Termine.push_back({tag * Tag + uhrzeit * Stunde, was, dauer, zahl});
+        return *this;
+    }
+    // What happens every night, weekends included.
+    Monat& JedeNacht(int tage) {
+        for (int tag = 0; tag < tage; ++tag) Am(tag, 23.75, Schlag::TwsNeustart, 280);
+        return *this;
+    }
+
+    Plan Wie;
+};
+
+void Lebe(Lebenslauf& leben, Befund& befund) {
+    leben.Lebe();
+    befund = Pruefe(leben);
+    std::string text;
+    for (const std::string& fehler : befund.Fehler) text += fehler + "\n";
+    EXPECT_EQ(text, "") << Plantext(leben.Woraus());
+    EXPECT_EQ(leben.Welt().dateien.OffeneHandles(), 0u);
+    // At the edges there are seconds, not minutes.
+    EXPECT_LT(befund.Rand, befund.Live / 100);
+}
+
+// Monday 5 October to Sunday 1 November 2026; winter time begins on the 25th, at 3:00.
+TEST(MonatTest, OctoberWithAllItsTroublesIsRecordedOrNamedToTheSecond) {
+    Monat monat(DatumAus(2026, 10, 5, 0, 0, 0), 28);
+    monat.Wie.Sommerzeit = true;
+    monat.Wie.Saat = 10;
+    monat.JedeNacht(28)
+        .Am(0, 10.5, Schlag::Offline, 1)
+        .Am(0, 11.0, Schlag::OfflineDatenWeg, 300)
+        .Am(1, 10.2, Schlag::Sturm, 20, 6)
+        .Am(2, 10.5, Schlag::Abriss)
+        .Am(2, 11.5, Schlag::HalberRahmen)
+        .Am(3, 10.5, Schlag::Absturz, 900)
+        .Am(4, 11.0, Schlag::PlatteVoll, 600, 3)
+        .Am(7, 10.5, Schlag::Pacing, 0, 3)
+        .Am(7, 10.6, Schlag::OfflineDatenWeg, 60)
+        .Am(8, 10.5, Schlag::UhrVor, 7)
+        .Am(8, 11.2, Schlag::OfflineDatenWeg, 120)
+        .Am(9, 10.3, Schlag::Absturz, 3000)  // a long run, with two reconnections in it
+        .Am(9, 11.1372, Schlag::Sturm, 8, 4)
+        .Am(10, 10.5, Schlag::TwsNeustart, 200)
+        .Am(11, 10.5, Schlag::Ende, 1200)
+        .Am(14, 10.5, Schlag::Stille, 400)
+        .Am(15, 10.5, Schlag::Farm, 300)
+        .Am(16, 10.5, Schlag::Historiefarm, 700)
+        .Am(16, 10.51, Schlag::OfflineDatenWeg, 30)
+        .Am(17, 10.9, Schlag::HistorieStumm, 0, 2)
+        .Am(17, 11.0, Schlag::OfflineDatenWeg, 40)
+        .Am(18, 12.9, Schlag::Absturz, 600)  // into the weekend
+        .Am(20, 3.0, Schlag::Winterzeit)
+        .Am(21, 10.5, Schlag::Neustartbefehl)
+        .Am(22, 11.0, Schlag::Schluss)
+        .Am(23, 11.0, Schlag::Stromausfall, 60, 5);
+    Lebenslauf leben(monat.Wie);
+    Befund befund;
+    Lebe(leben, befund);
+    EXPECT_EQ(leben.Abstuerze(), 4);
+    EXPECT_EQ(leben.Starts(), 1 + 28 + 4 + 2) << "each night, each crash, the user and the order";
+    EXPECT_GT(befund.Live, 25000u);
+    EXPECT_GT(befund.Historie, 1000u);
+    EXPECT_GT(befund.Benannt, 100u);
+    EXPECT_EQ(leben.Welt().LogAnzahl("ZEK wird zeitbedingt neu gestartet"), 28u);
+}
+
+// Monday 15 March to Sunday 11 April 2027; summer time begins on the 28th, at 2:00.
+TEST(MonatTest, MarchWithItsHourThatIsMissingIsRecordedOrNamedToTheSecond) {
+    Monat monat(DatumAus(2027, 3, 15, 0, 0, 0), 28);
+    monat.Wie.Saat = 3;
+    monat.JedeNacht(28)
+        .Am(1, 9.5, Schlag::Absturz, 400)
+        .Am(3, 10.0, Schlag::OfflineDatenWeg, 900)
+        .Am(4, 11.9, Schlag::Offline, 800)  // over the close into the weekend
+        .Am(8, 9.2, Schlag::UhrVor, 4)
+        .Am(8, 9.3, Schlag::Absturz, 100)
+        .Am(10, 10.0, Schlag::PlatteVoll, 300, 1)
+        .Am(11, 11.95, Schlag::Absturz, 2 * Stunde)
+        .Am(13, 2.0, Schlag::Sommerzeit)
+        .Am(14, 9.5, Schlag::Sturm, 15, 5)
+        .Am(15, 10.0, Schlag::Absturz, 600)
+        .Am(17, 10.0, Schlag::Abriss)
+        .Am(18, 9.5, Schlag::Stille, 30)
+        .Am(21, 10.0, Schlag::OfflineDatenWeg, 3600);
+    Lebenslauf leben(monat.Wie);
+    Befund befund;
+    Lebe(leben, befund);
+    EXPECT_EQ(leben.Abstuerze(), 4);
+    EXPECT_GT(befund.Live, 25000u);
+    EXPECT_GT(befund.Historie, 500u);
+}
+
+TEST(MonatTest, TheSameMonthTwiceIsTheSameToTheByte) {
+    const auto woche = [] {
+        Monat monat(DatumAus(2026, 11, 16, 0, 0, 0), 3);
+        monat.Am(0, 10.5, Schlag::Absturz, 300).Am(1, 10.5, Schlag::Sturm, 10, 3);
+        Lebenslauf leben(monat.Wie);
+        leben.Lebe();
+        std::string alles;
+        for (const auto& pfad : leben.Welt().dateien.Dateien())
+            alles += pfad + "\n" + leben.Welt().dateien.Inhalt(pfad);
+        return alles;
+    };
+    const std::string erste = woche();
+    EXPECT_GT(erste.size(), 10000u);
+    EXPECT_TRUE(erste == woche());
+}
+
+// The judge itself: it must see what is missing, what is there twice, what is alien and what is wrongly named.
+struct OrakelTest : testing::Test {
+    OrakelTest() : leben_(EinTag()) { leben_.Lebe(); }
+    static Plan EinTag() {
+        Monat monat(DatumAus(2026, 11, 16, 0, 0, 0), 0.5);
+        monat.Am(0, 10.5, Schlag::OfflineDatenWeg, 120);
+        return monat.Wie;
+    }
+    std::string Fehler() {
+        std::string text;
+        for (const auto& fehler : Pruefe(leben_).Fehler) text += fehler + "\n";
+        return text;
+    }
+    void Aendere(auto fn) {
+        const std::string pfad = "/zek/RealtimeData/" + Dateinamensbildung(*leben_.Welt().gespeichert.Finde(1), 1);
+        std::string inhalt = leben_.Welt().dateien.Inhalt(pfad);
+        ASSERT_GT(inhalt.size(), 856u + 16 * 100);
+        fn(inhalt);
+        leben_.Welt().dateien.LegeDateiAn(pfad, inhalt);
+    }
+    void Schreibe(const std::string& zeile) {
+        leben_.Welt().dateien.LegeDateiAn("/zek/RealtimeData/Lücken/2026-11-17.txt", zeile);
+    }
+
+    Lebenslauf leben_;
+};
+
+TEST_F(OrakelTest, FindsNothingInAWholeDay) {
+    EXPECT_EQ(Fehler(), "");
+}
+
+TEST_F(OrakelTest, SeesAMissingRecord) {
+    Aendere([](std::string& inhalt) { inhalt.erase(856 + 16 * 50, 16); });
+    EXPECT_NE(Fehler().find("hole without a name"), std::string::npos);
+}
+
+TEST_F(OrakelTest, SeesARecordTwice) {
+    Aendere([](std::string& inhalt) { inhalt.insert(856 + 16 * 50, inhalt.substr(856 + 16 * 50, 16)); });
+    EXPECT_NE(Fehler().find("alien record"), std::string::npos);
+}
+
+TEST_F(OrakelTest, SeesRecordsOutOfOrder) {
+    Aendere([](std::string& inhalt) {
+        const std::string satz = inhalt.substr(856 + 16 * 50, 16);
+        inhalt.erase(856 + 16 * 50, 16).insert(856 + 16 * 60, satz);
+    });
+    EXPECT_NE(Fehler().find("out of order"), std::string::npos);
+}
+
+TEST_F(OrakelTest, SeesAGapThatIsNone) {
+    Schreibe("16.11.2026 09:30:00,000\t16.11.2026 09:40:00,000\t*\tKeine Verbindung zur TWS\t\n");
+    EXPECT_NE(Fehler().find("named as a gap, but there"), std::string::npos);
+}
+
+TEST_F(OrakelTest, SeesAFillingThatIsNone) {
+    Schreibe(
+        "16.11.2026 09:30:00,000\t16.11.2026 09:40:00,000\tES@CME_FUT_20261218_USD\tDatenpflege Bezahlt\t"
+        "ergänzt: 10 Sekundenkurse\n");
+    EXPECT_NE(Fehler().find("said to be filled, but no bar"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace zek::szenario
