@@ -2,7 +2,11 @@
 // behind them: is every record there once, or is its time named?
 #include "szenario/orakel.h"
 
+#include "datafiles/lueckenbuch.h"
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace zek::szenario {
 namespace {
@@ -109,6 +113,40 @@ TEST(MonatTest, MarchWithItsHourThatIsMissingIsRecordedOrNamedToTheSecond) {
     EXPECT_EQ(leben.Abstuerze(), 4);
     EXPECT_GT(befund.Live, 25000u);
     EXPECT_GT(befund.Historie, 500u);
+}
+
+// A day is missing, and the service lets sixty requests through in ten minutes: the run lasts for most of an hour, with
+// six merges. The market goes on all the while.
+TEST(MonatTest, LiveRecordingGoesOnAtTheSameRateThroughALongRunAndItsMerges) {
+    Monat monat(DatumAus(2026, 11, 17, 0, 0, 0), 1.5);
+    monat.Wie.Von = 0;
+    monat.Wie.Bis = 86400;
+    monat.Wie.Dichte = 0.5;
+    monat.Wie.Neustartzeit = false;
+    constexpr double ab = 2 * Stunde, weg = 24 * Stunde;
+    monat.Am(0, 2, Schlag::Absturz, weg);
+    Lebenslauf leben(monat.Wie);
+    Befund befund;
+    Lebe(leben, befund);
+
+    Rekorderwelt& w = leben.Welt();
+    EXPECT_GT(w.tws.Stand().Historien, 250u);
+    EXPECT_GT(w.tws.Stand().Pacingverstoesse, 0u);
+    std::vector<Lueckenzeile> zeilen;
+    ASSERT_TRUE(LiesLueckenbuch(w.dateien, "/zek/RealtimeData", zeilen));
+    int gefuellt = 0;
+    for (const auto& zeile : zeilen) gefuellt += zeile.Ergaenzung.starts_with(ergaenzung::Ergaenzt) ? 1 : 0;
+    EXPECT_EQ(gefuellt, 6);
+    const Datum von = monat.Wie.Beginn + (ab + weg + 60) * EineSekunde, bis = von + Stunde * EineSekunde;
+    for (const int titel : {1, 2})
+        for (const std::int32_t art : {kursart::Bezahlt, kursart::Brief, kursart::Geld}) {
+            const auto zwischen = [&](const KursDatensatz& satz) { return von <= satz.Datum && satz.Datum < bis; };
+            const auto gesendet = w.Erwartet(titel, art);
+            const auto datei = w.Datei(titel, art);
+            const auto erwartet = std::count_if(gesendet.begin(), gesendet.end(), zwischen);
+            EXPECT_GT(erwartet, 200) << titel << " " << art;
+            EXPECT_EQ(std::count_if(datei.begin(), datei.end(), zwischen), erwartet) << titel << " " << art;
+        }
 }
 
 TEST(MonatTest, TheSameMonthTwiceIsTheSameToTheByte) {
