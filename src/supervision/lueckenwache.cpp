@@ -29,6 +29,7 @@ constexpr double AntwortSekunden = 30;
 constexpr double NachzueglerSekunden = 2;
 constexpr std::uint32_t NachholenJede = 10;  // seconds
 constexpr int Kursmindestsekunden = 10;
+constexpr Datum Millisekunde = EineSekunde / 1000;
 constexpr double Aufloesung = 0.0005;  // seconds that a day count may be off
 
 double Sekunden(Datum von, Datum bis) {
@@ -431,7 +432,14 @@ bool Lueckenwache::IstBlind(std::string_view titel, std::string_view grund) cons
     return offen_.contains({std::string(titel), std::string(grund)});
 }
 
+// A line is known by its beginning, title and cause. Where no tick came between two losses the second would begin like
+// the first; it goes on where the first has ended. After a clock that was set back there is no such order.
 void Lueckenwache::Oeffne(const std::string& titel, std::string_view grund, Datum von) {
+    von = AufMillisekunde(von);
+    if (const auto vorige = geschlossen_.find({titel, std::string(grund)}); vorige != geschlossen_.end()) {
+        const auto [anfang, ende] = vorige->second;
+        if (von <= anfang && ende <= uhr_.Jetzt()) von = std::max(ende, AufMillisekunde(anfang + Millisekunde));
+    }
     const auto [ort, neu] = offen_.try_emplace({titel, std::string(grund)}, von);
     if (neu) buch_.Schreibe({von, 0, titel, std::string(grund), {}});
 }
@@ -441,6 +449,7 @@ void Lueckenwache::Schliesse(const std::string& titel, std::string_view grund, D
     if (ort == offen_.end()) return;
     const Datum von = ort->second;
     offen_.erase(ort);
+    geschlossen_.insert_or_assign({titel, std::string(grund)}, std::pair(von, AufMillisekunde(std::max(von, bis))));
     Schreibe(von, bis, titel, std::string(grund));
 }
 

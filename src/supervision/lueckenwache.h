@@ -106,6 +106,7 @@ private:
     Datum start_ = 0;
     Datum absturzAb_ = 0;                                         // last sign of life of a run that crashed; 0 for none
     std::map<std::pair<std::string, std::string>, Datum> offen_;  // beginning by title and cause
+    std::map<std::pair<std::string, std::string>, std::pair<Datum, Datum>> geschlossen_;  // the last closed ones
 
     std::unordered_map<std::int32_t, Datum> abonniert_;                           // since when, in this session
     std::unordered_map<std::int32_t, std::pair<std::string, Datum>> abbestellt_;  // cancelled, not yet asked for again

@@ -234,6 +234,22 @@ TEST_F(LueckenwacheTest, OfflineLastsUntilTheStreamsAreBack) {
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:08 12:02:08,500 * TWS offline"));
 }
 
+TEST_F(LueckenwacheTest, LossesWithoutATickBetweenThemEachHaveALineOfTheirOwn) {
+    Laeuft();
+    Ticks(2);
+    wache->TwsIstOffline();
+    welt.Laufe(5);
+    wache->TwsIstWiederDa(true);
+    welt.Laufe(5);
+    wache->TwsIstOffline();
+    welt.Laufe(5);
+    wache->TwsIstWiederDa(true);
+    welt.Laufe(5);
+    wache->TwsIstOffline();
+    EXPECT_THAT(Zeilen(), ElementsAre("12:00:07 12:00:12 * TWS offline", "12:00:12 12:00:22 * TWS offline",
+                                      "12:00:22 ... * TWS offline"));
+}
+
 TEST_F(LueckenwacheTest, OfflineWithLostStreamsLastsUntilTheyAreAskedForAgain) {
     Laeuft();
     Tick();

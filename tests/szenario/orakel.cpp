@@ -277,7 +277,7 @@ private:
         return false;
     }
 
-    std::optional<Sekundenstand> Beurteile(Sekunde s, double& kurs, double& groesse) const {
+    std::optional<Sekundenstand> Beurteile(Sekunde s, double& kurs, double& groesse) {
         Sekundenstand stand{s, true, false};
         const double vorher = kurs;
         bool neu = false;
@@ -286,8 +286,12 @@ private:
             if (tick.Kurs == kurs && tick.Groesse == groesse) continue;
             kurs = tick.Kurs;
             groesse = tick.Groesse;
+            const bool gesendet = WurdeGesendet(tick);
+            // What stood before a silence isn't sent once more.
+            if (!gesendet && tick.Kurs == gesendeterKurs_ && tick.Groesse == gesendeteGroesse_) continue;
+            if (gesendet) gesendeterKurs_ = tick.Kurs, gesendeteGroesse_ = tick.Groesse;
             neu = true;
-            stand.Live = stand.Live && WurdeGesendet(tick);
+            stand.Live = stand.Live && gesendet;
         }
         if (!neu) return std::nullopt;
         const auto zeit = static_cast<double>(s);
@@ -365,6 +369,7 @@ private:
     Spannen benannt_, ergaenzt_, zerschrieben_, abgebrochen_, ausgenommen_;
     std::vector<Spanne> fuellungen_;
     std::set<Sekunde> seitenraender_;
+    double gesendeterKurs_ = 0, gesendeteGroesse_ = 0;  // of the last tick that was sent
     std::vector<std::pair<Lueckenzeile, Spanne>> einzelne_;
     std::vector<KursDatensatz> datei_;
     std::vector<KursDatensatz> live_;
