@@ -16,25 +16,25 @@ struct Einstellungen {
     bool KontenDatenAufzeichnen = false;
     bool PortfolioAufzeichnen = false;
     bool KontenDatenUseNoKontoName = false;
-    std::string KontenDatenKontoName;          // comma list; empty is the default account
-    std::string KontenDatenSpeicherOrdner;     // empty, or ending in "/" (Kontodatenordner)
-    int BFTimeOut = 60;                        // seconds, at least 10
+    std::string KontenDatenKontoName;       // comma list; empty is the default account
+    std::string KontenDatenSpeicherOrdner;  // empty, or ending in "/" (Kontodatenordner)
+    int BFTimeOut = 60;                     // seconds, at least 10
     bool BidAskWartetLast = false;
     bool NeuStartbeiUhrzeit = false;
-    Datum NeustartUhrzeit = Uhrzeit(6, 30);    // day fraction
-    std::string NeustartFehlernummern;         // comma list as stored
+    Datum NeustartUhrzeit = Uhrzeit(6, 30);        // day fraction
+    std::string NeustartFehlernummern;             // comma list as stored
     std::vector<std::string> NeustartFehlerliste;  // the same, split at ","
     bool NeuStartBeiFehlendenKursen = false;
-    int NeuStartBeiFehlendenKursenSekunden = 90;   // at least 10
+    int NeuStartBeiFehlendenKursenSekunden = 90;  // at least 10
     bool KursAufzeichnungDeaktivieren = false;
     Datum KeineAufzeichungStart = Uhrzeit(5, 0);
     Datum KeineAufzeichungEnde = Uhrzeit(6, 0);
-    std::string AufzeichnungsPauseBoersen;     // comma list; empty means all
+    std::string AufzeichnungsPauseBoersen;  // comma list; empty means all
     bool AutoUhrzeitStellen = false;
     bool KomprimierteAnsicht = false;
-    std::string IBIPAdr;                       // empty means this computer
-    int IBPort = 0;                            // below 1: none configured
-    int IBLoginID = 255281497;                 // TWS client id
+    std::string IBIPAdr;        // empty means this computer
+    int IBPort = 0;             // below 1: none configured
+    int IBLoginID = 255281497;  // TWS client id
 };
 
 }  // namespace zek

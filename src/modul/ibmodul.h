@@ -55,8 +55,8 @@ struct IBModul {
     double Kursanzahl = 0;           // records of this session
     bool NeustartAngefordert = false;
     bool BeendenAngefordert = false;
-    std::int32_t AktiveTitel = 0;    // refreshed by TitelInfoAktualisieren
-    std::int32_t Minutenmarke = 0;   // timer reading of the last minute block, whole seconds
+    std::int32_t AktiveTitel = 0;   // refreshed by TitelInfoAktualisieren
+    std::int32_t Minutenmarke = 0;  // timer reading of the last minute block, whole seconds
     bool AtomzeitGeprueft = false;
 };
 

@@ -18,10 +18,10 @@ using Dateihandle = int;
 inline constexpr Dateihandle KeinHandle = -1;
 
 enum class Oeffnen {
-    NurLesen,           // must exist
-    LesenSchreiben,     // must exist
-    Anlegen,            // read and write, created when missing
-    AnlegenNurLesen,    // read only, created (empty) when missing
+    NurLesen,         // must exist
+    LesenSchreiben,   // must exist
+    Anlegen,          // read and write, created when missing
+    AnlegenNurLesen,  // read only, created (empty) when missing
 };
 
 enum class Ab { Anfang, Jetzt, Ende };

@@ -28,8 +28,12 @@ Datum DatumAus(int jahr, int monat, int tag, int stunde, int minute, double seku
 // A time of day as a day fraction.
 Datum Uhrzeit(int stunde, int minute, double sekunde = 0);
 
-inline Datum GanzerTag(Datum datum) { return std::floor(datum); }
-inline Datum Tageszeit(Datum datum) { return datum - std::floor(datum); }
+inline Datum GanzerTag(Datum datum) {
+    return std::floor(datum);
+}
+inline Datum Tageszeit(Datum datum) {
+    return datum - std::floor(datum);
+}
 
 // 1 Monday ... 7 Sunday.
 int Wochentag(Datum datum);

@@ -36,9 +36,7 @@ public:
     // Seconds since midnight in single precision (a step is 1/128 s in the evening). Wraps at midnight.
     float Timer() const { return TimerAus(Jetzt()); }
 
-    static float TimerAus(Datum zeit) {
-        return static_cast<float>((zeit - std::floor(zeit)) * SekundenProTag);
-    }
+    static float TimerAus(Datum zeit) { return static_cast<float>((zeit - std::floor(zeit)) * SekundenProTag); }
 };
 
 }  // namespace zek

@@ -30,7 +30,6 @@ Titeldatei LiesTiteldatei(Dateisystem& dateien, const std::string& ordner);
 
 // Writes header and list from the file's start and doesn't cut what an older, longer content leaves behind.
 // Returns the error's text, or nothing on success.
-std::optional<std::string> SchreibeTiteldatei(Dateisystem& dateien, const std::string& ordner,
-                                              const Titelliste& titel);
+std::optional<std::string> SchreibeTiteldatei(Dateisystem& dateien, const std::string& ordner, const Titelliste& titel);
 
 }  // namespace zek

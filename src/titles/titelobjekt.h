@@ -20,26 +20,26 @@ class clTitelobjekt {
 public:
     // Number of the title in this run; also the TWS request id of its market data. Changes from run to run.
     std::int32_t id = 0;
-    std::string Symbol;         // the local symbol when IstLokalesSymbol
-    std::string Börsenplatz;    // exchange, or "exchange\primary exchange"
-    std::string Typ;            // security type: "STK", "FUT", "IND", "Cash" ...
-    std::string Laufzeit;       // expiry
-    double Basispreis = 0;      // strike; 0 for none
-    std::string Ausübungsrecht; // option right
+    std::string Symbol;          // the local symbol when IstLokalesSymbol
+    std::string Börsenplatz;     // exchange, or "exchange\primary exchange"
+    std::string Typ;             // security type: "STK", "FUT", "IND", "Cash" ...
+    std::string Laufzeit;        // expiry
+    double Basispreis = 0;       // strike; 0 for none
+    std::string Ausübungsrecht;  // option right
     std::string Währung;
-    Datum StartZeit = 0;        // time of day from which the title counts as active
+    Datum StartZeit = 0;  // time of day from which the title counts as active
     std::string Multiplikator;
     bool IstLokalesSymbol = false;
-    std::string AccountName;    // account of a position; set by portfolio data
+    std::string AccountName;              // account of a position; set by portfolio data
     std::int16_t BackfillPrioritaet = 0;  // -5 to 5
     bool TitelBidAskWartetaufLast = false;
     bool AufzeichnungspauseVerwenden = false;
-    bool BidAsk = false;        // record bid and ask besides the last price
+    bool BidAsk = false;  // record bid and ask besides the last price
     bool UseMarkttiefe = false;
     bool NegativeWerteErlaubt = false;
-    std::string Dateiname;      // file base name, formed once and then kept
-    std::string Katalog;        // subfolder of the data folder; may be empty
-    std::int32_t Flags = 0;     // reserved; travels through the definitions file unchanged
+    std::string Dateiname;   // file base name, formed once and then kept
+    std::string Katalog;     // subfolder of the data folder; may be empty
+    std::int32_t Flags = 0;  // reserved; travels through the definitions file unchanged
     bool NewLast = false;
     bool NewBid = false;
     bool NewAsk = false;
@@ -60,10 +60,10 @@ public:
     double LastBidVolTimer = 0;
     double LastAskVolTimer = 0;
     Datum LastPriceDate = 0;
-    double ZeitKorrektur = 0;   // days, added to the time stamps of this title
+    double ZeitKorrektur = 0;  // days, added to the time stamps of this title
     std::int32_t LastGesamtVolume = 0;
-    Datum LastZeitstempel = 0;       // unused
-    double LastZeitstempelTimer = 0; // unused
+    Datum LastZeitstempel = 0;        // unused
+    double LastZeitstempelTimer = 0;  // unused
     bool UseGesamtVol = false;
     bool DontUseGesamtVol = false;
 

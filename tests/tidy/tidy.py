@@ -2,6 +2,7 @@
 """Style as a test: include arrows, lengths, banned calls and words. Prints each finding and exits with 1 if any."""
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 
@@ -97,6 +98,17 @@ def check_file(path, engine):
         check_functions(path, lines)
 
 
+def check_format(names):
+    program = shutil.which("clang-format-14")
+    if program is None:
+        find(ROOT / ".clang-format", 0, "clang-format-14 is missing; scripts/installiere brings it")
+        return
+    existing = [str(ROOT / name) for name in names if (ROOT / name).is_file()]
+    done = subprocess.run([program, "--dry-run", *existing], capture_output=True, text=True, check=False)
+    for path, line in re.findall(r"^(/[^:\n]+):(\d+):\d+: warning", done.stderr, re.MULTILINE):
+        find(pathlib.Path(path), int(line), "not as clang-format has it")
+
+
 def main():
     files = subprocess.run(["git", "-C", str(ROOT), "ls-files", "-co", "--exclude-standard"], capture_output=True,
                            text=True, check=True).stdout.split("\n")
@@ -115,6 +127,7 @@ def main():
         for number, line in enumerate(text.split("\n"), 1):
             if re.search(WORDS, line, re.IGNORECASE):
                 find(path, number, "a word that has no place here")
+    check_format([name for name in files if name.endswith((".cpp", ".h"))])
     print("\n".join(findings))
     print(f"tidy: {len(findings)} findings")
     return 1 if findings else 0
