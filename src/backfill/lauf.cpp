@@ -1,6 +1,7 @@
 #include "backfill/lauf.h"
 
 #include "datafiles/dateinamen.h"
+#include "platform/laufmarke.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 
@@ -23,32 +24,6 @@ constexpr std::int64_t GroessteDatei = std::numeric_limits<std::int32_t>::max();
 double SekundenSeit(Datum beginn, Datum jetzt) {
     return (jetzt - beginn) / EineSekunde;
 }
-
-// Stands in for a window that has been released while the run is still on the stack.
-class StummeAnzeige final : public Datenpflegeanzeige {
-public:
-    void Titellabel(const std::string&) override {}
-    void AktuelleTitelLabel(const std::string&) override {}
-    void Datumlabel(const std::string&, bool) override {}
-    void Statuslabel(const std::string&, bool) override {}
-    void Kursartlabel(const std::string&) override {}
-    void FortschrittMaximum(int) override {}
-    void FortschrittWert(int) override {}
-    void Gesamtfortschritt(double, double) override {}
-    void AbbruchMoeglich(bool) override {}
-    void BeiAbbruch(std::function<void()>) override {}
-};
-
-class Merker {
-public:
-    explicit Merker(bool& flagge) : flagge_(flagge) { flagge_ = true; }
-    ~Merker() { flagge_ = false; }
-    Merker(const Merker&) = delete;
-    Merker& operator=(const Merker&) = delete;
-
-private:
-    bool& flagge_;
-};
 
 std::string Kursartwort(std::int32_t kursart) {
     return std::string(KursartName(kursart));
@@ -121,8 +96,7 @@ bool ErmittleStartDatum(const IBModul& modul, Dateisystem& dateien, Meldungen& f
 Datenpflegelauf::Datenpflegelauf(const Datenpflegeumgebung& umgebung, Anfragetakt& takt)
     : um_(umgebung),
       takt_(takt),
-      einarbeiter_(umgebung.Modul, umgebung.Dateien, umgebung.Zeit, umgebung.Pumpe, umgebung.Status),
-      stumm_(std::make_unique<StummeAnzeige>()) {}
+      einarbeiter_(umgebung.Modul, umgebung.Dateien, umgebung.Zeit, umgebung.Pumpe, umgebung.Status) {}
 
 Datenpflegelauf::~Datenpflegelauf() {
     if (anzeige_) um_.Fenster.GibFrei();
@@ -133,7 +107,7 @@ Datenpflegelauf::~Datenpflegelauf() {
 void Datenpflegelauf::StarteBackfill() {
     // The flag is the guard against re-entry as well: both go up and down together.
     if (Abbruch || um_.Modul.DatenpflegeLaeuft) return;
-    const Merker laeuft(um_.Modul.DatenpflegeLaeuft);
+    const Laufmarke laeuft(um_.Modul.DatenpflegeLaeuft);
     OhneFehler([this] {
         anzeige_ = &um_.Fenster.Erzeuge();
         anzeige_->BeiAbbruch([this] { btnAbbruch(); });
@@ -429,7 +403,7 @@ void Datenpflegelauf::Entladen() {
 }
 
 Datenpflegeanzeige& Datenpflegelauf::Anzeige() {
-    return anzeige_ ? *anzeige_ : *stumm_;
+    return anzeige_ ? *anzeige_ : stumm_;
 }
 
 void Datenpflegelauf::Statuslabel(const std::string& text, bool rot) {

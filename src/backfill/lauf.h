@@ -181,7 +181,7 @@ private:
     Einarbeiter einarbeiter_;
     std::unique_ptr<tws::Tws> IBBackfill_;
     Datenpflegeanzeige* anzeige_ = nullptr;
-    std::unique_ptr<Datenpflegeanzeige> stumm_;
+    StummeDatenpflegeanzeige stumm_;
     bool entladen_ = false;
     bool statusRot_ = false;
     int clientId_ = 0;

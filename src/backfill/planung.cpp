@@ -1,6 +1,7 @@
 #include "backfill/planung.h"
 
 #include "backfill/prioritaet.h"
+#include "platform/laufmarke.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 
@@ -15,19 +16,6 @@ constexpr std::int16_t Startverzoegerung = 4;  // rounds of the start timer
 constexpr std::chrono::milliseconds Startintervall(1000);
 constexpr double HoechstesAlterTage = 7;
 constexpr double VorlaufMinuten = 3;
-
-// Raises a flag and puts it back as it was: a title window that is open around it has raised it already.
-class Sperre {
-public:
-    explicit Sperre(bool& flagge) : flagge_(flagge), vorher_(std::exchange(flagge, true)) {}
-    ~Sperre() { flagge_ = vorher_; }
-    Sperre(const Sperre&) = delete;
-    Sperre& operator=(const Sperre&) = delete;
-
-private:
-    bool& flagge_;
-    bool vorher_;
-};
 
 std::string Spanne(Datum von, Datum bis) {
     return Datumtext(von) + " bis " + Datumtext(bis);
@@ -130,7 +118,7 @@ void Datenpflegeplanung::ManuellerStart(const std::string& ueberschrift, const s
     WarneOhneAktiveTitel();
     std::optional<Datenpflegewahl> wahl;
     {
-        const Sperre sperre(um_.Lauf.Modul.Dialogsperre);
+        const Laufmarke sperre(um_.Lauf.Modul.Dialogsperre);
         wahl = um_.Optionen.Frage(
             {ueberschrift, umfang == Umfang::MarkierteTitel, LiesDatenpflegewahl(um_.Ablage, um_.Lauf.Zeit.Jetzt())});
     }

@@ -1,7 +1,7 @@
 #include "feed/abonnement.h"
 
-#include "feed/laufmarke.h"
 #include "feed/sendetakt.h"
+#include "platform/laufmarke.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 

@@ -17,7 +17,6 @@
 //   kontodaten         account values and positions, straight to the append
 //   einfach            numbers of the wire as the singles of the records
 //   zeitvergleich      times of day, compared to the millisecond
-//   laufmarke          guard of a pass against re-entry
 //
 // `Feed` puts them together.
 #pragma once

@@ -1,6 +1,6 @@
 #include "feed/verbindung.h"
 
-#include "feed/laufmarke.h"
+#include "platform/laufmarke.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 

@@ -124,4 +124,19 @@ public:
     virtual void BeiAbbruch(std::function<void()> beiKlick) = 0;
 };
 
+// Shows nothing: where nobody looks, and in place of a window that is gone while the run is still on the stack.
+class StummeDatenpflegeanzeige : public Datenpflegeanzeige {
+public:
+    void Titellabel(const std::string&) override {}
+    void AktuelleTitelLabel(const std::string&) override {}
+    void Datumlabel(const std::string&, bool) override {}
+    void Statuslabel(const std::string&, bool) override {}
+    void Kursartlabel(const std::string&) override {}
+    void FortschrittMaximum(int) override {}
+    void FortschrittWert(int) override {}
+    void Gesamtfortschritt(double, double) override {}
+    void AbbruchMoeglich(bool) override {}
+    void BeiAbbruch(std::function<void()>) override {}
+};
+
 }  // namespace zek

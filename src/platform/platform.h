@@ -12,12 +12,14 @@
 //   text             code page, German numbers, letter case
 //   datum            day counts, their German texts, differences as a clock on the wall counts them
 //   ohnefehler       errors ignored, step by step
+//   laufmarke        a flag that is up while something goes on
 //
 // The event loop, timers and sockets of a running program stand in platform/qt.
 #pragma once
 
 #include "platform/dateisystem.h"
 #include "platform/datum.h"
+#include "platform/laufmarke.h"
 #include "platform/ohnefehler.h"
 #include "platform/ordnersperre.h"
 #include "platform/prozesse.h"

@@ -68,19 +68,10 @@ public:
 
 private:
     // Reports each title and the end of the way, not each step.
-    class Datenpflegemelder final : public Datenpflegeanzeige {
+    class Datenpflegemelder final : public StummeDatenpflegeanzeige {
     public:
         explicit Datenpflegemelder(Dienstgesicht& gesicht) : gesicht_(gesicht) {}
         void Titellabel(const std::string& text) override;
-        void AktuelleTitelLabel(const std::string&) override {}
-        void Datumlabel(const std::string&, bool) override {}
-        void Statuslabel(const std::string&, bool) override {}
-        void Kursartlabel(const std::string&) override {}
-        void FortschrittMaximum(int) override {}
-        void FortschrittWert(int) override {}
-        void Gesamtfortschritt(double, double) override {}
-        void AbbruchMoeglich(bool) override {}
-        void BeiAbbruch(std::function<void()>) override {}
         void NeuerLauf() { titel_.clear(); }
 
     private:

@@ -1,5 +1,6 @@
 #include "windows/befehle.h"
 
+#include "platform/laufmarke.h"
 #include "session/anwenden.h"
 #include "session/sitzung.h"
 #include "windows/aktionen.h"
@@ -18,23 +19,6 @@
 #include <utility>
 
 namespace zek {
-
-namespace {
-
-// Raised while a title or settings window is open.
-class Sperre {
-public:
-    explicit Sperre(IBModul& modul) : modul_(modul), vorher_(std::exchange(modul.Dialogsperre, true)) {}
-    ~Sperre() { modul_.Dialogsperre = vorher_; }
-    Sperre(const Sperre&) = delete;
-    Sperre& operator=(const Sperre&) = delete;
-
-private:
-    IBModul& modul_;
-    bool vorher_;
-};
-
-}  // namespace
 
 Befehle::Befehle(Desktopgesicht& gesicht, Sitzung& sitzung, Hilfeoeffner hilfe, std::string version)
     : gesicht_(gesicht), sitzung_(sitzung), hilfe_(std::move(hilfe)), version_(std::move(version)) {}
@@ -103,7 +87,7 @@ void Befehle::Verwaltung() {
 }
 
 bool Befehle::FrageVerbindung(Verbindungsangaben& angaben) {
-    const Sperre sperre(sitzung_.Modul());
+    const Laufmarke sperre(sitzung_.Modul().Dialogsperre);
     frmIBBrokerOptionen dialog(Fenster(), gesicht_, hilfe_, angaben);
     if (dialog.exec() != QDialog::Accepted) return false;
     angaben = dialog.Ergebnis();
@@ -127,7 +111,7 @@ void Befehle::StatusLoeschen() {
 }
 
 void Befehle::Einstellungen() {
-    const Sperre sperre(sitzung_.Modul());
+    const Laufmarke sperre(sitzung_.Modul().Dialogsperre);
     zek::Einstellungen vorgabe = sitzung_.Modul().Einstellungen;
     vorgabe.AufzeichnungsPauseBoersen =
         sitzung_.Einstellungen().LeseEinstellung(Programmtitel, abschnitt::Optionen, "AufzeichnungsPauseBoersen", "");
