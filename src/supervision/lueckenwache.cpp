@@ -184,9 +184,7 @@ void Lueckenwache::VerbindungWeg() {
 }
 
 void Lueckenwache::TwsIstOffline() {
-    if (!laeuft_) return;
-    datenWeg_ = false;
-    if (IstBlind(Alle, ursache::TwsOffline)) return;
+    if (!laeuft_ || IstBlind(Alle, ursache::TwsOffline)) return;
     offlineSeit_ = uhr_.Jetzt();
     modul_.ErsterKursZeitpunkt = 0;
     Oeffne(Alle, ursache::TwsOffline, StromendeSpaetestens(offlineSeit_));
@@ -195,7 +193,11 @@ void Lueckenwache::TwsIstOffline() {
 
 void Lueckenwache::TwsIstWiederDa(bool datenErhalten) {
     if (!laeuft_) return;
-    if (datenErhalten) return Schliesse(Alle, ursache::TwsOffline, uhr_.Jetzt());
+    if (datenErhalten) {
+        // Streams that an earlier loss has ended don't come back with it.
+        if (!datenWeg_) Schliesse(Alle, ursache::TwsOffline, uhr_.Jetzt());
+        return;
+    }
     TwsIstOffline();
     datenWeg_ = true;
 }
@@ -204,10 +206,12 @@ void Lueckenwache::TwsIstWiederDa(bool datenErhalten) {
 void Lueckenwache::PruefeOffline() {
     const Datum erster = modul_.ErsterKursZeitpunkt;
     if (erster == 0 || !IstBlind(Alle, ursache::TwsOffline)) return;
-    if (Sekunden(offlineSeit_, erster) < NachzueglerSekunden)
+    if (Sekunden(offlineSeit_, erster) < NachzueglerSekunden) {
         modul_.ErsterKursZeitpunkt = 0;
-    else
-        Schliesse(Alle, ursache::TwsOffline, erster);
+        return;
+    }
+    datenWeg_ = false;
+    Schliesse(Alle, ursache::TwsOffline, erster);
 }
 
 void Lueckenwache::PruefeKurse(Datum jetzt) {

@@ -263,6 +263,25 @@ TEST_F(LueckenwacheTest, OfflineWithLostStreamsLastsUntilTheyAreAskedForAgain) {
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 12:01:08 * TWS offline"));
 }
 
+TEST_F(LueckenwacheTest, StreamsThatWereLostDontComeBackWithTheNextReturn) {
+    Laeuft();
+    Tick();
+    wache->TwsIstOffline();
+    welt.Laufe(10);
+    wache->TwsIstWiederDa(false);
+    wache->TwsIstOffline();
+    welt.Laufe(10);
+    wache->TwsIstWiederDa(true);
+    welt.Laufe(5);
+    EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 ... * TWS offline"));
+    wache->Abbestellt(*titel);
+    wache->Abonniert(*titel);
+    wache->TwsIstOffline();
+    welt.Laufe(5);
+    wache->TwsIstWiederDa(true);
+    EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 12:00:30 * TWS offline", "12:00:30 12:00:35 * TWS offline"));
+}
+
 TEST_F(LueckenwacheTest, WithoutAWordOfferedATickShowsThatTheStreamGoesOn) {
     Laeuft();
     Tick();
