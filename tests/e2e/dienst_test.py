@@ -1,5 +1,6 @@
 """The screenless recorder with real processes and sockets: record, crash, orders, restarts, a peer gone mad."""
 import os
+import pathlib
 import signal
 import time
 import unittest
@@ -118,6 +119,29 @@ class Orders(Case):
         first = self.recorder("/K")
         self.wait_for_records(10)
         self.assert_restarted(first, "ZEK wird zeitbedingt neu gestartet (")
+
+
+class MissingTicks(Case):
+    """The rule waits for five minutes after the start; the recorder's own clock runs fast here, on a Wednesday."""
+
+    def test_restart_for_want_of_ticks(self):
+        library = pathlib.Path(f"/usr/lib/{os.uname().machine}-linux-gnu/faketime/libfaketime.so.1")
+        if not library.exists():
+            self.skipTest("libfaketime is missing; scripts/installiere brings it")
+        simulator = self.simulator("--rate", "300")
+        self.sample_titles()
+        self.setting(APP, "Optionen", "NeuStartBeiFehlendenKursen", "1")
+        self.setting(APP, "Optionen", "NeuStartBeiFehlendenKursenSekunden", "60")
+        simulator.command("silence")
+        self.env.update(LD_PRELOAD=str(library), FAKETIME="@2026-11-18 12:00:00 x40")
+        first = self.recorder("/K")
+        first.popen.wait(60)
+        self.assertIn("ZEK wird neu gestartet, weil längere Zeit keine Kurse eingetroffen sind", self.log())
+        pid = wait_for(self.recorders, 60, "the new recorder")
+        simulator.command("resume")
+        self.wait_for_records(10)
+        os.kill(pid[0], signal.SIGTERM)
+        wait_for(lambda: not alive(pid[0]), 30, "the end of the new recorder")
 
 
 class Hostile(Case):
