@@ -184,7 +184,9 @@ void Lueckenwache::VerbindungWeg() {
 }
 
 void Lueckenwache::TwsIstOffline() {
-    if (!laeuft_ || IstBlind(Alle, ursache::TwsOffline)) return;
+    if (!laeuft_) return;
+    getrennt_ = true;
+    if (IstBlind(Alle, ursache::TwsOffline)) return;
     offlineSeit_ = uhr_.Jetzt();
     modul_.ErsterKursZeitpunkt = 0;
     Oeffne(Alle, ursache::TwsOffline, StromendeSpaetestens(offlineSeit_));
@@ -193,13 +195,17 @@ void Lueckenwache::TwsIstOffline() {
 
 void Lueckenwache::TwsIstWiederDa(bool datenErhalten) {
     if (!laeuft_) return;
-    if (datenErhalten) {
-        // Streams that an earlier loss has ended don't come back with it.
-        if (!datenWeg_) Schliesse(Alle, ursache::TwsOffline, uhr_.Jetzt());
-        return;
+    if (!datenErhalten) {
+        TwsIstOffline();
+        datenWeg_ = true;
     }
-    TwsIstOffline();
-    datenWeg_ = true;
+    getrennt_ = false;
+    SchliesseOffline(uhr_.Jetzt());
+}
+
+// The streams are back when the TWS is, and when those that were lost have been asked for again.
+void Lueckenwache::SchliesseOffline(Datum bis) {
+    if (!getrennt_ && !datenWeg_) Schliesse(Alle, ursache::TwsOffline, bis);
 }
 
 // Without a message that it is back, or without a new subscription, a tick shows that the stream goes on.
@@ -210,8 +216,8 @@ void Lueckenwache::PruefeOffline() {
         modul_.ErsterKursZeitpunkt = 0;
         return;
     }
-    datenWeg_ = false;
-    Schliesse(Alle, ursache::TwsOffline, erster);
+    getrennt_ = datenWeg_ = false;
+    SchliesseOffline(erster);
 }
 
 void Lueckenwache::PruefeKurse(Datum jetzt) {
@@ -254,7 +260,8 @@ void Lueckenwache::Abonniert(const clTitelobjekt& titel) {
     if (!ersterImDurchgang) return;
     durchgangBeginn_ = jetzt;
     Schliesse(Alle, ursache::KeineVerbindung, jetzt);
-    if (std::exchange(datenWeg_, false)) Schliesse(Alle, ursache::TwsOffline, jetzt);
+    datenWeg_ = false;
+    SchliesseOffline(jetzt);
 }
 
 void Lueckenwache::Abbestellt(const clTitelobjekt& titel) {

@@ -79,6 +79,7 @@ private:
     void SchreibeAbsturz();
 
     void PruefeUhr(Datum jetzt);
+    void SchliesseOffline(Datum bis);
     void PruefeOffline();
     void PruefeKurse(Datum jetzt);
     void PruefePause(Datum jetzt);
@@ -113,7 +114,8 @@ private:
     Datum durchgangBeginn_ = 0;                                                   // of a pass of subscriptions
     Datum durchgangLetzte_ = 0;
     Datum offlineSeit_ = 0;
-    bool datenWeg_ = false;  // the TWS is back without streams
+    bool getrennt_ = false;  // the TWS is offline
+    bool datenWeg_ = false;  // it came back without streams, and they haven't been asked for since
     std::map<std::int32_t, Ablehnung> abgelehnt_;
     std::unordered_map<std::int32_t, Titelstand> titel_;
     std::size_t aktive_ = 0;

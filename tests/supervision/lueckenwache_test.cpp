@@ -282,6 +282,21 @@ TEST_F(LueckenwacheTest, StreamsThatWereLostDontComeBackWithTheNextReturn) {
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 12:00:30 * TWS offline", "12:00:30 12:00:35 * TWS offline"));
 }
 
+TEST_F(LueckenwacheTest, AskingForStreamsOfATwsThatIsOfflineAgainEndsNoGap) {
+    Laeuft();
+    Tick();
+    wache->TwsIstOffline();
+    welt.Laufe(5);
+    wache->TwsIstWiederDa(false);
+    wache->TwsIstOffline();
+    wache->Abbestellt(*titel);
+    wache->Abonniert(*titel);
+    welt.Laufe(5);
+    EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 ... * TWS offline"));
+    wache->TwsIstWiederDa(true);
+    EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 12:00:15 * TWS offline"));
+}
+
 TEST_F(LueckenwacheTest, WithoutAWordOfferedATickShowsThatTheStreamGoesOn) {
     Laeuft();
     Tick();
