@@ -185,6 +185,7 @@ void Lueckenwache::VerbindungWeg() {
 
 void Lueckenwache::TwsIstOffline() {
     if (!laeuft_) return;
+    PruefeOffline();  // a tick since the last second has ended an earlier loss
     getrennt_ = true;
     if (IstBlind(Alle, ursache::TwsOffline)) return;
     offlineSeit_ = uhr_.Jetzt();

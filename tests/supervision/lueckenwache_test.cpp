@@ -297,6 +297,20 @@ TEST_F(LueckenwacheTest, AskingForStreamsOfATwsThatIsOfflineAgainEndsNoGap) {
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 12:00:15 * TWS offline"));
 }
 
+TEST_F(LueckenwacheTest, ATickJustBeforeTheNextLossEndsTheEarlierOneOnly) {
+    Laeuft();
+    Tick();
+    wache->TwsIstOffline();
+    welt.Laufe(30);
+    Tick(0.25);
+    welt.Laufe(0.25);
+    wache->TwsIstOffline();
+    welt.Laufe(10);
+    wache->TwsIstWiederDa(true);
+    EXPECT_THAT(Zeilen(),
+                ElementsAre("12:00:05 12:00:35,250 * TWS offline", "12:00:35,250 12:00:45,500 * TWS offline"));
+}
+
 TEST_F(LueckenwacheTest, WithoutAWordOfferedATickShowsThatTheStreamGoesOn) {
     Laeuft();
     Tick();
