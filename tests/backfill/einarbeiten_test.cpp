@@ -1,7 +1,7 @@
 #include "backfill/einarbeiten.h"
 
+#include "backfill/pflegewelt.h"
 #include "platform/dateisystem_posix.h"
-#include "tests/backfill/pflegewelt.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>

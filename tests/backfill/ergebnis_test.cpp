@@ -1,5 +1,5 @@
 // What a run tells of its series when they are over.
-#include "tests/backfill/pflegewelt.h"
+#include "backfill/pflegewelt.h"
 
 #include <gmock/gmock.h>
 

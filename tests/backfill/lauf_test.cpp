@@ -2,7 +2,7 @@
 
 #include "platform/text.h"
 
-#include "tests/backfill/pflegewelt.h"
+#include "backfill/pflegewelt.h"
 
 #include <gmock/gmock.h>
 

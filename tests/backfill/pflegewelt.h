@@ -5,7 +5,7 @@
 #include "datafiles/datafiles.h"
 #include "hilfen/ram_dateisystem.h"
 #include "hilfen/stoerdateisystem.h"
-#include "hilfen/test_gesicht.h"
+#include "hilfen/test_rollen.h"
 #include "hilfen/test_tws.h"
 #include "hilfen/virtuelle_welt.h"
 

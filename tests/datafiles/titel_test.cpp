@@ -2,7 +2,7 @@
 #include "datafiles/titelanlegen.h"
 #include "datafiles/titelladen.h"
 #include "hilfen/ram_dateisystem.h"
-#include "hilfen/test_gesicht.h"
+#include "hilfen/test_rollen.h"
 #include "hilfen/virtuelle_welt.h"
 #include "platform/datum.h"
 #include "titles/titeldatei.h"

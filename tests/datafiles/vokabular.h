@@ -6,7 +6,7 @@
 #include "datafiles/datensatz.h"
 #include "hilfen/ram_dateisystem.h"
 #include "hilfen/stoerdateisystem.h"
-#include "hilfen/test_gesicht.h"
+#include "hilfen/test_rollen.h"
 #include "hilfen/virtuelle_welt.h"
 #include "modul/ibmodul.h"
 

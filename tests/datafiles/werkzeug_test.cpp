@@ -2,6 +2,7 @@
 
 #include "datafiles/vokabular.h"
 #include "datafiles/werkzeug_befehle.h"
+#include "hilfen/quellen.h"
 #include "platform/dateisystem_posix.h"
 #include "platform/datum.h"
 
@@ -181,7 +182,7 @@ TEST_F(WerkzeugTest, HelpAndVersionAreAnswersAndWrongUseIsAnError) {
 // The reader of docs/dateiformat.md, run as it stands there.
 TEST(Dateiformat, ThePythonReaderOfTheDocumentReadsADataFile) {
     if (std::system("python3 --version > /dev/null 2>&1") != 0) GTEST_SKIP() << "no python3";
-    std::ifstream dokument(ZEK_QUELLEN "/docs/dateiformat.md");
+    std::ifstream dokument(hilfen::Quellordner() + "/docs/dateiformat.md");
     const std::string text{std::istreambuf_iterator<char>(dokument), {}};
     const std::size_t anfang = text.find("```python\n");
     ASSERT_NE(anfang, std::string::npos);

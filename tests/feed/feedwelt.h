@@ -7,7 +7,7 @@
 
 #include "datafiles/kursart.h"
 #include "feed/feed.h"
-#include "hilfen/test_gesicht.h"
+#include "hilfen/test_rollen.h"
 #include "hilfen/test_tws.h"
 #include "hilfen/virtuelle_welt.h"
 #include "platform/datum.h"

@@ -2,7 +2,7 @@
 #include "session/einstellungen.h"
 #include "datafiles/dateinamen.h"
 #include "hilfen/ram_speicher.h"
-#include "hilfen/test_gesicht.h"
+#include "hilfen/test_rollen.h"
 #include "platform/datum.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 // The timed message without its window, and the face that answers every message by itself.
 #include "session/meldung.h"
-#include "hilfen/test_gesicht.h"
+#include "hilfen/test_rollen.h"
 #include "hilfen/virtuelle_welt.h"
 #include "platform/datum.h"
 #include "session/dienstgesicht.h"

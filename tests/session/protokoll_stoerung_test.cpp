@@ -58,7 +58,7 @@ TEST_F(ProtokollStoerung, AFailingCallCostsAtMostItsEntry) {
 }
 
 TEST_F(ProtokollStoerung, AShortWriteIsGoneOnWith) {
-    for (const std::size_t bytes : {1, 5, 20})
+    for (const std::size_t bytes : {1u, 5u, 20u})
         EXPECT_EQ(NachStoerung([&](auto& g) { g.SchreibeKurz(1, bytes); }), Davor + Zeile("gestoert") + Zeile("danach"))
             << bytes;
 }

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "hilfen/ram_dateisystem.h"
-#include "hilfen/test_gesicht.h"
 #include "hilfen/test_prozesse.h"
+#include "hilfen/test_rollen.h"
 #include "hilfen/virtuelle_welt.h"
 #include "platform/datum.h"
 #include "supervision/neustart.h"

@@ -1,6 +1,6 @@
 #include "supervision/systemuhr.h"
 #include "hilfen/ram_netz.h"
-#include "hilfen/test_gesicht.h"
+#include "hilfen/test_rollen.h"
 #include "hilfen/virtuelle_welt.h"
 #include "platform/datum.h"
 

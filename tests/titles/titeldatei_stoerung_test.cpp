@@ -81,7 +81,7 @@ TEST_F(TiteldateiStoerung, AFailingCallIsReportedAndLeavesTheOldDefinitionsOrDam
 
 TEST_F(TiteldateiStoerung, ShortWritesAreGoneOnWith) {
     for (std::uint64_t n = 1; n <= aufrufe; ++n)
-        for (const std::size_t bytes : {1, 3, 27}) {
+        for (const std::size_t bytes : {1u, 3u, 27u}) {
             Alt();
             hilfen::StoerDateisystem gestoert(ram);
             gestoert.SchreibeKurz(n, bytes);

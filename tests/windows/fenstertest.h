@@ -2,7 +2,7 @@
 #pragma once
 
 #include "hilfen/ram_speicher.h"
-#include "hilfen/test_gesicht.h"
+#include "hilfen/test_rollen.h"
 #include "hilfen/virtuelle_welt.h"
 #include "modul/ibmodul.h"
 #include "session/einstellungen.h"

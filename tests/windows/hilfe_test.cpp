@@ -1,6 +1,7 @@
 // The manual: every page that a window asks for is there, and every link and picture in it leads somewhere.
 #include "windows/hilfe.h"
 #include "fenstertest.h"
+#include "hilfen/quellen.h"
 #include "windows/datenpflege_fortschritt.h"
 #include "windows/dialogbasis.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 using testing::IsEmpty;
 
-const QString Handbuch = QString::fromUtf8(ZEK_QUELLEN) + "/docs/hilfe";
+const QString Handbuch = QString::fromStdString(hilfen::Quellordner()) + "/docs/hilfe";
 
 QStringList Seiten() {
     return QDir(Handbuch).entryList({"*.html"});
