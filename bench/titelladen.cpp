@@ -1,6 +1,6 @@
 // Load of 10,000 title definitions without pacing (no connection), beside a plain read of the file's bytes into
 // memory. The bar is 50 ms for the load.
-#include "datafiles/titelladen.h"
+#include "bestand/titelladen.h"
 #include "platform/dateisystem_posix.h"
 #include "platform/systemuhr_posix.h"
 #include "titles/titeldatei.h"

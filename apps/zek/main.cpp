@@ -1,5 +1,5 @@
-#include "datafiles/werkzeug.h"
 #include "platform/dateisystem_posix.h"
+#include "werkzeug/werkzeug.h"
 
 #include <iostream>
 

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "backfill/planung.h"
+#include "bestand/titelanlegen.h"
+#include "bestand/titelladen.h"
 #include "datafiles/anhaengen.h"
-#include "datafiles/titelanlegen.h"
-#include "datafiles/titelladen.h"
 #include "feed/feed.h"
 #include "session/beispieltitel.h"
 #include "session/bruecken.h"

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "backfill/lauf.h"
-#include "datafiles/lueckenbuch.h"
+#include "luecken/lueckenbuch.h"
 #include "modul/ibmodul.h"
 #include "modul/rollen.h"
 #include "platform/dateisystem.h"

@@ -1,6 +1,6 @@
 #include "windows/desktopgesicht.h"
 
-#include "datafiles/titelladen.h"
+#include "bestand/titelladen.h"
 #include "platform/datum.h"
 #include "platform/text.h"
 #include "session/sitzung.h"

@@ -1,8 +1,19 @@
 // The small vocabulary of the backfill tests: records, data files in memory, and a history service on the fake control.
 #pragma once
 
-#include "backfill/backfill.h"
-#include "datafiles/datafiles.h"
+#include "backfill/anfragetakt.h"
+#include "backfill/balken.h"
+#include "backfill/einarbeiten.h"
+#include "backfill/lauf.h"
+#include "backfill/manuell.h"
+#include "backfill/planung.h"
+#include "backfill/prioritaet.h"
+#include "backfill/wahl.h"
+#include "datafiles/anhaengen.h"
+#include "datafiles/dateikopf.h"
+#include "datafiles/dateinamen.h"
+#include "datafiles/datensatz.h"
+#include "datafiles/leser.h"
 #include "hilfen/ram_dateisystem.h"
 #include "hilfen/stoerdateisystem.h"
 #include "hilfen/test_rollen.h"

@@ -1,9 +1,9 @@
 // The evidence of gaps against the truth: what the market had and the files don't have lies in a named gap, and what
 // the files have doesn't.
-#include "datafiles/lueckenbuch.h"
-#include "datafiles/werkzeug.h"
-#include "datafiles/zeitspannen.h"
+#include "luecken/lueckenbuch.h"
+#include "luecken/zeitspannen.h"
 #include "szenario/rekorderwelt.h"
+#include "werkzeug/werkzeug.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 // behind them: is every record there once, or is its time named?
 #include "szenario/orakel.h"
 
-#include "datafiles/lueckenbuch.h"
+#include "luecken/lueckenbuch.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "szenario/orakel.h"
 
 #include "datafiles/dateikopf.h"
-#include "datafiles/lueckenbuch.h"
+#include "luecken/lueckenbuch.h"
 
 #include <algorithm>
 #include <array>

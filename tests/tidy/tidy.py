@@ -10,12 +10,16 @@ ROOT = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else ".").resolve()
 
 # Which rooms a room may include; the arrows of the house point down only.
 UNDER = {"platform": [], "platform/qt": ["platform"]}
-ORDER = ["titles", "modul", "datafiles", "feed", "backfill", "supervision", "session", "windows", "titlewindows"]
+ORDER = ["titles", "modul", "luecken", "datafiles", "feed", "bestand", "backfill", "supervision", "session", "windows",
+         "titlewindows"]
 for i, room in enumerate(ORDER):
     UNDER[room] = ["platform"] + ORDER[:i]
+UNDER["backfill"].remove("bestand")
+UNDER["datafiles"].remove("luecken")
+UNDER["werkzeug"] = ["platform", "titles", "modul", "luecken", "datafiles"]
 UNDER["feed/tws"] = ["platform"]
 UNDER["feed"].append("feed/tws")
-for room in ("backfill", "supervision", "session"):
+for room in ("bestand", "backfill", "supervision", "session"):
     UNDER[room].append("feed/tws")
 for room in ("windows", "titlewindows"):
     UNDER[room] += ["platform/qt"]

@@ -1,4 +1,4 @@
-#include "datafiles/werkzeug_befehle.h"
+#include "werkzeug/werkzeug_befehle.h"
 
 #include "datafiles/dateinamen.h"
 #include "platform/text.h"

@@ -1,9 +1,9 @@
-#include "datafiles/lueckenbuch.h"
+#include "luecken/lueckenbuch.h"
 
-#include "datafiles/zeitspannen.h"
 #include "hilfen/ram_dateisystem.h"
 #include "hilfen/stoerdateisystem.h"
 #include "hilfen/virtuelle_welt.h"
+#include "luecken/zeitspannen.h"
 #include "platform/datum.h"
 
 #include <gmock/gmock.h>

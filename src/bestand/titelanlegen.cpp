@@ -1,4 +1,4 @@
-#include "datafiles/titelanlegen.h"
+#include "bestand/titelanlegen.h"
 
 #include "datafiles/dateinamen.h"
 #include "platform/ohnefehler.h"

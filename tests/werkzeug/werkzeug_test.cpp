@@ -1,10 +1,10 @@
-#include "datafiles/werkzeug.h"
+#include "werkzeug/werkzeug.h"
 
 #include "datafiles/vokabular.h"
-#include "datafiles/werkzeug_befehle.h"
 #include "hilfen/quellen.h"
 #include "platform/dateisystem_posix.h"
 #include "platform/datum.h"
+#include "werkzeug/werkzeug_befehle.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
-#include "datafiles/werkzeug_luecken.h"
+#include "werkzeug/werkzeug_luecken.h"
 
 #include "datafiles/dateikopf.h"
 #include "datafiles/dateinamen.h"
-#include "datafiles/lueckenbuch.h"
-#include "datafiles/werkzeug_befehle.h"
-#include "datafiles/zeitspannen.h"
+#include "luecken/lueckenbuch.h"
+#include "luecken/zeitspannen.h"
 #include "platform/datum.h"
 #include "platform/text.h"
+#include "werkzeug/werkzeug_befehle.h"
 
 #include <algorithm>
 #include <array>

@@ -3,8 +3,8 @@
 
 #include "datafiles/datensatz.h"
 #include "datafiles/leser.h"
-#include "datafiles/werkzeug.h"
 #include "platform/dateisystem.h"
+#include "werkzeug/werkzeug.h"
 
 #include <ostream>
 #include <span>

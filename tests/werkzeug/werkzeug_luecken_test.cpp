@@ -1,6 +1,6 @@
 #include "datafiles/vokabular.h"
-#include "datafiles/werkzeug.h"
 #include "platform/datum.h"
+#include "werkzeug/werkzeug.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

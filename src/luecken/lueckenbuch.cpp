@@ -1,4 +1,4 @@
-#include "datafiles/lueckenbuch.h"
+#include "luecken/lueckenbuch.h"
 
 #include "platform/datum.h"
 #include "platform/text.h"

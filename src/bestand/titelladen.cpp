@@ -1,4 +1,4 @@
-#include "datafiles/titelladen.h"
+#include "bestand/titelladen.h"
 
 #include "platform/ohnefehler.h"
 #include "titles/titeldatei.h"

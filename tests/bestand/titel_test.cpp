@@ -1,6 +1,6 @@
+#include "bestand/titelanlegen.h"
+#include "bestand/titelladen.h"
 #include "datafiles/dateinamen.h"
-#include "datafiles/titelanlegen.h"
-#include "datafiles/titelladen.h"
 #include "hilfen/ram_dateisystem.h"
 #include "hilfen/test_rollen.h"
 #include "hilfen/virtuelle_welt.h"

@@ -1,7 +1,7 @@
-#include "datafiles/werkzeug.h"
+#include "werkzeug/werkzeug.h"
 
-#include "datafiles/werkzeug_befehle.h"
-#include "datafiles/werkzeug_luecken.h"
+#include "werkzeug/werkzeug_befehle.h"
+#include "werkzeug/werkzeug_luecken.h"
 
 #include <span>
 #include <string_view>
