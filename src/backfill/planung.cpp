@@ -34,8 +34,8 @@ bool Datenpflegeplanung::StarteAutoBackfill(Datum zeitpunkt) {
     bool ergebnis = false;
     bool luecke = true;
     OhneFehler([&] {
-        ErzeugeFenster();
-        const auto lauf = DatenpflegeFenster_;
+        ErzeugeLauf();
+        const auto lauf = lauf_;
         luecke = BestimmeLuecke(*lauf, zeitpunkt);
         if (!luecke) return;
         lauf->IsManuelleDatenpflege = false;
@@ -143,8 +143,8 @@ void Datenpflegeplanung::WarneOhneAktiveTitel() {
 void Datenpflegeplanung::FuehreManuellAus(const Datenpflegewahl& wahl, const std::vector<Titelzeiger>& quelle,
                                           Umfang umfang) {
     OhneFehler([&] {
-        ErzeugeFenster();
-        const auto lauf = DatenpflegeFenster_;
+        ErzeugeLauf();
+        const auto lauf = lauf_;
         um_.Lauf.Modul.Datenpflegewarteschlange.clear();
         lauf->AlleAktivenTitelAktualisieren = umfang == Umfang::AktiveTitel;
         TitelNachPrioritaet(quelle, lauf->cAktualTitel, umfang == Umfang::MarkierteTitel);
@@ -165,8 +165,8 @@ void Datenpflegeplanung::FuehreManuellAus(const Datenpflegewahl& wahl, const std
 
 // ---- the run and its window
 
-void Datenpflegeplanung::ErzeugeFenster() {
-    DatenpflegeFenster_ = std::make_shared<Datenpflegelauf>(um_.Lauf, takt_);
+void Datenpflegeplanung::ErzeugeLauf() {
+    lauf_ = std::make_shared<Datenpflegelauf>(um_.Lauf, takt_);
 }
 
 void Datenpflegeplanung::Fuehre(Datenpflegelauf& lauf) {
@@ -176,15 +176,15 @@ void Datenpflegeplanung::Fuehre(Datenpflegelauf& lauf) {
 }
 
 void Datenpflegeplanung::BrichAb() {
-    if (DatenpflegeFenster_) DatenpflegeFenster_->Abbruch = true;
+    if (lauf_) lauf_->Abbruch = true;
 }
 
 void Datenpflegeplanung::FensterEntladen() {
     um_.Lauf.Fenster.Statuspanel("");
-    const auto fenster = DatenpflegeFenster_;
-    if (!fenster) return;
-    OhneFehler([&] { fenster->Entladen(); });
-    if (DatenpflegeFenster_ == fenster) DatenpflegeFenster_ = nullptr;
+    const auto lauf = lauf_;
+    if (!lauf) return;
+    OhneFehler([&] { lauf->Entladen(); });
+    if (lauf_ == lauf) lauf_ = nullptr;
 }
 
 std::vector<Titelzeiger> Datenpflegeplanung::AlleTitel() const {

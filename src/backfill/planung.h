@@ -52,8 +52,8 @@ public:
     void StarteVerzoegert();
     std::int16_t DatenpflegeStartZaehler() const { return startZaehler_; }
 
-    // A progress window exists (whether it shows or not).
-    bool DatenpflegeFensterVorhanden() const { return DatenpflegeFenster_ != nullptr; }
+    // A run exists, and with it its progress window (whether that shows or not).
+    bool LaufVorhanden() const { return lauf_ != nullptr; }
     // For the end of the program: tells the run to stop; then, after events have run, closes its window. The run
     // itself returns later, when the stack unwinds.
     void BrichAb();
@@ -66,21 +66,21 @@ private:
         MarkierteTitel,       // the same, inactive titles included
     };
 
-    bool LaufSteht() const { return DatenpflegeFenster_ != nullptr || um_.Lauf.Modul.DatenpflegeLaeuft; }
+    bool LaufSteht() const { return lauf_ != nullptr || um_.Lauf.Modul.DatenpflegeLaeuft; }
     bool BestimmeLuecke(Datenpflegelauf& lauf, Datum zeitpunkt);
     void StartDatenpflegeZeitgeber();
     void ManuellerStart(const std::string& ueberschrift, const std::vector<Titelzeiger>& quelle, Umfang umfang);
     bool AndererLaufGemeldet();
     void WarneOhneAktiveTitel();
     void FuehreManuellAus(const Datenpflegewahl& wahl, const std::vector<Titelzeiger>& quelle, Umfang umfang);
-    void ErzeugeFenster();
+    void ErzeugeLauf();
     void Fuehre(Datenpflegelauf& lauf);
     std::vector<Titelzeiger> AlleTitel() const;
 
     Umgebung um_;
     Anfragetakt takt_;
     // Shared: the run on the stack keeps it, also when the end of the program releases the window under it.
-    std::shared_ptr<Datenpflegelauf> DatenpflegeFenster_;
+    std::shared_ptr<Datenpflegelauf> lauf_;
     std::string startmeldung_;
     std::int16_t startZaehler_ = 0;
     std::unique_ptr<Zeitgeber> startZeitgeber_;

@@ -29,7 +29,7 @@ void Neustartbruecke::disconnect() {
 }
 
 bool Neustartbruecke::DatenpflegeAbbrechen() {
-    if (!teile_.Datenpflege.DatenpflegeFensterVorhanden()) return false;
+    if (!teile_.Datenpflege.LaufVorhanden()) return false;
     teile_.Datenpflege.BrichAb();
     return true;
 }

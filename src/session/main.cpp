@@ -78,7 +78,7 @@ Startergebnis Startfolge::BisZumHauptfenster() {
 
 Startergebnis Startfolge::Hauptfenster() {
     const auto endeVerlangt = [this] { return rekorder_.EndeVerlangt(); };
-    rekorder_.HauptfensterLaden();
+    rekorder_.BaueZusammen();
     gesicht_.LadeHauptfenster();
     HauptfensterZeigen();
     if (!Verbinden()) return Startergebnis::Beendet;

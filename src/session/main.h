@@ -27,8 +27,8 @@ public:
     class Rekorder {
     public:
         virtual ~Rekorder() = default;
-        // Loads the main window with its control and its timers; also the second setting of Startzeitpunkt.
-        virtual void HauptfensterLaden() = 0;
+        // Makes the objects of all rooms and starts their timers; also the second setting of Startzeitpunkt.
+        virtual void BaueZusammen() = 0;
         virtual void TWSVerbindungAufbauen() = 0;
         virtual void AtomZeitAbfrage() = 0;
         // Reads the definitions and subscribes the active titles.

@@ -33,7 +33,7 @@ void Sitzung::Beende() {
     if (plattform_.Ende) plattform_.Ende();
 }
 
-void Sitzung::HauptfensterLaden() {
+void Sitzung::BaueZusammen() {
     teile_ = std::make_unique<Zusammenbau>(
         Zusammenbau::Umgebung{plattform_, modul_, einstellungen_, gesicht_, protokoll_, [this] { Beende(); }});
     modul_.Startzeitpunkt = plattform_.Uhr.Jetzt();

@@ -39,7 +39,7 @@ public:
     bool HatTeile() const { return teile_ != nullptr; }
 
 private:
-    void HauptfensterLaden() override;
+    void BaueZusammen() override;
     void TWSVerbindungAufbauen() override;
     void AtomZeitAbfrage() override;
     void Titelladen() override;

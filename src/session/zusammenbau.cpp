@@ -62,7 +62,7 @@ void Zusammenbau::HalteAn() {
     zeitgeber_->Stoppe();
     tickzaehlerTimer_->Stoppe();
     um_.Modul.Datenpflegewarteschlange.clear();
-    if (!Datenpflege.DatenpflegeFensterVorhanden()) return;
+    if (!Datenpflege.LaufVorhanden()) return;
     OhneFehler([this] { Datenpflege.BrichAb(); });
     OhneFehler([this] { Datenpflege.FensterEntladen(); });
 }

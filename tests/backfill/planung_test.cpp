@@ -89,7 +89,7 @@ TEST_F(PlanungTest, AnAutomaticRunFillsTheGapFromTheStoredEndWithThreeMinutesAhe
                 ElementsAre(Eintrag{"Auto-Backfill von 16.11.2026 11:37:00 bis 16.11.2026 12:00:00 gestartet", true}));
     EXPECT_EQ(p_.Datei("ES").size(), 23u * 60 + 1);
     EXPECT_NEAR(p_.Modul.LetzteDatenZeit, Mittag - Minuten(20), 1e-9);
-    EXPECT_FALSE(planung_.DatenpflegeFensterVorhanden());
+    EXPECT_FALSE(planung_.LaufVorhanden());
     EXPECT_FALSE(p_.Fenster.Offen);
 }
 
@@ -104,7 +104,7 @@ TEST_F(PlanungTest, TheStatusBarTellsOfARunWhileItGoes) {
 TEST_F(PlanungTest, WithoutAStoredEndTheWindowStaysAndKeepsEveryFurtherRunOut) {
     p_.Titel("ES");
     EXPECT_FALSE(planung_.StarteAutoBackfill(0));
-    EXPECT_TRUE(planung_.DatenpflegeFensterVorhanden());
+    EXPECT_TRUE(planung_.LaufVorhanden());
     EXPECT_FALSE(p_.Modul.DatenpflegeLaeuft);
     IBLastEnd(Mittag - Minuten(20));
     EXPECT_FALSE(planung_.StarteAutoBackfill(0));
@@ -160,13 +160,13 @@ TEST_F(PlanungTest, WithoutActiveTitlesAnAutomaticRunStartsNothingAndIsTrue) {
     EXPECT_TRUE(planung_.StarteAutoBackfill(Mittag - Minuten(5)));
     EXPECT_THAT(p_.Status.Eintraege, IsEmpty());
     EXPECT_TRUE(p_.Fabrik.Kontrollen.empty());
-    EXPECT_FALSE(planung_.DatenpflegeFensterVorhanden());
+    EXPECT_FALSE(planung_.LaufVorhanden());
 }
 
 TEST_F(PlanungTest, AnErrorBeforeTheRunTakesTheWindowAwayAgain) {
     p_.Titel("ES", 7);
     EXPECT_FALSE(planung_.StarteAutoBackfill(Mittag - Minuten(5)));
-    EXPECT_FALSE(planung_.DatenpflegeFensterVorhanden());
+    EXPECT_FALSE(planung_.LaufVorhanden());
 }
 
 TEST_F(PlanungTest, AReconnectionDuringARunQueuesItsGapWhichRunsAfterwards) {
@@ -279,7 +279,7 @@ TEST_F(PlanungTest, AManualRunOfTheActiveTitlesAsksStoresTheChoiceAndFetches) {
     EXPECT_EQ(ablage_.Werte["Datenpflege/IBEndDatum"], "16.11.2026 12:00:00");
     EXPECT_EQ(ablage_.Werte["Datenpflege/IBAktualBisAktuell"], "1");
     EXPECT_EQ(ablage_.Werte["Datenpflege/IBFelder"], "5");
-    EXPECT_FALSE(planung_.DatenpflegeFensterVorhanden());
+    EXPECT_FALSE(planung_.LaufVorhanden());
 }
 
 TEST_F(PlanungTest, ACancelledDialogLeavesSettingsAndQueueAlone) {
@@ -288,7 +288,7 @@ TEST_F(PlanungTest, ACancelledDialogLeavesSettingsAndQueueAlone) {
     planung_.DatenpflegeAktiveTitel();
     EXPECT_TRUE(ablage_.Werte.empty());
     EXPECT_EQ(p_.Modul.Datenpflegewarteschlange.size(), 1u);
-    EXPECT_FALSE(planung_.DatenpflegeFensterVorhanden());
+    EXPECT_FALSE(planung_.LaufVorhanden());
 }
 
 TEST_F(PlanungTest, AManualStartDropsAllGapsThatWaitButNotThoseOfItsOwnTime) {
@@ -365,14 +365,14 @@ TEST_F(PlanungTest, TheEndOfTheProgramTakesTheWindowFromUnderTheRun) {
         planung_.BrichAb();
         for (int i = 0; i < 100; ++i) p_.Welt.Ereignisse();
         planung_.FensterEntladen();
-        EXPECT_FALSE(planung_.DatenpflegeFensterVorhanden());
+        EXPECT_FALSE(planung_.LaufVorhanden());
         EXPECT_FALSE(p_.Fenster.Offen);
         EXPECT_FALSE(planung_.StarteAutoBackfill(Mittag));  // the run is still on the stack
     });
     planung_.StarteAutoBackfill(Mittag - Minuten(5));
     EXPECT_EQ(p_.Historie.Anfragen.size(), 1u);
     EXPECT_FALSE(p_.Modul.DatenpflegeLaeuft);
-    EXPECT_FALSE(planung_.DatenpflegeFensterVorhanden());
+    EXPECT_FALSE(planung_.LaufVorhanden());
     EXPECT_THAT(p_.Fragen.Gezeigt, IsEmpty());
 }
 

@@ -75,7 +75,7 @@ struct StartTest : testing::Test, Startfolge::Rekorder {
     }
     std::string ErsteMeldung() { return gesicht.Fragen.Gezeigt.empty() ? "" : gesicht.Fragen.Gezeigt[0].Text; }
 
-    void HauptfensterLaden() override { schritte.push_back("Hauptfenster"); }
+    void BaueZusammen() override { schritte.push_back("Zusammenbau"); }
     void TWSVerbindungAufbauen() override {
         schritte.push_back("Verbinden " + modul.Einstellungen.IBIPAdr + ":" +
                            std::to_string(modul.Einstellungen.IBPort));
@@ -92,7 +92,7 @@ struct StartTest : testing::Test, Startfolge::Rekorder {
 
 TEST_F(StartTest, AnOrdinaryStartGoesThroughItsStepsInOrder) {
     EXPECT_EQ(Starte(), Startergebnis::Laeuft);
-    EXPECT_THAT(schritte, ElementsAre("Hauptfenster", "Verbinden :7496", "Titelladen"));
+    EXPECT_THAT(schritte, ElementsAre("Zusammenbau", "Verbinden :7496", "Titelladen"));
     EXPECT_THAT(gesicht.Aufrufe,
                 ElementsAre("LadeHauptfenster", "Startinfo: Die Verbindung zu Interactive Brokers wird initialisiert. ",
                             "ZeigeStartansicht", "ZeigeArbeitsansicht: /zek/RealtimeData",
@@ -375,7 +375,7 @@ TEST_F(StartTest, TheClockQueryIsWaitedForUntilItsAnswer) {
     const double vorher = welt.Sekunden();
     Starte();
     EXPECT_NEAR(welt.Sekunden() - vorher, 0.7, 0.05);
-    EXPECT_THAT(schritte, ElementsAre("Hauptfenster", "Verbinden :7496", "Atomzeit", "Titelladen"));
+    EXPECT_THAT(schritte, ElementsAre("Zusammenbau", "Verbinden :7496", "Atomzeit", "Titelladen"));
     EXPECT_FALSE(modul.AtomzeitGeprueft);
 }
 
