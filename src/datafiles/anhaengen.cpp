@@ -93,10 +93,13 @@ void Datensatzschreiber::DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t k
             Oeffne(titel, kursart, kontodaten);
             ausgang = Anhaengen(titel, kursart, kurs, volume, jetzt);
         } catch (const DateiFehler& fehler) {
+            systemfehler_ = fehler.Systemfehler();
             MeldeFehler(fehler.Nummer(), fehler.what());
         } catch (const Systemfehler& fehler) {
+            systemfehler_ = fehler.Nummer;
             MeldeFehler(fehler.Nummer, fehler.what());
         } catch (const std::exception& fehler) {
+            systemfehler_ = 0;
             MeldeFehler(0, fehler.what());
         }
     });
@@ -108,11 +111,17 @@ void Datensatzschreiber::Unterrichte(const clTitelobjekt& titel, std::int32_t ku
     if (wache_ == nullptr) return;
     OhneFehler([&] {
         if (ausgang == Ausgang::Gespeichert) {
-            if (gescheitert_.erase(pfad_) > 0) wache_->WiederGespeichert(titel, kursart);
+            if (gescheitert_.erase(pfad_) > 0)
+                wache_->WiederGespeichert(titel, kursart);
+            else
+                wache_->AnderesGespeichert();
             return;
         }
         gescheitert_.insert(pfad_);
-        wache_->SpeichernGescheitert(titel, kursart, ausgang == Ausgang::Beschaedigt);
+        if (ausgang == Ausgang::Beschaedigt)
+            wache_->DateiBeschaedigt(titel, kursart);
+        else
+            wache_->SpeichernGescheitert(titel, kursart, systemfehler_);
     });
 }
 
@@ -156,6 +165,7 @@ Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, 
     const std::int64_t geschrieben = Gelungen(datei_.Schreibe(std::as_bytes(std::span(&satz, 1))));
     if (geschrieben == DatensatzBytes) return Ausgang::Gespeichert;
     NimmZurueck(datei_, groesse);
+    systemfehler_ = ENOSPC;  // what a short write means
     return Ausgang::Gescheitert;
 }
 

@@ -54,7 +54,8 @@ private:
     Volumenfrage vorzeichenVolumen_;
     Ablagewache* wache_;
     clDateiIO datei_;
-    std::string pfad_;  // kept for its room
+    std::string pfad_;      // kept for its room
+    int systemfehler_ = 0;  // errno of the last record that was lost
     // Paths whose file really has another letter case.
     std::unordered_map<std::string, std::string> andereSchreibweise_;
     // Paths whose last record was lost.

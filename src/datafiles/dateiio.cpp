@@ -153,15 +153,15 @@ Dateiposition clDateiIO::convert64to32(Dateiposition wert) const {
 void clDateiIO::Fehlerausloesen(int nummer, const std::string& text) const {
     switch (nummer) {
         case 45601:
-            throw DateiFehler(nummer, "The file '" + text + "' is already open." + Systemtextblock());
+            throw DateiFehler(nummer, "The file '" + text + "' is already open." + Systemtextblock(), systemfehler_);
         case 45602:
-            throw DateiFehler(nummer, "Error opening '" + text + "'." + Systemtextblock());
+            throw DateiFehler(nummer, "Error opening '" + text + "'." + Systemtextblock(), systemfehler_);
         case 45603:
             throw DateiFehler(nummer, "There is no open file.");
         case 45604:
-            throw DateiFehler(nummer, "Seek Error.\r\n" + text);
+            throw DateiFehler(nummer, "Seek Error.\r\n" + text, systemfehler_);
         default:
-            throw DateiFehler(45600, "Unknown error." + Systemtextblock());
+            throw DateiFehler(45600, "Unknown error." + Systemtextblock(), systemfehler_);
     }
 }
 

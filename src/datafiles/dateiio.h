@@ -26,13 +26,17 @@ namespace zek {
 
 class DateiFehler : public std::runtime_error {
 public:
-    DateiFehler(int nummer, const std::string& beschreibung) : std::runtime_error(beschreibung), nummer_(nummer) {}
+    DateiFehler(int nummer, const std::string& beschreibung, int systemfehler = 0)
+        : std::runtime_error(beschreibung), nummer_(nummer), systemfehler_(systemfehler) {}
     int Nummer() const { return nummer_; }
+    // errno of the call behind it; 0 for none.
+    int Systemfehler() const { return systemfehler_; }
     // Source of every error of clDateiIO.
     static constexpr const char* Quelle = "Win32File Object";
 
 private:
     int nummer_;
+    int systemfehler_;
 };
 
 class clDateiIO {

@@ -72,6 +72,12 @@ bool GeldBriefGewuenscht(const clTitelobjekt& titel, Datum jetzt) {
     return !titel.TitelBidAskWartetaufLast || titel.LastPriceDate == GanzerTag(jetzt);
 }
 
+// Shows that the title's own stream stands, whatever became of the tick.
+void MerkeKurs(clTitelobjekt& titel, Datum jetzt) {
+    titel.LetzterKursZeitpunkt = jetzt;
+    if (titel.ErsterKursZeitpunkt == 0) titel.ErsterKursZeitpunkt = jetzt;
+}
+
 // Totals beyond the field's range stay at its end, where they don't grow and so form no record.
 std::int32_t AlsGesamtvolumen(double size) {
     using Grenzen = std::numeric_limits<std::int32_t>;
@@ -84,11 +90,16 @@ std::int32_t AlsGesamtvolumen(double size) {
 Tickannahme::Tickannahme(IBModul& modul, const Uhr& uhr, Aufzeichnung& aufzeichnung)
     : modul_(modul), uhr_(uhr), aufzeichnung_(aufzeichnung) {}
 
-void Tickannahme::tickPrice(int id, int tickType, double price) {
-    const Datum jetzt = uhr_.Jetzt();
+// Every event counts as life of the stream, also one of an unknown id or an ignored type.
+clTitelobjekt* Tickannahme::Empfange(int id, Datum jetzt) {
     modul_.LetzterKursZeitpunkt = jetzt;
     if (modul_.ErsterKursZeitpunkt == 0) modul_.ErsterKursZeitpunkt = jetzt;
-    clTitelobjekt* const titel = modul_.Titelliste.Finde(id);
+    return modul_.Titelliste.Finde(id);
+}
+
+void Tickannahme::tickPrice(int id, int tickType, double price) {
+    const Datum jetzt = uhr_.Jetzt();
+    clTitelobjekt* const titel = Empfange(id, jetzt);
     if (!titel) return;
     switch (tickType) {
         case ticktyp::Geld:
@@ -102,15 +113,14 @@ void Tickannahme::tickPrice(int id, int tickType, double price) {
             titel->LastPriceDate = GanzerTag(jetzt);
             break;
         default:
-            break;
+            return;
     }
+    MerkeKurs(*titel, jetzt);
 }
 
 void Tickannahme::tickSize(int id, int tickType, double size) {
     const Datum jetzt = uhr_.Jetzt();
-    modul_.LetzterKursZeitpunkt = jetzt;
-    if (modul_.ErsterKursZeitpunkt == 0) modul_.ErsterKursZeitpunkt = jetzt;
-    clTitelobjekt* const titel = modul_.Titelliste.Finde(id);
+    clTitelobjekt* const titel = Empfange(id, jetzt);
     if (!titel) return;
     switch (tickType) {
         case ticktyp::Geldvolumen:
@@ -126,8 +136,9 @@ void Tickannahme::tickSize(int id, int tickType, double size) {
             Gesamtvolumenregel(*titel, size, jetzt);
             break;
         default:
-            break;
+            return;
     }
+    MerkeKurs(*titel, jetzt);
 }
 
 void Tickannahme::Geldregel(clTitelobjekt& titel, double size, Datum jetzt) {

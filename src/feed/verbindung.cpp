@@ -81,6 +81,7 @@ void Verbindung::errMsg(int id, int errorCode, std::string_view errorMsg,
     OhneFehler([&] { Melde(Meldungstext(id, errorCode, errorMsg)); });
     if (const clTitelobjekt* titel = id < 1 ? nullptr : modul_.Titelliste.Finde(id))
         Unterrichte([&](Stromwache& wache) { wache.TitelMeldung(*titel, errorCode); });
+    if (id < 1) Unterrichte([&](Stromwache& wache) { wache.Meldung(errorCode, errorMsg); });
     OhneFehler([&] { NachCodeHandeln(errorCode); });
     OhneFehler([&] { NeustartlistePruefen(errorCode); });
 }

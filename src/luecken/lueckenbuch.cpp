@@ -41,6 +41,7 @@ constexpr std::array Tabelle{
     Ursachenwertung{ursache::TitelNichtAktiv, Wertung::Gewollt},
     Ursachenwertung{ursache::Programmstart, Wertung::Hinweis},
     Ursachenwertung{ursache::UhrZurueck, Wertung::Hinweis},
+    Ursachenwertung{ursache::EinarbeitungBegonnen, Wertung::Hinweis},
     Ursachenwertung{ursache::Datenpflege, Wertung::Pflege},
 };
 

@@ -55,6 +55,8 @@ inline constexpr std::string_view TitelNichtAktiv = "Titel nicht aktiv";
 // Marks without a gap.
 inline constexpr std::string_view Programmstart = "Programmstart";
 inline constexpr std::string_view UhrZurueck = "Uhr zurückgestellt";  // these times come twice
+// A backfill is being merged into a file; the kind stands behind it, the span in the supplement.
+inline constexpr std::string_view EinarbeitungBegonnen = "Einarbeitung begonnen";
 // What a backfill brought for the span; the kind stands behind it.
 inline constexpr std::string_view Datenpflege = "Datenpflege";
 }  // namespace ursache

@@ -72,13 +72,18 @@ public:
                                     bool kontodaten, Datum jetzt) = 0;
 };
 
-// Told of records that don't reach their file. A record that does costs nothing, but for the first behind a failure.
+// Told of records that don't reach their file. A record that does costs nothing as long as every file takes its own.
 class Ablagewache {
 public:
     virtual ~Ablagewache() = default;
-    // `beschaedigt`: the file is left alone because it is torn. Comes for each record that is lost.
-    virtual void SpeichernGescheitert(const clTitelobjekt& titel, std::int32_t kursart, bool beschaedigt) = 0;
+    // Comes for each record that is lost. `systemfehler`: errno, or 0 when there is none.
+    virtual void SpeichernGescheitert(const clTitelobjekt& titel, std::int32_t kursart, int systemfehler) = 0;
+    // The same for a file that is left alone because it is torn.
+    virtual void DateiBeschaedigt(const clTitelobjekt& titel, std::int32_t kursart) = 0;
+    // The first record that a file takes behind lost ones.
     virtual void WiederGespeichert(const clTitelobjekt& titel, std::int32_t kursart) = 0;
+    // While some file takes none: another one has taken a record.
+    virtual void AnderesGespeichert() = 0;
 };
 
 // Told of what makes the stream stop and go on, at the moment it happens.
@@ -89,6 +94,8 @@ public:
     virtual void TwsIstOffline() = 0;
     // `datenErhalten`: the streams go on; otherwise they stay dead until they are asked for again.
     virtual void TwsIstWiederDa(bool datenErhalten) = 0;
+    // A message of the session, not of a title; any code.
+    virtual void Meldung(int code, std::string_view text) = 0;
     // A message with the title's number; any code.
     virtual void TitelMeldung(const clTitelobjekt& titel, int code) = 0;
     // While the connection stands only.

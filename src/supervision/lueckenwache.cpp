@@ -278,6 +278,8 @@ void Lueckenwache::SchliesseAbbestellte(Datum bis) {
     abbestellt_.clear();
 }
 
+void Lueckenwache::Meldung(int /*code*/, std::string_view /*text*/) {}
+
 void Lueckenwache::TitelMeldung(const clTitelobjekt& titel, int code) {
     const bool kurse = std::ranges::find(Ablehnungscodes, code) != Ablehnungscodes.end();
     const bool tiefe = std::ranges::find(Tiefencodes, code) != Tiefencodes.end();
@@ -360,11 +362,17 @@ void Lueckenwache::EntferneVerschwundene(Datum jetzt) {
 
 // ---- files
 
-void Lueckenwache::SpeichernGescheitert(const clTitelobjekt& titel, std::int32_t kursart, bool beschaedigt) {
+void Lueckenwache::SpeichernGescheitert(const clTitelobjekt& titel, std::int32_t kursart, int /*systemfehler*/) {
     if (!laeuft_ || titel.Dateiname.empty()) return;
-    const auto grund = beschaedigt ? ursache::DateiBeschaedigt : ursache::SpeichernFehlgeschlagen;
-    Oeffne(titel.Dateiname, MitZusatz(grund, Kursartzusatz(kursart)), uhr_.Jetzt());
+    Oeffne(titel.Dateiname, MitZusatz(ursache::SpeichernFehlgeschlagen, Kursartzusatz(kursart)), uhr_.Jetzt());
 }
+
+void Lueckenwache::DateiBeschaedigt(const clTitelobjekt& titel, std::int32_t kursart) {
+    if (!laeuft_ || titel.Dateiname.empty()) return;
+    Oeffne(titel.Dateiname, MitZusatz(ursache::DateiBeschaedigt, Kursartzusatz(kursart)), uhr_.Jetzt());
+}
+
+void Lueckenwache::AnderesGespeichert() {}
 
 void Lueckenwache::WiederGespeichert(const clTitelobjekt& titel, std::int32_t kursart) {
     if (!laeuft_) return;
@@ -385,6 +393,23 @@ void Lueckenwache::DatenpflegeErgebnis(const Datenpflegeergebnis& ergebnis) {
     const std::string art = ergebnis.Titel != nullptr ? Kursartzusatz(ergebnis.Kursart) : std::string();
     Schreibe(ergebnis.Von, ergebnis.Bis, ergebnis.Titel != nullptr ? ergebnis.Titel->Dateiname : Alle,
              MitZusatz(ursache::Datenpflege, art), text);
+}
+
+// A mark of the merge counts also after Beende: a run may still be on the stack.
+void Lueckenwache::BeimEinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+    if (titel.Dateiname.empty()) return;
+    Lueckenzeile zeile{AufMillisekunde(uhr_.Jetzt()), 0, titel.Dateiname,
+                       MitZusatz(ursache::EinarbeitungBegonnen, Kursartzusatz(kursart)),
+                       Lueckenzeittext(von) + " bis " + Lueckenzeittext(bis)};
+    buch_.Schreibe(zeile);
+    einarbeitungen_.insert_or_assign({titel.Dateiname, kursart}, std::move(zeile));
+}
+
+void Lueckenwache::BeimEinarbeitenBeendet(const clTitelobjekt& titel, std::int32_t kursart) {
+    const auto ort = einarbeitungen_.find({titel.Dateiname, kursart});
+    if (ort == einarbeitungen_.end()) return;
+    buch_.Schreibe(Geschlossen(std::move(ort->second), uhr_.Jetzt()));
+    einarbeitungen_.erase(ort);
 }
 
 void Lueckenwache::BeimEinarbeitenVerloren(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {

@@ -52,8 +52,15 @@ public:
     void TitelMeldung(const clTitelobjekt& titel, int code) override;
     void Abonniert(const clTitelobjekt& titel) override;
     void Abbestellt(const clTitelobjekt& titel) override;
-    void SpeichernGescheitert(const clTitelobjekt& titel, std::int32_t kursart, bool beschaedigt) override;
+    void Meldung(int code, std::string_view text) override;
+    void SpeichernGescheitert(const clTitelobjekt& titel, std::int32_t kursart, int systemfehler) override;
+    void DateiBeschaedigt(const clTitelobjekt& titel, std::int32_t kursart) override;
     void WiederGespeichert(const clTitelobjekt& titel, std::int32_t kursart) override;
+    void AnderesGespeichert() override;
+    // A merge is about to change the title's file between these times. Its end, however it came about, takes the mark
+    // away; one that stays open tells that the program died in the merge.
+    void BeimEinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
+    void BeimEinarbeitenBeendet(const clTitelobjekt& titel, std::int32_t kursart);
     void DatenpflegeErgebnis(const Datenpflegeergebnis& ergebnis);
     void BeimEinarbeitenVerloren(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
 
@@ -118,6 +125,7 @@ private:
     bool datenWeg_ = false;  // it came back without streams, and they haven't been asked for since
     std::map<std::int32_t, Ablehnung> abgelehnt_;
     std::unordered_map<std::int32_t, Titelstand> titel_;
+    std::map<std::pair<std::string, std::int32_t>, Lueckenzeile> einarbeitungen_;  // that go on, by title and kind
     std::size_t aktive_ = 0;
 
     Datum letzterDurchlauf_ = 0;

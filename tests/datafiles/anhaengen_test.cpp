@@ -312,12 +312,16 @@ TEST_F(Anhaengen, AnEndThatCannotBeSteppedThroughIsNotCut) {
 
 class Wachprotokoll final : public Ablagewache {
 public:
-    void SpeichernGescheitert(const clTitelobjekt&, std::int32_t kursart, bool beschaedigt) override {
-        Zeilen.push_back((beschaedigt ? "torn " : "lost ") + std::to_string(kursart));
+    void SpeichernGescheitert(const clTitelobjekt&, std::int32_t kursart, int systemfehler) override {
+        Zeilen.push_back("lost " + std::to_string(kursart) + " " + std::to_string(systemfehler));
+    }
+    void DateiBeschaedigt(const clTitelobjekt&, std::int32_t kursart) override {
+        Zeilen.push_back("torn " + std::to_string(kursart));
     }
     void WiederGespeichert(const clTitelobjekt&, std::int32_t kursart) override {
         Zeilen.push_back("again " + std::to_string(kursart));
     }
+    void AnderesGespeichert() override { Zeilen.push_back("another"); }
     std::vector<std::string> Zeilen;
 };
 
@@ -338,7 +342,24 @@ TEST_F(Anhaengen, TheWatchHearsOfLostRecordsAndOfTheFirstOneStoredAgainOnly) {
     tick(1);
     ram.LegeDateiAn(Pfad, DaxDatei(1) + "x");
     tick(1);
-    EXPECT_EQ(wache.Zeilen, (std::vector<std::string>{"lost 1", "again 1", "lost 1", "again 1", "torn 1"}));
+    tick(2);
+    EXPECT_EQ(wache.Zeilen, (std::vector<std::string>{"lost 1 28", "another", "again 1", "lost 1 28", "again 1",
+                                                      "torn 1", "another"}));
+}
+
+TEST_F(Anhaengen, TheWatchHearsWhatTheSystemSaidToEachCallThatRaises) {
+    Wachprotokoll wache;
+    Datensatzschreiber bewacht(modul, dateien, status, {}, &wache);
+    const auto scheitere = [&](Dateiaufruf art, int fehler) {
+        dateien.StoereArt(art, fehler);
+        bewacht.DatensatzAnhaengen(titel, 1, 1, 1, false, welt.Jetzt());
+        dateien.Heile();
+        return wache.Zeilen.back();
+    };
+    EXPECT_EQ(scheitere(Dateiaufruf::Oeffne, EMFILE), "lost 1 " + std::to_string(EMFILE));
+    EXPECT_EQ(scheitere(Dateiaufruf::Groesse, EIO), "lost 1 " + std::to_string(EIO));
+    EXPECT_EQ(scheitere(Dateiaufruf::Suche, ESTALE), "lost 1 " + std::to_string(ESTALE));
+    EXPECT_EQ(scheitere(Dateiaufruf::Schreibe, EDQUOT), "lost 1 " + std::to_string(EDQUOT));
 }
 
 }  // namespace

@@ -124,9 +124,10 @@ protected:
     TestMonitor monitor;
     std::vector<std::int64_t> serverzeiten;
     std::vector<int> neustarts;
+    TestStromwache wache;
     Feed feed{{modul, welt, welt, ablage, status, anzeige, monitor, fabrik.Fabrik(),
                [this](std::int64_t zeit) { serverzeiten.push_back(zeit); },
-               [this](int code) { neustarts.push_back(code); }}};
+               [this](int code) { neustarts.push_back(code); }, &wache}};
 };
 
 }  // namespace zek::hilfen

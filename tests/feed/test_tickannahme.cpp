@@ -294,6 +294,27 @@ TEST_F(Tickannahmetest, EveryTickEventMovesTheStreamTime) {
     }
 }
 
+TEST_F(Tickannahmetest, ATitleKnowsItsFirstAndItsLastTickWhateverBecameOfThem) {
+    auto es = titel("ES");
+    auto nq = titel("NQ");
+    es.preis(66, 100).volumen(69, 5).preis(9, 99);
+    EXPECT_EQ(es->LetzterKursZeitpunkt, 0) << "delayed prices and yesterday's close are no ticks of the stream";
+    es->BidAsk = false;
+    warte(1);
+    const Datum erster = welt.Jetzt();
+    es.geldVol(5);
+    EXPECT_EQ(es->ErsterKursZeitpunkt, erster) << "not even kept, and yet the stream stands";
+    warte(1);
+    es.bezahlt(100);
+    EXPECT_EQ(es->ErsterKursZeitpunkt, erster);
+    EXPECT_EQ(es->LetzterKursZeitpunkt, welt.Jetzt());
+    es->ErsterKursZeitpunkt = 0;
+    warte(1);
+    es.volumen(ticktyp::Gesamtvolumen, 7);
+    EXPECT_EQ(es->ErsterKursZeitpunkt, welt.Jetzt());
+    EXPECT_EQ(nq->ErsterKursZeitpunkt, 0);
+}
+
 TEST_F(Tickannahmetest, AnUnknownIdIsDroppedWithoutAWord) {
     ereignis().tickPrice(99, ticktyp::Bezahlt, 100, true, false, false);
     ereignis().tickSize(99, ticktyp::Bezahltvolumen, 5);

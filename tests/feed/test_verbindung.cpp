@@ -36,6 +36,19 @@ protected:
     std::size_t controls() const { return fabrik.Kontrollen.size(); }
 };
 
+// ---- the watch
+
+TEST_F(Verbindungstest, TheWatchHearsMessagesOfTheSessionAndOfKnownTitlesApart) {
+    verbinde();
+    const auto es = titel("ES");
+    wache.Zeilen.clear();
+    ereignis().errMsg(-1, 2103, "Market data farm connection is broken:usfarm", "");
+    ereignis().errMsg(es->id, 10167, "Displaying delayed market data.", "");
+    ereignis().errMsg(99, 200, "No security definition", "");
+    EXPECT_THAT(wache.Zeilen,
+                ElementsAre("Meldung 2103 Market data farm connection is broken:usfarm", "TitelMeldung ES 10167"));
+}
+
 // ---- connecting
 
 TEST_F(Verbindungstest, WithoutAPortThereIsNoAttempt) {

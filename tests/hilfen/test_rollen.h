@@ -39,6 +39,26 @@ public:
     std::vector<Eintrag> Eintraege;
 };
 
+// What the feed tells of its stream, a line each.
+class TestStromwache : public Stromwache {
+public:
+    void VerbindungWeg() override { Zeilen.emplace_back("VerbindungWeg"); }
+    void TwsIstOffline() override { Zeilen.emplace_back("TwsIstOffline"); }
+    void TwsIstWiederDa(bool datenErhalten) override {
+        Zeilen.emplace_back(datenErhalten ? "TwsIstWiederDa, data kept" : "TwsIstWiederDa, data lost");
+    }
+    void Meldung(int code, std::string_view text) override {
+        Zeilen.push_back("Meldung " + std::to_string(code) + " " + std::string(text));
+    }
+    void TitelMeldung(const clTitelobjekt& titel, int code) override {
+        Zeilen.push_back("TitelMeldung " + titel.Symbol + " " + std::to_string(code));
+    }
+    void Abonniert(const clTitelobjekt& titel) override { Zeilen.push_back("Abonniert " + titel.Symbol); }
+    void Abbestellt(const clTitelobjekt& titel) override { Zeilen.push_back("Abbestellt " + titel.Symbol); }
+
+    std::vector<std::string> Zeilen;
+};
+
 class TestMeldungen : public Meldungen {
 public:
     struct Meldung {

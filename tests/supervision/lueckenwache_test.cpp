@@ -439,10 +439,10 @@ TEST_F(LueckenwacheTest, APauseOfSomeExchangesIsOneOfTheirTitles) {
 
 TEST_F(LueckenwacheTest, LostRecordsAreNamedByKindUntilOneIsStoredAgain) {
     Laeuft();
-    wache->SpeichernGescheitert(*titel, kursart::Brief, false);
+    wache->SpeichernGescheitert(*titel, kursart::Brief, ENOSPC);
     welt.Laufe(1);
-    wache->SpeichernGescheitert(*titel, kursart::Brief, false);
-    wache->SpeichernGescheitert(*titel, kursart::Geld, true);
+    wache->SpeichernGescheitert(*titel, kursart::Brief, ENOSPC);
+    wache->DateiBeschaedigt(*titel, kursart::Geld);
     welt.Laufe(1);
     wache->WiederGespeichert(*titel, kursart::Brief);
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 12:00:07 ES Speichern fehlgeschlagen Brief",
@@ -457,6 +457,21 @@ TEST_F(LueckenwacheTest, AClockThatJumpsLeavesItsMark) {
     welt.StelleUhrUm(-600);
     Ticks(3);
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:08 12:10:09 * Uhr verstellt", "12:00:12 12:10:11 * Uhr zurückgestellt"));
+}
+
+TEST_F(LueckenwacheTest, AMergeLeavesAMarkThatStaysOpenWhenTheProgramDiesInIt) {
+    Laeuft();
+    wache->BeimEinarbeitenBegonnen(*titel, kursart::Geld, Um(11, 0), Um(11, 30, 0.25));
+    EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 ... ES Einarbeitung begonnen Geld: 16.11.2026 11:00:00,000 bis "
+                                      "16.11.2026 11:30:00,250"));
+    welt.Laufe(2);
+    wache->BeimEinarbeitenBeendet(*titel, kursart::Brief);
+    wache->BeimEinarbeitenBeendet(*titel, kursart::Geld);
+    wache->BeimEinarbeitenBeendet(*titel, kursart::Geld);
+    EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 12:00:07 ES Einarbeitung begonnen Geld: 16.11.2026 11:00:00,000 bis "
+                                      "16.11.2026 11:30:00,250"));
+    wache->BeimEinarbeitenBegonnen(*titel, kursart::Geld, Um(11, 0), Um(11, 30));
+    EXPECT_EQ(Zeilen().back().substr(0, 12), "12:00:07 ...");
 }
 
 TEST_F(LueckenwacheTest, ABackfillTellsItsSpanAndWhatItBroughtAlsoBehindTheEnd) {
