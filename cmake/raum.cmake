@@ -49,8 +49,8 @@ function(zek_welt name)
 endfunction()
 
 # zek_test(NAME room... [SCHERBEN n] [VORKOPF header]): test_NAME of all sources in this folder, run as n shards. Test
-# code isn't optimised, also where the product is. It has the precompiled header of the engine's tests, or one of its
-# own; "keiner" is none.
+# code isn't optimised, also where the product is. It has the precompiled header of the engine's tests, one of its own,
+# or that of another test program (VORKOPF test_OTHER); "keiner" is none.
 function(zek_test name)
   cmake_parse_arguments(T "" "SCHERBEN;VORKOPF" "" ${ARGN})
   file(GLOB quellen CONFIGURE_DEPENDS *.cpp *.h)
@@ -61,6 +61,8 @@ function(zek_test name)
   target_link_libraries(test_${name} PRIVATE zek_warnungen zek_hilfen GTest::gmock_main ${T_UNPARSED_ARGUMENTS})
   if(ZEK_PCH AND NOT T_VORKOPF)
     target_precompile_headers(test_${name} REUSE_FROM zek_vorkopf)
+  elseif(ZEK_PCH AND TARGET "${T_VORKOPF}")
+    target_precompile_headers(test_${name} REUSE_FROM ${T_VORKOPF})
   elseif(ZEK_PCH AND NOT T_VORKOPF STREQUAL "keiner")
     target_precompile_headers(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/${T_VORKOPF})
   endif()

@@ -1,13 +1,13 @@
 // The recorder with its windows.
 #include "apps/maschine.h"
+#include "fensterwerk/anwendung.h"
+#include "fensterwerk/hilfe.h"
 #include "platform/qt/signalempfang.h"
 #include "session/sitzung.h"
 #include "windows/auskunft.h"
 #include "windows/desktopgesicht.h"
-#include "windows/hilfe.h"
 
 #include <QApplication>
-#include <QIcon>
 
 #include <iostream>
 
@@ -16,7 +16,6 @@ int main(int argc, char* argv[]) {
     const std::vector<std::string> argumente(argv + 1, argv + argc);
     if (const auto auskunft = Desktopauskunft(argumente, ZEK_VERSION)) return (std::cout << *auskunft).good() ? 0 : 1;
 
-    Q_INIT_RESOURCE(zek);
     QApplication programm(argc, argv);
     RichteAnwendungEin(programm);
     Maschine maschine([] { QCoreApplication::exit(0); });

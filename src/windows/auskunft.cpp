@@ -1,10 +1,5 @@
 #include "windows/auskunft.h"
 
-#include <QApplication>
-#include <QIcon>
-#include <QLibraryInfo>
-#include <QLocale>
-#include <QTranslator>
 #include <algorithm>
 
 namespace zek {
@@ -46,18 +41,6 @@ std::string Befehlszeilentext(const std::vector<std::string>& argumente) {
         text += argument;
     }
     return text;
-}
-
-void RichteAnwendungEin(QApplication& programm) {
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-    // Qt's own texts (menus of edit fields, calendars) in German where its translations are installed.
-    auto* texte = new QTranslator(&programm);
-    if (texte->load(QLocale(QLocale::German), "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QCoreApplication::installTranslator(texte);
-    QCoreApplication::setApplicationName("TessaronZEK");
-    QGuiApplication::setDesktopFileName("tessaron-zek");
-    QGuiApplication::setWindowIcon(QIcon(":/zek/zek.svg"));
-    QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 
 }  // namespace zek

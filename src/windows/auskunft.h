@@ -1,11 +1,9 @@
-// Command line and general manners of the desktop program.
+// Command line of the desktop program.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <vector>
-
-class QApplication;
 
 namespace zek {
 
@@ -14,8 +12,5 @@ std::optional<std::string> Desktopauskunft(const std::vector<std::string>& argum
 
 // All arguments joined by blanks, as the classic switches are looked for.
 std::string Befehlszeilentext(const std::vector<std::string>& argumente);
-
-// Names, icon and language of the application; it doesn't end with its last window.
-void RichteAnwendungEin(QApplication& programm);
 
 }  // namespace zek

@@ -1,12 +1,12 @@
 #include "windows/befehle.h"
 
+#include "fensterwerk/hilfe.h"
 #include "platform/laufmarke.h"
 #include "session/anwenden.h"
 #include "session/sitzung.h"
 #include "windows/aktionen.h"
 #include "windows/desktopgesicht.h"
 #include "windows/hauptfenster.h"
-#include "windows/hilfe.h"
 #include "windows/info.h"
 #include "windows/statusliste.h"
 #include "windows/verbindungseinstellungen.h"

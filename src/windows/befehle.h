@@ -1,8 +1,8 @@
 // What the commands of the main window do, numbers 1020 to 1041.
 #pragma once
 
+#include "fensterwerk/dialogbasis.h"
 #include "session/gesicht.h"
-#include "windows/dialogbasis.h"
 
 namespace zek {
 

@@ -1,6 +1,6 @@
 #include "windows/datenpflege_fortschritt.h"
 
-#include "windows/dialogbasis.h"
+#include "fensterwerk/dialogbasis.h"
 
 #include <QCloseEvent>
 #include <QHBoxLayout>

@@ -1,7 +1,7 @@
 #include "windows/datenpflege_optionen.h"
 
+#include "fensterwerk/hilfe.h"
 #include "platform/datum.h"
-#include "windows/hilfe.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "backfill/wahl.h"
+#include "fensterwerk/dialogbasis.h"
 #include "modul/rollen.h"
-#include "windows/dialogbasis.h"
 
 #include <array>
 

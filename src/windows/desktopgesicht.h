@@ -1,12 +1,12 @@
 // The desktop face: the windows as the engine's Gesicht. Made before the session, and told of it as soon as it is made.
 #pragma once
 
+#include "fensterwerk/dialogbasis.h"
+#include "fensterwerk/fensterplatz.h"
+#include "fensterwerk/meldungsgeber.h"
 #include "session/gesicht.h"
 #include "windows/datenpflege_fortschritt.h"
-#include "windows/dialogbasis.h"
-#include "windows/fensterplatz.h"
 #include "windows/hauptfenster.h"
-#include "windows/meldungsgeber.h"
 #include "windows/monitor.h"
 #include "windows/startfenster.h"
 #include "windows/tray.h"

@@ -1,8 +1,8 @@
 // frmMonitor: shows what arrives, while it arrives. Lives in the dock of the main window.
 #pragma once
 
+#include "fensterwerk/fensterplatz.h"
 #include "titles/titelliste.h"
-#include "windows/fensterplatz.h"
 #include "windows/monitormodell.h"
 
 #include <QWidget>

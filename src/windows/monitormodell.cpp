@@ -1,9 +1,9 @@
 #include "windows/monitormodell.h"
 
 #include "datafiles/kursart.h"
+#include "fensterwerk/dialogbasis.h"
 #include "platform/datum.h"
 #include "platform/text.h"
-#include "windows/dialogbasis.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "windows/monitorplatz.h"
 
+#include "fensterwerk/fensterplatz.h"
 #include "platform/text.h"
-#include "windows/fensterplatz.h"
 
 #include <QDockWidget>
 #include <QGuiApplication>

@@ -2,8 +2,8 @@
 // the switch "/W" orders.
 #pragma once
 
+#include "fensterwerk/dialogbasis.h"
 #include "session/gesicht.h"
-#include "windows/dialogbasis.h"
 
 class QCheckBox;
 class QLabel;

@@ -1,7 +1,7 @@
 #include "windows/statusliste.h"
 
+#include "fensterwerk/dialogbasis.h"
 #include "platform/datum.h"
-#include "windows/dialogbasis.h"
 
 #include <QApplication>
 #include <QClipboard>

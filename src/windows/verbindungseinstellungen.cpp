@@ -1,7 +1,7 @@
 #include "windows/verbindungseinstellungen.h"
 
+#include "fensterwerk/hilfe.h"
 #include "platform/text.h"
-#include "windows/hilfe.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>

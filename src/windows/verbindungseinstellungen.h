@@ -1,9 +1,9 @@
 // frmIBBrokerOptionen: address, port and client id of the TWS.
 #pragma once
 
+#include "fensterwerk/dialogbasis.h"
 #include "modul/rollen.h"
 #include "session/gesicht.h"
-#include "windows/dialogbasis.h"
 
 class QLineEdit;
 

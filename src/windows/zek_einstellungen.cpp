@@ -1,7 +1,7 @@
 #include "windows/zek_einstellungen.h"
 
+#include "fensterwerk/hilfe.h"
 #include "platform/text.h"
-#include "windows/hilfe.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

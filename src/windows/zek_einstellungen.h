@@ -1,9 +1,9 @@
 // frmZEKEinstellungen: the options of recording and supervision. Takes the settings, gives them back changed.
 #pragma once
 
+#include "fensterwerk/dialogbasis.h"
 #include "modul/einstellungen.h"
 #include "modul/rollen.h"
-#include "windows/dialogbasis.h"
 
 class QCheckBox;
 class QGroupBox;

@@ -1,7 +1,5 @@
 // How the windows behave under a person's hands, beyond the dialogs.
-#include "desktopwelt.h"
-#include "windows/fensterplatz.h"
-#include "windows/meldungsfenster.h"
+#include "fensterhilfen/desktopwelt.h"
 #include "windows/monitorplatz.h"
 #include "windows/statusliste.h"
 #include "windows/zek_einstellungen.h"
@@ -104,15 +102,6 @@ TEST_F(Bedienung, ADoubleClickShowsTheWholeEntryInAMessage) {
 
 // ---- places
 
-TEST(Plaetze, AWindowStaysOnASecondScreenAndComesBackFromOneThatIsGone) {
-    const QRect erster(0, 0, 1920, 1080), zweiter(1920, 0, 1280, 1024);
-    const QRect rechts(2000, 100, 800, 600), ueberBeide(1700, 100, 800, 600);
-    EXPECT_EQ(AufDieSchirme(rechts, {erster, zweiter}), rechts);
-    EXPECT_EQ(AufDieSchirme(ueberBeide, {erster, zweiter}), ueberBeide);
-    EXPECT_EQ(AufDieSchirme(rechts, {erster}), QRect(1120, 100, 800, 600));
-    EXPECT_EQ(AufDieSchirme({3000, 900, 800, 600}, {erster, zweiter}), QRect(2400, 424, 800, 600));
-}
-
 struct Dockplatz : testing::Test {
     Einstellungswelt welt;
     QMainWindow fenster;
@@ -167,26 +156,7 @@ TEST_F(Dockplatz, WhatIsStoredIsWhatComesBack) {
     EXPECT_EQ(dock.geometry(), QRect(60, 70, 320, 180));
 }
 
-// ---- messages and fields
-
-TEST(Meldungsuhr, TheStripCountsDownAndTheMessageGoesByItself) {
-    hilfen::VirtuelleWelt welt;
-    frmMessageDialog dialog(nullptr, welt, "Weiter?", meldung::JaNein, 5);
-    dialog.show();
-    auto* zeitgeber = Steuer<QTimer>(dialog, "Zeitgeber");
-    EXPECT_EQ(zeitgeber->interval(), 1000);
-    zeitgeber->setInterval(1);
-    auto* text = Steuer<QLabel>(*Steuer<QWidget>(dialog, "picture1"), "Label1");
-    welt.StelleUhrUm(2);
-    const QString drei = "Dieser Hinweisdialog wird in 3 Sekunden automatisch geschlossen  ";
-    EXPECT_TRUE(QTest::qWaitFor([&] { return text->text() == drei; }, 2000));
-    EXPECT_TRUE(text->isVisible());
-    welt.StelleUhrUm(3);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !dialog.isVisible(); }, 2000));
-    frmMessageDialog ohne(nullptr, welt, "Weiter?", meldung::JaNein, 0);
-    ohne.show();
-    EXPECT_FALSE(Steuer<QWidget>(ohne, "picture1")->isVisible());
-}
+// ---- fields
 
 TEST(Felder, EnteringTheTimeoutSelectsAllOfItAndThousandsAreUnderstood) {
     hilfen::TestMeldungen meldungen;

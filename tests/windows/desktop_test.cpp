@@ -1,5 +1,5 @@
 // The desktop face under a whole session: windows as a person meets them, the machine under them scripted.
-#include "desktopwelt.h"
+#include "fensterhilfen/desktopwelt.h"
 #include "windows/statusliste.h"
 
 #include <QAction>

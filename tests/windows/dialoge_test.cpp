@@ -1,9 +1,8 @@
-#include "fenstertest.h"
+#include "fensterhilfen/fenstertest.h"
 #include "windows/beispieltitel_fenster.h"
 #include "windows/datenpflege_fortschritt.h"
 #include "windows/datenpflege_optionen.h"
 #include "windows/info.h"
-#include "windows/meldungsfenster.h"
 #include "windows/startfenster.h"
 #include "windows/verbindungseinstellungen.h"
 #include "windows/zek_einstellungen.h"
@@ -361,62 +360,6 @@ TEST_F(Beispielfenster, TickingNothingCanEndTheOfferForGood) {
     EXPECT_FALSE(fenster.isVisible());
     EXPECT_EQ(nieWieder, 1);
     EXPECT_TRUE(angelegt.empty());
-}
-
-// ---- message window
-
-TEST(Meldungsfenster, YesNoClosedByItsTimeLimitGivesZero) {
-    hilfen::VirtuelleWelt welt;
-    frmMessageDialog dialog(nullptr, welt, "Weiter?", meldung::JaNein, 5);
-    QTimer::singleShot(200, &dialog, [&] { welt.StelleUhrUm(6); });
-    EXPECT_EQ(dialog.Frage(), meldung::Zeitablauf);
-}
-
-TEST(Meldungsfenster, TheCountdownShowsTheRemainingSeconds) {
-    hilfen::VirtuelleWelt welt;
-    frmMessageDialog dialog(nullptr, welt, "Weiter?", meldung::Ok, 5);
-    dialog.show();
-    EXPECT_EQ(Steuer<QLabel>(dialog, "Label1")->text(),
-              "Dieser Hinweisdialog wird in 5 Sekunden automatisch geschlossen  ");
-}
-
-int NachKlick(int flags, const char* knopf) {
-    hilfen::VirtuelleWelt welt;
-    frmMessageDialog dialog(nullptr, welt, "Text", flags, 0);
-    QTimer::singleShot(0, &dialog, [&] { Klick(dialog, knopf); });
-    return dialog.Frage();
-}
-
-TEST(Meldungsfenster, AbortRetryIgnoreHasTwoButtonsWithTheResults3And5) {
-    EXPECT_EQ(NachKlick(meldung::AbbrechenWiederholenIgnorieren, "btn(0)"), 3);
-    EXPECT_EQ(NachKlick(meldung::AbbrechenWiederholenIgnorieren, "btn(1)"), 5);
-}
-
-TEST(Meldungsfenster, YesIs6AndNoIs7AndEscapeIsNo) {
-    EXPECT_EQ(NachKlick(meldung::JaNein, "btn(0)"), 6);
-    EXPECT_EQ(NachKlick(meldung::JaNein, "btn(1)"), 7);
-    hilfen::VirtuelleWelt welt;
-    frmMessageDialog dialog(nullptr, welt, "Text", meldung::JaNein, 0);
-    QTimer::singleShot(0, &dialog, [&] { QTest::keyClick(&dialog, Qt::Key_Escape); });
-    EXPECT_EQ(dialog.Frage(), 7);
-}
-
-TEST(Meldungsfenster, ALongTextWrapsAt500PixelsAndAShortOneStaysNarrow) {
-    hilfen::VirtuelleWelt welt;
-    frmMessageDialog kurz(nullptr, welt, "Kurz", meldung::Ok, 0);
-    frmMessageDialog lang(nullptr, welt, QString("Ein langer Text ").repeated(40), meldung::Ok, 0);
-    EXPECT_EQ(Steuer<QLabel>(lang, "Meldung")->width(), 500);
-    EXPECT_LT(kurz.width(), 300);
-    EXPECT_LE(Steuer<QPushButton>(kurz, "btn(0)")->geometry().right(), kurz.width());
-    EXPECT_GT(lang.height(), kurz.height());
-}
-
-TEST(Meldungsfenster, TheSecondButtonCanBeTheDefaultAndHasTheFocus) {
-    hilfen::VirtuelleWelt welt;
-    frmMessageDialog dialog(nullptr, welt, "Text", meldung::JaNein | meldung::ZweiterKnopf, 0);
-    dialog.show();
-    EXPECT_TRUE(Steuer<QPushButton>(dialog, "btn(1)")->isDefault());
-    EXPECT_EQ(dialog.focusWidget(), Steuer<QPushButton>(dialog, "btn(1)"));
 }
 
 // ---- small windows

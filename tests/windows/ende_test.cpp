@@ -1,6 +1,6 @@
 // The end of the program out of anything that it may be waiting in. As in the program, the end leaves the loop of
 // events, and the session goes before the face.
-#include "desktopwelt.h"
+#include "fensterhilfen/desktopwelt.h"
 
 #include <QCheckBox>
 #include <QDateEdit>

@@ -1,6 +1,6 @@
 // All windows during a flood of ticks: nothing is lost, and nothing keeps the loop of events for long.
 #include "datafiles/dateikopf.h"
-#include "desktopwelt.h"
+#include "fensterhilfen/desktopwelt.h"
 
 #include <QDialog>
 #include <algorithm>

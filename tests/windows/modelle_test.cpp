@@ -1,6 +1,5 @@
 #include "datafiles/kursart.h"
-#include "fenstertest.h"
-#include "windows/fensterplatz.h"
+#include "fensterhilfen/fenstertest.h"
 #include "windows/monitor.h"
 #include "windows/monitormodell.h"
 #include "windows/statusliste.h"
@@ -193,29 +192,6 @@ TEST(Statusansicht, ALongListIsCutTo399AndGoesOn) {
     EXPECT_EQ(ansicht.Modell().Eintrag(0).Text, "103");
     ansicht.Leere();
     EXPECT_EQ(ansicht.Modell().rowCount(), 0);
-}
-
-TEST(Fensterplatz, APlaceOnAMissingScreenIsMovedBackInside) {
-    EXPECT_EQ(Hineingeschoben({3000, 100, 400, 300}, {0, 0, 1920, 1080}), QRect(1520, 100, 400, 300));
-    EXPECT_EQ(Hineingeschoben({-500, -50, 400, 300}, {0, 0, 1920, 1080}), QRect(0, 0, 400, 300));
-    EXPECT_EQ(Hineingeschoben({0, 0, 4000, 3000}, {0, 0, 1920, 1080}), QRect(0, 0, 1920, 1080));
-}
-
-TEST(Fensterplatz, AMaximizedWindowKeepsItsLastNormalPlace) {
-    Einstellungswelt welt;
-    Fensterplatz plaetze(welt.speicher);
-    QWidget fenster;
-    fenster.setGeometry(40, 50, 300, 200);
-    fenster.show();
-    plaetze.Speichern(fenster, "Probe");
-    fenster.showMaximized();
-    plaetze.Speichern(fenster, "Probe");
-    EXPECT_EQ(welt.registry.Lies("Tessaron", "Probe", "Breite"), std::to_string(300 * 15));
-    EXPECT_EQ(welt.registry.Lies("Tessaron", "Probe", "WinState"), "2");
-    QWidget neu;
-    plaetze.Laden(neu, "Probe");
-    EXPECT_EQ(neu.geometry().size(), QSize(300, 200));
-    EXPECT_TRUE(neu.isMaximized());
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // Every control by its name, with its text and tool tip to the letter.
-#include "desktopwelt.h"
+#include "fensterhilfen/desktopwelt.h"
 #include "windows/beispieltitel_fenster.h"
 #include "windows/datenpflege_fortschritt.h"
 #include "windows/datenpflege_optionen.h"

@@ -1,8 +1,8 @@
-#include "windows/meldungsgeber.h"
+#include "fensterwerk/meldungsgeber.h"
 
+#include "fensterwerk/dialogbasis.h"
+#include "fensterwerk/meldungsfenster.h"
 #include "session/meldung.h"
-#include "windows/dialogbasis.h"
-#include "windows/meldungsfenster.h"
 
 #include <QApplication>
 #include <QMessageBox>

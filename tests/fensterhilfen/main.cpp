@@ -1,14 +1,17 @@
+#include "fensterwerk/anwendung.h"
+
 #include <gmock/gmock.h>
 #include <QApplication>
 
-// One application for all tests of this program, without a display.
+// One application for all tests of this program, without a display, on a machine that knows no German.
 int main(int anzahl, char** argumente) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("LC_ALL", "C");
+    qunsetenv("LANGUAGE");
     // The platform without a display complains about what it leaves out; that is not what is tested here.
     qputenv("QT_LOGGING_RULES", "qt.core.qobject.connect.warning=false");
-    Q_INIT_RESOURCE(zek);
     QApplication app(anzahl, argumente);
-    QApplication::setQuitOnLastWindowClosed(false);
+    zek::RichteAnwendungEin(app);
     testing::InitGoogleMock(&anzahl, argumente);
     return RUN_ALL_TESTS();
 }

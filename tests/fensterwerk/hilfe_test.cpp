@@ -1,9 +1,8 @@
 // The manual: every page that a window asks for is there, and every link and picture in it leads somewhere.
-#include "windows/hilfe.h"
-#include "fenstertest.h"
+#include "fensterwerk/hilfe.h"
+#include "fensterhilfen/fenstertest.h"
+#include "fensterwerk/dialogbasis.h"
 #include "hilfen/quellen.h"
-#include "windows/datenpflege_fortschritt.h"
-#include "windows/dialogbasis.h"
 
 #include <QDir>
 #include <QFile>
@@ -90,7 +89,7 @@ TEST(Handbuch, EveryPageIsInTheContentsAndLeadsBackThere) {
 
 TEST(Handbuch, F1OpensThePageOfAWindowWithoutAHelpButton) {
     std::vector<std::string> seiten;
-    frmDatenpflegeFortschritt fenster(nullptr);
+    QDialog fenster;
     HilfeBeiF1(
         fenster, [&](const std::string& seite) { seiten.push_back(seite); }, hilfeseite::Datenpflege);
     fenster.show();

@@ -1,6 +1,8 @@
 // What all dialogs share: the row of standard buttons with their object names, and help by button and F1.
 #pragma once
 
+#include "fensterwerk/text.h"
+
 #include <QDialog>
 #include <functional>
 #include <string>
@@ -40,9 +42,5 @@ void BeschriftungenSchalten(const QWidget& dialog);
 
 // Selects the whole text whenever the field gets the focus.
 void MarkiereBeiEintritt(QLineEdit* feld);
-
-inline QString Q(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 }  // namespace zek

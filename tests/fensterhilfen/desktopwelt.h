@@ -1,7 +1,7 @@
 // The desktop face under a whole session: windows as a person meets them, the machine under them scripted.
 #pragma once
 
-#include "fenstertest.h"
+#include "fensterhilfen/fenstertest.h"
 #include "hilfen/ram_dateisystem.h"
 #include "hilfen/ram_netz.h"
 #include "hilfen/test_prozesse.h"

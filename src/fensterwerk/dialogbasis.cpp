@@ -1,4 +1,4 @@
-#include "windows/dialogbasis.h"
+#include "fensterwerk/dialogbasis.h"
 
 #include <QDialogButtonBox>
 #include <QEvent>

@@ -1,4 +1,4 @@
-#include "windows/fensterplatz.h"
+#include "fensterwerk/fensterplatz.h"
 
 #include "platform/text.h"
 

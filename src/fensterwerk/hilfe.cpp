@@ -1,6 +1,6 @@
-#include "windows/hilfe.h"
+#include "fensterwerk/hilfe.h"
 
-#include "windows/dialogbasis.h"
+#include "fensterwerk/dialogbasis.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>

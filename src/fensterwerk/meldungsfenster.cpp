@@ -1,6 +1,6 @@
-#include "windows/meldungsfenster.h"
+#include "fensterwerk/meldungsfenster.h"
 
-#include "windows/dialogbasis.h"
+#include "fensterwerk/dialogbasis.h"
 
 #include <QApplication>
 #include <QClipboard>
