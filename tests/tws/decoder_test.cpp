@@ -55,8 +55,23 @@ protected:
 
 // ---- ticks
 
-TEST_F(DecoderTest, AnIndexPriceWithoutASizeMakesNoDerivedSize) {
-    EXPECT_THAT(Ereignisse(157, "1|6|163635|4|4594.45||0|"), ElementsAre("tickPrice 163635 4 4594.45 0 0 0"));
+TEST_F(DecoderTest, AnIndexPriceWithAnEmptySizeIsFollowedByASizeOfZero) {
+    EXPECT_THAT(Ereignisse(157, "1|6|163635|4|4594.45||0|"),
+                ElementsAre("tickPrice 163635 4 4594.45 0 0 0", "tickSize 163635 5 0"));
+    EXPECT_THAT(Ereignisse(187, "1|6|7|1|4594.45||0|"), ElementsAre("tickPrice 7 1 4594.45 0 0 0", "tickSize 7 0 0"));
+    EXPECT_THAT(Ereignisse(187, "1|6|7|2|4594.45| |0|"), ElementsAre("tickPrice 7 2 4594.45 0 0 0", "tickSize 7 3 0"));
+}
+
+TEST_F(DecoderTest, ASizeThatIsUnsetOrUnreadableMakesNoDerivedSize) {
+    for (const char* groesse : {"2147483647", "9223372036854775807", "-9223372036854775808", "1.7976931348623157E308",
+                                "Infinity", "?", "abc", "nan", "12,5"})
+        EXPECT_THAT(Ereignisse(187, std::string("1|6|7|4|4594.45|") + groesse + "|0|"),
+                    ElementsAre("tickPrice 7 4 4594.45 0 0 0"))
+            << groesse;
+}
+
+TEST_F(DecoderTest, APriceTypeWithoutASizeGetsNoneOfAnEmptyField) {
+    EXPECT_THAT(Ereignisse(187, "1|6|7|9|4594.45||0|"), ElementsAre("tickPrice 7 9 4594.45 0 0 0"));
 }
 
 TEST_F(DecoderTest, ABidIsFollowedByItsSize) {

@@ -84,13 +84,18 @@ constexpr std::optional<int> Groessentyp(int preistyp) {
     }
 }
 
+// Prices of an index come with an empty size: that is a size of 0.
+std::optional<double> Kursgroesse(std::string_view feld) {
+    return OhneRandleerzeichen(feld).empty() ? std::optional(0.0) : LiesGroesse(feld);
+}
+
 Befund LiesTickPrice(const Lesung& l) {
     constexpr auto& Bild = bild::TickPrice;
     const auto id = l.F.Ganz(Nr(Bild, "reqId"));
     const auto typ = l.F.Ganz(Nr(Bild, "tickType"));
     const Zahl preis = LiesZahl(l.F.Text(Nr(Bild, "price")));
     if (!id || !typ || preis.Art == Zahlart::Unlesbar || preis.Art == Zahlart::Ungesetzt) return Befund::Verworfen;
-    const auto groesse = l.F.Groesse(Nr(Bild, "size"));
+    const auto groesse = Kursgroesse(l.F.Text(Nr(Bild, "size")));
     const int maske = l.F.GanzOderNull(Nr(Bild, "attrMask"));
     const bool mitMaske = l.Version >= ab::Attributmaske;
     const bool automatisch = mitMaske ? (maske & 1) != 0 : maske == 1;
