@@ -4,7 +4,7 @@
 #include "feed/zeitvergleich.h"
 #include "platform/datum.h"
 
-#include <cstdint>
+#include <cmath>
 #include <limits>
 
 namespace zek {
@@ -78,11 +78,16 @@ void MerkeKurs(clTitelobjekt& titel, Datum jetzt) {
     if (titel.ErsterKursZeitpunkt == 0) titel.ErsterKursZeitpunkt = jetzt;
 }
 
-// Totals beyond the field's range stay at its end, where they don't grow and so form no record.
-std::int32_t AlsGesamtvolumen(double size) {
-    using Grenzen = std::numeric_limits<std::int32_t>;
-    if (!(size > Grenzen::min())) return size <= Grenzen::min() ? Grenzen::min() : 0;
-    return size < Grenzen::max() ? static_cast<std::int32_t>(size) : Grenzen::max();
+// The size between two totals. A large total leaves the last digits of its decimals inexact: the shortest decimal that
+// lies within that is meant.
+double Handelsgroesse(double bisher, double gesamt) {
+    const double roh = gesamt - bisher;
+    const double unschaerfe = std::nextafter(gesamt, std::numeric_limits<double>::infinity()) - gesamt;
+    for (double stellen = 1; stellen <= 1e8; stellen *= 10) {
+        const double rund = std::round(roh * stellen) / stellen;
+        if (rund > 0 && std::abs(rund - roh) <= unschaerfe) return rund;
+    }
+    return roh;
 }
 
 }  // namespace
@@ -174,12 +179,13 @@ void Tickannahme::Bezahltregel(clTitelobjekt& titel, double size, Datum jetzt) {
 void Tickannahme::Gesamtvolumenregel(clTitelobjekt& titel, double size, Datum jetzt) {
     if (!modul_.Einstellungen.UseGesamtvolumen || titel.DontUseGesamtVol) return;
     titel.UseGesamtVol = true;
-    const std::int32_t gesamt = AlsGesamtvolumen(size);
-    if (gesamt == 0) return;
-    const std::int32_t bisher = titel.LastGesamtVolume;
-    titel.LastGesamtVolume = gesamt;
-    if (bisher == 0 || bisher >= gesamt) return;
-    NeuesVolumen(Bezahltfelder(titel), static_cast<double>(gesamt) - bisher, jetzt);
+    if (size == 0 || std::isnan(size)) return;
+    const double bisher = titel.LastGesamtVolume;
+    titel.LastGesamtVolume = size;
+    if (bisher == 0 || bisher >= size) return;
+    const double groesse = Handelsgroesse(bisher, size);
+    if (!AlsEinfach(groesse)) return;
+    NeuesVolumen(Bezahltfelder(titel), groesse, jetzt);
     if (!titel.Aktiv() || !KursGueltig(titel, titel.LastPrice)) return;
     if (StartzeitErreicht(titel, jetzt)) aufzeichnung_.BezahltSchreiben(titel, jetzt);
     modul_.LetzteDatenZeit = jetzt;

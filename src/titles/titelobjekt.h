@@ -60,10 +60,10 @@ public:
     double LastBidVolTimer = 0;
     double LastAskVolTimer = 0;
     Datum LastPriceDate = 0;
-    Datum ErsterKursZeitpunkt = 0;   // first tick since this was set to 0
-    Datum LetzterKursZeitpunkt = 0;  // last tick; 0 none in this run
-    double ZeitKorrektur = 0;        // days, added to the time stamps of this title
-    std::int32_t LastGesamtVolume = 0;
+    Datum ErsterKursZeitpunkt = 0;    // first tick since this was set to 0
+    Datum LetzterKursZeitpunkt = 0;   // last tick; 0 none in this run
+    double ZeitKorrektur = 0;         // days, added to the time stamps of this title
+    double LastGesamtVolume = 0;      // markets exceed 32 bits in a day
     Datum LastZeitstempel = 0;        // unused
     double LastZeitstempelTimer = 0;  // unused
     bool UseGesamtVol = false;

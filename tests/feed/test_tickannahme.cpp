@@ -447,11 +447,31 @@ TEST_F(Gesamtvolumentest, TheTotalRuleAsksForActivityPriceAndStartTime) {
     EXPECT_EQ(es->LastVol, 100.0F);
 }
 
-TEST_F(Gesamtvolumentest, TotalsBeyondTheFieldFormNoRecord) {
+TEST_F(Gesamtvolumentest, BeyondTheRangeOf32BitsADifferenceIsStillTheTradesSize) {
     auto es = titel("ES");
-    es.bezahlt(100).gesamt(5e9).gesamt(5.1e9).gesamt(std::nan(""));
-    EXPECT_THAT(ablage.Eintraege, IsEmpty());
+    es.bezahlt(100).gesamt(2'147'483'600).gesamt(2'147'483'700).gesamt(4'294'967'295.0).gesamt(4'294'967'300.0);
+    es.gesamt(9e12).gesamt(9e12 + 7).gesamt(9e12 + 7);
+    EXPECT_THAT(saetze(kursart::Bezahlt), ElementsAre(Satz{100, 100}, Satz{100, 2147483595.0F}, Satz{100, 5},
+                                                      Satz{100, 9e12F - 4294967300.0F}, Satz{100, 7}));
+    EXPECT_EQ(es->LastGesamtVolume, 9e12 + 7);
     es.gesamt(1000).gesamt(1010);
+    EXPECT_EQ(saetze(kursart::Bezahlt).back(), (Satz{100, 10})) << "a new day";
+}
+
+// Each size is the decimal that a reader of the two totals would find on paper.
+TEST_F(Gesamtvolumentest, TotalsWithDecimalsGiveTheirDifferenceToTheLastDigit) {
+    auto es = titel("BTC");
+    es.bezahlt(100).gesamt(0.25).gesamt(0.75).gesamt(948837.22).gesamt(948837.32);
+    es.gesamt(3'000'000'000.22).gesamt(3'000'000'000.72).gesamt(3'000'000'000.7201);
+    EXPECT_THAT(saetze(kursart::Bezahlt), ElementsAre(Satz{100, 0.5F}, Satz{100, 948836.47F}, Satz{100, 0.1F},
+                                                      Satz{100, 2999051162.9F}, Satz{100, 0.5F}, Satz{100, 0.0001F}));
+}
+
+TEST_F(Gesamtvolumentest, ATotalThatIsNoNumberOrThatNoSizeFitsFormsNoRecord) {
+    auto es = titel("ES");
+    es.bezahlt(100).gesamt(1000).gesamt(std::nan("")).gesamt(1e300);
+    EXPECT_THAT(ablage.Eintraege, IsEmpty());
+    es.gesamt(2000).gesamt(2010);
     EXPECT_THAT(saetze(kursart::Bezahlt), ElementsAre(Satz{100, 10}));
 }
 

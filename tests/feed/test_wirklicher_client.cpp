@@ -104,5 +104,27 @@ TEST_F(WirklicherClient, ARefusedConnectionReplacesTheControlInsideConnect) {
     EXPECT_TRUE(modul.TWSVerbunden);
 }
 
+TEST_F(WirklicherClient, TotalsOfTheWireBeyond32BitsAndWithDecimalsGiveTheTradesSize) {
+    modul.Einstellungen.UseGesamtvolumen = true;
+    titel("BTC");
+    tws.sage("1|6|1|4|100|0|0|");
+    for (const char* gesamt : {"2147483640.5", "2147483690.75", "4,294,967,295", "4294967300"})
+        tws.sage(std::string("2|6|1|8|") + gesamt + "|");
+    warte(0.1);
+    EXPECT_THAT(saetze(kursart::Bezahlt),
+                ElementsAre(Satz{100, 0}, Satz{100, 50.25F}, Satz{100, 2147483604.25F}, Satz{100, 5}));
+}
+
+TEST_F(WirklicherClient, AnIndexWhosePricesCarryNoSizeIsRecorded) {
+    titel("DAX", "IND", "EUREX");
+    tws.sage("1|6|1|4|24000.5||0|");
+    warte(1);
+    tws.sage("1|6|1|4|24001||0|");
+    warte(1);
+    tws.sage("1|6|1|4|24002|2147483647|0|");
+    warte(1);
+    EXPECT_THAT(saetze(kursart::Bezahlt), ElementsAre(Satz{24000.5F, 0}, Satz{24001, 0})) << "unset is no size";
+}
+
 }  // namespace
 }  // namespace zek::hilfen
