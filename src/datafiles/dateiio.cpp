@@ -77,6 +77,7 @@ void clDateiIO::CloseFile() {
     handle_ = KeinHandle;
     name_.clear();
     autoFlush_ = false;
+    bekannteGroesse_ = {};
 }
 
 std::vector<std::byte> clDateiIO::ReadBytes(std::int32_t anzahl) {

@@ -80,9 +80,8 @@ public:
 
     // The system's answer raises nothing: the new position in bytes, or -errno.
     std::int64_t SeekAbsolute(Dateiposition neuePosition);
-    // Moves from the present place. The size of the file at the first call of an instance decides, once and for
-    // good, which system call is used: up to 4,000,000,000 bytes the one with 32 bits, which can't reach a position
-    // of 2^32 or above.
+    // Moves from the present place. The size of the file at the first call decides, until it is closed, which system
+    // call is used: up to 4,000,000,000 bytes the one with 32 bits, which can't reach a position of 2^32 or above.
     void SeekRelative(std::int32_t abstand);
 
     // An integer count in the value's digits becomes the position with that stored integer: the value / 10000.

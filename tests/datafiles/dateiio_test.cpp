@@ -238,5 +238,18 @@ TEST_F(GrosseDatei, AnInstanceStaysWithTheCallThatTheFirstRelativeSeekChose) {
     EXPECT_EQ(frisch.GetFilePointer().Bytes(), 4'999'999'984);
 }
 
+TEST_F(GrosseDatei, ClosingForgetsTheSizeThatRelativeSeeksGoBy) {
+    const std::string klein = (ordner / "klein").string();
+    datei.CloseFile();
+    datei.OpenFile(klein, false);
+    Verlaengere(100);
+    datei.SeekRelative(-16);
+    datei.CloseFile();
+    datei.OpenFile(pfad.string(), false);
+    datei.SeekAbsolute(Bei(5'000'000'000));
+    datei.SeekRelative(-16);
+    EXPECT_EQ(datei.GetFilePointer().Bytes(), 4'999'999'984);
+}
+
 }  // namespace
 }  // namespace zek
