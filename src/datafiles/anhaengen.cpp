@@ -6,13 +6,18 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace zek {
 
 namespace {
+
+// Records that are read at once on the way back over zeros.
+constexpr std::int64_t Nullblock = 4096;
 
 // A call that the system refused, with its errno.
 struct Systemfehler : std::runtime_error {
@@ -36,24 +41,36 @@ void Setze(clDateiIO& datei, std::int64_t stelle) {
     Gelungen(datei.SeekAbsolute(Dateiposition::AusBytes(stelle)));
 }
 
-bool LiesSatz(clDateiIO& datei, KursDatensatz& satz) {
-    return Gelungen(datei.Lies(std::as_writable_bytes(std::span(&satz, 1)))) == DatensatzBytes;
+// Fills `saetze` from a place on; false when the file ends before.
+bool LiesSaetze(clDateiIO& datei, std::int64_t stelle, std::span<KursDatensatz> saetze) {
+    Setze(datei, stelle);
+    auto rest = std::as_writable_bytes(saetze);
+    while (!rest.empty()) {
+        const std::int64_t gelesen = Gelungen(datei.Lies(rest));
+        if (gelesen == 0) return false;
+        rest = rest.subspan(static_cast<std::size_t>(gelesen));
+    }
+    return true;
 }
 
-// Steps back from the last record over those with a Datum of 0; true when there was one. The position is then
-// behind the last good record, or 16 bytes before the header's end when there is none.
-bool UeberspringeNullsaetze(clDateiIO& datei, std::int64_t groesse) {
-    const std::int64_t anzahl = (groesse - DateikopfBytes) / DatensatzBytes;
-    if (anzahl < 1) return false;
-    Setze(datei, groesse - DatensatzBytes);
-    bool gefunden = false;
-    KursDatensatz satz;
-    for (std::int64_t i = 0; i < anzahl; ++i) {
-        if (!LiesSatz(datei, satz) || satz.Datum != 0.0) break;
-        datei.SeekRelative(-2 * static_cast<std::int32_t>(DatensatzBytes));
-        gefunden = true;
+// Where the records with a Datum of 0 at the very end begin; 16 bytes before the header's end when there are no
+// others. Nothing when the last record is a good one, or when the file ends before its size.
+std::optional<std::int64_t> NullsaetzeAb(clDateiIO& datei, std::int64_t groesse) {
+    std::int64_t ende = groesse;  // what lies behind is zero
+    std::int64_t anzahl = (groesse - DateikopfBytes) / DatensatzBytes;
+    std::int64_t hoechstens = 1;  // nearly always the last record is good
+    std::vector<KursDatensatz> block;
+    while (anzahl > 0) {
+        const std::int64_t menge = std::min(anzahl, hoechstens);
+        block.resize(static_cast<std::size_t>(menge));
+        if (!LiesSaetze(datei, ende - menge * DatensatzBytes, block)) return std::nullopt;
+        const auto gut = std::find_if(block.rbegin(), block.rend(), [](const auto& satz) { return satz.Datum != 0.0; });
+        ende -= (gut - block.rbegin()) * DatensatzBytes;
+        if (gut != block.rend()) return ende < groesse ? std::optional(ende) : std::nullopt;
+        anzahl -= menge;
+        hoechstens = Nullblock;
     }
-    return gefunden;
+    return ende < groesse ? std::optional(ende - DatensatzBytes) : std::nullopt;
 }
 
 // What a short write left behind goes, so that the file stays whole and takes the next record.
@@ -67,7 +84,11 @@ void NimmZurueck(clDateiIO& datei, std::int64_t groesse) {
 bool DateiEndeBereinigen(clDateiIO& datei, const std::string& name) {
     bool gefunden = false;
     // An error on the way leaves it false: nothing is cut then.
-    OhneFehler([&] { gefunden = UeberspringeNullsaetze(datei, datei.FileSize().Bytes()); });
+    OhneFehler([&] {
+        const auto ab = NullsaetzeAb(datei, datei.FileSize().Bytes());
+        if (ab) Setze(datei, *ab);
+        gefunden = ab.has_value();
+    });
     if (!gefunden) return false;
     OhneFehler([&] { datei.SetzeDateiEnde(); });
     OhneFehler([&] { datei.CloseFile(); });

@@ -305,7 +305,7 @@ TEST_F(Anhaengen, AnEndThatCannotBeSteppedThroughIsNotCut) {
     Vorhanden(DaxDatei(1) + Nullen(32));
     clDateiIO datei(dateien);
     datei.OpenFile(Pfad, false);
-    dateien.Stoere({.Art = Dateiaufruf::Suche, .Ab = 4, .Anzahl = 1, .Fehler = EIO});
+    dateien.Stoere({.Art = Dateiaufruf::Suche, .Ab = 2, .Anzahl = 1, .Fehler = EIO});
     EXPECT_FALSE(DateiEndeBereinigen(datei, Pfad));
     EXPECT_EQ(Datei(), DaxDatei(1) + Nullen(32));
 }
