@@ -228,7 +228,7 @@ void Sitzung::Marktdaten(Felder& f) {
     f.Ganzzahl();
     const int id = static_cast<int>(f.Ganzzahl());
     const Kontraktsuche suche = LiesKontrakt(f);
-    if (suche.Typ == "BAG") f.Ueberspringe(static_cast<int>(f.Ganzzahl()) * 4);
+    if (suche.IstKombination()) f.Ueberspringe(static_cast<int>(f.Ganzzahl()) * 4);
     f.Wahr();  // delta neutral
     f.Text();  // generic ticks
     const bool schnappschuss = f.Wahr();

@@ -99,7 +99,7 @@ Historienanfrage LiesHistorienanfrage(Felder& f, int sv) {
     const std::string rth(f.Text());
     a.Kursart = f.Text();
     a.Datumsart = static_cast<int>(f.Ganzzahl());
-    if (a.Was.Typ == "BAG") f.Ueberspringe(static_cast<int>(f.Ganzzahl()) * 4);
+    if (a.Was.IstKombination()) f.Ueberspringe(static_cast<int>(f.Ganzzahl()) * 4);
     if (sv >= ab::HistorieOhneVersion) f.Wahr();  // keepUpToDate
     if (f.Uebrig() > 0) f.Text();                 // chartOptions
     const Kontraktsuche& k = a.Was;

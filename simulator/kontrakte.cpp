@@ -54,6 +54,10 @@ std::string Kontrakt::Schluessel() const {
            Waehrung + '|' + LokalesSymbol;
 }
 
+bool Kontraktsuche::IstKombination() const {
+    return GleichOhneGrossKlein(Typ, "BAG");
+}
+
 Kontraktliste::Kontraktliste(std::vector<Kontrakt> kontrakte, bool erfinden, std::set<std::string> unbekannt)
     : kontrakte_(std::move(kontrakte)), erfinden_(erfinden), unbekannt_(std::move(unbekannt)) {}
 

@@ -47,6 +47,9 @@ struct Kontraktsuche {
     std::string Waehrung;
     std::string LokalesSymbol;
     std::string Handelsklasse;
+
+    // Its request names legs. Types are read without regard to letter case.
+    bool IstKombination() const;
 };
 
 class Kontraktliste {

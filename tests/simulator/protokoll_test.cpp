@@ -474,6 +474,21 @@ TEST(Ticks, AnIndexSendsPricesWithAnEmptySize) {
     EXPECT_EQ(klient->Anzahl("1|6|4|1|"), 0u);
 }
 
+TEST(Ticks, ACombinationIsReadWithItsLegsInAnyLetterCaseOfItsType) {
+    const auto ticks = [](const std::string& typ) {
+        Schauplatz schauplatz;
+        auto klient = schauplatz.Angemeldet();
+        klient->Sende("1|11|4|0|ES|" + typ + "||0|||CME||USD|||0|0||0|0||");
+        klient->Sende("1|11|5|0|ES|" + typ + "||0|||CME||USD|||1|7|1|BUY|CME|0||0|0||");
+        schauplatz.Laufe(30);
+        EXPECT_EQ(klient->Anzahl("4|"), 0u) << typ;
+        return std::pair(klient->Mit("1|6|4|"), klient->Mit("1|6|5|"));
+    };
+    EXPECT_GT(ticks("BAG").first.size(), 10u);
+    EXPECT_GT(ticks("BAG").second.size(), 10u);
+    EXPECT_EQ(ticks("bag"), ticks("BAG"));
+}
+
 TEST(Ticks, StopAtACancelAndInClosedHours) {
     Einstellungen e;
     e.Pfad.Zeiten.Bis = 12 * 3600 + 60;  // closes at 12:01

@@ -101,13 +101,33 @@ TEST(Encoder, AnOptionSendsStrikeRightAndMultiplier) {
               "1|11|7|0|ES|FOP|202506|100000|P|50|CME||USD|||0||0|0||");
 }
 
-TEST(Encoder, ACombinationNamesItsNumberOfLegs) {
-    Contract c = ES();
-    c.secType = "BAG";
-    EXPECT_EQ(Nutzlast(encoder::ReqMktData(187, 7, c, "", false, false)),
-              "1|11|7|0|ES|BAG|202506|0|||CME||USD|||0|0||0|0||");
-    EXPECT_EQ(Nutzlast(encoder::ReqHistoricalData(187, 1, c, {"", "2000", "1 secs", "TRADES", false, 1, false})),
-              "20|1|0|ES|BAG|202506|0|||CME||USD|||0||1 secs|2000|0|TRADES|1|0|0||");
+TEST(Encoder, ACombinationNamesItsNumberOfLegsInAnyLetterCaseOfItsType) {
+    for (const std::string typ : {"BAG", "bag", "Bag"}) {
+        Contract c = ES();
+        c.secType = typ;
+        EXPECT_EQ(Nutzlast(encoder::ReqMktData(187, 7, c, "", false, false)),
+                  "1|11|7|0|ES|" + typ + "|202506|0|||CME||USD|||0|0||0|0||");
+        EXPECT_EQ(Nutzlast(encoder::ReqHistoricalData(187, 1, c, {"", "2000", "1 secs", "TRADES", false, 1, false})),
+                  "20|1|0|ES|" + typ + "|202506|0|||CME||USD|||0||1 secs|2000|0|TRADES|1|0|0||");
+    }
+}
+
+TEST(Encoder, AStrikeNeverHasAnExponent) {
+    const std::vector<std::pair<double, std::string>> paare{{100000, "100000"},
+                                                            {1e6, "1000000"},
+                                                            {1e7, "10000000"},
+                                                            {1.5e15, "1500000000000000"},
+                                                            {1e22, "1" + std::string(22, '0')},
+                                                            {0.00001, "0.00001"},
+                                                            {1.25e-7, "0.000000125"},
+                                                            {-2.5e8, "-250000000"},
+                                                            {123456789.125, "123456789.125"}};
+    for (const auto& [zahl, text] : paare) {
+        Contract c = ES();
+        c.strike = zahl;
+        EXPECT_EQ(Nutzlast(encoder::ReqMktData(187, 7, c, "", false, false)),
+                  "1|11|7|0|ES|FUT|202506|" + text + "|||CME||USD|||0||0|0||");
+    }
 }
 
 TEST(Encoder, DepthOfEveryLayout) {

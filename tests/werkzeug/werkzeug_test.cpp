@@ -180,7 +180,7 @@ TEST_F(WerkzeugTest, HelpAndVersionAreAnswersAndWrongUseIsAnError) {
 }
 
 // The reader of docs/dateiformat.md, run as it stands there.
-TEST(Dateiformat, ThePythonReaderOfTheDocumentReadsADataFile) {
+TEST(Dateiformat, ThePythonReaderOfTheDocumentReadsADataFileAndSkipsItsPadding) {
     if (std::system("python3 --version > /dev/null 2>&1") != 0) GTEST_SKIP() << "no python3";
     std::ifstream dokument(hilfen::Quellordner() + "/docs/dateiformat.md");
     const std::string text{std::istreambuf_iterator<char>(dokument), {}};
@@ -192,7 +192,8 @@ TEST(Dateiformat, ThePythonReaderOfTheDocumentReadsADataFile) {
     const std::filesystem::path ordner = ::mkdtemp(vorlage.data());
     std::ofstream(ordner / "leser.py") << programm;
     std::ofstream(ordner / "a.ZEK", std::ios::binary)
-        << DaxKopf() << Satzbytes(46342.5, 5012.25F, 3) << Satzbytes(46342.75, -0.5F, 7) << "torn";
+        << DaxKopf() << Satzbytes(46342.5, 5012.25F, 3) << Satzbytes(0, 5012.25F, 3) << Satzbytes(46342.75, -0.5F, 7)
+        << Satzbytes(-0.0, 0, 0) << std::string(16, '\0') << "torn";
     const std::string befehl = "cd " + ordner.string() + " && python3 leser.py a.ZEK > aus.txt 2>&1";
     EXPECT_EQ(std::system(befehl.c_str()), 0);
     std::ifstream aus(ordner / "aus.txt");

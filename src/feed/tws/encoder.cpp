@@ -2,6 +2,7 @@
 
 #include "feed/tws/nachrichten.h"
 #include "feed/tws/rahmen.h"
+#include "platform/text.h"
 
 #include <array>
 #include <charconv>
@@ -60,9 +61,10 @@ void SchreibeKontrakt(Schreiber& s, const Contract& c) {
     s.Feld(c.localSymbol).Feld(c.tradingClass);
 }
 
-// A combination would name its legs here; the count belongs to the layout even when there are none.
+// A combination would name its legs here; the count belongs to the layout even when there are none. The server reads
+// types without regard to letter case.
 void SchreibeOhneBeine(Schreiber& s, const Contract& c) {
-    if (c.secType == "BAG") s.Feld(0);
+    if (GleichOhneGrossKlein(c.secType, "BAG")) s.Feld(0);
 }
 
 }  // namespace
