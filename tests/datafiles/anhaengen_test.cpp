@@ -95,12 +95,25 @@ TEST_F(Anhaengen, AZeroedHeaderIsReplacedAndTheRecordsStay) {
     EXPECT_EQ(Datei(), DaxDatei(3) + Jetzt(9));
 }
 
-TEST_F(Anhaengen, AHeaderWithANameIsNotReplaced) {
-    std::string kopf = Nullen(856);
-    kopf[40] = 'x';
+TEST_F(Anhaengen, AHeaderWithEitherOfItsTwoNamesIsNotReplaced) {
+    // The first and last letter of KurzName, then of LangSymbol.
+    for (const std::size_t stelle : {38u, 87u, 488u, 555u}) {
+        std::string kopf = Nullen(856);
+        kopf[stelle] = ' ';
+        Vorhanden(kopf);
+        titel.KonsistenzGecheckt(kursart::Bezahlt, false);
+        Tick(9);
+        EXPECT_EQ(Datei(), kopf + Jetzt(9)) << stelle;
+    }
+}
+
+TEST_F(Anhaengen, AHeaderWithoutBothNamesIsReplacedWhateverElseItHolds) {
+    std::string kopf(856, 'x');
+    kopf.replace(38, 50, Nullen(50));
+    kopf.replace(488, 68, Nullen(68));
     Vorhanden(kopf);
     Tick(9);
-    EXPECT_EQ(Datei(), kopf + Jetzt(9));
+    EXPECT_EQ(Datei(), DaxKopf() + Jetzt(9));
 }
 
 TEST_F(Anhaengen, AHeaderIsOnlyLookedAtOnceInARun) {
@@ -115,6 +128,17 @@ TEST_F(Anhaengen, ZeroRecordsAtTheEndGiveTheirPlaceToTheNewRecord) {
     Vorhanden(DaxDatei(3) + Nullen(32));
     Tick(9);
     EXPECT_EQ(Datei(), DaxDatei(3) + Jetzt(9));
+}
+
+TEST_F(Anhaengen, PaddingIsToldByItsDateAlone) {
+    Vorhanden(DaxDatei(3) + Satzbytes(0, 5012.25F, 3) + Satzbytes(-0.0, 0, 1) + Satzbytes(0, 1, 0));
+    Tick(9);
+    EXPECT_EQ(Datei(), DaxDatei(3) + Jetzt(9));
+    const std::string gut = DaxDatei(3) + Satzbytes(46001, 0, 0);
+    Vorhanden(gut);
+    titel.KonsistenzGecheckt(kursart::Bezahlt, false);
+    Tick(9);
+    EXPECT_EQ(Datei(), gut + Jetzt(9)) << "a price and a size of 0 are no padding";
 }
 
 TEST_F(Anhaengen, ZeroRecordsFurtherInStay) {

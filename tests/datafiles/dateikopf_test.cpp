@@ -37,11 +37,21 @@ TEST_F(Dateikopf, OfADaxFutureIsTheOneLaidOutByHand) {
     EXPECT_EQ(Bytes(Kopf(titel, kursart::Bezahlt)), DaxKopf());
 }
 
-TEST_F(Dateikopf, OfADepthFileHasItsOwnFeedLineAndNoNameOfAKind) {
-    const DatenDateikopf kopf = Kopf(titel, kursart::GeldTiefe(10));
-    EXPECT_EQ(FeldText(kopf.Kommentar), "Datenfeed Interactive Brokers Markttiefe\r\nDAX@EUREX_FUT_201206_EUR-BIDMT10");
-    EXPECT_EQ(FeldText(kopf.LangName), "DAX@EUREX_FUT_201206_EUR-BIDMT10");
-    EXPECT_EQ(std::string(kopf.Kursartname.data(), 12), Nullen(12));
+TEST_F(Dateikopf, OfADepthFileOfEitherSideHasItsOwnFeedLineAndNoNameOfAKind) {
+    const std::pair<std::int32_t, const char*> arten[] = {
+        {-101, "-ASKMT1"}, {-110, "-ASKMT10"}, {-201, "-BIDMT1"}, {-210, "-BIDMT10"}};
+    for (const auto& [art, zusatz] : arten) {
+        const DatenDateikopf kopf = Kopf(titel, art);
+        const std::string name = std::string("DAX@EUREX_FUT_201206_EUR") + zusatz;
+        EXPECT_EQ(FeldText(kopf.Kommentar), "Datenfeed Interactive Brokers Markttiefe\r\n" + name);
+        EXPECT_EQ(FeldText(kopf.LangName), name);
+        EXPECT_EQ(std::string(kopf.Kursartname.data(), 12), Nullen(12));
+    }
+}
+
+TEST_F(Dateikopf, OfAnyOtherKindHasTheFeedLineOfPrices) {
+    for (const std::int32_t art : {1, 2, 3, 5, 6, -99})
+        EXPECT_TRUE(FeldText(Kopf(titel, art).Kommentar).starts_with("Datenfeed Interactive Brokers\r\nDAX@")) << art;
 }
 
 TEST_F(Dateikopf, StartsFromZeroBytesWhateverStoodThere) {
@@ -157,6 +167,14 @@ TEST_F(Dateinamen, LeaveOutWhatIsEmptyAndAStrikeOfZero) {
     option.Ausübungsrecht = "C";
     option.Währung = "EUR";
     EXPECT_EQ(Dateinamensbildung(option, -1), "BASF@SMART-IBIS_OPT_20261218_12,5_C_EUR");
+}
+
+TEST_F(Dateinamen, LeaveOutANegativeStrike) {
+    titel.Basispreis = -12.5;
+    EXPECT_EQ(Dateinamensbildung(titel, -1), "DAX@EUREX_FUT_201206_EUR");
+    titel.Dateiname = "";
+    titel.Basispreis = 0.001;
+    EXPECT_EQ(Dateinamensbildung(titel, -1), "DAX@EUREX_FUT_201206_0,001_EUR");
 }
 
 TEST_F(Dateinamen, HaveAHyphenForEachOfTheNineForbiddenCharacters) {

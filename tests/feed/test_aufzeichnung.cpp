@@ -154,6 +154,8 @@ constexpr Handel Handelstabelle[] = {
     {"a hair above the bid still counts as the bid", 99.00005F, 99, 101, 90, 99, 101, 1, -1},
     {"more than a hair above the bid doesn't", 99.0005F, 99, 101, 90, 99, 101, -1, 1},
     {"a hair below the ask still counts as the ask", 100.99995F, 99, 101, 110, 99, 101, -1, 1},
+    {"an ask a hair above the bid skips the quote test", 1e5F, 1e5F, 100000.0625F, 99990, 1e5F, 100000.0625F, 1, 1},
+    {"an ask more than a hair above the bid doesn't", 1e5F, 1e5F, 100000.125F, 99990, 1e5F, 100000.125F, 1, -1},
     // tick test
     {"between the quotes, up", 100, 99, 101, 99, 99, 101, -1, 1},
     {"between the quotes, down", 100, 99, 101, 100.5F, 99, 101, 1, -1},

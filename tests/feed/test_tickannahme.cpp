@@ -257,6 +257,27 @@ TEST_F(Tickannahmetest, TheTimeCorrectionCountsForTheStartTime) {
     EXPECT_EQ(saetze(kursart::Bezahlt).size(), 1U);
 }
 
+TEST_F(Tickannahmetest, ACorrectionThatLeadsPastMidnightIsALateTimeOfTheSameDay) {
+    auto es = titel("ES");
+    es->StartZeit = Uhrzeit(8, 0);
+    es->ZeitKorrektur = Uhrzeit(1, 0);
+    um(23, 30);  // 24:30
+    es.bezahlt(100).bezahltVol(1).geld(99).geldVol(2).brief(101).briefVol(3);
+    EXPECT_THAT(arten(), ElementsAre(kursart::BAVolume, kursart::Bezahlt, kursart::Geld, kursart::Brief));
+}
+
+TEST_F(Tickannahmetest, ACorrectionThatLeadsBeforeMidnightIsBeforeEveryStartTime) {
+    auto es = titel("ES");
+    es->ZeitKorrektur = -Uhrzeit(1, 0);
+    um(0, 59, 59);  // -00:00:01
+    es.bezahlt(100).bezahltVol(1).geld(99).geldVol(2).brief(101).briefVol(3);
+    EXPECT_THAT(ablage.Eintraege, IsEmpty());
+    EXPECT_TRUE(datenZeitBewegt());
+    um(1, 0);  // 00:00:00
+    es.bezahltVol(4).geldVol(5).briefVol(6);
+    EXPECT_THAT(arten(), ElementsAre(kursart::BAVolume, kursart::Bezahlt, kursart::Geld, kursart::Brief));
+}
+
 TEST_F(Tickannahmetest, AnInactiveTitleStoresItsLastSizeAndWritesNothing) {
     auto es = titel("ES");
     es->Aktiv(false);

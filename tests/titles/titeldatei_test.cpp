@@ -127,6 +127,67 @@ TEST_F(TiteldateiTest, ATitleLaidOutByHandIsRead) {
     EXPECT_FALSE(titel.UseMarkttiefe || titel.IstLokalesSymbol || titel.UseGesamtVol);
 }
 
+// Where each switch of EinTitel has its two bytes, counted by hand. The use of the total volume is never read.
+struct Schalter {
+    const char* Was;
+    std::size_t Stelle;
+    void (*An)(clTitelobjekt&);
+    bool (*Ist)(const clTitelobjekt&);
+};
+const Schalter AlleSchalter[] = {
+    {"Aktiv", 80, [](auto& t) { t.Aktiv(true); }, [](const auto& t) { return t.Aktiv(); }},
+    {"BidAsk", 84, [](auto& t) { t.BidAsk = true; }, [](const auto& t) { return t.BidAsk; }},
+    {"UseMarkttiefe", 127, [](auto& t) { t.UseMarkttiefe = true; }, [](const auto& t) { return t.UseMarkttiefe; }},
+    {"NegativeWerteErlaubt", 131, [](auto& t) { t.NegativeWerteErlaubt = true; },
+     [](const auto& t) { return t.NegativeWerteErlaubt; }},
+    {"IstLokalesSymbol", 175, [](auto& t) { t.IstLokalesSymbol = true; },
+     [](const auto& t) { return t.IstLokalesSymbol; }},
+    {"UseGesamtVol", 179, [](auto& t) { t.UseGesamtVol = true; }, [](const auto&) { return false; }},
+    {"DontUseGesamtVol", 187, [](auto& t) { t.DontUseGesamtVol = true; },
+     [](const auto& t) { return t.DontUseGesamtVol; }},
+};
+
+TEST_F(TiteldateiTest, EachSwitchOfATitleHasItsOwnPlaceAndIsReadFromThere) {
+    for (const Schalter& schalter : AlleSchalter) {
+        std::string erwartet = EinTitel;
+        for (const Schalter& aus : AlleSchalter) erwartet.replace(aus.Stelle, 2, Hex("0000"));
+        erwartet.replace(schalter.Stelle, 2, Hex("FFFF"));
+        auto titel = EsTitel();
+        titel->Aktiv(false);
+        titel->BidAsk = titel->NegativeWerteErlaubt = titel->UseGesamtVol = titel->DontUseGesamtVol = false;
+        schalter.An(*titel);
+        Titelliste liste;
+        liste.Fuege(titel);
+        SchreibeTiteldatei(ram, "/p/", liste);
+        EXPECT_EQ(ram.Inhalt(Pfad), Kennung + erwartet) << schalter.Was;
+
+        clTitelobjekt gelesen;
+        const Titeldatei datei = LiesAus(Kennung + erwartet);
+        gelesen.ReadAllPara(std::get<Werteliste>(datei.Titel.Inhalt).Elemente.at(0));
+        for (const Schalter& jeder : AlleSchalter)
+            EXPECT_EQ(jeder.Ist(gelesen), &jeder == &schalter && jeder.Ist(*titel))
+                << schalter.Was << " read as " << jeder.Was;
+    }
+}
+
+TEST_F(TiteldateiTest, MoreThan255TitlesAreCountedWrittenAndReadInTheirOrder) {
+    for (const int anzahl : {255, 256, 257, 300, 1000}) {
+        Titelliste liste;
+        Fuelle(liste, anzahl);
+        SchreibeTiteldatei(ram, "/p/", liste);
+        const auto oben = static_cast<char>(anzahl / 256), unten = static_cast<char>(anzahl % 256);
+        EXPECT_EQ(ram.Inhalt(Pfad).substr(32, 4), (std::string{unten, oben, 0, 0})) << "the count of elements";
+        const Titeldatei gelesen = Lies();
+        const auto& elemente = std::get<Werteliste>(gelesen.Titel.Inhalt).Elemente;
+        ASSERT_EQ(elemente.size(), static_cast<std::size_t>(anzahl));
+        for (int i = 1; i <= anzahl; ++i) {
+            clTitelobjekt titel;
+            titel.ReadAllPara(elemente[static_cast<std::size_t>(i) - 1]);
+            EXPECT_EQ(titel.Symbol, "S" + std::to_string(i));
+        }
+    }
+}
+
 TEST_F(TiteldateiTest, AnEmptyListIsTheEmptyTypeWordAndLoadsAsNoList) {
     EXPECT_EQ(SchreibeTiteldatei(ram, "/p/", {}), std::nullopt);
     EXPECT_EQ(ram.Inhalt(Pfad), Kennung + Hex("0000"));
