@@ -13,9 +13,8 @@
 namespace zek {
 
 Dialogbasis::Dialogbasis(QWidget* eltern, const QString& titel, Hilfeoeffner hilfe, std::string hilfeseite)
-    : QDialog(eltern), hilfe_(std::move(hilfe)), hilfeseite_(std::move(hilfeseite)) {
+    : Dialogfenster(eltern), hilfe_(std::move(hilfe)), hilfeseite_(std::move(hilfeseite)) {
     setWindowTitle(titel);
-    setModal(true);
 }
 
 QDialogButtonBox* Dialogbasis::Knopfleiste(const QString& okayText) {
@@ -47,7 +46,7 @@ void Dialogbasis::keyPressEvent(QKeyEvent* ereignis) {
         ZeigeHilfe();
         return;
     }
-    QDialog::keyPressEvent(ereignis);
+    Dialogfenster::keyPressEvent(ereignis);
 }
 
 namespace {

@@ -1,9 +1,9 @@
-// What all dialogs share: the row of standard buttons with their object names, and help by button and F1.
+// What dialogs with settings share: the row of standard buttons with their object names, and help by button and F1.
 #pragma once
 
+#include "fensterwerk/dialogfenster.h"
 #include "fensterwerk/text.h"
 
-#include <QDialog>
 #include <functional>
 #include <string>
 
@@ -17,7 +17,7 @@ namespace zek {
 using Hilfeoeffner = std::function<void(const std::string& seite)>;
 
 // A modal dialog with `Okay` (default button), `Abbruch` (Escape) and, where it has a page in the manual, `Hilfe`.
-class Dialogbasis : public QDialog {
+class Dialogbasis : public Dialogfenster {
 public:
     Dialogbasis(QWidget* eltern, const QString& titel, Hilfeoeffner hilfe, std::string hilfeseite);
 

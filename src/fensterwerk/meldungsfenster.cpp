@@ -28,11 +28,11 @@ QSize Knopfgroesse(const QPushButton& knopf) {
 }  // namespace
 
 frmMessageDialog::frmMessageDialog(QWidget* eltern, const Uhr& uhr, const QString& text, int flags, int sekunden)
-    : QDialog(eltern), flags_(flags), knoepfe_(KnoepfeFuer(flags)), takt_(uhr, sekunden) {
+    : Dialogfenster(eltern), flags_(flags), knoepfe_(KnoepfeFuer(flags)), takt_(uhr, sekunden) {
     setObjectName("frmMessageDialog");
     setWindowTitle(Q(Meldungstitel));
-    setModal(true);
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    // Without a window under it nothing else keeps the message from being covered.
+    if (eltern == nullptr) setWindowFlag(Qt::WindowStaysOnTopHint);
     Zeitgeber_ = new QTimer(this);
     Zeitgeber_->setObjectName("Zeitgeber");
     Zeitgeber_->setInterval(1000);
@@ -91,7 +91,7 @@ int frmMessageDialog::Frage() {
 }
 
 void frmMessageDialog::showEvent(QShowEvent* ereignis) {
-    QDialog::showEvent(ereignis);
+    Dialogfenster::showEvent(ereignis);
     const int vorgabe = std::clamp(knoepfe_.Standard, 0, knoepfe_.Anzahl - 1);
     btn_[static_cast<std::size_t>(vorgabe)]->setFocus();
 }
@@ -114,7 +114,7 @@ void frmMessageDialog::keyPressEvent(QKeyEvent* ereignis) {
         for (QPushButton* knopf : btn_)
             if (knopf != nullptr && knopf->hasFocus()) return knopf->click();
     }
-    QDialog::keyPressEvent(ereignis);
+    Dialogfenster::keyPressEvent(ereignis);
 }
 
 void frmMessageDialog::Klick(int knopf) {

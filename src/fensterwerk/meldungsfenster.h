@@ -1,9 +1,9 @@
 // frmMessageDialog: the message that can close itself, the window behind ZeigeMeldung.
 #pragma once
 
+#include "fensterwerk/dialogfenster.h"
 #include "session/meldung.h"
 
-#include <QDialog>
 #include <array>
 
 class QLabel;
@@ -12,7 +12,7 @@ class QTimer;
 
 namespace zek {
 
-class frmMessageDialog : public QDialog {
+class frmMessageDialog : public Dialogfenster {
 public:
     // `flags` and `sekunden` as in ZeigeMeldung. `uhr` must outlive the window.
     frmMessageDialog(QWidget* eltern, const Uhr& uhr, const QString& text, int flags, int sekunden);

@@ -72,7 +72,7 @@ bool Meldungsgeber::Minimiert() const {
 
 QWidget* Meldungsgeber::Eltern() const {
     if (QWidget* offener = QApplication::activeModalWidget()) return offener;
-    return fenster_ != nullptr && fenster_->isVisible() ? fenster_ : nullptr;
+    return fenster_ != nullptr && fenster_->isVisible() && !Minimiert() ? fenster_ : nullptr;
 }
 
 }  // namespace zek

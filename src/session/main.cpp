@@ -3,6 +3,7 @@
 #include "platform/datum.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
+#include "session/zuruf.h"
 
 #include <algorithm>
 #include <chrono>
@@ -113,6 +114,8 @@ Startergebnis Startfolge::ZweiteInstanz() {
         einstellungen_.SchreibeRegistry(Programmtitel, abschnitt::Kommando, befehle_.Quit ? "DoQuit" : "Restart", "1");
         return Startergebnis::Beendet;
     }
+    if (!gesicht_.OhneBildschirm())
+        OhneFehler([&] { RufeNachVorn(einstellungen_, modul_.Programmordner, plattform_.Uhr.Jetzt()); });
     // The folder named is that of the instance that is being refused.
     gesicht_.ZeigeMeldung(
         "Tessaron ZEK für IB wurde bereits aus dem Ordner " + OhneTrenner(modul_.Programmordner) + " gestartet!",

@@ -24,7 +24,7 @@ QLabel* Absatz(const QString& text) {
 frmBeispieltitel::frmBeispieltitel(QWidget* eltern, Meldungen& meldungen,
                                    std::function<void(const Beispielbereiche&)> anlegen,
                                    std::function<void()> nieWiederFragen)
-    : QDialog(eltern),
+    : Dialogfenster(eltern),
       meldungen_(meldungen),
       anlegen_(std::move(anlegen)),
       nieWiederFragen_(std::move(nieWiederFragen)) {

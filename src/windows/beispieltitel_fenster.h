@@ -1,17 +1,17 @@
 // frmBeispieltitel: the offer of sample titles while the title list is empty.
 #pragma once
 
+#include "fensterwerk/dialogfenster.h"
 #include "modul/rollen.h"
 #include "session/beispieltitel.h"
 
-#include <QDialog>
 #include <functional>
 
 class QListWidget;
 
 namespace zek {
 
-class frmBeispieltitel : public QDialog {
+class frmBeispieltitel : public Dialogfenster {
 public:
     // `anlegen` adds the chosen areas and saves; `nieWiederFragen` stores that the offer isn't wanted any more.
     frmBeispieltitel(QWidget* eltern, Meldungen& meldungen, std::function<void(const Beispielbereiche&)> anlegen,

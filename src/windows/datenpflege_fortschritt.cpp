@@ -34,7 +34,7 @@ QString Restzeit(double sekunden) {
     return QString("noch etwa %1:%2 Stunden").arg(minuten / 60).arg(minuten % 60, 2, 10, QChar('0'));
 }
 
-frmDatenpflegeFortschritt::frmDatenpflegeFortschritt(QWidget* eltern) : QDialog(eltern) {
+frmDatenpflegeFortschritt::frmDatenpflegeFortschritt(QWidget* eltern) : Dialogfenster(eltern) {
     setObjectName("frmDatenpflegeFortschritt");
     setWindowTitle("Datenpflege");
     Titellabel_ = Zeile("Titellabel");

@@ -2,9 +2,8 @@
 // Datenpflegelauf.
 #pragma once
 
+#include "fensterwerk/dialogfenster.h"
 #include "modul/rollen.h"
-
-#include <QDialog>
 
 class QLabel;
 class QProgressBar;
@@ -12,7 +11,7 @@ class QPushButton;
 
 namespace zek {
 
-class frmDatenpflegeFortschritt : public QDialog, public Datenpflegeanzeige {
+class frmDatenpflegeFortschritt : public Dialogfenster, public Datenpflegeanzeige {
 public:
     explicit frmDatenpflegeFortschritt(QWidget* eltern);
 

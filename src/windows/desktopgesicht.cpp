@@ -5,12 +5,13 @@
 #include "platform/datum.h"
 #include "platform/text.h"
 #include "session/sitzung.h"
+#include "session/zuruf.h"
 #include "windows/befehle.h"
 #include "windows/beispieltitel_fenster.h"
 #include "windows/datenpflege_optionen.h"
+#include "windows/infobereich.h"
 #include "windows/monitorplatz.h"
 #include "windows/statusliste.h"
-#include "windows/taskleiste.h"
 
 #include <QApplication>
 #include <QDockWidget>
@@ -21,13 +22,18 @@ namespace zek {
 
 namespace {
 
-constexpr std::string_view Taskbar = "Taskbar";
-constexpr std::string_view Anzeigen = "Anzeigen";
+constexpr int Zuruftakt = 1000;  // ms
 
 }  // namespace
 
 Desktopgesicht::Desktopgesicht(const Uhr& uhr, Hilfeoeffner hilfe, std::string version)
-    : uhr_(uhr), hilfe_(std::move(hilfe)), version_(std::move(version)), meldungen_(uhr) {}
+    : uhr_(uhr), hilfe_(std::move(hilfe)), version_(std::move(version)), meldungen_(uhr) {
+    zuruftakt_.setObjectName("Zuruf");
+    zuruftakt_.setInterval(Zuruftakt);
+    QObject::connect(&zuruftakt_, &QTimer::timeout, [this] {
+        if (zurufe_->Gerufen() && !sitzung_->Beendet()) FensterNachVorn();
+    });
+}
 
 Desktopgesicht::~Desktopgesicht() = default;
 
@@ -35,6 +41,10 @@ void Desktopgesicht::SetzeSitzung(Sitzung& sitzung) {
     sitzung_ = &sitzung;
     plaetze_ = std::make_unique<Fensterplatz>(sitzung.Einstellungen());
     befehle_ = std::make_unique<Befehle>(*this, sitzung, hilfe_, version_);
+}
+
+frmSysTray* Desktopgesicht::Tray() {
+    return infobereich_ ? infobereich_->Tray() : nullptr;
 }
 
 int Desktopgesicht::ZeigeMeldung(const std::string& text, int flags, int sekunden) {
@@ -72,10 +82,18 @@ void Desktopgesicht::LadeHauptfenster() {
     umfeld.DarfSchliessen = [this] { return FrageSchliessen(); };
     umfeld.Schliessen = [this] { sitzung_->Beende(); };
     umfeld.PlatzSpeichern = [this] { FensterplatzSpeichern(); };
-    umfeld.Minimiert = [this] { Minimiert(); };
+    umfeld.Minimiert = [this] { infobereich_->Minimiert(); };
     umfeld.StatusAnzeigen = [this](const std::string& text) { ZeigeMeldung(text, meldung::Ok, 0); };
     umfeld.Kursanzahl = [this] { return sitzung_->Modul().Kursanzahl; };
     fenster_ = std::make_unique<IB_Hauptfenster>(std::move(umfeld));
+    infobereich_ = std::make_unique<Infobereich>(Infobereich::Umgebung{
+        *fenster_, sitzung_->Einstellungen(), *this, sitzung_->Modul(), [this] { return sitzung_->Beendet(); },
+        [this](int nummer) { befehle_->Ausfuehren(nummer); },
+        [this] {
+            if (FrageSchliessen()) sitzung_->Beende();
+        }});
+    zurufe_ = std::make_unique<Zurufhoerer>(sitzung_->Einstellungen(), sitzung_->Modul().Programmordner);
+    zuruftakt_.start();
     meldungen_.SetzeHauptfenster(fenster_.get());
     plaetze_->Laden(*fenster_, IB_Hauptfenster::Platzschluessel);
 }
@@ -85,24 +103,16 @@ bool Desktopgesicht::HauptfensterMinimiert() const {
 }
 
 void Desktopgesicht::TaskleistenstilSetzen(bool an) {
-    inTaskleiste_ = an;
-    if (fenster_) TaskleisteneintragSetzen(*fenster_, an);
+    if (infobereich_) infobereich_->TaskleistenstilSetzen(an);
 }
 
 void Desktopgesicht::ZeigeStartansicht() {
     fenster_->Startansicht(Q(Datumtext(sitzung_->Modul().Startzeitpunkt)));
-    fenster_->show();
-    if (inTaskleiste_) TaskleistenstilSetzen(true);
-}
-
-// A window that was hidden comes back with the style that it had; without an icon it always has an entry.
-void Desktopgesicht::ZeigeFenster() {
-    if (!fenster_) return;
-    fenster_->NachVorn();
-    TaskleisteneintragSetzen(*fenster_, inTaskleiste_ || !tray_ || !tray_->Sichtbar());
+    infobereich_->ZeigeZumStart();
 }
 
 bool Desktopgesicht::Verbindungseinstellungen(Verbindungsangaben& angaben) {
+    FensterNachVorn();
     return befehle_->FrageVerbindung(angaben);
 }
 
@@ -139,6 +149,7 @@ void Desktopgesicht::KomprimierteAnsichtSetzen(bool an) {
 }
 
 void Desktopgesicht::ZeigeBeispieltitel() {
+    FensterNachVorn();
     frmBeispieltitel fenster(
         fenster_.get(), *this,
         [this](const Beispielbereiche& bereiche) { sitzung_->Teile().BeispieltitelAnlegen(bereiche); },
@@ -150,102 +161,6 @@ void Desktopgesicht::ZeigeBeispieltitel() {
     TitelGeaendert();
 }
 
-// ---- tray
-
-void Desktopgesicht::TrayErzeugen() {
-    tray_ = std::make_unique<frmSysTray>(nullptr);
-    tray_->AddMenuItem("&Tessaron ZEK anzeigen", "Open", true);
-    tray_->AddMenuItem("-");
-    tray_->AddMenuItem("&Titelauswahl...", "Titelauswahl");
-    tray_->AddMenuItem("&Verwaltung...", "Verwaltung");
-    tray_->AddMenuItem("-");
-    tray_->AddMenuItem("In Taskleiste &anzeigen", "ShowInTaskBar");
-    tray_->AddMenuItem("-");
-    tray_->AddMenuItem("&Tessaron ZEK beenden", "Beenden");
-    tray_->CheckMenuItem(EintragTaskleiste, false);
-    std::string ordner = sitzung_->Modul().Programmordner;
-    if (ordner.size() > 1 && ordner.ends_with('/')) ordner.pop_back();
-    tray_->ToolTip(Q("Tessaron ZEK für IB (" + ordner + ")"));
-    tray_->MenuClick = [this](int, const QString& schluessel) { TrayMenue(schluessel); };
-    tray_->SysTrayMouseUp = [this](frmSysTray::Taste taste) {
-        if (taste == frmSysTray::Taste::Links) FensterNachVorn();
-    };
-}
-
-// The session can end in each of its waits.
-void Desktopgesicht::InitSysTray() {
-    QApplication::processEvents();
-    if (sitzung_->Beendet()) return;
-    TrayErzeugen();
-    ErsteFrageTaskleiste();
-    if (sitzung_->Beendet()) return;
-    Einstellungsspeicher& speicher = sitzung_->Einstellungen();
-    if (Zahlwert(speicher.LeseEinstellung(Programmtitel, abschnitt::Hauptfenster, Taskbar, "1")) != 0) {
-        speicher.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, Taskbar, "1");
-        tray_->CheckMenuItem(EintragTaskleiste, true);
-        fenster_->show();
-        TaskleistenstilSetzen(true);
-        taskleisteGeklaert_ = true;
-        QApplication::processEvents();
-        if (sitzung_->Beendet()) return;
-        FensterNachVorn();
-    }
-    taskleisteGeklaert_ = true;
-    const std::string anzeigen = speicher.LeseEinstellung(Programmtitel, abschnitt::Hauptfenster, Anzeigen, "-1");
-    if (Zahlwert(anzeigen) == 0)
-        fenster_->showMinimized();
-    else
-        FensterNachVorn();
-}
-
-void Desktopgesicht::ErsteFrageTaskleiste() {
-    Einstellungsspeicher& speicher = sitzung_->Einstellungen();
-    if (!speicher.LeseEinstellung(Programmtitel, abschnitt::Hauptfenster, Taskbar, "").empty()) return;
-    const bool ja =
-        ZeigeMeldung(
-            "Das Symbol von Tessaron ZEK wird im Infobereich der Taskleiste angezeigt. Mit rechtem Mausklick auf "
-            "das Symbol öffnen Sie dort das Auswahlmenü.\nSoll Tessaron ZEK auch als Programm in der Taskleiste "
-            "erscheinen?",
-            meldung::JaNein, 0) == meldung::AntwortJa;
-    if (sitzung_->Beendet()) return;
-    speicher.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, Taskbar, ja ? "1" : "0");
-}
-
-void Desktopgesicht::TrayMenue(const QString& schluessel) {
-    if (schluessel == "Open") {
-        FensterNachVorn();
-    } else if (schluessel == "Titelauswahl") {
-        befehle_->Ausfuehren(befehl::Titelauswahl);
-    } else if (schluessel == "Verwaltung") {
-        befehle_->Ausfuehren(befehl::Verwaltung);
-    } else if (schluessel == "ShowInTaskBar") {
-        TaskleisteUmschalten();
-    } else if (schluessel == "Beenden") {
-        if (FrageSchliessen()) sitzung_->Beende();
-    }
-}
-
-void Desktopgesicht::TaskleisteUmschalten() {
-    // The click has already toggled the check mark.
-    const bool an = tray_->IsCheckedMenuItem(EintragTaskleiste);
-    TaskleistenstilSetzen(an);
-    if (an) {
-        FensterNachVorn();
-        return;
-    }
-    ZeigeMeldung("Die Änderung dieser Einstellung wird erst nach Neustart des Programms wirksam.", meldung::Ok, 0);
-}
-
-bool Desktopgesicht::InTaskleisteAngehakt() const {
-    return tray_ && tray_->IsCheckedMenuItem(EintragTaskleiste);
-}
-
-void Desktopgesicht::TrayFreigeben() {
-    if (!tray_) return;
-    tray_->Entferne();
-    alterTray_ = std::move(tray_);
-}
-
 // A second request while the question stands is the same question.
 bool Desktopgesicht::FrageSchliessen() {
     if (schliessfrageOffen_ || sitzung_->Beendet()) return false;
@@ -253,13 +168,6 @@ bool Desktopgesicht::FrageSchliessen() {
     const bool ja = DarfSchliessen(sitzung_->Modul(), *this, fenster_->windowTitle().toStdString());
     schliessfrageOffen_ = false;
     return ja;
-}
-
-void Desktopgesicht::Minimiert() {
-    // Without a notification area a hidden window could never come back.
-    if (!fenster_->isMinimized() || !tray_ || !tray_->Sichtbar() || InTaskleisteAngehakt()) return;
-    TaskleistenstilSetzen(false);
-    fenster_->hide();
 }
 
 // ---- while it runs
@@ -283,7 +191,23 @@ void Desktopgesicht::VerbergeOfflinewarnung() {
 }
 
 void Desktopgesicht::FensterNachVorn() {
-    ZeigeFenster();
+    if (infobereich_) infobereich_->NachVorn();
+}
+
+void Desktopgesicht::InitSysTray() {
+    infobereich_->InitSysTray();
+}
+
+bool Desktopgesicht::InTaskleisteAngehakt() const {
+    return infobereich_ && infobereich_->InTaskleisteAngehakt();
+}
+
+bool Desktopgesicht::TaskleisteGeklaert() const {
+    return infobereich_ && infobereich_->TaskleisteGeklaert();
+}
+
+void Desktopgesicht::TrayFreigeben() {
+    if (infobereich_) infobereich_->Freigeben();
 }
 
 void Desktopgesicht::Ton() {

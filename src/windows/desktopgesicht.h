@@ -9,14 +9,17 @@
 #include "windows/hauptfenster.h"
 #include "windows/monitor.h"
 #include "windows/startfenster.h"
-#include "windows/tray.h"
 
+#include <QTimer>
 #include <memory>
 
 namespace zek {
 
 class Befehle;
+class Infobereich;
 class Sitzung;
+class Zurufhoerer;
+class frmSysTray;
 
 class Desktopgesicht final : public Gesicht {
 public:
@@ -25,7 +28,7 @@ public:
 
     void SetzeSitzung(Sitzung& sitzung);
     IB_Hauptfenster* Hauptfenster() { return fenster_.get(); }
-    frmSysTray* Tray() { return tray_.get(); }
+    frmSysTray* Tray();
     frmMonitor* Monitor() { return monitor_; }
 
     // Command 1026.
@@ -68,23 +71,14 @@ public:
     Datenpflegeanzeige& DatenpflegeFensterErzeugen() override;
     void DatenpflegeFensterFreigeben() override;
     std::optional<Datenpflegewahl> DatenpflegeOptionen(const Datenpflegeoptionen::Vorgabe& vorgabe) override;
-    bool TaskleisteGeklaert() const override { return taskleisteGeklaert_; }
+    bool TaskleisteGeklaert() const override;
     bool InTaskleisteAngehakt() const override;
     void TrayFreigeben() override;
     void FensterplatzSpeichern() override;
     void MonitorplatzSpeichern() override;
 
 private:
-    // Index of "In Taskleiste &anzeigen" in the tray's menu.
-    static constexpr int EintragTaskleiste = 5;
-
     bool FrageSchliessen();
-    void ZeigeFenster();
-    void TrayErzeugen();
-    void Minimiert();
-    void TrayMenue(const QString& schluessel);
-    void TaskleisteUmschalten();
-    void ErsteFrageTaskleiste();
     void MonitorOeffnen();
     void MonitorSchliessen();
 
@@ -96,14 +90,13 @@ private:
     std::unique_ptr<Fensterplatz> plaetze_;
     std::unique_ptr<IB_Hauptfenster> fenster_;
     std::unique_ptr<Befehle> befehle_;
-    std::unique_ptr<frmSysTray> tray_;
-    std::unique_ptr<frmSysTray> alterTray_;  // the end may come from an entry of its own menu
+    std::unique_ptr<Infobereich> infobereich_;
+    std::unique_ptr<Zurufhoerer> zurufe_;
+    QTimer zuruftakt_;
     std::unique_ptr<frmStartverzoegerung> verzoegerung_;
     std::unique_ptr<frmDatenpflegeFortschritt> datenpflege_;
     frmMonitor* monitor_ = nullptr;  // owned by the dock
     bool schliessfrageOffen_ = false;
-    bool inTaskleiste_ = false;  // the application-window style
-    bool taskleisteGeklaert_ = false;
 };
 
 }  // namespace zek

@@ -8,7 +8,6 @@
 #include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
-#include <QLocale>
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QStatusBar>
@@ -41,11 +40,23 @@ private:
     std::function<void()> beiSchliessen_;
 };
 
-QLabel* Label(const char* name) {
-    auto* label = new QLabel;
+// Never less high than its text needs at its width.
+class Warnung : public QLabel {
+protected:
+    void resizeEvent(QResizeEvent* ereignis) override {
+        QLabel::resizeEvent(ereignis);
+        setMinimumHeight(heightForWidth(width()));
+    }
+};
+
+QLabel* Benannt(QLabel* label, const char* name) {
     label->setObjectName(name);
     label->setTextFormat(Qt::PlainText);
     return label;
+}
+
+QLabel* Label(const char* name) {
+    return Benannt(new QLabel, name);
 }
 
 }  // namespace
@@ -55,7 +66,9 @@ IB_Hauptfenster::IB_Hauptfenster(Umfeld umfeld) : um_(std::move(umfeld)) {
     setWindowTitle("Tessaron ZEK für Interactive Brokers");
     setWindowIcon(QIcon(":/zek/zek.svg"));
     aktionen_ = new Aktionen(*this, [this](int nummer) { um_.Ausfuehren(nummer); });
-    offline_ = Label("txtOfflineWarnung");
+    offline_ = Benannt(new Warnung, "txtOfflineWarnung");
+    // The words of the loss that brings none of its own.
+    offline_->setText("Verbindung zur TWS ist unterbrochen!\nEs werden keine Daten aufgezeichnet!");
     offline_->setAlignment(Qt::AlignCenter);
     offline_->setWordWrap(true);
     offline_->setStyleSheet("background: rgb(200, 20, 20); color: white; font-weight: bold; padding: 10px;");
@@ -73,7 +86,6 @@ IB_Hauptfenster::IB_Hauptfenster(Umfeld umfeld) : um_(std::move(umfeld)) {
     info_->hide();
     setCentralWidget(rahmen);
     setDockOptions(AnimatedDocks | AllowNestedDocks);
-    setMinimumSize(360, 240);
     resize(1120, 640);
     statusBar()->setSizeGripEnabled(true);
 
@@ -204,7 +216,7 @@ void IB_Hauptfenster::TitelInfo(const QString& text) {
 }
 
 void IB_Hauptfenster::KurseAuffrischen() {
-    const QString text = QLocale(QLocale::German).toString(static_cast<qlonglong>(um_.Kursanzahl()));
+    const QString text = QString::number(static_cast<qlonglong>(um_.Kursanzahl()));
     if (kurse_->text() != text) kurse_->setText(text);
 }
 

@@ -15,7 +15,7 @@
 
 namespace zek {
 
-frmTessaronInfo::frmTessaronInfo(QWidget* eltern, const QString& version) : QDialog(eltern) {
+frmTessaronInfo::frmTessaronInfo(QWidget* eltern, const QString& version) : Dialogfenster(eltern) {
     setObjectName("frmTessaronInfo");
     setWindowTitle("Info über Tessaron ZEK");
     auto* bild = new QLabel;
@@ -53,7 +53,7 @@ void frmTessaronInfo::StartSysInfo() {
             QString(programm) == "gnome-control-center" ? QStringList{"info-overview"} : QStringList{};
         if (QProcess::startDetached(pfad, argumente)) return;
     }
-    QDialog fenster(this);
+    Dialogfenster fenster(this);
     fenster.setObjectName("Systeminfo");
     fenster.setWindowTitle("Systeminformation");
     auto* text =

@@ -1,11 +1,11 @@
 // frmTessaronInfo: name and version of the program, and the way to the system information.
 #pragma once
 
-#include <QDialog>
+#include "fensterwerk/dialogfenster.h"
 
 namespace zek {
 
-class frmTessaronInfo : public QDialog {
+class frmTessaronInfo : public Dialogfenster {
 public:
     explicit frmTessaronInfo(QWidget* eltern, const QString& version);
 

@@ -12,7 +12,7 @@
 
 namespace zek {
 
-frmStartHinweis::frmStartHinweis(QWidget* eltern) : QDialog(eltern) {
+frmStartHinweis::frmStartHinweis(QWidget* eltern) : Dialogfenster(eltern) {
     setObjectName("frmStartHinweis");
     setWindowTitle("Tessaron ZEK für Interactive Brokers");
     auto* bild = new QLabel;
@@ -58,7 +58,7 @@ StarthinweisAntwort frmStartHinweis::Frage() {
     return {!weiter, optNichtmehrAnzeigen_->isChecked()};
 }
 
-frmStartverzoegerung::frmStartverzoegerung(const QString& text, int maximum) {
+frmStartverzoegerung::frmStartverzoegerung(const QString& text, int maximum) : Dialogfenster(nullptr) {
     setObjectName("frmStartverzögerung");
     setWindowTitle("Tessaron ZEK");
     auto* label = new QLabel(text);

@@ -2,7 +2,7 @@
 // the switch "/W" orders.
 #pragma once
 
-#include "fensterwerk/dialogbasis.h"
+#include "fensterwerk/dialogfenster.h"
 #include "session/gesicht.h"
 
 class QCheckBox;
@@ -11,7 +11,7 @@ class QProgressBar;
 
 namespace zek {
 
-class frmStartHinweis : public QDialog {
+class frmStartHinweis : public Dialogfenster {
 public:
     explicit frmStartHinweis(QWidget* eltern);
     StarthinweisAntwort Frage();
@@ -20,7 +20,7 @@ private:
     QCheckBox* optNichtmehrAnzeigen_;
 };
 
-class frmStartverzoegerung : public QDialog {
+class frmStartverzoegerung : public Dialogfenster {
 public:
     frmStartverzoegerung(const QString& text, int maximum);
     void Wert(int wert);

@@ -10,7 +10,7 @@ from rekorder import wait_for
 WIDTH, HEIGHT = 1400, 1000
 
 
-def missing(names=("Xvfb", "openbox", "xdotool", "import", "xprop", "xwininfo")):
+def missing(names=("Xvfb", "openbox", "xdotool", "import", "xprop", "xwininfo", "xev")):
     """Those of the programs that a screen needs that aren't there."""
     return [name for name in names if shutil.which(name) is None]
 
@@ -81,8 +81,18 @@ class Screen:
     def activate(self, window):
         def active():
             self.xdotool("windowactivate", window)
-            return self.xdotool("getactivewindow").strip() == str(window)
+            return self.focus() == window
         wait_for(active, 10, "the focus")
+
+    def focus(self):
+        """Id of the window that has the focus."""
+        found = self.xdotool("getactivewindow").strip()
+        return int(found) if found else None
+
+    def other_program(self):
+        """Starts a program that has nothing to do with ours and gives its window, which has the focus."""
+        self._start(["xev", "-name", "Anderes Programm"], env=self.env)
+        return self.window("Anderes Programm")
 
     def gone(self, title, seconds=20):
         wait_for(lambda: not self.windows(title), seconds, f'the end of the window "{title}"')

@@ -51,6 +51,10 @@ class Desktop(Case):
         # The program writes 1 here as soon as it shows the working view.
         self.setting(APP, "Hauptfenster", "Taskbar", "2")
 
+    def mark_start(self):
+        path = self.settings_file(APP)
+        path.write_text(re.sub(r"Taskbar=.*", "Taskbar=2", path.read_text()))
+
     def working_view(self, seconds=20):
         wait_for(lambda: self.read_setting(APP, "Hauptfenster", "Taskbar") == "1", seconds, "the working view")
 
@@ -123,6 +127,24 @@ class Window(Desktop):
         wait_for(lambda: self.screen.geometry(self.main) == place, 5, f"the place {place}")
 
 
+    def test_a_recorder_left_minimized_shows_nothing_and_takes_no_focus_on_its_way(self):
+        _, recorder = self.recording("/K")
+        self.screen.xdotool("windowminimize", "--sync", self.main)
+        time.sleep(1)
+        recorder.stop()
+        self.assertEqual(self.read_setting(APP, "Hauptfenster", "Anzeigen"), "0")
+        self.mark_start()
+        other = self.screen.other_program()
+        self.recorder("/K")
+        end = time.monotonic() + 4
+        while time.monotonic() < end:
+            self.assertEqual(self.screen.windows(MAIN), [])
+            self.assertEqual(self.screen.focus(), other)
+        self.working_view()
+        self.wait_for_records(50)
+        self.assertEqual(self.screen.windows(MAIN), [])
+
+
 class Instances(Desktop):
     def test_a_second_instance_says_so_and_goes_by_itself(self):
         self.recording("/K")
@@ -131,6 +153,18 @@ class Instances(Desktop):
         self.assertEqual(second.popen.wait(20), 0)
         self.screen.gone(MESSAGE)
         self.assertEqual(len(self.recorders()), 1)
+        self.wait_for_records(50)
+
+    def test_a_second_start_brings_the_running_one_to_the_front(self):
+        self.recording("/K")
+        self.screen.xdotool("windowminimize", "--sync", self.main)
+        self.screen.gone(MAIN)
+        second = self.recorder()
+        wait_for(lambda: self.screen.windows(MESSAGE), 10, "the message")
+        wait_for(lambda: self.screen.windows(MAIN), 4, "the window of the running recorder")
+        self.assertIsNone(second.popen.poll(), "the message went before its time")
+        self.assertEqual(second.popen.wait(20), 0)
+        wait_for(lambda: self.screen.focus() == self.main, 5, "the focus")
         self.wait_for_records(50)
 
     def test_quit_ends_the_window_without_a_question(self):
@@ -183,8 +217,7 @@ class Start(Desktop):
 
     def start_time(self, count, active):
         (self.home / "IB_Titel.Dat").write_bytes(title_file(count, active))
-        path = self.settings_file(APP)
-        path.write_text(re.sub(r"Taskbar=.*", "Taskbar=2", path.read_text()))
+        self.mark_start()
         begin = time.monotonic()
         recorder = self.recorder("/K")
         while self.read_setting(APP, "Hauptfenster", "Taskbar") != "1":
@@ -227,6 +260,14 @@ class Tray(Desktop):
 
     def test_a_minimized_window_comes_back_by_a_click_on_the_icon(self):
         self.recording("/K")
+        x, y = self.leave_the_task_bar()
+        self.screen.xdotool("windowminimize", "--sync", self.main)
+        self.screen.gone(MAIN)
+        self.wait_for_records(50)
+        self.screen.click(x, y)
+        self.main = self.screen.window(MAIN)
+
+    def leave_the_task_bar(self):
         x, y = self.icon()
         self.screen.click(x, y, 3)
         wait_for(self.screen.popups, 5, "the menu")
@@ -234,11 +275,26 @@ class Tray(Desktop):
         self.screen.window(MESSAGE)
         self.screen.key("Return")
         self.screen.gone(MESSAGE)
-        self.screen.xdotool("windowminimize", "--sync", self.main)
-        self.screen.gone(MAIN)
+        return x, y
+
+    def test_an_open_dialog_doesnt_lock_the_program_out_of_reach(self):
+        settings = "Allgemeine Einstellungen"
+        _, recorder = self.recording("/K")
+        x, y = self.leave_the_task_bar()
+        self.screen.activate(self.main)
+        self.screen.key("ctrl+comma")
+        dialog = self.screen.window(settings)
+        for window in (dialog, self.main):
+            self.screen.xdotool("windowminimize", window)
+            time.sleep(1)
+            self.screen.click(x, y)
+            wait_for(lambda: self.screen.windows(MAIN) and self.screen.windows(settings), 5, "both windows")
+            wait_for(lambda: self.screen.focus() == dialog, 5, "the focus in the dialog")
+        self.screen.key("Escape")
+        self.screen.gone(settings)
+        wait_for(lambda: self.screen.focus() == self.main, 5, "the focus in the main window")
         self.wait_for_records(50)
-        self.screen.click(x, y)
-        self.main = self.screen.window(MAIN)
+        self.assertEqual(recorder.stop(), 0)
 
     def test_its_menu_ends_the_program_after_the_question(self):
         _, recorder = self.recording()

@@ -9,6 +9,7 @@
 #include "session/sitzung.h"
 #include "titles/titeldatei.h"
 #include "windows/desktopgesicht.h"
+#include "windows/tray.h"
 
 #include <QAction>
 #include <QTimer>

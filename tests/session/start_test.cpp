@@ -7,6 +7,7 @@
 #include "hilfen/virtuelle_welt.h"
 #include "platform/datum.h"
 #include "session/main.h"
+#include "session/zuruf.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -140,6 +141,17 @@ TEST_F(StartTest, ASecondStartWithoutASwitchIsRefusedForFiveSeconds) {
     EXPECT_EQ(ErsteMeldung(), "Tessaron ZEK für IB wurde bereits aus dem Ordner /zek gestartet!");
     EXPECT_EQ(gesicht.Fragen.Gezeigt[0].Flags, 0);
     EXPECT_EQ(gesicht.Fragen.Gezeigt[0].Sekunden, 5);
+}
+
+TEST_F(StartTest, ASecondStartCallsTheRunningOneToTheFrontBeforeItSpeaks) {
+    prozesse.AndereInstanz = true;
+    Zurufhoerer laufender(einstellungen, "/zek/");
+    bool schonGerufen = false;
+    gesicht.Fragen.BeiMeldung = [&](const auto&) { schonGerufen = laufender.Gerufen(); };
+    Starte();
+    EXPECT_TRUE(schonGerufen);
+    Starte("/Quit");
+    EXPECT_FALSE(laufender.Gerufen());
 }
 
 TEST_F(StartTest, EveryStartDropsOrdersThatNobodyHasPickedUp) {

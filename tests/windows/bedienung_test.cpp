@@ -49,6 +49,67 @@ TEST_F(Bedienung, InTheStartViewNoCommandRunsNotEvenByItsShortcut) {
     EXPECT_THAT(hilfeseiten, ElementsAre("index"));
 }
 
+TEST_F(Bedienung, ARecorderLeftMinimizedIsNeverAFullWindowOnItsWay) {
+    Setze("Hauptfenster", "Anzeigen", "0");
+    bool gesehen = false;
+    tws.BeiErzeugen = [&](hilfen::TestTws& control) {
+        control.BeiConnect = [&](hilfen::TestTws& c) {
+            gesehen = true;
+            EXPECT_TRUE(Fenster().isMinimized());
+            c.Ereignisse().nextValidId(1);
+        };
+    };
+    for (const char* leiste : {"1", "0"}) {
+        Setze("Hauptfenster", "Taskbar", leiste);
+        ASSERT_TRUE(Starte());
+        EXPECT_TRUE(gesehen);
+        EXPECT_TRUE(Fenster().isMinimized());
+        gesicht->FensterNachVorn();
+        EXPECT_FALSE(Fenster().isMinimized());
+        sitzung.reset();
+        gesicht.reset();
+    }
+}
+
+TEST_F(Bedienung, WhatTheStartMustAskIsSeenAlsoWhenItWasLeftMinimized) {
+    Setze("Hauptfenster", "Anzeigen", "0");
+    registry.Loesche(Programmtitel, "IBConnect", "IBPort");
+    bool gesehen = false;
+    Im("frmIBBrokerOptionen", [&](QWidget& dialog) {
+        gesehen = !Fenster().isMinimized() && dialog.isVisible();
+        Klick(dialog, "Okay");
+    });
+    ASSERT_TRUE(Starte());
+    EXPECT_TRUE(gesehen);
+}
+
+// ---- size
+
+TEST_F(Bedienung, TheSmallestWindowStillShowsEverythingAlsoWithTheMonitor) {
+    ASSERT_TRUE(Starte());
+    sitzung->Modul().Kursanzahl = 1234567890;
+    QTest::qWait(400);
+    for (const bool mitMonitor : {false, true}) {
+        if (mitMonitor) Befehl(befehl::Monitor);
+        QApplication::processEvents();
+        Fenster().resize(1, 1);
+        QApplication::processEvents();
+        for (const char* name :
+             {"TitelinfoLabel", "LabelKurse", "kursdescriptionlabel", "LStatusmeldungen", "optStatisch"}) {
+            const auto* teil = Fenster().findChild<QWidget*>(name);
+            if (teil == nullptr && !mitMonitor) continue;
+            ASSERT_NE(teil, nullptr) << name;
+            const QRect flaeche(teil->mapTo(&Fenster(), QPoint()), teil->size());
+            EXPECT_TRUE(Fenster().rect().contains(flaeche)) << name;
+            EXPECT_GE(teil->width(), teil->minimumSizeHint().width()) << name;
+            EXPECT_GE(teil->height(), teil->minimumSizeHint().height()) << name;
+        }
+        EXPECT_GE(Fenster().Status().viewport()->height(), 3 * Fenster().Status().sizeHintForRow(0));
+        EXPECT_LE(Fenster().width(), 600);
+        EXPECT_LE(Fenster().height(), 400);
+    }
+}
+
 // ---- task bar
 
 TEST_F(Bedienung, TheTraysTaskBarEntryTogglesAndSaysWhenItCounts) {
@@ -83,6 +144,77 @@ TEST_F(Bedienung, ALeftClickOnTheIconBringsAMinimizedWindowBack) {
     EXPECT_FALSE(Fenster().isMinimized());
     EXPECT_TRUE(Fenster().isVisible());
     EXPECT_THAT(gedrueckt, ElementsAre(2, 1));
+}
+
+TEST_F(Bedienung, TheIconBringsTheWindowBackWithItsOpenDialog) {
+    ASSERT_TRUE(Starte());
+    bool gesehen = false;
+    Im("frmZEKEinstellungen", [&](QWidget& dialog) {
+        Fenster().showMinimized();
+        dialog.setWindowState(Qt::WindowMinimized);
+        emit gesicht->Tray()->findChild<QSystemTrayIcon*>()->activated(QSystemTrayIcon::Trigger);
+        EXPECT_FALSE(Fenster().isMinimized());
+        EXPECT_FALSE(dialog.isMinimized());
+        EXPECT_EQ(dialog.windowModality(), Qt::WindowModal);
+        gesehen = QTest::qWaitForWindowActive(&dialog);
+        Klick(dialog, "Abbruch");
+    });
+    Befehl(befehl::Einstellungen);
+    EXPECT_TRUE(gesehen);
+}
+
+TEST_F(Bedienung, AnOpenDialogKeepsTheIconsMenuFromOpeningASecondOne) {
+    ASSERT_TRUE(Starte());
+    Im("frmZEKEinstellungen", [&](QWidget& dialog) {
+        gesicht->Tray()->MenuClick(2, "Titelauswahl");
+        EXPECT_EQ(QApplication::activeModalWidget(), &dialog);
+        Klick(dialog, "Abbruch");
+    });
+    Befehl(befehl::Einstellungen);
+    EXPECT_THAT(fragen, IsEmpty());
+}
+
+TEST_F(Bedienung, ASecondStartBringsTheMinimizedWindowToTheFront) {
+    ASSERT_TRUE(Starte());
+    Fenster().showMinimized();
+    Setze("Kommando", "Zeigen", "/anderswo/\t1");
+    QTest::qWait(1200);
+    EXPECT_TRUE(Fenster().isMinimized());
+    Setze("Kommando", "Zeigen", "/zek/\t2");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !Fenster().isMinimized(); }, 2000));
+    Fenster().showMinimized();
+    QTest::qWait(1200);
+    EXPECT_TRUE(Fenster().isMinimized());
+}
+
+// ---- offline warning
+
+TEST_F(Bedienung, TheTwsClosingItsSocketFirstOfAllShowsWords) {
+    ASSERT_TRUE(Starte());
+    Tws().connectionClosed();
+    auto* warnung = Steuer<QLabel>(Fenster(), "txtOfflineWarnung");
+    EXPECT_TRUE(warnung->isVisible());
+    EXPECT_EQ(warnung->text().toStdString(),
+              "Verbindung zur TWS ist unterbrochen!\nEs werden keine Daten aufgezeichnet!");
+}
+
+TEST_F(Bedienung, EveryWayOfLosingTheConnectionShowsWordsThatFit) {
+    const std::vector<std::function<void(tws::TwsEreignisse&)>> verluste = {
+        [](tws::TwsEreignisse& t) { t.connectionClosed(); },
+        [](tws::TwsEreignisse& t) { t.errMsg(-1, 1100, "Connectivity lost", ""); },
+        [](tws::TwsEreignisse& t) { t.errMsg(-1, -1, "reset", ""); }};
+    for (const auto& verlust : verluste) {
+        ASSERT_TRUE(Starte());
+        Fenster().resize(Fenster().minimumSizeHint());
+        verlust(Tws());
+        QApplication::processEvents();
+        auto* warnung = Steuer<QLabel>(Fenster(), "txtOfflineWarnung");
+        EXPECT_TRUE(warnung->isVisible());
+        EXPECT_FALSE(warnung->text().trimmed().isEmpty());
+        EXPECT_GE(warnung->height(), warnung->heightForWidth(warnung->width())) << warnung->text().toStdString();
+        sitzung.reset();
+        gesicht.reset();
+    }
 }
 
 // ---- status list

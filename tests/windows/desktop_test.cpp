@@ -40,6 +40,12 @@ TEST_F(Desktop, RecordsShowInTheCounter) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return Steuer<QLabel>(Fenster(), "LabelKurse")->text() == "1"; }, 2000));
 }
 
+TEST_F(Desktop, TheCounterIsPlainDigits) {
+    ASSERT_TRUE(Starte());
+    sitzung->Modul().Kursanzahl = 1234567;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Steuer<QLabel>(Fenster(), "LabelKurse")->text() == "1234567"; }, 2000));
+}
+
 TEST_F(Desktop, TheOfflineWarningCantBeOverlookedAndGoesAgain) {
     ASSERT_TRUE(Starte());
     auto* warnung = Steuer<QLabel>(Fenster(), "txtOfflineWarnung");
