@@ -15,8 +15,6 @@
 namespace zek {
 namespace {
 
-// Two times closer together than this (0.09 s) count as one where the tail is looked for in jumps.
-constexpr double Zeittoleranz = 0.000001;
 constexpr std::int64_t Sprung = static_cast<std::int64_t>(Einarbeiter::Blocksaetze) * DatensatzBytes;
 // Records of the tail that are read at a time; small enough for the processor's cache.
 constexpr std::size_t Schwanzblock = 16384;
@@ -185,10 +183,10 @@ void Einarbeiter::BestimmeStellen(Merge& merge) {
     merge.SchwanzVon = merge.Ende;
     if (!merge.HatSaetze()) return;
     const double erstes = merge.Erstes(), letztes = merge.Letztes();
-    const std::int64_t sprung =
-        SpringeZurueck(merge, merge.Ende, [=](const auto& satz) { return !(satz.Datum > letztes + Zeittoleranz); });
-    merge.SchwanzVon =
-        LiesWeiter(merge, sprung + DatensatzBytes, [=](const auto& satz) { return satz.Datum > letztes; });
+    // A jump that ended within some tolerance behind the block would pass over newer records.
+    const auto neuer = [=](const auto& satz) { return satz.Datum > letztes; };
+    const std::int64_t sprung = SpringeZurueck(merge, merge.Ende, std::not_fn(neuer));
+    merge.SchwanzVon = LiesWeiter(merge, sprung + DatensatzBytes, neuer);
     // No jump behind the one that ended the search above can be earlier than the block.
     const auto zuFrueh = [=](const auto& satz) { return satz.Datum < erstes; };
     const bool amAnfang = sprung < DateikopfBytes;
