@@ -142,23 +142,36 @@ void Balkenpuffer::Beginne(std::int32_t kursart, bool istIndex) {
     kursart_ = kursart;
     istIndex_ = istIndex;
     saetze_.clear();
-}
-
-bool Balkenpuffer::Behalten(float kurs, float volume) const {
-    if (!istIndex_ && kursart_ == kursart::Bezahlt) return volume > 0;
-    return saetze_.empty() || kurs != saetze_.back().Kurs;
+    zuNeu_ = 0;
 }
 
 void Balkenpuffer::Nimm(const tws::Bar& balken) {
     const auto kurs = static_cast<float>(balken.close);
     if (!std::isfinite(kurs) || saetze_.size() >= Hoechstzahl) return;
-    auto volume = static_cast<float>(balken.volume);
-    if (!std::isfinite(volume)) volume = -1;  // as a service says that it has none
-    if (!Behalten(kurs, volume)) return;
+    const auto volume = static_cast<float>(balken.volume);
     const auto zeit = LiesBalkendatum(balken.date);
     if (!zeit) return;
     zone_ = istIndex_ ? std::string(zeit->Zone) : std::string();
-    saetze_.push_back({zeit->Zeit, kurs, istIndex_ ? 0.0F : std::max(volume, 0.0F)});
+    // A volume that is none: as a service says that it has none.
+    saetze_.push_back({zeit->Zeit, kurs, std::isfinite(volume) ? volume : -1});
+}
+
+void Balkenpuffer::Schliesse(Datum bis) {
+    zuNeu_ = std::erase_if(saetze_, [bis](const auto& satz) { return satz.Datum > bis; });
+    std::ranges::stable_sort(saetze_, {}, &KursDatensatz::Datum);
+    Verdichte();
+}
+
+void Balkenpuffer::Verdichte() {
+    const bool nurUmsaetze = !istIndex_ && kursart_ == kursart::Bezahlt;
+    auto ende = saetze_.begin();
+    for (const KursDatensatz& satz : saetze_) {
+        const bool behalten = nurUmsaetze ? satz.Volume > 0 : ende == saetze_.begin() || satz.Kurs != ende[-1].Kurs;
+        if (!behalten) continue;
+        *ende = {satz.Datum, satz.Kurs, istIndex_ ? 0.0F : std::max(satz.Volume, 0.0F)};
+        ++ende;
+    }
+    saetze_.erase(ende, saetze_.end());
 }
 
 void Gesamtreihe::Uebernimm(std::span<const KursDatensatz> puffer, Datum start) {
@@ -168,6 +181,11 @@ void Gesamtreihe::Uebernimm(std::span<const KursDatensatz> puffer, Datum start) 
         if (bisher > 0 && !(satz->Datum < saetze_[bisher - 1].Datum)) continue;
         saetze_.push_back(*satz);
     }
+}
+
+std::size_t Gesamtreihe::Anzahl(Datum von, Datum bis) const {
+    return static_cast<std::size_t>(std::count_if(
+        saetze_.begin(), saetze_.end(), [=](const auto& satz) { return satz.Datum >= von && satz.Datum <= bis; }));
 }
 
 std::vector<KursDatensatz> Gesamtreihe::Abgeben(double zeitKorrektur) {

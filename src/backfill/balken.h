@@ -42,8 +42,8 @@ tws::Contract Historienkontrakt(const clTitelobjekt& titel);
 // True for the security type of an index, in any letter case.
 bool IstIndextitel(const clTitelobjekt& titel);
 
-// The bars of one request, ascending as they come. A traded series keeps bars with turnover, quote series and
-// indices keep changes of the close only.
+// The bars of one request. A traded series keeps bars with turnover, quote series and indices keep changes of the
+// close only.
 class Balkenpuffer {
 public:
     // Far above what one answer can hold; further bars of a service gone wild are dropped.
@@ -52,17 +52,24 @@ public:
     void Beginne(std::int32_t kursart, bool istIndex);
     // Takes close and volume of a bar. Bars whose date or close can't be read are dropped.
     void Nimm(const tws::Bar& balken);
+    // Puts an end to the request: drops what is newer than `bis`, brings the rest into order and keeps what the kind
+    // keeps. Bars beside the span that was asked for would let the merge replace what the service never answered for.
+    void Schliesse(Datum bis);
 
+    // Ascending; only behind Schliesse.
     std::span<const KursDatensatz> Saetze() const { return saetze_; }
+    // Bars that Schliesse dropped for being too new.
+    std::size_t ZuNeu() const { return zuNeu_; }
     // Zone behind the date of the last index bar, "" when it had none. Stored, used by nothing.
     const std::string& LastTimezone() const { return zone_; }
 
 private:
-    bool Behalten(float kurs, float volume) const;
+    void Verdichte();
 
     std::int32_t kursart_ = 0;
     bool istIndex_ = false;
-    std::vector<KursDatensatz> saetze_;
+    std::vector<KursDatensatz> saetze_;  // until Schliesse the Volume is as delivered, below 0 for none
+    std::size_t zuNeu_ = 0;
     std::string zone_;
 };
 
@@ -75,6 +82,8 @@ public:
     // when a service answers beside the span it was asked for.
     void Uebernimm(std::span<const KursDatensatz> puffer, Datum start);
     std::size_t Anzahl() const { return saetze_.size(); }
+    // Of `von` to `bis`, both included.
+    std::size_t Anzahl(Datum von, Datum bis) const;
 
     // The finished series, ascending, with `zeitKorrektur` (days) added to every Datum. Leaves this empty.
     std::vector<KursDatensatz> Abgeben(double zeitKorrektur);

@@ -34,15 +34,6 @@ std::string Kursartzusatz(std::int32_t kursart) {
     return kursart == kursart::Bezahlt ? std::string() : " (" + Kursartwort(kursart) + ")";
 }
 
-// Two random numbers give an id of about 920 to 921 million, away from that of the live session.
-int ZufaelligeClientId(Datum jetzt) {
-    std::mt19937_64 zufall(std::bit_cast<std::uint64_t>(jetzt));
-    std::uniform_real_distribution<double> anteil(0.0, 1.0);
-    const double r1 = anteil(zufall);
-    const double r2 = anteil(zufall);
-    return static_cast<int>(r1 * 500000 + 1 + 920000000 + r2 * 500000 + 1);
-}
-
 // Timer reading of the last tick that could be a record of the series.
 double LetzterTick(const clTitelobjekt& titel, std::int32_t kursart) {
     if (kursart == kursart::Bezahlt) return titel.LastPriceVolTimer;
@@ -112,7 +103,8 @@ void Datenpflegelauf::StarteBackfill() {
         anzeige_ = &um_.Fenster.Erzeuge();
         anzeige_->BeiAbbruch([this] { btnAbbruch(); });
         anzeige_->AbbruchMoeglich(true);
-        clientId_ = ZufaelligeClientId(Jetzt());
+        zufall_.seed(std::bit_cast<std::uint64_t>(Jetzt()));
+        clientId_ = NeueClientId();
         IBBackfill_ = um_.Fabrik(*this);
         if (!Verbinde()) return MeldeVerbindungsfehler();
         for (const auto& titel : cAktualTitel) serienGesamt_ += SerienVon(*titel);
@@ -123,9 +115,30 @@ void Datenpflegelauf::StarteBackfill() {
 // True when a session stands afterwards.
 bool Datenpflegelauf::Verbinde() {
     antwortOffen_ = false;
+    vertraegeOffen_ = 0;
     const auto& einstellungen = um_.Modul.Einstellungen;
     IBBackfill_->connect(einstellungen.IBIPAdr, einstellungen.IBPort, clientId_, "", false);
     return !IBBackfill_->TwsConnectionTime().empty();
+}
+
+// Leaves a session for a new one.
+bool Datenpflegelauf::VerbindeNeu(Serie& serie) {
+    IBBackfill_->disconnect();
+    clientId_ = NeueClientId();
+    serie.Verbindungsversuch = Jetzt();
+    return Verbinde();
+}
+
+// Two random numbers give an id of about 920 to 921 million, away from that of the live session and from the last one.
+int Datenpflegelauf::NeueClientId() {
+    std::uniform_real_distribution<double> anteil(0.0, 1.0);
+    int id = clientId_;
+    while (id == clientId_) {
+        const double r1 = anteil(zufall_);
+        const double r2 = anteil(zufall_);
+        id = static_cast<int>(r1 * 500000 + 1 + 920000000 + r2 * 500000 + 1);
+    }
+    return id;
 }
 
 void Datenpflegelauf::MeldeVerbindungsfehler() {
@@ -184,8 +197,9 @@ void Datenpflegelauf::BearbeiteSerie(clTitelobjekt& titel, std::int32_t kursart)
     else if (EndDatum != 0)
         serie.Ende = EndDatum + EineSekunde;
     serie.Spanne = Restspanne(serie);
-    serie.Bis = serie.Gedeckt = serie.Ende == 0 ? Jetzt() : serie.Ende;
+    serie.Bis = serie.Ende == 0 ? Jetzt() : serie.Ende;
     KeineDaten_ = false;
+    fehlercode_ = 0;
     TimeZoneId.clear();
     gesamt_.Leere();
 
@@ -201,15 +215,19 @@ void Datenpflegelauf::BearbeiteSerie(clTitelobjekt& titel, std::int32_t kursart)
     } while (!Abbruch && !serie.Zeitablauf && !serie.Beendet && !(serie.Ende < Startdatum));
 
     ++serienFertig_;
+    if (serie.ZuNeu > 0)
+        um_.Status.Statusmeldung("Datenpflege " + Dateinamensbildung(titel, kursart::Basisname) +
+                                 Kursartzusatz(kursart) + ": " + std::to_string(serie.ZuNeu) +
+                                 " Kurse nach dem Ende der Abfrage verworfen");
     std::string fehlschlag;
     if (Abbruch && gesamt_.Anzahl() > 0 && !entladen_ &&
         um_.Fragen.ZeigeMeldung("Bereits empfangene Daten speichern?", meldung::JaNein, 0) == meldung::AntwortNein) {
         gesamt_.Leere();
         fehlschlag = "abgebrochen";
     }
-    const std::size_t kurse = gesamt_.Anzahl();
-    if (kurse > 0) fehlschlag = Speichere(serie);
-    Berichte(serie, kurse, fehlschlag);
+    auto ergebnisse = Befund(serie);
+    if (gesamt_.Anzahl() > 0) fehlschlag = Speichere(serie);
+    Berichte(std::move(ergebnisse), fehlschlag);
 }
 
 // False when the run was cancelled before the request could go out.
@@ -218,13 +236,20 @@ bool Datenpflegelauf::StelleAnfrage(Serie& serie) {
     const std::string art(Historienart(serie.Kursart));
     const std::string schluessel = std::to_string(serie.Titel.id) + art + ende;
     puffer_.Beginne(serie.Kursart, IstIndextitel(serie.Titel));
-    if (!WarteAufTakt(serie, schluessel) || !VerwirfSpaeteAntwort()) return false;
+    Fertig_ = false;
+    if (!WarteAufTakt(serie, schluessel)) return false;
+    if (!VerwirfSpaeteAntwort(serie)) return false;
 
     puffer_.Beginne(serie.Kursart, IstIndextitel(serie.Titel));  // late bars of an answer given up may have come
     Anzeige().Datumlabel("Datum: " + Datumtext(serie.Ende == 0 ? Jetzt() : serie.Ende), false);
-    Fertig_ = false;
+    Fertig_ = abgelehnt_ = false;
     pacingGesehen_ = verbindungGesehen_ = false;
+    serie.GefragtBis = ende.empty() ? 0 : LiesBalkendatum(ende).value_or(Balkenzeit{serie.Ende, {}}).Zeit;
+    serie.Anfragezeit = Jetzt();
+    if (serie.Verbindungsversuch > 0 && OhneSitzung()) return true;  // the wait for an answer sees to it
+    serie.Verbindungsversuch = 0;
     const tws::Contract kontrakt = Historienkontrakt(serie.Titel);
+    if (serie.Anfragenummer == Historiennummer) ++vertraegeOffen_;
     IBBackfill_->reqContractDetailsEx(serie.Anfragenummer++, kontrakt);
     takt_.Gesendet(schluessel, Jetzt());
     antwortOffen_ = true;
@@ -234,11 +259,21 @@ bool Datenpflegelauf::StelleAnfrage(Serie& serie) {
 }
 
 // Leaves a connection on which an answer is still to come. False when the run was cancelled meanwhile.
-bool Datenpflegelauf::VerwirfSpaeteAntwort() {
+bool Datenpflegelauf::VerwirfSpaeteAntwort(Serie& serie) {
     if (!antwortOffen_) return true;
-    IBBackfill_->disconnect();
-    Verbinde();
+    VerbindeNeu(serie);
     return !Abbruch && !entladen_;
+}
+
+// A session that ended under a request, or never came about, is tried again now and then. True when one stands and the
+// request is to be repeated.
+bool Datenpflegelauf::WiederVerbunden(Serie& serie) {
+    if (Fertig_ || VerbindungWeg_ || !OhneSitzung() || serie.Wechsel >= Verbindungswechsel) return false;
+    const double vergangen = SekundenSeit(serie.Verbindungsversuch, Jetzt());
+    if (vergangen >= 0 && vergangen < Verbindungspause) return false;
+    if (!VerbindeNeu(serie)) return false;
+    ++serie.Wechsel;
+    return true;
 }
 
 // Holds a request back that the service would refuse.
@@ -283,10 +318,12 @@ Datenpflegelauf::Wartet Datenpflegelauf::WarteAufAntwort(Serie& serie) {
             if (ergebnis == Wartet::NeueAnfrage) return ergebnis;
         }
         if (Abbruch) return Wartet::Ende;
+        if (WiederVerbunden(serie)) return Wartet::NeueAnfrage;
         const double vergangen = SekundenSeit(serie.Anfragezeit, Jetzt());
         if (vergangen > um_.Modul.Einstellungen.BFTimeOut) {
             um_.Status.Statusmeldung("Backfill Timeout " + serie.Titel.Dateiname);
             serie.Zeitablauf = true;
+            serie.OhneVerbindung = OhneSitzung();
             return Wartet::Ende;
         }
         if (Fertig_ && vergangen > 1) return Wartet::Ende;
@@ -323,7 +360,7 @@ Datenpflegelauf::Wartet Datenpflegelauf::WarteAufVerbindung(Serie& serie) {
         if (SekundenSeit(beginn, jetzt) >= VerbindungSekunden) {
             serie.Anfragezeit = jetzt;
             // Over a socket that has closed meanwhile no code can tell that the connection is back.
-            if (!IBBackfill_->TwsConnectionTime().empty() || !Verbinde()) return Wartet::Weiter;
+            if (!OhneSitzung() || !VerbindeNeu(serie)) return Wartet::Weiter;
             VerbindungWeg_ = false;
             VerbindungWieder_ = true;
             break;
@@ -334,6 +371,9 @@ Datenpflegelauf::Wartet Datenpflegelauf::WarteAufVerbindung(Serie& serie) {
 }
 
 void Datenpflegelauf::BehalteBalken(Serie& serie) {
+    // Bars stand at whole seconds.
+    puffer_.Schliesse((serie.GefragtBis > 0 ? serie.GefragtBis : Jetzt()) + 0.5 * EineSekunde);
+    serie.ZuNeu += puffer_.ZuNeu();
     const auto saetze = puffer_.Saetze();
     const Datum altesEnde = serie.Ende;
     if (saetze.empty()) {
@@ -341,16 +381,29 @@ void Datenpflegelauf::BehalteBalken(Serie& serie) {
         serie.Ende = altesEnde - AnfrageSekunden * EineSekunde;
     } else {
         gesamt_.Uebernimm(saetze, Startdatum);
-        if (serie.Zeitablauf) serie.TeilVon = saetze.front().Datum, serie.TeilBis = saetze.back().Datum;
         serie.Ende = saetze.front().Datum - EineSekunde;
         // A service that answers beside the span it was asked for mustn't hold the run.
         if (altesEnde > 0 && serie.Ende >= altesEnde) serie.Ende = altesEnde - AnfrageSekunden * EineSekunde;
     }
+    MerkeBeantwortet(serie, altesEnde);
     if (serie.Zeitablauf || Abbruch) return;
-    if (!serie.Beendet) serie.Gedeckt = serie.Ende;
     ++antworten_;
     antwortSekunden_ += SekundenSeit(serie.Anfragezeit, Jetzt());
     bewegt_ += SekundenSeit(serie.Ende, altesEnde > 0 ? altesEnde : std::max(Jetzt(), serie.Ende));
+}
+
+// A whole answer stands for the span that was asked for, and as far back as its bars reach. One without an end has
+// come as far as its bars: they come from old to new.
+void Datenpflegelauf::MerkeBeantwortet(Serie& serie, Datum altesEnde) {
+    const auto saetze = puffer_.Saetze();
+    if (Fertig_ && !abgelehnt_ && !serie.Zeitablauf) {
+        const Datum bis = altesEnde > 0 ? altesEnde : serie.Anfragezeit;
+        Datum von = bis - AnfrageSekunden * EineSekunde;
+        if (!saetze.empty()) von = std::min(von, serie.Ende);
+        serie.Beantwortet.Fuege(Zeitspannen::Aus(von), Zeitspannen::Aus(bis));
+    } else if (!saetze.empty()) {
+        serie.Beantwortet.Fuege(Zeitspannen::Aus(serie.Ende), Zeitspannen::Aus(saetze.back().Datum));
+    }
 }
 
 // Why the series isn't in the file, or "".

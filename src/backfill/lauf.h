@@ -10,13 +10,17 @@
 // Every history request has the same number, and nothing in an answer tells which request it belongs to. So a request
 // goes out only over a connection on which no earlier one is still open: after an answer that was given up, or one
 // that was lost with the broker's connection, IBBackfill is connected anew first. The late answer then reaches
-// nobody, and a service that takes the old request for a running one doesn't refuse the new one as a duplicate.
+// nobody, and a service that takes the old request for a running one doesn't refuse the new one as a duplicate. Each
+// such connection has a new client id: a TWS that hasn't let go of the session just left would refuse its id (326).
+// While none comes about it is tried again every few seconds, for as long as an answer is waited for; the request then
+// follows on the new one.
 #pragma once
 
 #include "backfill/anfragetakt.h"
 #include "backfill/balken.h"
 #include "backfill/einarbeiten.h"
 #include "feed/tws/tws.h"
+#include "luecken/zeitspannen.h"
 #include "modul/ibmodul.h"
 #include "modul/rollen.h"
 #include "platform/dateisystem.h"
@@ -27,6 +31,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,7 +51,8 @@ public:
     virtual void Ton() = 0;
 };
 
-// What became of the history of one series, or of a part of it. Times are those that were asked for.
+// What became of the history of one series, or of a part of it: a span that the service has answered for, or one that
+// is missing. Times are those that were asked for.
 struct Datenpflegeergebnis {
     const clTitelobjekt* Titel = nullptr;  // null: all titles of the run
     std::int32_t Kursart = 0;              // of a title
@@ -54,7 +60,7 @@ struct Datenpflegeergebnis {
     Datum Bis = 0;
     bool Ergaenzt = false;        // the service has answered for all of it, and what it gave is in the file
     bool NurHandelszeit = false;  // of the regular trading hours only
-    std::size_t Kurse = 0;        // stored bars of the series
+    std::size_t Kurse = 0;        // stored bars of the span
     std::string Grund;            // why it isn't filled
 };
 
@@ -116,6 +122,7 @@ public:
 
     // ---- events of IBBackfill
     void contractDetailsEx(int reqId, const tws::ContractDetails& details) override;
+    void contractDetailsEnd(int reqId) override;
     void errMsg(int id, int errorCode, std::string_view errorMsg, std::string_view advancedOrderRejectJson) override;
     void historicalData(int reqId, const tws::Bar& bar) override;
     void historicalDataEnd(int reqId, std::string_view start, std::string_view end) override;
@@ -123,6 +130,9 @@ public:
     static constexpr double AnfrageSekunden = 2000;  // one-second bars per request
     static constexpr double PacingSekunden = 600;
     static constexpr double VerbindungSekunden = 1800;
+    // Between two attempts to connect anew; how often one series may begin a request again on a new connection.
+    static constexpr double Verbindungspause = 5;
+    static constexpr int Verbindungswechsel = 10;
 
 private:
     // One kind of one title.
@@ -131,38 +141,48 @@ private:
         std::int32_t Kursart;
         Datum Ende = 0;  // of the next request; 0 now
         Datum Anfragezeit = 0;
-        int Anfragenummer = 1;    // id of the next contract request
-        double Spanne = 0;        // seconds of history wanted
-        bool Zeitablauf = false;  // no answer came
-        bool Beendet = false;     // the service has nothing older
-        Datum Bis = 0;            // newest time wanted
-        Datum Gedeckt = 0;        // the service has answered for all from here on
-        Datum TeilVon = 0;        // span of the bars of an answer without an end; 0 for none
-        Datum TeilBis = 0;
+        Datum GefragtBis = 0;          // newest time that the request asks for; 0 the present
+        Datum Verbindungsversuch = 0;  // the last one since the session ended
+        int Anfragenummer = 1;         // id of the next contract request
+        int Wechsel = 0;               // connections made anew in mid-request
+        double Spanne = 0;             // seconds of history wanted
+        bool Zeitablauf = false;       // no answer came
+        bool OhneVerbindung = false;   // since there was no session
+        bool Beendet = false;          // the service has nothing older
+        Datum Bis = 0;                 // newest time wanted
+        Zeitspannen Beantwortet{};     // what the service has answered for
+        std::size_t ZuNeu = 0;         // bars that were dropped for being newer than what was asked for
     };
     enum class Wartet { Weiter, NeueAnfrage, Ende };
 
     bool Verbinde();
+    bool VerbindeNeu(Serie& serie);
+    int NeueClientId();
     void MeldeVerbindungsfehler();
     void BearbeiteTitel(std::size_t nummer);
     bool IstFesterStart() const;
     void BestimmeStart(clTitelobjekt& titel);
     void BearbeiteSerie(clTitelobjekt& titel, std::int32_t kursart);
     bool StelleAnfrage(Serie& serie);
-    bool VerwirfSpaeteAntwort();
+    bool VerwirfSpaeteAntwort(Serie& serie);
+    bool OhneSitzung() const { return IBBackfill_->TwsConnectionTime().empty(); }
+    bool WiederVerbunden(Serie& serie);
     bool WarteAufTakt(const Serie& serie, const std::string& schluessel);
     static std::chrono::milliseconds WarteschrittBis(double sekunden);
     Wartet WarteAufAntwort(Serie& serie);
     bool WarteNachPacing(const Serie& serie);
     Wartet WarteAufVerbindung(Serie& serie);
     void BehalteBalken(Serie& serie);
+    void MerkeBeantwortet(Serie& serie, Datum altesEnde);
     std::string Speichere(Serie& serie);
-    void Berichte(const Serie& serie, std::size_t kurse, const std::string& fehlschlag);
+    std::vector<Datenpflegeergebnis> Befund(const Serie& serie) const;
+    void Berichte(std::vector<Datenpflegeergebnis> ergebnisse, const std::string& fehlschlag);
     void BerichteOhneVerbindung();
     void Melde(const Datenpflegeergebnis& ergebnis);
-    std::string Abbruchgrund(const Serie& serie) const;
+    std::string Fehlgrund(const Serie& serie) const;
     void WarneNichtsGespeichert();
     void BeendeAnfrage();
+    void NimmAblehnung(int errorCode);
     void Protokolliere(int errorCode, std::string_view errorMsg);
     void SetzeMerker(int errorCode);
     double Restspanne(const Serie& serie) const;
@@ -185,13 +205,18 @@ private:
     bool entladen_ = false;
     bool statusRot_ = false;
     int clientId_ = 0;
+    std::mt19937_64 zufall_;
 
     Balkenpuffer puffer_;
     Gesamtreihe gesamt_;
     bool Fertig_ = false;        // the request has ended
-    bool KeineDaten_ = false;    // the request ended in an error
-    int fehlercode_ = 0;         // its code
+    bool KeineDaten_ = false;    // a request of the series ended in an error
+    int fehlercode_ = 0;         // its code; 0 for none
+    bool abgelehnt_ = false;     // the present request did
     bool antwortOffen_ = false;  // a history request has gone out over this connection and has no answer yet
+    // Contract requests without an answer on this connection that have the number of the history requests: a series'
+    // first one. A refusal with that number may be theirs.
+    int vertraegeOffen_ = 0;
     bool PacingWartet_ = false;
     bool PacingFrei_ = false;
     bool VerbindungWeg_ = false;

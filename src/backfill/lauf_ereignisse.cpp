@@ -32,6 +32,10 @@ void Datenpflegelauf::contractDetailsEx(int, const tws::ContractDetails& details
     OhneFehler([&] { TimeZoneId = details.timeZoneId; });
 }
 
+void Datenpflegelauf::contractDetailsEnd(int reqId) {
+    if (reqId == Historiennummer && vertraegeOffen_ > 0) --vertraegeOffen_;
+}
+
 void Datenpflegelauf::historicalData(int reqId, const tws::Bar& bar) {
     if (reqId != Historiennummer) return;
     if (IstFertigmeldung(bar.date)) {
@@ -54,7 +58,7 @@ void Datenpflegelauf::BeendeAnfrage() {
 }
 
 void Datenpflegelauf::errMsg(int id, int errorCode, std::string_view errorMsg, std::string_view) {
-    if (id == Historiennummer && BeendetAnfrage(errorCode)) antwortOffen_ = false;
+    if (id == Historiennummer && BeendetAnfrage(errorCode)) NimmAblehnung(errorCode);
     if (IstPacingVerletzung(errorCode, errorMsg)) {
         PacingWartet_ = pacingGesehen_ = true;
         PacingFrei_ = false;
@@ -66,6 +70,15 @@ void Datenpflegelauf::errMsg(int id, int errorCode, std::string_view errorMsg, s
     }
     OhneFehler([&] { Protokolliere(errorCode, errorMsg); });
     SetzeMerker(errorCode);
+}
+
+// Only the history service answers with 162; any other refusal is the contract's, as long as that is still to come.
+// Then the history request is taken for open, which at worst costs a new connection.
+void Datenpflegelauf::NimmAblehnung(int errorCode) {
+    if (errorCode != fehler::Historiendienst && vertraegeOffen_ > 0)
+        --vertraegeOffen_;
+    else
+        antwortOffen_ = false;
 }
 
 void Datenpflegelauf::Protokolliere(int errorCode, std::string_view errorMsg) {
@@ -98,7 +111,7 @@ void Datenpflegelauf::SetzeMerker(int errorCode) {
         case fehler::Historiendienst:
         case fehler::KeinKontrakt:
         case fehler::KeineFreigabe:
-            Fertig_ = KeineDaten_ = true;
+            Fertig_ = KeineDaten_ = abgelehnt_ = true;
             fehlercode_ = errorCode;
             break;
         case fehler::HistorienfarmBereit:

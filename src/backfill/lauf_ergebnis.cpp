@@ -8,52 +8,66 @@ namespace zek {
 namespace {
 
 constexpr int Historiendienst = 162;
+constexpr const char* Uebersprungen = "übersprungen (älter als 7 Tage)";
 
 }  // namespace
 
-void Datenpflegelauf::Berichte(const Serie& serie, std::size_t kurse, const std::string& fehlschlag) {
+// What the service has answered for, from new to old, then what is missing.
+std::vector<Datenpflegeergebnis> Datenpflegelauf::Befund(const Serie& serie) const {
     Datenpflegeergebnis ergebnis;
     ergebnis.Titel = &serie.Titel;
     ergebnis.Kursart = serie.Kursart;
-    ergebnis.Von = Startdatum;
-    ergebnis.Bis = serie.Bis;
     ergebnis.NurHandelszeit = useRTH;
-    ergebnis.Kurse = kurse;
     if (Startdatum > serie.Bis) {
         // Left out on purpose: a start that is too old was replaced by one in the future.
-        if (AutoDatenPflegeStart <= 0) return;
+        if (AutoDatenPflegeStart <= 0) return {};
         ergebnis.Von = AutoDatenPflegeStart;
-        ergebnis.Grund = "übersprungen (älter als 7 Tage)";
-        return Melde(ergebnis);
+        ergebnis.Bis = serie.Bis;
+        ergebnis.Grund = Uebersprungen;
+        return {ergebnis};
     }
-    if (!fehlschlag.empty()) {
-        ergebnis.Grund = fehlschlag;
-        return Melde(ergebnis);
-    }
-    const Datum grenze = std::max(serie.Gedeckt, Startdatum);
-    if (grenze < serie.Bis) {
-        Datenpflegeergebnis gefuellt = ergebnis;
-        gefuellt.Von = grenze;
-        gefuellt.Ergaenzt = true;
-        Melde(gefuellt);
-    }
-    if (grenze <= Startdatum) return;
-    if (serie.TeilBis > serie.TeilVon && serie.TeilBis > Startdatum) {
-        Datenpflegeergebnis teil = ergebnis;
-        teil.Von = std::max(serie.TeilVon, Startdatum);
-        teil.Bis = serie.TeilBis;
-        teil.Ergaenzt = true;
-        Melde(teil);
-    }
-    ergebnis.Bis = grenze;
-    ergebnis.Grund = Abbruchgrund(serie);
-    Melde(ergebnis);
+    const Zeitspannen gewuenscht(Zeitspannen::Aus(Startdatum), Zeitspannen::Aus(serie.Bis));
+    std::vector<Datenpflegeergebnis> ergebnisse;
+    const auto fuege = [&](const Zeitspannen& spannen) {
+        for (auto spanne = spannen.Alle().rbegin(); spanne != spannen.Alle().rend(); ++spanne) {
+            ergebnis.Von = Zeitspannen::AlsDatum(spanne->Von);
+            ergebnis.Bis = Zeitspannen::AlsDatum(spanne->Bis);
+            // A bar stands at the end of a span as often as at its beginning.
+            const Datum rand = EineSekunde / 4;
+            ergebnis.Kurse = ergebnis.Ergaenzt ? gesamt_.Anzahl(ergebnis.Von - rand, ergebnis.Bis + rand) : 0;
+            ergebnisse.push_back(ergebnis);
+        }
+    };
+    ergebnis.Ergaenzt = true;
+    fuege(gewuenscht.Schnitt(serie.Beantwortet));
+    ergebnis.Ergaenzt = false;
+    ergebnis.Grund = Fehlgrund(serie);
+    fuege(gewuenscht.Ohne(serie.Beantwortet));
+    return ergebnisse;
 }
 
-std::string Datenpflegelauf::Abbruchgrund(const Serie& serie) const {
+// `fehlschlag`: why nothing of the series is in the file, or "".
+void Datenpflegelauf::Berichte(std::vector<Datenpflegeergebnis> ergebnisse, const std::string& fehlschlag) {
+    if (!fehlschlag.empty() && !ergebnisse.empty() && ergebnisse.front().Grund != Uebersprungen) {
+        Datenpflegeergebnis ganz = ergebnisse.front();
+        for (const auto& teil : ergebnisse) {
+            ganz.Von = std::min(ganz.Von, teil.Von);
+            ganz.Bis = std::max(ganz.Bis, teil.Bis);
+        }
+        ganz.Ergaenzt = false;
+        ganz.Grund = fehlschlag;
+        ergebnisse = {ganz};
+    }
+    for (const auto& ergebnis : ergebnisse) Melde(ergebnis);
+}
+
+// Why a span of the series has no answer.
+std::string Datenpflegelauf::Fehlgrund(const Serie& serie) const {
+    if (serie.OhneVerbindung) return "keine Verbindung";
     if (serie.Zeitablauf) return "Zeitüberschreitung";
-    if (!serie.Beendet) return "abgebrochen";
-    return fehlercode_ == Historiendienst ? "keine Daten" : "abgelehnt (" + std::to_string(fehlercode_) + ")";
+    if (Abbruch) return "abgebrochen";
+    if (fehlercode_ == Historiendienst) return "keine Daten";
+    return fehlercode_ != 0 ? "abgelehnt (" + std::to_string(fehlercode_) + ")" : "nicht abgefragt";
 }
 
 void Datenpflegelauf::BerichteOhneVerbindung() {

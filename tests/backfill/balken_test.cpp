@@ -74,14 +74,59 @@ protected:
         balken.volume = volume;
         puffer_.Nimm(balken);
     }
-    std::string Text() const {
+    std::string Text() {
         std::string text;
+        puffer_.Schliesse(Ende);
         for (const auto& satz : puffer_.Saetze())
             text += std::to_string(std::lround(satz.Kurs)) + "x" + std::to_string(std::lround(satz.Volume)) + " ";
         return text;
     }
+    static constexpr Datum Ende = 45763;  // 2025-04-16
     Balkenpuffer puffer_;
 };
+
+TEST_F(PufferTest, BarsBehindTheEndThatWasAskedForAreDroppedAndCounted) {
+    Beginne(kursart::Bezahlt);
+    Nimm(1, 1, "20250415 23:59:59"), Nimm(2, 1, "20250416 00:00:00"), Nimm(3, 1, "20250416 00:00:01"),
+        Nimm(4, 1, "20991231 12:00:00");
+    EXPECT_EQ(Text(), "1x1 2x1 ");
+    EXPECT_EQ(puffer_.ZuNeu(), 2u);
+    Beginne(kursart::Bezahlt);
+    EXPECT_EQ(Text(), "");
+    EXPECT_EQ(puffer_.ZuNeu(), 0u);
+}
+
+TEST_F(PufferTest, ABarThatIsDroppedForBeingTooNewHidesNoChangeOfTheClose) {
+    Beginne(kursart::Brief);
+    Nimm(1, -1, "20250415 10:00:00"), Nimm(2, -1, "20991231 12:00:00"), Nimm(2, -1, "20250415 10:00:02");
+    EXPECT_EQ(Text(), "1x0 2x0 ");
+}
+
+TEST_F(PufferTest, BarsComeIntoOrderBeforeTheirChangesCount) {
+    Beginne(kursart::Brief);
+    Nimm(3, -1, "20250415 10:00:04"), Nimm(3, -1, "20250415 10:00:03"), Nimm(2, -1, "20250415 10:00:02"),
+        Nimm(2, -1, "20250415 10:00:01");
+    EXPECT_EQ(Text(), "2x0 3x0 ");
+    ASSERT_EQ(puffer_.Saetze().size(), 2u);
+    EXPECT_EQ(puffer_.Saetze()[0].Datum, DatumAus(2025, 4, 15, 10, 0, 1));
+    EXPECT_EQ(puffer_.Saetze()[1].Datum, DatumAus(2025, 4, 15, 10, 0, 3));
+}
+
+TEST_F(PufferTest, BarsOfTheSameSecondKeepTheirOrder) {
+    Beginne(kursart::Bezahlt);
+    Nimm(5, 1, "20250415 10:00:01"), Nimm(3, 1, "20250415 10:00:00"), Nimm(4, 1, "20250415 10:00:00");
+    EXPECT_EQ(Text(), "3x1 4x1 5x1 ");
+}
+
+TEST_F(PufferTest, AVolumeWithoutEndIsNone) {
+    Beginne(kursart::Brief);
+    Nimm(10, std::numeric_limits<double>::infinity()), Nimm(11, -std::numeric_limits<double>::infinity());
+    Nimm(-std::numeric_limits<double>::infinity(), 1);
+    EXPECT_EQ(Text(), "10x0 11x0 ");
+    Beginne(kursart::Bezahlt);
+    Nimm(10, std::numeric_limits<double>::infinity());
+    EXPECT_EQ(Text(), "");
+}
 
 TEST_F(PufferTest, ATradedSeriesDropsBarsWithoutTurnoverAndKeepsEqualCloses) {
     Beginne(kursart::Bezahlt);
@@ -98,7 +143,7 @@ TEST_F(PufferTest, AQuoteSeriesKeepsChangesOnlyAndTakesMissingVolumeAsZero) {
 TEST_F(PufferTest, EqualnessIsThatOfSingles) {
     Beginne(kursart::Brief);
     Nimm(100, -1), Nimm(100.0000001, -1), Nimm(100.001, -1);
-    EXPECT_EQ(puffer_.Saetze().size(), 2u);
+    EXPECT_EQ(Text(), "100x0 100x0 ");
 }
 
 TEST_F(PufferTest, AnIndexHasNoVolumeAndLosesNoBarForMissingTurnover) {

@@ -41,10 +41,12 @@ protected:
                              spanne(von, bis));
         };
         Datenpflegelauf lauf(umgebung, takt_);
+        lauf_ = &lauf;
         lauf.AutoDatenPflegeStart = ende - Sekunden(sekunden);
         lauf.BackfillEndZeit = ende;
         lauf.cAktualTitel = {p_.Titel("ES")};
         if (BeiStart) BeiStart(*lauf.cAktualTitel.front());
+        if (Einrichtung) Einrichtung(lauf);
         lauf.StarteBackfill();
         return texte_;
     }
@@ -52,8 +54,19 @@ protected:
     Pflegewelt p_;
     Lauschendes dateien_{p_.Ram};
     Anfragetakt takt_;
+    Datenpflegelauf* lauf_ = nullptr;
     std::vector<std::string> texte_;
     std::function<void(clTitelobjekt&)> BeiStart;
+    std::function<void(Datenpflegelauf&)> Einrichtung;
+    // By hand up to the present, over as many seconds.
+    std::vector<std::string> LaufBisJetzt(double sekunden) {
+        Einrichtung = [this, sekunden](Datenpflegelauf& lauf) {
+            lauf.AutoDatenPflegeStart = lauf.BackfillEndZeit = 0;
+            lauf.Startdatum = p_.Jetzt() - Sekunden(sekunden);
+            lauf.KursBezahlt = lauf.IsManuelleDatenpflege = true;
+        };
+        return Lauf(sekunden);
+    }
 };
 
 TEST_F(ErgebnisTest, ASeriesThatRanThroughHasFilledItsSpan) {
@@ -74,7 +87,79 @@ TEST_F(ErgebnisTest, AnAnswerWithoutAnEndHasFilledTheSpanOfItsBars) {
     };
     const auto texte = Lauf(1900);
     EXPECT_THAT(texte,
-                ElementsAre("ES Bezahlt -1900..-1500 ergänzt 1", "ES Bezahlt -1900..0 nicht: Zeitüberschreitung"));
+                ElementsAre("ES Bezahlt -1900..-1500 ergänzt 1", "ES Bezahlt -1500..0 nicht: Zeitüberschreitung"));
+}
+
+TEST_F(ErgebnisTest, AQuietTitleUpToThePresentIsFilledAsFarAsItsOneEmptyAnswerReaches) {
+    p_.Historie.Leer = true;
+    EXPECT_THAT(LaufBisJetzt(86400),
+                ElementsAre("ES Bezahlt -2000..0 ergänzt 0", "ES Bezahlt -86400..-2000 nicht: nicht abgefragt"));
+}
+
+TEST_F(ErgebnisTest, ARunUpToThePresentThatRanThroughHasFilledItsSpan) {
+    EXPECT_THAT(LaufBisJetzt(3000), ElementsAre("ES Bezahlt -3000..0 ergänzt 3001"));
+}
+
+TEST_F(ErgebnisTest, EmptyAnswersWithAnEndFillWhatTheyWereAskedFor) {
+    p_.Historie.Leer = true;
+    EXPECT_THAT(Lauf(5000), ElementsAre("ES Bezahlt -5000..0 ergänzt 0"));
+}
+
+TEST_F(ErgebnisTest, AnAnswerThatARefusalCutsOffLeavesAHoleBehindItsBars) {
+    p_.Historie.Statt = [this](const Anfrage&) {
+        if (p_.Historie.Anfragen.size() != 2) return false;
+        p_.Welt.Plane(0.1, [this, ende = p_.Jetzt() - Sekunden(1)] {
+            for (const int s : {3999, 3998, 3000}) p_.Historie.Balken(ende - Sekunden(s), s, 1);
+            p_.Historie.Melde(162, "HMDS query was cancelled", 1);
+        });
+        return true;
+    };
+    EXPECT_THAT(Lauf(5000), ElementsAre("ES Bezahlt -2000..0 ergänzt 2000", "ES Bezahlt -5000..-3000 ergänzt 1004",
+                                        "ES Bezahlt -3000..-2000 nicht: keine Daten"));
+}
+
+TEST_F(ErgebnisTest, AServiceThatReachesFurtherBackHasAnsweredThatFar) {
+    p_.Historie.Statt = [this](const Anfrage&) {
+        if (p_.Historie.Anfragen.size() > 1) return true;
+        p_.Welt.Plane(0.1, [this, ende = p_.Jetzt()] {
+            for (const int s : {9000, 100}) p_.Historie.Balken(ende - Sekunden(s), s, 1);
+            p_.Historie.Ende();
+        });
+        return true;
+    };
+    EXPECT_THAT(Lauf(20000),
+                ElementsAre("ES Bezahlt -9001..0 ergänzt 2", "ES Bezahlt -20000..-9001 nicht: Zeitüberschreitung"));
+}
+
+TEST_F(ErgebnisTest, ACancelledRunHasFilledWhatItHas) {
+    p_.Historie.Statt = [this](const Anfrage&) {
+        lauf_->Abbruch = p_.Historie.Anfragen.size() == 2;
+        return lauf_->Abbruch;
+    };
+    EXPECT_THAT(Lauf(3000),
+                ElementsAre("ES Bezahlt -2000..0 ergänzt 2000", "ES Bezahlt -3000..-2000 nicht: abgebrochen"));
+}
+
+TEST_F(ErgebnisTest, WithoutASessionTheRestIsMissingForWantOfAConnection) {
+    p_.Historie.Statt = [this](const Anfrage&) {
+        if (p_.Historie.Anfragen.size() != 2) return false;
+        p_.Historie.Control().Trenne();
+        p_.Historie.Control().VerbindungGelingt = false;
+        return true;
+    };
+    EXPECT_THAT(Lauf(3000),
+                ElementsAre("ES Bezahlt -2000..0 ergänzt 2000", "ES Bezahlt -3000..-2000 nicht: keine Verbindung"));
+}
+
+TEST_F(ErgebnisTest, ARefusalInOneSeriesIsNoReasonInTheNext) {
+    BeiStart = [](clTitelobjekt& titel) { titel.BidAsk = true; };
+    p_.Historie.Statt = [this](const Anfrage& a) {
+        if (a.Art == "TRADES") p_.Welt.Plane(0.1, [this] { p_.Historie.Melde(203, "not allowed", 1); });
+        return true;
+    };
+    EXPECT_THAT(Lauf(100),
+                ElementsAre("ES Bezahlt -100..0 nicht: abgelehnt (203)", "ES Brief -100..0 nicht: Zeitüberschreitung",
+                            "ES Geld -100..0 nicht: Zeitüberschreitung"));
 }
 
 TEST_F(ErgebnisTest, AServiceWithoutDataSaysSoAndARefusalHasItsCode) {

@@ -400,6 +400,73 @@ TEST_F(LaufTest, AServiceThatAnswersBesideTheSpanCantHoldTheRun) {
     PruefeLueckenlos(p_.Datei("ES"), Mittag - Sekunden(1999), Mittag);
 }
 
+TEST_F(LaufTest, BarsBehindTheEndOfTheRequestReplaceNoLiveTicks) {
+    const Saetze live = {{Mittag + Sekunden(10), 1, 1}, {Mittag + Sekunden(20), 2, 1}, {Mittag + Sekunden(30), 3, 1}};
+    for (const Datum ende : {Mittag, Datum{0}}) {
+        SCOPED_TRACE(ende);
+        Neu();
+        p_.Historie.Anfragen.clear();
+        p_.Status.Eintraege.clear();
+        p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes(live));
+        Mit("ES");
+        p_.Historie.Statt = [this](const Anfrage&) {
+            p_.Welt.Plane(0.05, [this] {
+                p_.Historie.Balken(Mittag - Sekunden(30), 100, 1);
+                p_.Historie.Balken(0, 101, 1, "20991231 12:00:00");
+                p_.Historie.Ende();
+            });
+            return true;
+        };
+        lauf_->Startdatum = Mittag - Sekunden(30);
+        lauf_->BackfillEndZeit = ende;
+        lauf_->KursBezahlt = true;
+        Starte();
+        EXPECT_EQ(p_.Datei("ES"), (Saetze{{Mittag - Sekunden(30), 100, 1}, live[0], live[1], live[2]}));
+        EXPECT_EQ(p_.Status.Letzte(), "Datenpflege ES: 1 Kurse nach dem Ende der Abfrage verworfen");
+    }
+}
+
+TEST_F(LaufTest, ABarAtTheEndOfTheRequestIsTakenOneBehindItIsnt) {
+    Mit("ES");
+    p_.Historie.Leer = true;
+    BeiAnfrage(1, [this] {
+        for (const int s : {-1, 0, 1}) p_.Historie.Balken(Mittag + Sekunden(s), 100 + s, 1);
+        p_.Historie.Ende();
+    });
+    Automatisch(30);
+    Starte();
+    EXPECT_EQ(p_.Datei("ES"), (Saetze{{Mittag - Sekunden(1), 99, 1}, {Mittag, 100, 1}}));
+}
+
+TEST_F(LaufTest, BarsOutOfOrderComeIntoTheFileInOrder) {
+    Mit("ES");
+    BeiAnfrage(1, [this] {
+        for (const int s : {5, 30, 10, 20}) p_.Historie.Balken(Mittag - Sekunden(s), s, 1);
+        p_.Historie.Ende();
+    });
+    Automatisch(30);
+    Starte();
+    EXPECT_EQ(p_.Datei("ES"), (Saetze{{Mittag - Sekunden(30), 30, 1},
+                                      {Mittag - Sekunden(20), 20, 1},
+                                      {Mittag - Sekunden(10), 10, 1},
+                                      {Mittag - Sekunden(5), 5, 1}}));
+}
+
+TEST_F(LaufTest, BarsBeforeTheStartStayOutOfTheFileAndEndTheSeries) {
+    Mit("ES");
+    p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes({{Mittag - Sekunden(60), 1, 1}}));
+    BeiAnfrage(1, [this] {
+        p_.Historie.Balken(0, 50, 1, "19900101 12:00:00");
+        p_.Historie.Balken(Mittag - Sekunden(31), 60, 1);
+        p_.Historie.Balken(Mittag - Sekunden(30), 70, 1);
+        p_.Historie.Ende();
+    });
+    Automatisch(30);
+    Starte();
+    EXPECT_EQ(p_.Datei("ES"), (Saetze{{Mittag - Sekunden(60), 1, 1}, {Mittag - Sekunden(30), 70, 1}}));
+    EXPECT_EQ(p_.Historie.Anfragen.size(), 1u);
+}
+
 // ---- pacing
 
 TEST_F(LaufTest, AfterAPacingViolationTheSameEndIsAskedAgainWhenTheServiceIsBack) {
@@ -737,8 +804,140 @@ TEST_F(SpaeteAntwortTest, AfterATimeoutItReachesNoSeriesThatFollows) {
     PruefeLueckenlos(p_.Datei("ES-BID"), Mittag - Sekunden(100), Mittag);
     const auto& zeilen = p_.Historie.Control().Zeilen;
     EXPECT_EQ(zeilen.at(3), "disconnect()");
-    EXPECT_EQ(zeilen.at(4), zeilen.at(0));
+    EXPECT_THAT(zeilen.at(4), StartsWith("connect(10.0.0.1, 7496, 92"));
     EXPECT_EQ(Verbindungen(), 2u);
+}
+
+// The service still holds the ids of all sessions before.
+TEST_F(SpaeteAntwortTest, EachConnectionInARunHasAFreshClientId) {
+    Mit("ES")->BidAsk = true;
+    Mit("NQ")->BidAsk = true;
+    p_.Historie.Statt = [](const Anfrage&) { return true; };
+    p_.Modul.Einstellungen.BFTimeOut = 3;
+    Automatisch(100);
+    Starte();
+    std::set<std::string> verbindungen;
+    for (const auto& zeile : p_.Historie.Control().Zeilen)
+        if (zeile.starts_with("connect(")) verbindungen.insert(zeile);
+    EXPECT_EQ(Verbindungen(), 6u);
+    EXPECT_EQ(verbindungen.size(), 6u);
+    EXPECT_THAT(verbindungen, Each(AllOf(Ge("connect(10.0.0.1, 7496, 920000001"),
+                                         Le("connect(10.0.0.1, 7496, 921000002, , false)"))));
+}
+
+class NeuverbindungTest : public SpaeteAntwortTest {
+protected:
+    // The first request is never answered, and the service refuses the next connections.
+    void Verweigere(std::size_t verbindungen) {
+        p_.Historie.Statt = [this, verbindungen](const Anfrage&) {
+            if (p_.Historie.Anfragen.size() > 1) return false;
+            p_.Historie.Control().VerbindungGelingt = false;
+            p_.Historie.Control().BeiConnect = [this, verbindungen](hilfen::TestTws& tws) {
+                tws.VerbindungGelingt = Verbindungen() > verbindungen + 1;
+            };
+            return true;
+        };
+    }
+};
+
+TEST_F(NeuverbindungTest, ARefusedConnectionIsTriedAgainEveryFewSecondsAndTheRequestFollows) {
+    Mit("ES")->BidAsk = true;
+    Verweigere(4);
+    Automatisch(3000);
+    Starte();
+    EXPECT_THAT(Enden(), ElementsAre("TRADES 20261116 12:00:00", "ASK 20261116 12:00:00", "ASK 20261116 11:26:40",
+                                     "BID 20261116 12:00:00", "BID 20261116 11:26:40"));
+    EXPECT_NEAR(p_.Historie.Anfragen[1].Sekunde, 60 + 4 * 5, 1.5);
+    EXPECT_EQ(Verbindungen(), 6u);
+    PruefeLueckenlos(p_.Datei("ES-ASK"), Mittag - Sekunden(3000), Mittag);
+    EXPECT_FALSE(p_.Status.Enthaelt("504"));
+}
+
+TEST_F(NeuverbindungTest, WithoutAnyConnectionEachSeriesEndsAfterTheTimeOfAnAnswer) {
+    Mit("ES")->BidAsk = true;
+    Verweigere(1'000'000);
+    Automatisch(3000);
+    Starte();
+    EXPECT_NEAR(p_.Welt.Sekunden(), 3 * 60, 3);
+    EXPECT_EQ(p_.Status.Eintraege.size(), 3u);
+    EXPECT_EQ(p_.Status.Letzte(), "Backfill Timeout ES");
+    EXPECT_LT(Verbindungen(), 40u);
+}
+
+TEST_F(NeuverbindungTest, CancellingEndsTheAttempts) {
+    Mit("ES")->BidAsk = true;
+    Verweigere(1'000'000);
+    p_.Welt.Plane(70, [this] { lauf_->Abbruch = true; });
+    Automatisch(3000);
+    Starte();
+    EXPECT_LT(p_.Welt.Sekunden(), 72);
+}
+
+TEST_F(NeuverbindungTest, ASessionThatEndsUnderARequestIsMadeAnewAndTheRequestRepeated) {
+    Mit("ES");
+    p_.Historie.Statt = [this](const Anfrage&) {
+        if (p_.Historie.Anfragen.size() != 2) return false;
+        p_.Welt.Plane(0.2, [this] {
+            p_.Historie.Balken(Mittag - Sekunden(3900), 7777, 1);
+            p_.Historie.Control().Trenne();
+            p_.Historie.Ereignisse().connectionClosed();
+        });
+        return true;
+    };
+    Automatisch(5000);
+    Starte();
+    EXPECT_THAT(Enden(), ElementsAre("TRADES 20261116 12:00:00", "TRADES 20261116 11:26:40", "TRADES 20261116 11:26:40",
+                                     "TRADES 20261116 10:53:20"));
+    EXPECT_LT(p_.Welt.Sekunden(), 6);
+    PruefeLueckenlos(p_.Datei("ES"), Mittag - Sekunden(5000), Mittag);
+}
+
+TEST_F(NeuverbindungTest, AServiceThatEndsEachSessionAtTheRequestDoesntHoldTheRun) {
+    Mit("ES");
+    p_.Historie.Statt = [this](const Anfrage&) {
+        p_.Welt.Plane(0.2, [this] { p_.Historie.Control().Trenne(); });
+        return true;
+    };
+    Automatisch(5000);
+    Starte();
+    EXPECT_LT(p_.Historie.Anfragen.size(), 15u);
+    EXPECT_LT(p_.Welt.Sekunden(), 200);
+    EXPECT_TRUE(p_.Status.Enthaelt("Backfill Timeout ES"));
+}
+
+// The first contract request of a series has the number of all history requests.
+TEST_F(SpaeteAntwortTest, ARefusalOfTheFirstContractIsntTheAnswerToTheHistoryRequest) {
+    Mit("ES")->BidAsk = true;
+    p_.Historie.Verzug = 0.3;
+    BeiAnfrage(1, [this] {
+        p_.Historie.Melde(200, "No security definition", 1);
+        Spaeter(1.2, [this] { Fremd(); });
+    });
+    Automatisch(3000);
+    Starte();
+    PruefeLueckenlos(p_.Datei("ES-ASK"), Mittag - Sekunden(3000), Mittag);
+}
+
+TEST_F(SpaeteAntwortTest, TwoRefusalsOfTheFirstRequestNeedNoNewConnection) {
+    Mit("ES")->BidAsk = true;
+    BeiAnfrage(1, [this] {
+        p_.Historie.Melde(200, "No security definition", 1);
+        p_.Historie.Melde(200, "No security definition", 1);
+    });
+    Automatisch(3000);
+    Starte();
+    EXPECT_EQ(Verbindungen(), 1u);
+}
+
+TEST_F(SpaeteAntwortTest, BehindTheContractARefusalIsTheHistoryRequests) {
+    Mit("ES")->BidAsk = true;
+    BeiAnfrage(1, [this] {
+        p_.Historie.Ereignisse().contractDetailsEnd(1);
+        p_.Historie.Melde(200, "No security definition", 1);
+    });
+    Automatisch(3000);
+    Starte();
+    EXPECT_EQ(Verbindungen(), 1u);
 }
 
 TEST_F(SpaeteAntwortTest, AfterALostConnectionItDoesntAnswerTheRepeatedRequest) {
