@@ -388,7 +388,7 @@ void Datenpflegelauf::BehalteBalken(Serie& serie) {
     MerkeBeantwortet(serie, altesEnde);
     if (serie.Zeitablauf || Abbruch) return;
     ++antworten_;
-    antwortSekunden_ += SekundenSeit(serie.Anfragezeit, Jetzt());
+    antwortSekunden_ += std::max(Anfragetakt::MindestabstandSekunden, SekundenSeit(serie.Anfragezeit, fertigUm_));
     bewegt_ += SekundenSeit(serie.Ende, altesEnde > 0 ? altesEnde : std::max(Jetzt(), serie.Ende));
 }
 

@@ -210,6 +210,7 @@ private:
     Balkenpuffer puffer_;
     Gesamtreihe gesamt_;
     bool Fertig_ = false;        // the request has ended
+    Datum fertigUm_ = 0;         // when; a question on top may keep the run from looking at it for long
     bool KeineDaten_ = false;    // a request of the series ended in an error
     int fehlercode_ = 0;         // its code; 0 for none
     bool abgelehnt_ = false;     // the present request did

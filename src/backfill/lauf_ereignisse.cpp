@@ -54,6 +54,7 @@ void Datenpflegelauf::historicalDataEnd(int reqId, std::string_view, std::string
 
 void Datenpflegelauf::BeendeAnfrage() {
     Fertig_ = true;
+    fertigUm_ = Jetzt();
     antwortOffen_ = false;
 }
 
@@ -112,6 +113,7 @@ void Datenpflegelauf::SetzeMerker(int errorCode) {
         case fehler::KeinKontrakt:
         case fehler::KeineFreigabe:
             Fertig_ = KeineDaten_ = abgelehnt_ = true;
+            fertigUm_ = Jetzt();
             fehlercode_ = errorCode;
             break;
         case fehler::HistorienfarmBereit:

@@ -633,6 +633,24 @@ TEST_F(LaufTest, TheTimeToGoFollowsWhatTheServiceAllows) {
         EXPECT_GE(Anzeige().Gesamt[i].first, Anzeige().Gesamt[i - 1].first);
 }
 
+TEST_F(LaufTest, AnOpenQuestionDoesntChangeTheTimeToGo) {
+    p_.Modul.Einstellungen.BFTimeOut = 6000;
+    p_.Fragen.Antworten = {meldung::AntwortNein};
+    p_.Fragen.BeiMeldung = [this](const auto&) { p_.Welt.Laufe(1800); };
+    Mit("ES");
+    Automatisch(200 * 2000 - 1);
+    double vorher = 0;
+    p_.Welt.Plane(20, [&] {
+        vorher = Anzeige().Gesamt.back().second;
+        Anzeige().KlickeAbbruch();
+    });
+    double nachher = 0;
+    p_.Welt.Plane(1830, [&] { nachher = Anzeige().Gesamt.back().second; });
+    Starte();
+    EXPECT_NEAR(vorher, 180, 10);
+    EXPECT_NEAR(nachher, vorher - 10, 10);
+}
+
 // ---- lost connection
 
 TEST_F(LaufTest, ALostConnectionIsWaitedForAndTheSameEndAskedAgain) {
