@@ -19,13 +19,14 @@ public:
     void Warte(std::chrono::milliseconds) override { std::abort(); }
 };
 
-class KeineAnzeige : public zek::Startanzeige, public zek::Meldungen {
+class KeineAnzeige : public zek::Startanzeige, public zek::Meldungen, public zek::Statusausgabe {
 public:
     void Startinfo(const std::string&) override {}
     void FortschrittMaximum(int) override {}
     void FortschrittWert(int) override {}
     void Sanduhr(bool) override {}
     int ZeigeMeldung(const std::string&, int, int) override { std::abort(); }
+    void Statusmeldung(std::string_view, bool) override { std::abort(); }
 };
 
 class Ordner {
@@ -65,7 +66,7 @@ void Laden(benchmark::State& state) {
     KeineAnzeige anzeige;
     zek::IBModul modul;
     modul.Programmordner = ordner.Text();
-    zek::Titellader lader(modul, dateien, uhr, pumpe, anzeige, anzeige,
+    zek::Titellader lader(modul, dateien, uhr, pumpe, anzeige, anzeige, anzeige,
                           {[] { return false; }, [](zek::clTitelobjekt&) { return 0; }, [] {}});
     for (auto _ : state) lader.Titelladen();
     if (modul.Titelliste.Anzahl() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("titles missing");

@@ -1,5 +1,6 @@
 #include "bestand/titelladen.h"
 
+#include "datafiles/dateinamen.h"
 #include "platform/ohnefehler.h"
 #include "titles/titeldatei.h"
 
@@ -15,17 +16,21 @@ namespace {
 constexpr int NachrichtenJePause = 31;           // messages after which the next second is waited for
 constexpr float Pausenlaenge = 1.0F;             // seconds
 constexpr std::int64_t FortschrittSchritt = 20;  // titles
+constexpr std::string_view Unterbrochen =
+    "Das letzte Speichern der Titeldefinitionen wurde unterbrochen. Es gilt die Liste davor; was schon geschrieben "
+    "war, liegt in „IB_Titel.Dat.defekt“.";
 
 }  // namespace
 
 Titellader::Titellader(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe, Startanzeige& anzeige,
-                       Meldungen& meldungen, Aufrufe aufrufe)
+                       Meldungen& meldungen, Statusausgabe& status, Aufrufe aufrufe)
     : modul_(modul),
       dateien_(dateien),
       uhr_(uhr),
       pumpe_(pumpe),
       anzeige_(anzeige),
       meldungen_(meldungen),
+      status_(status),
       aufrufe_(std::move(aufrufe)) {}
 
 void Titellader::Titelladen() {
@@ -36,6 +41,7 @@ void Titellader::Titelladen() {
             anzeige_.Startinfo("Die Titeldefinitionen werden geladen. Bitte warten...");
             pumpe_.Ereignisse();
         }
+        if (datei.Zurueckgestellt) status_.Statusmeldung(Unterbrochen, true);
         if (datei.Ergebnis == Beschaedigt || datei.Ergebnis == NichtLesbar) MeldeLadefehler(datei.Fehlertext);
         if (datei.Ergebnis == Gelesen) Uebernehme(datei.Titel);
     } catch (const std::exception& fehler) {
@@ -81,12 +87,29 @@ void Titellader::UebernehmeTitel(const Wert& para) {
     titel->id = ++modul_.Titelnummer;
     // A title with an unreadable element keeps what was read before it.
     OhneFehler([&] { titel->ReadAllPara(para); });
+    HalteImOrdner(titel->Katalog, "Der Katalog");
+    HalteImOrdner(titel->Dateiname, "Der Dateiname");
     modul_.Titelliste.Fuege(titel);
     if (gesendet_ >= NachrichtenJePause) HalteTakt();
     OhneFehler([&] {
         if (titel->Aktiv() && aufrufe_.Verbunden()) gesendet_ += aufrufe_.Abonniere(*titel);
     });
     if (!titel->Katalog.empty()) modul_.Katalogliste.Fuege(titel->Katalog);
+}
+
+// The new name is the title's from here on: files, evidence and the next save all go by it.
+void Titellader::HalteImOrdner(std::string& name, std::string_view was) {
+    std::string sicher = ImOrdner(name);
+    if (sicher == name) return;
+    if (gemeldeteNamen_.insert(name).second) {
+        std::erase(name, '\0');
+        OhneFehler([&] {
+            status_.Statusmeldung(std::string(was) + " „" + name + "“ aus den Titeldefinitionen führt aus dem " +
+                                      "Datenordner. Die Daten liegen deshalb unter „" + sicher + "“.",
+                                  true);
+        });
+    }
+    name = std::move(sicher);
 }
 
 void Titellader::HalteTakt() {

@@ -8,7 +8,9 @@
 #include "platform/uhr.h"
 
 #include <functional>
+#include <set>
 #include <string>
+#include <string_view>
 
 namespace zek {
 
@@ -24,10 +26,11 @@ public:
     };
 
     Titellader(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe, Startanzeige& anzeige,
-               Meldungen& meldungen, Aufrufe aufrufe);
+               Meldungen& meldungen, Statusausgabe& status, Aufrufe aufrufe);
 
     // Fills Titelliste and Katalogliste. A missing, empty or foreign file leaves them as they are, without a
-    // message; one that can't be read or is damaged gives a message. Throws nothing.
+    // message; one that can't be read or is damaged gives a message. A catalog or file name that leads out of its
+    // folder becomes one that stays there, with one line in the log for each such name. Throws nothing.
     void Titelladen();
 
 private:
@@ -36,6 +39,7 @@ private:
     void UebernehmeTitel(const Wert& para);
     void HalteTakt();
     void MeldeLadefehler(const std::string& text);
+    void HalteImOrdner(std::string& name, std::string_view was);
 
     IBModul& modul_;
     Dateisystem& dateien_;
@@ -43,7 +47,9 @@ private:
     Pumpe& pumpe_;
     Startanzeige& anzeige_;
     Meldungen& meldungen_;
+    Statusausgabe& status_;
     Aufrufe aufrufe_;
+    std::set<std::string> gemeldeteNamen_;
     float letztePause_ = 0;  // seconds since midnight
     int gesendet_ = 0;       // messages since the last pause
 };

@@ -2,6 +2,7 @@
 
 #include "platform/text.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace zek {
@@ -79,6 +80,14 @@ std::string Namensbereinigung(std::string_view text) {
     for (char& zeichen : sauber) {
         if (std::string_view("/\\:*?\"<>|").find(zeichen) != std::string_view::npos) zeichen = '-';
     }
+    return sauber;
+}
+
+std::string ImOrdner(std::string_view name) {
+    if (name == "." || name == "..") return std::string(name.size(), '-');
+    if (name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos) return std::string(name);
+    std::string sauber = Namensbereinigung(name);
+    std::ranges::replace(sauber, '\0', '-');
     return sauber;
 }
 

@@ -34,6 +34,10 @@ inline constexpr std::array<std::int32_t, 24> TiteldateiArten = {1,    2,    3, 
 // "-" in place of each of / \ : * ? " < > |
 std::string Namensbereinigung(std::string_view text);
 
+// The name of a folder or file that comes from outside, as one that stays in its folder: what has a separator or a NUL
+// in it goes through Namensbereinigung, "." and ".." become hyphens; all others stay as they are.
+std::string ImOrdner(std::string_view name);
+
 // File name of a title; for kursart::Basisname the base name alone. A title without a base name gets it here and
 // keeps it, also when its fields change later.
 std::string Dateinamensbildung(clTitelobjekt& titel, std::int32_t kursart);

@@ -27,7 +27,7 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
                   [this](int code) { Neustarter.WegenFehler(code); }, &Luecken}),
       Info(um.Modul, um.Plattform.Uhr, [&gesicht = um.Gesicht](const std::string& text) { gesicht.TitelInfo(text); }),
       Lader(
-          um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Plattform.Pumpe, um.Gesicht, um.Gesicht,
+          um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Plattform.Pumpe, um.Gesicht, um.Gesicht, um.Status,
           {[this] { return Marktdaten.Control.Verbunden(); }, [this](clTitelobjekt& titel) { return Abonniere(titel); },
            [this] { Info.TitelInfoAktualisieren(false); }}),
       Sicherung(um.Modul, um.Plattform.Dateien, um.Gesicht, um.Gesicht),

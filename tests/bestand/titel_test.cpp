@@ -1,7 +1,9 @@
 #include "bestand/titelanlegen.h"
 #include "bestand/titelladen.h"
+#include "datafiles/anhaengen.h"
 #include "datafiles/dateinamen.h"
 #include "hilfen/ram_dateisystem.h"
+#include "hilfen/stoerdateisystem.h"
 #include "hilfen/test_rollen.h"
 #include "hilfen/virtuelle_welt.h"
 #include "platform/datum.h"
@@ -9,6 +11,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace zek {
@@ -56,6 +59,7 @@ protected:
     VirtuelleWelt welt;
     TestStartanzeige anzeige;
     TestMeldungen meldungen;
+    TestStatus status;
     IBModul modul;
     bool verbunden = true;
     int nachrichten = 1;  // of one subscription
@@ -67,6 +71,7 @@ protected:
                      welt,
                      anzeige,
                      meldungen,
+                     status,
                      {[this] { return verbunden; },
                       [this](clTitelobjekt& titel) {
                           abonniert.emplace_back(titel.id, welt.Sekunden());
@@ -179,7 +184,7 @@ TEST_F(TitelLaden, AClockSetBackMeanwhileDoesNotHangTheLoad) {
 
 TEST_F(TitelLaden, NoWaitIsMadeWhenTheSecondHasPassedAlready) {
     Datei(std::vector<Vorlage>(64, Vorlage{"X"}));
-    Titellader langsam(modul, ram, welt, welt, anzeige, meldungen,
+    Titellader langsam(modul, ram, welt, welt, anzeige, meldungen, status,
                        {[] { return true; },
                         [this](clTitelobjekt& titel) {
                             abonniert.emplace_back(titel.id, welt.Sekunden());
@@ -247,7 +252,7 @@ TEST_F(TitelLaden, ATitleWithAnUnreadableElementStaysPartlyFilledAndTheRestFollo
 
 TEST_F(TitelLaden, AnErrorOfOneSubscriptionDoesNotEndTheLoad) {
     Datei({{"A"}, {"B", "K"}});
-    Titellader lader2(modul, ram, welt, welt, anzeige, meldungen,
+    Titellader lader2(modul, ram, welt, welt, anzeige, meldungen, status,
                       {[] { return true; }, [](clTitelobjekt&) -> int { throw std::runtime_error("x"); }, [] {}});
     lader2.Titelladen();
     EXPECT_THAT(Symbole(), ElementsAre("A", "B"));
@@ -261,6 +266,119 @@ TEST_F(TitelLaden, ASaveAndALoadGiveTheSameTitles) {
     sicherung.Titelspeichern();
     EXPECT_EQ(ram.Inhalt(Pfad), vorher);
     EXPECT_THAT(meldungen.Gezeigt, IsEmpty());
+}
+
+TEST_F(TitelLaden, ASaveThatWasBrokenOffIsToldAndTheListBeforeItIsThere) {
+    Datei({{"A"}, {"B"}});
+    Titelliste neu;
+    neu.Fuege(std::make_shared<clTitelobjekt>());
+    // The first write into the list dies in its middle.
+    RamDateisystem probe;
+    probe.LegeDateiAn(Pfad, ram.Inhalt(Pfad));
+    StoerDateisystem zaehler(probe);
+    SchreibeTiteldatei(zaehler, "/p/", neu);
+    const auto istErstes = [](const auto& e) { return e.Art == Dateiaufruf::Schreibe && e.Pfad == Pfad; };
+    const auto& aufrufe = zaehler.Protokoll();
+    StoerDateisystem sterbend(ram);
+    sterbend.StuerzeAb(
+        static_cast<std::uint64_t>(std::find_if(aufrufe.begin(), aufrufe.end(), istErstes) - aufrufe.begin()) + 1, 50);
+    SchreibeTiteldatei(sterbend, "/p/", neu);
+    ASSERT_TRUE(ram.DateiExistiert(Pfad + ".vorher"));
+    Laden();
+    EXPECT_THAT(Symbole(), ElementsAre("A", "B"));
+    EXPECT_THAT(meldungen.Gezeigt, IsEmpty());
+    ASSERT_EQ(status.Eintraege.size(), 1u);
+    EXPECT_EQ(status.Eintraege[0].Text,
+              "Das letzte Speichern der Titeldefinitionen wurde unterbrochen. Es gilt die Liste davor; was schon "
+              "geschrieben war, liegt in „IB_Titel.Dat.defekt“.");
+    EXPECT_TRUE(status.Eintraege[0].Fett);
+    EXPECT_TRUE(ram.DateiExistiert(Pfad + ".defekt"));
+}
+
+class FremdeNamen : public TitelLaden {
+protected:
+    void Lege(const std::string& katalog, const std::string& dateiname) {
+        auto titel = std::make_shared<clTitelobjekt>();
+        titel->id = static_cast<std::int32_t>(liste.Anzahl()) + 1;
+        titel->Symbol = "ES";
+        titel->Typ = "FUT";
+        titel->Katalog = katalog;
+        titel->Dateiname = dateiname;
+        titel->AccountName = "U1";
+        liste.Fuege(titel);
+    }
+    void LadeAlle() {
+        ASSERT_EQ(SchreibeTiteldatei(ram, "/p/", liste), std::nullopt);
+        Laden();
+    }
+
+    Titelliste liste;
+};
+
+TEST_F(FremdeNamen, OfCatalogsAndFilesNeverLeadOutOfTheDataFolderAndNoTickIsLost) {
+    const std::string nul("a\0b", 3), nulUndStrich("a\0/../../b", 10);
+    const std::vector<std::string> namen = {"../../x",         "..",  ".",      "/", "/etc",      "a/b",
+                                            "a/../../../../b", "../", "/../..", nul, nulUndStrich};
+    for (const std::string& name : namen) {
+        Lege(name, "ES" + std::to_string(liste.Anzahl()));
+        Lege("Futures", name);
+        Lege(name, name);
+    }
+    LadeAlle();
+    ram.LegeOrdnerbaumAn("/daten/rt");
+    modul.Datenordner = "/daten/rt";
+    Datensatzschreiber schreiber(modul, ram, status, [](clTitelobjekt&) { return 0.0F; });
+    const std::size_t meldungenVorher = status.Eintraege.size();
+    const std::int32_t arten[] = {1, 2, 3, 5, 6, -101, -210};
+    for (const Titelzeiger& titel : modul.Titelliste)
+        for (const std::int32_t art : arten) schreiber.DatensatzAnhaengen(*titel, art, 1, 1, false, welt.Jetzt());
+    EXPECT_EQ(status.Eintraege.size(), meldungenVorher) << status.Letzte();
+    std::size_t saetze = 0;
+    for (const std::string& pfad : ram.Dateien()) {
+        if (pfad == Pfad) continue;
+        EXPECT_TRUE(pfad.starts_with("/daten/rt/")) << pfad;
+        EXPECT_EQ(std::count(pfad.begin(), pfad.end(), '/'), 4) << pfad;
+        EXPECT_EQ(pfad.find("/../"), std::string::npos) << pfad;
+        EXPECT_EQ(pfad.find("/./"), std::string::npos) << pfad;
+        EXPECT_EQ(pfad.find('\0'), std::string::npos) << pfad;
+        saetze += (ram.Inhalt(pfad).size() - 856) / 16;
+    }
+    EXPECT_EQ(saetze, modul.Titelliste.Anzahl() * std::size(arten));
+}
+
+TEST_F(FremdeNamen, AreToldOnceEachAndKeptByTheNextSave) {
+    for (int i = 0; i < 3; ++i) Lege("../../x", "ES" + std::to_string(i));
+    Lege("Futures", "/etc/passwd");
+    Lege("Futures", "DAX@EUREX_FUT");
+    LadeAlle();
+    ASSERT_EQ(status.Eintraege.size(), 2u);
+    EXPECT_EQ(
+        status.Eintraege[0].Text,
+        "Der Katalog „../../x“ aus den Titeldefinitionen führt aus dem Datenordner. Die Daten liegen deshalb unter "
+        "„..-..-x“.");
+    EXPECT_TRUE(status.Eintraege[0].Fett);
+    EXPECT_EQ(
+        status.Eintraege[1].Text,
+        "Der Dateiname „/etc/passwd“ aus den Titeldefinitionen führt aus dem Datenordner. Die Daten liegen deshalb "
+        "unter „-etc-passwd“.");
+    EXPECT_THAT(modul.Katalogliste.Namen(), ElementsAre("..-..-x", "Futures"));
+    sicherung.Titelspeichern();
+    status.Eintraege.clear();
+    Laden();
+    EXPECT_TRUE(status.Eintraege.empty());
+    EXPECT_EQ(modul.Titelliste.Finde(4)->Dateiname, "-etc-passwd");
+}
+
+TEST_F(FremdeNamen, ThatStayInTheirFolderStayAsTheyAre) {
+    const std::vector<std::string> namen = {"",           "Futures",     "a b",     "...", "..x",
+                                            ".versteckt", "SMART\\NYSE", "Öl: 5*?", "-"};
+    for (const std::string& name : namen) Lege(name, name);
+    LadeAlle();
+    for (std::size_t i = 0; i < namen.size(); ++i) {
+        EXPECT_EQ(modul.Titelliste[i]->Katalog, namen[i]);
+        EXPECT_EQ(modul.Titelliste[i]->Dateiname, namen[i]);
+    }
+    EXPECT_TRUE(status.Eintraege.empty());
 }
 
 class TitelAnlage : public testing::Test {
