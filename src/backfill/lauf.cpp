@@ -117,7 +117,7 @@ bool Datenpflegelauf::Verbinde() {
     antwortOffen_ = false;
     vertraegeOffen_ = 0;
     const auto& einstellungen = um_.Modul.Einstellungen;
-    IBBackfill_->connect(einstellungen.IBIPAdr, einstellungen.IBPort, clientId_, "", false);
+    IBBackfill_->connect(einstellungen.IBIPAdr, einstellungen.Port(), clientId_, "", false);
     return !IBBackfill_->TwsConnectionTime().empty();
 }
 

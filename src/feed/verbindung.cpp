@@ -45,12 +45,12 @@ void Verbindung::TWSVerbindungAufbauen() {
     if (bautAuf_) return;
     const Laufmarke marke(bautAuf_);
     const Einstellungen& einstellungen = modul_.Einstellungen;
-    if (einstellungen.IBPort < 1) {
+    if (einstellungen.Port() < 1) {
         Melde("Fehlende Port-Angabe: Keine Verbindung zur TWS hergestellt!", true);
         return;
     }
     OhneFehler([&] {
-        control_->connect(einstellungen.IBIPAdr, einstellungen.IBPort, einstellungen.IBLoginID,
+        control_->connect(einstellungen.IBIPAdr, einstellungen.Port(), einstellungen.IBLoginID,
                           KeineVerbindungsoptionen, KeineZusatzanmeldung);
     });
     // Without a control this throws: the start asks then whether to go on without a connection.

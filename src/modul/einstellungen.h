@@ -33,8 +33,12 @@ struct Einstellungen {
     bool AutoUhrzeitStellen = false;
     bool KomprimierteAnsicht = false;
     std::string IBIPAdr;        // empty means this computer
-    int IBPort = 0;             // below 1: none configured
+    int IBPort = 0;             // as stored; below 1: none configured
     int IBLoginID = 255281497;  // TWS client id
+    int FremderPort = 0;        // of "ZEK_Para.ini", never stored; 0: none
+
+    // The one that is connected to.
+    int Port() const { return FremderPort > 0 ? FremderPort : IBPort; }
 };
 
 }  // namespace zek

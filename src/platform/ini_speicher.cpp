@@ -4,7 +4,6 @@
 #include "platform/text.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -58,18 +57,15 @@ void LegeOrdnerkette(const std::string& ordner) {
     }
 }
 
-// Holds the lock until it goes out of scope; waits for other holders.
-std::unique_ptr<Griff> Sperre(const std::string& datei, std::chrono::milliseconds geduld) {
-    constexpr std::chrono::milliseconds Takt{2};
-    auto griff = std::make_unique<Griff>(::open(datei.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
-    if (!griff->Gueltig()) return nullptr;
-    while (::flock(griff->Nummer(), LOCK_EX | LOCK_NB) != 0) {
-        if (errno != EWOULDBLOCK && errno != EINTR) return nullptr;
-        if (geduld <= std::chrono::milliseconds::zero()) return nullptr;
-        ::poll(nullptr, 0, static_cast<int>(Takt.count()));
-        geduld -= Takt;
+// Holds the lock until it goes out of scope. 0 or -errno; -EBUSY while somebody else holds it.
+int Sperre(const std::string& datei, std::unique_ptr<Griff>& sperre) {
+    sperre = std::make_unique<Griff>(::open(datei.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666));
+    if (!sperre->Gueltig()) return -errno;
+    while (::flock(sperre->Nummer(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EWOULDBLOCK) return -EBUSY;
+        if (errno != EINTR) return -errno;
     }
-    return griff;
+    return 0;
 }
 
 std::string Heimordner() {
@@ -79,14 +75,23 @@ std::string Heimordner() {
     return benutzer == nullptr || benutzer->pw_dir == nullptr ? std::string() : std::string(benutzer->pw_dir);
 }
 
-bool SchreibeAlles(int griff, std::string_view bytes) {
+// 0 or -errno.
+int SchreibeAlles(int griff, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t geschrieben = ::write(griff, bytes.data(), bytes.size());
         if (geschrieben < 0 && errno == EINTR) continue;
-        if (geschrieben <= 0) return false;
+        if (geschrieben <= 0) return geschrieben < 0 ? -errno : -ENOSPC;
         bytes.remove_prefix(static_cast<std::size_t>(geschrieben));
     }
-    return true;
+    return 0;
+}
+
+// Without Haltbarkeit::Sofort the bytes are sent on their way before the rename, and nobody waits for them. File
+// systems that put a rename in order behind its data then never show a file without them.
+int AufDenWegZurPlatte(int griff, Haltbarkeit haltbarkeit) {
+    if (haltbarkeit == Haltbarkeit::Sofort) return ::fsync(griff) == 0 ? 0 : -errno;
+    ::sync_file_range(griff, 0, 0, SYNC_FILE_RANGE_WRITE);
+    return 0;
 }
 
 // Blanks around a profile value and one pair of quotes taken off.
@@ -195,13 +200,27 @@ std::string IniText::Text() const {
 
 // ---- IniDatei
 
-IniDatei::IniDatei(std::string pfad, std::string sperrdatei, std::chrono::milliseconds geduld, bool codepage)
-    : pfad_(std::move(pfad)), sperrdatei_(std::move(sperrdatei)), geduld_(geduld), codepage_(codepage) {}
+IniDatei::IniDatei(std::string pfad, std::string sperrdatei, bool codepage)
+    : pfad_(std::move(pfad)), sperrdatei_(std::move(sperrdatei)), codepage_(codepage) {}
+
+bool IniDatei::Stand::Fehlt() const {
+    return Fehler == ENOENT || Fehler == ENOTDIR;
+}
 
 IniDatei::Stand IniDatei::StandAufPlatte() const {
     struct stat angaben {};
-    if (::stat(pfad_.c_str(), &angaben) != 0) return {};
-    return {angaben.st_dev, angaben.st_ino, angaben.st_size, Nanosekunden(angaben.st_mtim)};
+    Stand stand;
+    if (::stat(pfad_.c_str(), &angaben) != 0) {
+        stand.Fehler = errno;
+        return stand;
+    }
+    // A pipe or a device in the place of the file is neither read nor replaced.
+    if (!S_ISREG(angaben.st_mode)) stand.Fehler = EINVAL;
+    stand.Geraet = angaben.st_dev;
+    stand.Inode = angaben.st_ino;
+    stand.Groesse = angaben.st_size;
+    stand.Zeit = Nanosekunden(angaben.st_mtim);
+    return stand;
 }
 
 const IniText& IniDatei::Lies() {
@@ -209,69 +228,82 @@ const IniText& IniDatei::Lies() {
     return text_;
 }
 
-// False when there is a file and it can't be read; nothing may be written over it then.
-bool IniDatei::LiesNeu() {
+// 0, also where there is no file; -errno where there is one that can't be read: nothing may be written over it then.
+int IniDatei::LiesNeu() {
     const Stand stand = StandAufPlatte();
-    PosixDateisystem dateien;
+    stand_.reset();
     std::string bytes;
-    // A pipe or a device in the place of the file is neither read nor replaced.
-    std::error_code egal;
-    const bool gelesen = std::filesystem::is_regular_file(pfad_, egal) && LiesGanz(dateien, pfad_, bytes);
-    gelesen_ = codepage_ ? AusCodepage(bytes) : std::move(bytes);
-    text_ = IniText(gelesen_);
+    if (!stand.Fehlt()) {
+        if (stand.Fehler != 0) return -stand.Fehler;
+        PosixDateisystem dateien;
+        if (!LiesGanz(dateien, pfad_, bytes)) return -EIO;
+    }
+    text_ = IniText(codepage_ ? AusCodepage(bytes) : bytes);
     timespec jetzt{};
     ::clock_gettime(CLOCK_REALTIME, &jetzt);
-    stand_.reset();
-    const bool ruhig = std::abs(Nanosekunden(jetzt) - stand.Zeit) > UnsichereZeit;
+    const bool ruhig = stand.Fehlt() || std::abs(Nanosekunden(jetzt) - stand.Zeit) > UnsichereZeit;
     if (ruhig && stand == StandAufPlatte()) stand_ = stand;
-    return gelesen || stand == Stand{};
+    return 0;
 }
 
-bool IniDatei::Aendere(const std::function<bool(IniText&)>& aenderung) {
+int IniDatei::Schreibe(std::span<const Speicheraenderung> aenderungen, Haltbarkeit haltbarkeit) {
     LegeOrdnerkette(OrdnerVon(pfad_));
     std::unique_ptr<Griff> sperre;
-    if (!sperrdatei_.empty() && !(sperre = Sperre(sperrdatei_, geduld_))) return false;
-    if (!LiesNeu()) return false;
-    const std::string vorher = text_.Text();
-    if (!aenderung(text_)) return false;
-    const std::string nachher = text_.Text();
+    if (!sperrdatei_.empty()) {
+        if (const int fehler = Sperre(sperrdatei_, sperre); fehler < 0) return fehler;
+    }
+    if (const int fehler = LiesNeu(); fehler < 0) return fehler;
+    IniText neu = text_;
+    int ergebnis = 0;
+    for (const auto& [abschnitt, schluessel, wert] : aenderungen) {
+        if (!wert)
+            neu.Loesche(abschnitt, schluessel);
+        else if (!neu.Setze(abschnitt, schluessel, *wert))
+            ergebnis = -EINVAL;
+    }
     // An unchanged text needs no write; the texts differ already where only a last line end was missing.
-    if (nachher == vorher) return true;
-    const bool gut = SchreibeAufPlatte(codepage_ ? NachCodepage(nachher) : nachher);
+    const std::string nachher = neu.Text();
+    if (nachher == text_.Text()) return ergebnis;
+    const int fehler = Ersetze(codepage_ ? NachCodepage(nachher) : nachher, haltbarkeit);
     stand_.reset();
-    return gut;
+    return fehler < 0 ? fehler : ergebnis;
 }
 
-bool IniDatei::SchreibeAufPlatte(const std::string& text) const {
+int IniDatei::Ersetze(const std::string& bytes, Haltbarkeit haltbarkeit) const {
     // A link stays one: what it points to is replaced.
     std::error_code fehlt;
     const std::string echt = std::filesystem::canonical(pfad_, fehlt).string();
     const std::string& ziel = fehlt ? pfad_ : echt;
     const std::string vorlaeufig = ziel + ".neu";
     {
-        const Griff griff(::open(vorlaeufig.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-        if (!griff.Gueltig()) return false;
+        // What a crash has left there, or whatever else stands there.
+        ::unlink(vorlaeufig.c_str());
+        const Griff griff(::open(vorlaeufig.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        if (!griff.Gueltig()) return -errno;
         struct stat angaben {};
         if (::stat(ziel.c_str(), &angaben) == 0) ::fchmod(griff.Nummer(), angaben.st_mode & 07777);
-        if (!SchreibeAlles(griff.Nummer(), text) || ::fsync(griff.Nummer()) != 0) {
+        int fehler = SchreibeAlles(griff.Nummer(), bytes);
+        if (fehler == 0) fehler = AufDenWegZurPlatte(griff.Nummer(), haltbarkeit);
+        if (fehler < 0) {
             ::unlink(vorlaeufig.c_str());
-            return false;
+            return fehler;
         }
     }
     if (std::rename(vorlaeufig.c_str(), ziel.c_str()) != 0) {
+        const int fehler = -errno;
         ::unlink(vorlaeufig.c_str());
-        return false;
+        return fehler;
     }
+    if (haltbarkeit == Haltbarkeit::Spaeter) return 0;
     // Makes the rename itself durable; without it a power cut brings back the old file, which is whole too.
     const Griff ordner(::open(OrdnerVon(ziel).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (ordner.Gueltig()) ::fsync(ordner.Nummer());
-    return true;
+    return 0;
 }
 
 // ---- IniNutzerspeicher
 
-IniNutzerspeicher::IniNutzerspeicher(std::string ordner, std::chrono::milliseconds geduld)
-    : ordner_(std::move(ordner)), geduld_(geduld) {
+IniNutzerspeicher::IniNutzerspeicher(std::string ordner) : ordner_(std::move(ordner)) {
     if (ordner_.empty() || ordner_.back() != '/') ordner_ += '/';
 }
 
@@ -290,7 +322,7 @@ IniDatei& IniNutzerspeicher::Datei(std::string_view anwendung) {
     std::replace(name.begin(), name.end(), '/', '_');
     PosixDateisystem dateien;
     const std::string pfad = OhneGrossKlein(dateien, ordner_ + name + ".ini");
-    return dateien_.try_emplace(std::move(klein), pfad, ordner_ + ".sperre", geduld_, false).first->second;
+    return dateien_.try_emplace(std::move(klein), pfad, ordner_ + ".sperre", false).first->second;
 }
 
 std::optional<std::string> IniNutzerspeicher::Lies(std::string_view anwendung, std::string_view abschnitt,
@@ -298,20 +330,20 @@ std::optional<std::string> IniNutzerspeicher::Lies(std::string_view anwendung, s
     return Datei(anwendung).Lies().Finde(abschnitt, schluessel);
 }
 
-bool IniNutzerspeicher::Schreibe(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel,
-                                 std::string_view wert) {
-    return Datei(anwendung).Aendere([&](IniText& text) { return text.Setze(abschnitt, schluessel, wert); });
-}
-
-bool IniNutzerspeicher::Loesche(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel) {
+int IniNutzerspeicher::Schreibe(std::string_view anwendung, std::span<const Speicheraenderung> aenderungen,
+                                Haltbarkeit haltbarkeit) {
+    IniDatei& datei = Datei(anwendung);
     // Every start deletes commands that are mostly not there: that needs no lock and makes no folder.
-    if (!Lies(anwendung, abschnitt, schluessel)) return false;
-    return Datei(anwendung).Aendere([&](IniText& text) { return text.Loesche(abschnitt, schluessel); });
+    const auto wirkungslos = [&](const Speicheraenderung& eine) {
+        return !eine.Wert && !datei.Lies().Finde(eine.Abschnitt, eine.Schluessel);
+    };
+    if (std::ranges::all_of(aenderungen, wirkungslos)) return 0;
+    return datei.Schreibe(aenderungen, haltbarkeit);
 }
 
 // ---- IniProfildatei
 
-IniProfildatei::IniProfildatei(std::string pfad) : datei_(std::move(pfad), "", {}, true) {}
+IniProfildatei::IniProfildatei(std::string pfad) : datei_(std::move(pfad), "", true) {}
 
 std::string IniProfildatei::Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe,
                                  std::size_t puffer) {
@@ -322,8 +354,8 @@ std::string IniProfildatei::Lies(std::string_view abschnitt, std::string_view sc
     return AusCodepage(bytes);
 }
 
-bool IniProfildatei::Schreibe(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
-    return datei_.Aendere([&](IniText& text) { return text.Setze(abschnitt, schluessel, wert); });
+int IniProfildatei::Schreibe(std::span<const Speicheraenderung> aenderungen, Haltbarkeit haltbarkeit) {
+    return datei_.Schreibe(aenderungen, haltbarkeit);
 }
 
 }  // namespace zek

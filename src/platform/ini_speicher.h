@@ -10,11 +10,10 @@
 #include "platform/speicher.h"
 
 #include <sys/types.h>
-#include <chrono>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,59 +53,56 @@ private:
 // One such file on disk: read when it changed, written to a temporary file and renamed.
 class IniDatei {
 public:
-    // `sperrdatei`: file whose lock a write holds against other writers; empty for none. `geduld`: how long a write
-    // waits for it. `codepage`: Windows-1252 on disk; otherwise UTF-8.
-    IniDatei(std::string pfad, std::string sperrdatei, std::chrono::milliseconds geduld, bool codepage);
+    // `sperrdatei`: file whose lock a write holds against other writers; empty for none. `codepage`: Windows-1252 on
+    // disk; otherwise UTF-8.
+    IniDatei(std::string pfad, std::string sperrdatei, bool codepage);
 
-    // The present content; empty when there is no file.
+    // The present content; empty when there is no file. Where the file can't be read it is what was read last, and the
+    // next call tries again.
     const IniText& Lies();
-    // Reads afresh, applies the change and writes. False when the change or the writing failed; the file on disk is
-    // then as it was.
-    bool Aendere(const std::function<bool(IniText&)>& aenderung);
+    // Reads afresh, applies the changes and writes, in one replacement of the file. Results as in speicher.h.
+    int Schreibe(std::span<const Speicheraenderung> aenderungen, Haltbarkeit haltbarkeit);
 
 private:
     struct Stand {
+        int Fehler = 0;  // errno value of the question itself; ENOENT: no file
         dev_t Geraet = 0;
         ino_t Inode = 0;
         off_t Groesse = 0;
-        std::int64_t Zeit = 0;  // of the last change, ns since 1970; 0: no file
+        std::int64_t Zeit = 0;  // of the last change, ns since 1970
         bool operator==(const Stand&) const = default;
+        bool Fehlt() const;
     };
     Stand StandAufPlatte() const;
-    bool LiesNeu();
-    bool SchreibeAufPlatte(const std::string& text) const;
+    int LiesNeu();
+    int Ersetze(const std::string& bytes, Haltbarkeit haltbarkeit) const;
 
     std::string pfad_;
     std::string sperrdatei_;
-    std::chrono::milliseconds geduld_;
     bool codepage_;
     IniText text_;
-    std::string gelesen_;  // UTF-8 text that text_ was made of
-    std::optional<Stand> stand_;
+    std::optional<Stand> stand_;  // of the file that text_ was made of; empty when it is to be read again
 };
 
 // The per-user store: `<folder>/<application name>.ini`, UTF-8. Several processes may use one folder; a write holds the
 // lock of the folder's file ".sperre", reads afresh and renames, so nobody loses a value of another.
 class IniNutzerspeicher : public Nutzerspeicher {
 public:
-    // The folder is created with the first write. Writers need the lock for milliseconds; one that was stopped while
-    // it held the lock must not stop everybody else, so a write gives up after `geduld`.
-    explicit IniNutzerspeicher(std::string ordner, std::chrono::milliseconds geduld = std::chrono::seconds(2));
+    // The folder is created with the first write.
+    explicit IniNutzerspeicher(std::string ordner);
 
     // `$XDG_CONFIG_HOME/Tessaron`, by default `~/.config/Tessaron`; without HOME under the user's home of the system.
     static std::string Standardordner();
 
     std::optional<std::string> Lies(std::string_view anwendung, std::string_view abschnitt,
                                     std::string_view schluessel) override;
-    bool Schreibe(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel,
-                  std::string_view wert) override;
-    bool Loesche(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel) override;
+    int Schreibe(std::string_view anwendung, std::span<const Speicheraenderung> aenderungen,
+                 Haltbarkeit haltbarkeit) override;
 
 private:
     IniDatei& Datei(std::string_view anwendung);
 
     std::string ordner_;
-    std::chrono::milliseconds geduld_;
     std::map<std::string, IniDatei, std::less<>> dateien_;  // by application name in small letters
 };
 
@@ -117,7 +113,7 @@ public:
 
     std::string Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe,
                      std::size_t puffer) override;
-    bool Schreibe(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) override;
+    int Schreibe(std::span<const Speicheraenderung> aenderungen, Haltbarkeit haltbarkeit) override;
 
 private:
     IniDatei datei_;

@@ -29,12 +29,21 @@ void Abschluss::Entladen() {
     OhneFehler([&] { rekorder_.TwsTrennen(); });
     OhneFehler([&] { modul_.Katalogliste.Leere(); });
     OhneFehler([&] { plattform_.Pumpe.Ereignisse(); });
-    OhneFehler([&] { SchreibeIBLastEnd(); });
-    OhneFehler([&] { gesicht_.TaskleistenstilSetzen(false); });
-    OhneFehler([&] { SchreibeTrayzustand(); });
-    OhneFehler([&] { gesicht_.TrayFreigeben(); });
-    OhneFehler([&] { gesicht_.FensterplatzSpeichern(); });
-    OhneFehler([&] { gesicht_.MonitorplatzSpeichern(); });
+    EinstellungenSchreiben();
+}
+
+// In one write: the windows have many values, and each write waits for the disk.
+void Abschluss::EinstellungenSchreiben() {
+    {
+        const Einstellungsspeicher::Buendel buendel(einstellungen_);
+        OhneFehler([&] { SchreibeIBLastEnd(); });
+        OhneFehler([&] { gesicht_.TaskleistenstilSetzen(false); });
+        OhneFehler([&] { SchreibeTrayzustand(); });
+        OhneFehler([&] { gesicht_.TrayFreigeben(); });
+        OhneFehler([&] { gesicht_.FensterplatzSpeichern(); });
+        OhneFehler([&] { gesicht_.MonitorplatzSpeichern(); });
+    }
+    OhneFehler([&] { einstellungen_.WarteBisGeschrieben(plattform_.Pumpe); });
 }
 
 // Title by title, with no pauses.

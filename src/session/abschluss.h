@@ -33,6 +33,7 @@ public:
 
 private:
     void TitelAbbestellen();
+    void EinstellungenSchreiben();
     void SchreibeIBLastEnd();
     void SchreibeTrayzustand();
 

@@ -4,21 +4,18 @@
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 
-#include <algorithm>
-#include <utility>
+#include <variant>
 
 namespace zek {
 
 namespace {
 
-constexpr int KleinstesTimeout = 10;  // seconds
-
-void NurUhrzeit(Datum& wert) {
-    if (wert > 1) wert = Tageszeit(wert);
-}
-
-void TrimmeText(std::string& text) {
-    text = std::string(Getrimmt(text));
+// The controls' texts, as people type them.
+void TrimmeTexte(Einstellungen& e) {
+    for (const Einstellungszeile& zeile : Einstellungstabelle()) {
+        const auto* feld = std::get_if<std::string Einstellungen::*>(&zeile.Ziel);
+        if (feld != nullptr && zeile.Abschnitt == abschnitt::Optionen) e.** feld = std::string(Getrimmt(e.**feld));
+    }
 }
 
 }  // namespace
@@ -30,31 +27,12 @@ void EinstellungenAnwenden(IBModul& modul, Einstellungsspeicher& speicher, const
     const int bisherigeSekunden = e.NeuStartBeiFehlendenKursenSekunden;
     e = neu;
     if (!e.NeuStartBeiFehlendenKursen) e.NeuStartBeiFehlendenKursenSekunden = bisherigeSekunden;
-    TrimmeText(e.AufzeichnungsPauseBoersen);
-    TrimmeText(e.NeustartFehlernummern);
-    TrimmeText(e.KontenDatenKontoName);
-    TrimmeText(e.KontenDatenSpeicherOrdner);
-    e.KontenDatenSpeicherOrdner = Kontoordner(std::move(e.KontenDatenSpeicherOrdner));
-    e.BFTimeOut = std::max(e.BFTimeOut, KleinstesTimeout);
+    TrimmeTexte(e);
+    Begrenze(e);
     if (e.AutoUhrzeitStellen) OhneFehler([&] { uhrzeitAnfordern(); });
-    NurUhrzeit(e.NeustartUhrzeit);
-    NurUhrzeit(e.KeineAufzeichungStart);
-    NurUhrzeit(e.KeineAufzeichungEnde);
-    e.NeustartFehlerliste.clear();
-    if (!e.NeustartFehlernummern.empty()) e.NeustartFehlerliste = Teile(e.NeustartFehlernummern, ',');
     for (const Titelzeiger& titel : modul.Titelliste) TitelmerkmaleAbleiten(*titel, e);
     speicher.SpeichereEinstellungen();
     OhneFehler([&] { kontoabosAnfordern(); });
-}
-
-void VerbindungsangabenSpeichern(IBModul& modul, Einstellungsspeicher& speicher, const std::string& adresse, int port,
-                                 int clientId) {
-    modul.Einstellungen.IBIPAdr = adresse;
-    modul.Einstellungen.IBPort = port;
-    modul.Einstellungen.IBLoginID = clientId;
-    speicher.SchreibeEinstellung(Programmtitel, abschnitt::IBConnect, "IBIPAdr", adresse);
-    speicher.SchreibeEinstellung(Programmtitel, abschnitt::IBConnect, "IBPort", std::to_string(port));
-    speicher.SchreibeEinstellung(Programmtitel, abschnitt::IBConnect, "IBLoginID", std::to_string(clientId));
 }
 
 }  // namespace zek

@@ -14,8 +14,4 @@ void EinstellungenAnwenden(IBModul& modul, Einstellungsspeicher& speicher, const
                            const std::function<void()>& uhrzeitAnfordern,
                            const std::function<void()>& kontoabosAnfordern);
 
-// Address, port and client id into the module and the store. They count from the next start on.
-void VerbindungsangabenSpeichern(IBModul& modul, Einstellungsspeicher& speicher, const std::string& adresse, int port,
-                                 int clientId);
-
 }  // namespace zek

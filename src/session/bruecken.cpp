@@ -13,7 +13,7 @@ std::string Neustartbruecke::LeseOption(std::string_view schluessel, std::string
 }
 
 void Neustartbruecke::SchreibeOption(std::string_view schluessel, std::string_view wert) {
-    einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Optionen, schluessel, wert);
+    einstellungen_.SchreibeMarke(abschnitt::Optionen, schluessel, wert);
 }
 
 std::string Neustartbruecke::LeseKommando(std::string_view schluessel) {
@@ -83,7 +83,7 @@ void Rundenbruecke::AtomZeitAbfrage() {
 }
 
 void Rundenbruecke::SchreibeLastEnd(std::string_view wert) {
-    einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd", wert);
+    einstellungen_.SchreibeMarke(abschnitt::Datenpflege, "IBLastEnd", wert);
 }
 
 Datenpflegebruecke::Datenpflegebruecke(Einstellungsspeicher& einstellungen, Gesicht& gesicht)

@@ -1,11 +1,10 @@
 #include "session/einstellungen.h"
 
-#include "platform/datum.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 
-#include <algorithm>
-#include <limits>
+#include <cerrno>
+#include <chrono>
 #include <utility>
 
 namespace zek {
@@ -16,9 +15,18 @@ namespace {
 constexpr std::size_t Kleinpuffer = 500;
 constexpr std::size_t Grosspuffer = 32000;
 
-constexpr int MindestTimeout = 10;  // seconds
-constexpr int MindestSekundenOhneKurse = 10;
 constexpr std::string_view SchluesselLokal = "LokalSettings";
+constexpr std::string_view SchluesselNeustartUhrzeit = "NeustartUhrzeit";
+
+// Others write for milliseconds; one that was stopped while it did must not stop everybody else.
+constexpr std::chrono::milliseconds Wartetakt{20};
+constexpr int HoechsteTakte = 100;
+
+const Schreibschlange::Ziel LokaleDatei{true, {}};
+
+Schreibschlange::Ziel Registry(std::string_view anwendung) {
+    return {false, std::string(anwendung)};
+}
 
 // Values that older versions or people wrote in the locale's words stay convertible.
 std::string OhneLokaleWoerter(std::string text) {
@@ -32,36 +40,10 @@ bool AlsWahrheitswert(std::string_view text) {
     return GleichOhneGrossKlein(Getrimmt(text), "True") || EinstellungWahr(text);
 }
 
-const char* EinsOderNull(bool wert) {
-    return wert ? "1" : "0";
-}
-
-Datum NurTageszeit(Datum wert) {
-    return wert > 1 ? Tageszeit(wert) : wert;
-}
-
-Datum Zeiteinstellung(std::string_view text, Datum vorgabe) {
-    return NurTageszeit(DatumAusText(text).value_or(vorgabe));
-}
-
 }  // namespace
 
-std::string Kontoordner(std::string ordner) {
-    if (!ordner.empty() && ordner.back() != '/') ordner += '/';
-    return ordner;
-}
-
-bool EinstellungWahr(std::string_view text) {
-    return Zahlwert(text) != 0;
-}
-
-int EinstellungGanzzahl(std::string_view text) {
-    constexpr double Kleinste = std::numeric_limits<int>::min(), Groesste = std::numeric_limits<int>::max();
-    return static_cast<int>(std::clamp(Zahlwert(text), Kleinste, Groesste));
-}
-
 Einstellungsspeicher::Einstellungsspeicher(IBModul& modul, Nutzerspeicher& registry, Profildatei& lokaleDatei)
-    : modul_(modul), registry_(registry), lokaleDatei_(lokaleDatei) {}
+    : modul_(modul), registry_(registry), lokaleDatei_(lokaleDatei), schlange_(registry, lokaleDatei) {}
 
 bool Einstellungsspeicher::InDatei(bool immerRegistry, bool immerDatei) const {
     return immerDatei || (modul_.LokalSettings && !immerRegistry);
@@ -69,6 +51,8 @@ bool Einstellungsspeicher::InDatei(bool immerRegistry, bool immerDatei) const {
 
 std::string Einstellungsspeicher::LiesAusDatei(std::string_view abschnitt, std::string_view schluessel,
                                                std::string_view vorgabe) {
+    if (const auto* wartend = schlange_.Wartend(LokaleDatei, abschnitt, schluessel))
+        return wartend->Wert.value_or(std::string(vorgabe));
     std::string text = lokaleDatei_.Lies(abschnitt, schluessel, vorgabe, Kleinpuffer);
     if (NachCodepage(text).size() >= Kleinpuffer - 1)
         text = lokaleDatei_.Lies(abschnitt, schluessel, vorgabe, Grosspuffer);
@@ -90,36 +74,52 @@ bool Einstellungsspeicher::SchreibeEinstellung(std::string_view anwendung, std::
                                                std::string_view schluessel, std::string_view wert, bool immerRegistry,
                                                bool immerDatei) {
     OhneFehler([&] {
-        if (InDatei(immerRegistry, immerDatei))
-            lokaleDatei_.Schreibe(abschnitt, schluessel, wert);
-        else
-            SchreibeRegistry(anwendung, abschnitt, schluessel, wert);
+        Schreibe(InDatei(immerRegistry, immerDatei) ? LokaleDatei : Registry(anwendung),
+                 {std::string(abschnitt), std::string(schluessel), std::string(wert)}, Haltbarkeit::Sofort);
     });
     return true;
 }
 
+void Einstellungsspeicher::SchreibeMarke(std::string_view abschnitt, std::string_view schluessel,
+                                         std::string_view wert) {
+    OhneFehler([&] {
+        Schreibe(InDatei(false, false) ? LokaleDatei : Registry(Programmtitel),
+                 {std::string(abschnitt), std::string(schluessel), std::string(wert)}, Haltbarkeit::Spaeter);
+    });
+}
+
+int Einstellungsspeicher::Schreibe(const Schreibschlange::Ziel& ziel, Speicheraenderung aenderung,
+                                   Haltbarkeit haltbarkeit) {
+    schlange_.Reihe(ziel, std::move(aenderung), haltbarkeit);
+    return schlange_.Schreibe();
+}
+
 std::string Einstellungsspeicher::LeseRegistry(std::string_view anwendung, std::string_view abschnitt,
                                                std::string_view schluessel, std::string_view vorgabe) {
+    if (const auto* wartend = schlange_.Wartend(Registry(anwendung), abschnitt, schluessel))
+        return wartend->Wert.value_or(std::string(vorgabe));
     return registry_.Lies(anwendung, abschnitt, schluessel).value_or(std::string(vorgabe));
 }
 
-void Einstellungsspeicher::SchreibeRegistry(std::string_view anwendung, std::string_view abschnitt,
-                                            std::string_view schluessel, std::string_view wert) {
-    registry_.Schreibe(anwendung, abschnitt, schluessel, wert);
+int Einstellungsspeicher::SchreibeRegistry(std::string_view anwendung, std::string_view abschnitt,
+                                           std::string_view schluessel, std::string_view wert) {
+    return Schreibe(Registry(anwendung), {std::string(abschnitt), std::string(schluessel), std::string(wert)},
+                    Haltbarkeit::Sofort);
 }
 
-void Einstellungsspeicher::LoescheRegistry(std::string_view anwendung, std::string_view abschnitt,
-                                           std::string_view schluessel) {
-    registry_.Loesche(anwendung, abschnitt, schluessel);
+int Einstellungsspeicher::LoescheRegistry(std::string_view anwendung, std::string_view abschnitt,
+                                          std::string_view schluessel) {
+    return Schreibe(Registry(anwendung), {std::string(abschnitt), std::string(schluessel), std::nullopt},
+                    Haltbarkeit::Sofort);
 }
 
-std::string Einstellungsspeicher::Lies(std::string_view abschnitt, std::string_view schluessel,
-                                       std::string_view vorgabe) {
-    return LeseEinstellung(Programmtitel, abschnitt, schluessel, vorgabe);
-}
-
-void Einstellungsspeicher::Schreib(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
-    SchreibeEinstellung(Programmtitel, abschnitt, schluessel, wert);
+int Einstellungsspeicher::WarteBisGeschrieben(Pumpe& pumpe) {
+    int ergebnis = SchreibeWartendes();
+    for (int takt = 0; ergebnis == -EBUSY && takt < HoechsteTakte; ++takt) {
+        pumpe.Warte(Wartetakt);
+        ergebnis = SchreibeWartendes();
+    }
+    return ergebnis;
 }
 
 void Einstellungsspeicher::LeseLokalSettings() {
@@ -128,85 +128,42 @@ void Einstellungsspeicher::LeseLokalSettings() {
 }
 
 void Einstellungsspeicher::LeseAlleEinstellungen(Meldungen& meldungen) {
-    Einstellungen& e = modul_.Einstellungen;
-    const auto text = [&](std::string_view schluessel, std::string_view vorgabe) {
-        return Lies(abschnitt::Optionen, schluessel, vorgabe);
-    };
-    const auto wahr = [&](std::string_view schluessel) { return EinstellungWahr(text(schluessel, "0")); };
+    for (const Einstellungszeile& zeile : Einstellungstabelle()) LeseZeile(zeile, &meldungen);
+    Begrenze(modul_.Einstellungen);
+}
 
-    e.UseGesamtvolumen = wahr("UseGesamtvolumen");
-    e.IBBezahlt = EinstellungWahr(Lies(abschnitt::UmsatzFilter, "IBBezahlt", "0"));
-    e.IBAndere = EinstellungWahr(Lies(abschnitt::UmsatzFilter, "IBAndere", "0"));
-    e.AutoDatenpflege = wahr("AutoDatenpflege");
-    e.KontenDatenAufzeichnen = wahr("KontenDatenAufzeichnen");
-    e.PortfolioAufzeichnen = wahr("PortfolioAufzeichnen");
-    e.KontenDatenUseNoKontoName = wahr("KontenDatenUseNoKontoName");
-    e.KontenDatenKontoName = text("KontenDatenKontoName", "");
-    e.KontenDatenSpeicherOrdner = Kontoordner(text("KontenDatenSpeicherOrdner", ""));
-    e.BFTimeOut = std::max(EinstellungGanzzahl(text("BFTimeOut", "60")), MindestTimeout);
-    e.BidAskWartetLast = wahr("BidAskWartetLast");
-    e.NeuStartbeiUhrzeit = wahr("NeuStartbeiUhrzeit");
-    const std::string neustart = text("NeustartUhrzeit", "06:30:00");
-    e.NeustartUhrzeit = Zeiteinstellung(neustart, Uhrzeit(6, 30));
-    if (e.NeuStartbeiUhrzeit && !DatumAusText(neustart))
-        meldungen.ZeigeMeldung("Falsches Zeitformat in ZEK-Einstellung Neustart-Uhrzeit (bitte prüfen!).", meldung::Ok,
-                               0);
-    e.NeustartFehlernummern = Getrimmt(text("NeustartFehlernummern", ""));
-    e.NeustartFehlerliste =
-        e.NeustartFehlernummern.empty() ? std::vector<std::string>() : Teile(e.NeustartFehlernummern, ',');
-    e.NeuStartBeiFehlendenKursen = wahr("NeuStartBeiFehlendenKursen");
-    e.NeuStartBeiFehlendenKursenSekunden =
-        std::max(EinstellungGanzzahl(text("NeuStartBeiFehlendenKursenSekunden", "90")), MindestSekundenOhneKurse);
-    e.KursAufzeichnungDeaktivieren = wahr("KursAufzeichnungDeaktivieren");
-    e.KeineAufzeichungStart = Zeiteinstellung(text("KeineAufzeichungStart", "05:00:00"), Uhrzeit(5, 0));
-    e.KeineAufzeichungEnde = Zeiteinstellung(text("KeineAufzeichungEnde", "06:00:00"), Uhrzeit(6, 0));
-    e.AufzeichnungsPauseBoersen = Getrimmt(text("AufzeichnungsPauseBoersen", ""));
-    e.AutoUhrzeitStellen = wahr("AutoUhrzeitStellen");
-    e.KomprimierteAnsicht = wahr("KomprimierteAnsicht");
-    e.IBIPAdr = Lies(abschnitt::IBConnect, "IBIPAdr", "");
-    e.IBPort = EinstellungGanzzahl(Lies(abschnitt::IBConnect, "IBPort", ""));
-    e.IBLoginID = EinstellungGanzzahl(Lies(abschnitt::IBConnect, "IBLoginID", "255281497"));
+void Einstellungsspeicher::LeseVerbindung() {
+    for (const Einstellungszeile& zeile : Einstellungstabelle())
+        if (zeile.Abschnitt == abschnitt::IBConnect) LeseZeile(zeile, nullptr);
+}
+
+void Einstellungsspeicher::LeseZeile(const Einstellungszeile& zeile, Meldungen* meldungen) {
+    Einstellungen& e = modul_.Einstellungen;
+    const std::string text = LeseEinstellung(Programmtitel, zeile.Abschnitt, zeile.Schluessel, zeile.Vorgabe);
+    if (SetzeEinstellung(e, zeile, text)) return;
+    if (meldungen != nullptr && zeile.Schluessel == SchluesselNeustartUhrzeit && e.NeuStartbeiUhrzeit)
+        meldungen->ZeigeMeldung("Falsches Zeitformat in ZEK-Einstellung Neustart-Uhrzeit (bitte prüfen!).", meldung::Ok,
+                                0);
+}
+
+void Einstellungsspeicher::SpeichereZeile(const Einstellungszeile& zeile) {
+    SchreibeEinstellung(Programmtitel, zeile.Abschnitt, zeile.Schluessel,
+                        Einstellungstext(modul_.Einstellungen, zeile));
 }
 
 void Einstellungsspeicher::SpeichereEinstellungen() {
-    const Einstellungen& e = modul_.Einstellungen;
-    const auto option = [&](std::string_view schluessel, std::string_view wert) {
-        Schreib(abschnitt::Optionen, schluessel, wert);
-    };
-
-    option("UseGesamtvolumen", EinsOderNull(e.UseGesamtvolumen));
-    Schreib(abschnitt::UmsatzFilter, "IBBezahlt", EinsOderNull(e.IBBezahlt));
-    Schreib(abschnitt::UmsatzFilter, "IBAndere", EinsOderNull(e.IBAndere));
-    option("AutoDatenpflege", EinsOderNull(e.AutoDatenpflege));
-    option("KontenDatenAufzeichnen", EinsOderNull(e.KontenDatenAufzeichnen));
-    option("PortfolioAufzeichnen", EinsOderNull(e.PortfolioAufzeichnen));
-    option("KontenDatenUseNoKontoName", EinsOderNull(e.KontenDatenUseNoKontoName));
-    option("KontenDatenKontoName", e.KontenDatenKontoName);
-    option("KontenDatenSpeicherOrdner", e.KontenDatenSpeicherOrdner);
-    option("BFTimeOut", std::to_string(e.BFTimeOut));
-    option("BidAskWartetLast", EinsOderNull(e.BidAskWartetLast));
-    option("NeuStartbeiUhrzeit", EinsOderNull(e.NeuStartbeiUhrzeit));
-    option("NeustartUhrzeit", Datumtext(e.NeustartUhrzeit));
-    option("NeustartFehlernummern", e.NeustartFehlernummern);
-    option("NeuStartBeiFehlendenKursen", EinsOderNull(e.NeuStartBeiFehlendenKursen));
-    option("NeuStartBeiFehlendenKursenSekunden", std::to_string(e.NeuStartBeiFehlendenKursenSekunden));
-    option("KursAufzeichnungDeaktivieren", EinsOderNull(e.KursAufzeichnungDeaktivieren));
-    option("KeineAufzeichungStart", Datumtext(e.KeineAufzeichungStart));
-    option("KeineAufzeichungEnde", Datumtext(e.KeineAufzeichungEnde));
-    option("AufzeichnungsPauseBoersen", e.AufzeichnungsPauseBoersen);
-    option("AutoUhrzeitStellen", EinsOderNull(e.AutoUhrzeitStellen));
-    Schreib(abschnitt::IBConnect, "IBIPAdr", e.IBIPAdr);
-    Schreib(abschnitt::IBConnect, "IBPort", std::to_string(e.IBPort));
-    Schreib(abschnitt::IBConnect, "IBLoginID", std::to_string(e.IBLoginID));
+    const Buendel buendel(*this);
+    for (const Einstellungszeile& zeile : Einstellungstabelle())
+        if (zeile.Schreiber != Einstellungsschreiber::BeiAenderung) SpeichereZeile(zeile);
 }
 
 void Einstellungsspeicher::UebernehmeVerbindung(const Verbindungsangaben& angaben) {
     modul_.Einstellungen.IBIPAdr = angaben.IBIPAdr;
     modul_.Einstellungen.IBPort = angaben.IBPort;
     modul_.Einstellungen.IBLoginID = angaben.IBLoginID;
-    Schreib(abschnitt::IBConnect, "IBIPAdr", angaben.IBIPAdr);
-    Schreib(abschnitt::IBConnect, "IBPort", std::to_string(angaben.IBPort));
-    Schreib(abschnitt::IBConnect, "IBLoginID", std::to_string(angaben.IBLoginID));
+    const Buendel buendel(*this);
+    for (const Einstellungszeile& zeile : Einstellungstabelle())
+        if (zeile.Schreiber == Einstellungsschreiber::AlleUndVerbindung) SpeichereZeile(zeile);
 }
 
 bool Einstellungsspeicher::LokalSpeichernUmschalten(Meldungen& meldungen,
@@ -219,7 +176,7 @@ bool Einstellungsspeicher::LokalSpeichernUmschalten(Meldungen& meldungen,
         modul_.LokalSettings = !neu;
         markeSetzen(!neu);
     }
-    SchreibeEinstellung(Programmtitel, abschnitt::Optionen, SchluesselLokal, EinsOderNull(modul_.LokalSettings), false,
+    SchreibeEinstellung(Programmtitel, abschnitt::Optionen, SchluesselLokal, modul_.LokalSettings ? "1" : "0", false,
                         true);
     return modul_.LokalSettings;
 }

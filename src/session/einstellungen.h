@@ -3,10 +3,13 @@
 // "." as the decimal sign, booleans "1" and "0", dates and times the German text form of a date.
 #pragma once
 
+#include "modul/einstellungstabelle.h"
 #include "modul/ibmodul.h"
 #include "modul/rollen.h"
+#include "platform/pumpe.h"
 #include "platform/speicher.h"
 #include "session/gesicht.h"
+#include "session/schreibschlange.h"
 
 #include <functional>
 #include <string>
@@ -17,21 +20,6 @@ namespace zek {
 // Name of the local file, in the program folder.
 inline constexpr std::string_view LokaleEinstellungsdatei = "ZEK_IB_Para.ini";
 
-// Sections of the settings.
-namespace abschnitt {
-inline constexpr std::string_view Optionen = "Optionen", UmsatzFilter = "UmsatzFilter", IBConnect = "IBConnect",
-                                  Datenpflege = "Datenpflege", Hauptfenster = "Hauptfenster", Kommando = "Kommando",
-                                  Programm = "Programm", ZEKStart = "ZEKStart";
-}  // namespace abschnitt
-
-// A setting as a boolean: its numeric value isn't 0. "True" is not a number and counts as false.
-bool EinstellungWahr(std::string_view text);
-// A setting as a whole number, bounded to 32 bits.
-int EinstellungGanzzahl(std::string_view text);
-// The folder of account data with its separator. A text of one character gets one too, and counts as none all the same
-// (Kontodatenordner of the data files).
-std::string Kontoordner(std::string ordner);
-
 class Einstellungsspeicher {
 public:
     // All of them must outlive the object. `modul` holds LokalSettings and the plain fields.
@@ -41,23 +29,44 @@ public:
     // "wahr" and "falsch" come back as "True" and "False". The local file knows no application names.
     std::string LeseEinstellung(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel,
                                 std::string_view vorgabe, bool immerRegistry = false, bool immerDatei = false);
-    // Always true; a value that can't be stored is lost quietly.
+    // Always true; a value that can't be stored is lost quietly. Never waits: what another instance's write keeps from
+    // the store is already read from here, and is written as soon as it can be.
     bool SchreibeEinstellung(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel,
                              std::string_view wert, bool immerRegistry = false, bool immerDatei = false);
+    // The same under the program's title, without a wait for the disk: for a mark that is written over and over while
+    // ticks come in.
+    void SchreibeMarke(std::string_view abschnitt, std::string_view schluessel, std::string_view wert);
 
     // Past the choice of the store, straight to the per-user store: commands, program path, data folder, sample
-    // titles. The same for all instances of one user.
+    // titles. The same for all instances of one user. Writes as SchreibeWartendes results.
     std::string LeseRegistry(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel,
                              std::string_view vorgabe);
-    void SchreibeRegistry(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel,
-                          std::string_view wert);
-    void LoescheRegistry(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel);
+    int SchreibeRegistry(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel,
+                         std::string_view wert);
+    int LoescheRegistry(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel);
+
+    // Tries again what waits. 0 when nothing waits any more, -EBUSY while something does, else the negative errno value
+    // of what is lost.
+    int SchreibeWartendes() { return schlange_.Schreibe(); }
+    // The same until nothing waits, for at most two seconds, with events running.
+    int WarteBisGeschrieben(Pumpe& pumpe);
+
+    // While one lives changes are gathered; at its end each file is written once.
+    class Buendel {
+    public:
+        explicit Buendel(Einstellungsspeicher& speicher) : buendel_(speicher.schlange_) {}
+
+    private:
+        Schreibschlange::Buendel buendel_;
+    };
 
     // "LokalSettings" of the local file into the module's flag.
     void LeseLokalSettings();
     // All main settings into the module's fields, bounded and checked. `meldungen` gets the one of a bad restart time.
     void LeseAlleEinstellungen(Meldungen& meldungen);
-    // The module's fields into the store that is in use.
+    // Address, port and client id alone.
+    void LeseVerbindung();
+    // The module's fields into the store that is in use, in one write.
     void SpeichereEinstellungen();
 
     // Address, port and client id, as a person has set them, into the module's fields and into the store.
@@ -69,14 +78,16 @@ public:
 private:
     bool InDatei(bool immerRegistry, bool immerDatei) const;
     std::string LiesAusDatei(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe);
-    std::string Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe);
-    void Schreib(std::string_view abschnitt, std::string_view schluessel, std::string_view wert);
+    void LeseZeile(const Einstellungszeile& zeile, Meldungen* meldungen);
+    void SpeichereZeile(const Einstellungszeile& zeile);
+    int Schreibe(const Schreibschlange::Ziel& ziel, Speicheraenderung aenderung, Haltbarkeit haltbarkeit);
     bool LokalEinschalten(Meldungen& meldungen);
     bool LokalAusschalten(Meldungen& meldungen);
 
     IBModul& modul_;
     Nutzerspeicher& registry_;
     Profildatei& lokaleDatei_;
+    Schreibschlange schlange_;
 };
 
 }  // namespace zek

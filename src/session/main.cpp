@@ -3,6 +3,7 @@
 #include "platform/datum.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
+#include "session/kommando.h"
 #include "session/zuruf.h"
 
 #include <algorithm>
@@ -48,7 +49,7 @@ Startergebnis Startfolge::Main() {
     modul_.Startzeitpunkt = plattform_.Uhr.Jetzt();
     OrdnerUndHilfe();
     einstellungen_.LeseLokalSettings();
-    KommandosLoeschen();
+    KommandosLoeschen(einstellungen_);  // every start does, also that of a second instance
     try {
         const Startergebnis ergebnis = BisZumHauptfenster();
         return ergebnis == Startergebnis::Laeuft ? Hauptfenster() : ergebnis;
@@ -103,16 +104,12 @@ void Startfolge::OrdnerUndHilfe() {
     modul_.WhatsThisHilfe = modul_.Hilfedatei + "::WhatsThisHilfe.txt";
 }
 
-// Every start does this, also that of a second instance: an order that nobody has picked up yet is lost.
-void Startfolge::KommandosLoeschen() {
-    for (const auto kommando : {"DoQuit", "Restart"})
-        OhneFehler([&] { einstellungen_.LoescheRegistry(Programmtitel, abschnitt::Kommando, kommando); });
-}
-
 Startergebnis Startfolge::ZweiteInstanz() {
     if (befehle_.Quit || befehle_.Restart) {
-        einstellungen_.SchreibeRegistry(Programmtitel, abschnitt::Kommando, befehle_.Quit ? "DoQuit" : "Restart", "1");
-        return Startergebnis::Beendet;
+        const auto fehler = KommandoHinterlegen(einstellungen_, plattform_.Pumpe, befehle_);
+        if (!fehler) return Startergebnis::Beendet;
+        gesicht_.ZeigeMeldung(*fehler, meldung::Ok, Ablehnungssekunden);
+        return Startergebnis::Gescheitert;
     }
     if (!gesicht_.OhneBildschirm())
         OhneFehler([&] { RufeNachVorn(einstellungen_, modul_.Programmordner, plattform_.Uhr.Jetzt()); });
@@ -201,16 +198,11 @@ bool Startfolge::Verbinden() {
 
 void Startfolge::VerbindenMitEinstellungen() {
     Einstellungen& e = modul_.Einstellungen;
-    const auto lies = [&](std::string_view schluessel, std::string_view vorgabe) {
-        return einstellungen_.LeseEinstellung(Programmtitel, abschnitt::IBConnect, schluessel, vorgabe);
-    };
-    e.IBIPAdr = lies("IBIPAdr", "");
+    einstellungen_.LeseVerbindung();
     std::string fremderPort = plattform_.Portdatei.Lies("ZEK_IB", "IBPort", "", Portpuffer);
     std::erase(fremderPort, '\0');
-    e.IBPort = EinstellungGanzzahl(fremderPort);
-    if (e.IBPort <= 0) e.IBPort = EinstellungGanzzahl(lies("IBPort", ""));
-    e.IBLoginID = EinstellungGanzzahl(lies("IBLoginID", "255281497"));
-    if (e.IBPort == 0) FrageVerbindungseinstellungen();
+    e.FremderPort = std::max(EinstellungGanzzahl(fremderPort), 0);
+    if (e.Port() == 0) FrageVerbindungseinstellungen();
     if (rekorder_.EndeVerlangt()) return;
     rekorder_.TWSVerbindungAufbauen();
     plattform_.Pumpe.Ereignisse();

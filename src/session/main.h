@@ -52,7 +52,6 @@ private:
     Startergebnis BisZumHauptfenster();
     Startergebnis Hauptfenster();
     void OrdnerUndHilfe();
-    void KommandosLoeschen();
     Startergebnis ZweiteInstanz();
     bool Starthinweis();
     bool DatenordnerBestimmen();

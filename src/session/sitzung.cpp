@@ -60,7 +60,7 @@ void Sitzung::ErsteDatenpflegeVormerken() {
 }
 
 void Sitzung::MarktdatenAbbestellen(const clTitelobjekt& titel) {
-    teile_->Marktdaten.Abos.MarktdatenAbbestellen(titel);
+    if (teile_->Marktdaten.Control.Verbunden()) teile_->Marktdaten.Abos.MarktdatenAbbestellen(titel);
 }
 
 void Sitzung::TwsTrennen() {

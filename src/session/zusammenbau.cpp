@@ -43,8 +43,7 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
                    [this] { return Marktdaten.Control.Verbunden(); }}),
       Aufsicht(um.Modul, um.Plattform.Uhr, um.Status, Neustarter, rundenbruecke_),
       zeitgeber_(um.Plattform.Zeitgeber.Erzeuge(Runde::Intervall, [this] { Aufsicht.Durchlauf(); })),
-      tickzaehlerTimer_(
-          um.Plattform.Zeitgeber.Erzeuge(Titelinfo::Intervall, [this] { Info.TitelInfoAktualisieren(true); })),
+      tickzaehlerTimer_(um.Plattform.Zeitgeber.Erzeuge(Titelinfo::Intervall, [this] { Sekundentakt(); })),
       lueckenTimer_(um.Plattform.Zeitgeber.Erzeuge(Lueckenwache::Intervall, [this] { Luecken.Durchlauf(); })) {
     Atomuhr.SetzeZeitserver(Option(um.Einstellungen, "Zeitserver1"), Option(um.Einstellungen, "Zeitserver2"));
 }
@@ -53,6 +52,11 @@ void Zusammenbau::StarteZeitgeber() {
     zeitgeber_->Starte();
     tickzaehlerTimer_->Starte();
     lueckenTimer_->Starte();
+}
+
+void Zusammenbau::Sekundentakt() {
+    OhneFehler([this] { Info.TitelInfoAktualisieren(true); });
+    OhneFehler([this] { um_.Einstellungen.SchreibeWartendes(); });
 }
 
 void Zusammenbau::HalteAn() {

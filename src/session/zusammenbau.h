@@ -47,6 +47,9 @@ struct Zusammenbau {
     void BeispieltitelAnlegen(const Beispielbereiche& bereiche);
 
 private:
+    // The tick rate, and settings that another instance has kept from the store.
+    void Sekundentakt();
+
     Umgebung um_;
     Neustartbruecke neustartbruecke_;
     Rundenbruecke rundenbruecke_;

@@ -93,6 +93,8 @@ void Neustart::KommandosPruefen() {
 }
 
 void Neustart::WegenFehler(int code) {
+    // What the end itself raises (requests on a connection that is gone) restarts nothing.
+    if (beendet_ || modul_.BeendenAngefordert) return;
     const std::string nummer = std::to_string(code);
     const std::string letzter = sitzung_.LeseOption("LetzterNeustartFehler", "0");
     const Datum jetzt = uhr_.Jetzt();

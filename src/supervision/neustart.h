@@ -56,7 +56,7 @@ public:
     void FehlendeKursePruefen();
     void KommandosPruefen();
 
-    // The error code stands in the restart list.
+    // The error code stands in the restart list. Nothing once the end has begun.
     void WegenFehler(int code);
 
     // Carries out what was asked for. True when the program's end has begun: nothing may run any more then.

@@ -98,8 +98,7 @@ void Befehle::TWSEinstellungen() {
     const zek::Einstellungen& e = sitzung_.Modul().Einstellungen;
     Verbindungsangaben angaben{e.IBIPAdr, e.IBPort, e.IBLoginID};
     if (!FrageVerbindung(angaben)) return;
-    VerbindungsangabenSpeichern(sitzung_.Modul(), sitzung_.Einstellungen(), angaben.IBIPAdr, angaben.IBPort,
-                                angaben.IBLoginID);
+    sitzung_.Einstellungen().UebernehmeVerbindung(angaben);
     gesicht_.ZeigeMeldung("Die neuen Einstellungen werden erst nach einem Neustart von ZEK wirksam!", meldung::Ok, 0);
 }
 

@@ -2,6 +2,8 @@
 
 #include "platform/text.h"
 
+#include <cerrno>
+
 namespace zek::hilfen {
 
 namespace {
@@ -10,6 +12,10 @@ constexpr char Trenner = '\x1f';
 
 std::string Profilschluessel(std::string_view abschnitt, std::string_view schluessel) {
     return Kleinbuchstaben(abschnitt) + Trenner + Kleinbuchstaben(schluessel);
+}
+
+Speichervorgang AlsVorgang(std::string_view anwendung, const Speicheraenderung& eine) {
+    return {std::string(anwendung), eine.Abschnitt, eine.Schluessel, eine.Wert.value_or(""), !eine.Wert};
 }
 
 }  // namespace
@@ -26,24 +32,32 @@ std::optional<std::string> RamNutzerspeicher::Lies(std::string_view anwendung, s
     return stelle->second;
 }
 
-bool RamNutzerspeicher::Schreibe(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel,
-                                 std::string_view wert) {
-    Schreibvorgaenge.push_back(
-        {std::string(anwendung), std::string(abschnitt), std::string(schluessel), std::string(wert), false});
-    if (Schreibgeschuetzt) return false;
-    Setze(anwendung, abschnitt, schluessel, wert);
-    return true;
-}
-
-bool RamNutzerspeicher::Loesche(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel) {
-    Schreibvorgaenge.push_back({std::string(anwendung), std::string(abschnitt), std::string(schluessel), "", true});
-    if (Schreibgeschuetzt) return false;
-    return werte_.erase(Schluesseltext(anwendung, abschnitt, schluessel)) > 0;
+int RamNutzerspeicher::Schreibe(std::string_view anwendung, std::span<const Speicheraenderung> aenderungen,
+                                Haltbarkeit haltbarkeit) {
+    if (Belegt) return -EBUSY;
+    for (const Speicheraenderung& eine : aenderungen) Schreibvorgaenge.push_back(AlsVorgang(anwendung, eine));
+    if (Schreibgeschuetzt) return -EROFS;
+    bool geaendert = false;
+    for (const auto& [abschnitt, schluessel, wert] : aenderungen) {
+        const std::string name = Schluesseltext(anwendung, abschnitt, schluessel);
+        const auto stelle = werte_.find(name);
+        geaendert |= wert ? stelle == werte_.end() || stelle->second != *wert : stelle != werte_.end();
+        if (wert)
+            werte_[name] = *wert;
+        else
+            werte_.erase(name);
+    }
+    if (geaendert) Schreibzugriffe.push_back(haltbarkeit);
+    return 0;
 }
 
 void RamNutzerspeicher::Setze(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel,
                               std::string_view wert) {
     werte_[Schluesseltext(anwendung, abschnitt, schluessel)] = wert;
+}
+
+void RamNutzerspeicher::Loesche(std::string_view anwendung, std::string_view abschnitt, std::string_view schluessel) {
+    werte_.erase(Schluesseltext(anwendung, abschnitt, schluessel));
 }
 
 std::string RamProfildatei::Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe,
@@ -56,11 +70,17 @@ std::string RamProfildatei::Lies(std::string_view abschnitt, std::string_view sc
     return AusCodepage(NachCodepage(wert).substr(0, puffer - 1));
 }
 
-bool RamProfildatei::Schreibe(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
-    Schreibvorgaenge.push_back({"", std::string(abschnitt), std::string(schluessel), std::string(wert), false});
-    if (Schreibgeschuetzt) return false;
-    Setze(abschnitt, schluessel, wert);
-    return true;
+int RamProfildatei::Schreibe(std::span<const Speicheraenderung> aenderungen, Haltbarkeit haltbarkeit) {
+    for (const Speicheraenderung& eine : aenderungen) Schreibvorgaenge.push_back(AlsVorgang("", eine));
+    if (Schreibgeschuetzt) return -EROFS;
+    for (const auto& [abschnitt, schluessel, wert] : aenderungen) {
+        if (wert)
+            Setze(abschnitt, schluessel, *wert);
+        else
+            werte_.erase(Profilschluessel(abschnitt, schluessel));
+    }
+    Schreibzugriffe.push_back(haltbarkeit);
+    return 0;
 }
 
 void RamProfildatei::Setze(std::string_view abschnitt, std::string_view schluessel, std::string_view roh) {

@@ -21,6 +21,14 @@
 namespace zek {
 namespace {
 
+int Schreibe(Nutzerspeicher& speicher, std::string_view anwendung, const Speicheraenderung& eine) {
+    return speicher.Schreibe(anwendung, std::span(&eine, 1), Haltbarkeit::Sofort);
+}
+
+int Schreibe(Profildatei& datei, const Speicheraenderung& eine) {
+    return datei.Schreibe(std::span(&eine, 1), Haltbarkeit::Sofort);
+}
+
 namespace fs = std::filesystem;
 
 // A folder of the real file system, gone with the test.
@@ -190,8 +198,8 @@ using Nutzerspeichertest = Ordnertest;
 TEST_F(Nutzerspeichertest, KeepsThreeLevelsAndRawValues) {
     IniNutzerspeicher speicher(Pfad("neu/Tessaron"));
     EXPECT_EQ(speicher.Lies("Tessaron", "Programm", "ZEKPfad"), std::nullopt);
-    EXPECT_TRUE(speicher.Schreibe("Tessaron", "Programm", "ZEKPfad", "/opt/zek"));
-    EXPECT_TRUE(speicher.Schreibe("Tessaron ZEK für IB", "Programm", "ZEKPfad", "  \"roh\"; x  "));
+    EXPECT_EQ(Schreibe(speicher, "Tessaron", {"Programm", "ZEKPfad", "/opt/zek"}), 0);
+    EXPECT_EQ(Schreibe(speicher, "Tessaron ZEK für IB", {"Programm", "ZEKPfad", "  \"roh\"; x  "}), 0);
     EXPECT_EQ(speicher.Lies("tessaron", "PROGRAMM", "zekpfad"), "/opt/zek");
     EXPECT_EQ(speicher.Lies("TESSARON ZEK FÜR IB", "Programm", "ZEKPfad"), "  \"roh\"; x  ");
     EXPECT_EQ(Inhalt("neu/Tessaron/Tessaron.ini"), "[Programm]\nZEKPfad=/opt/zek\n");
@@ -202,24 +210,23 @@ TEST_F(Nutzerspeichertest, SeesWhatAnotherInstanceWrote) {
     IniNutzerspeicher anderer(ordner_);
     for (int i = 0; i < 200; ++i) {
         const std::string wert = std::to_string(i % 10);
-        ASSERT_TRUE(einer.Schreibe("P", "Kommando", "DoQuit", wert));
+        ASSERT_EQ(Schreibe(einer, "P", {"Kommando", "DoQuit", wert}), 0);
         ASSERT_EQ(anderer.Lies("P", "Kommando", "DoQuit"), wert) << "also where size and time stamp are the same";
     }
-    EXPECT_TRUE(einer.Loesche("P", "Kommando", "DoQuit"));
+    EXPECT_EQ(Schreibe(einer, "P", {"Kommando", "DoQuit", std::nullopt}), 0);
     EXPECT_EQ(anderer.Lies("P", "Kommando", "DoQuit"), std::nullopt);
-    EXPECT_FALSE(anderer.Loesche("P", "Kommando", "DoQuit"));
 }
 
 TEST_F(Nutzerspeichertest, ADeleteOfNothingLeavesNoTrace) {
     IniNutzerspeicher speicher(Pfad("leer"));
-    EXPECT_FALSE(speicher.Loesche("P", "Kommando", "DoQuit"));
+    EXPECT_EQ(Schreibe(speicher, "P", {"Kommando", "DoQuit", std::nullopt}), 0);
     EXPECT_FALSE(fs::exists(Pfad("leer")));
 }
 
 TEST_F(Nutzerspeichertest, ALineOfAPersonSurvives) {
     Lege("P.ini", "; von Hand\n[Optionen]\nA=1");
     IniNutzerspeicher speicher(ordner_);
-    EXPECT_TRUE(speicher.Schreibe("P", "Optionen", "B", "2"));
+    EXPECT_EQ(Schreibe(speicher, "P", {"Optionen", "B", "2"}), 0);
     EXPECT_EQ(Inhalt("P.ini"), "; von Hand\n[Optionen]\nA=1\nB=2\n");
 }
 
@@ -228,7 +235,10 @@ TEST_F(Nutzerspeichertest, TwoWritingThreadsLoseNothing) {
     const auto schreibe = [&](const std::string& name) {
         IniNutzerspeicher speicher(ordner_);
         for (int i = 0; i < Werte; ++i) {
-            EXPECT_TRUE(speicher.Schreibe("P", "Sektion", name + std::to_string(i), name));
+            const Speicheraenderung eine{"Sektion", name + std::to_string(i), name};
+            int ergebnis = -EBUSY;
+            while (ergebnis == -EBUSY) ergebnis = Schreibe(speicher, "P", eine);
+            EXPECT_EQ(ergebnis, 0);
         }
     };
     std::thread erster(schreibe, "a");
@@ -245,15 +255,15 @@ TEST_F(Nutzerspeichertest, TwoWritingThreadsLoseNothing) {
 TEST_F(Nutzerspeichertest, AWriterThatIsKilledLeavesAWholeFile) {
     IniNutzerspeicher speicher(ordner_);
     const std::string lang(20000, 'w');
-    ASSERT_TRUE(speicher.Schreibe("P", "S", "fest", "bleibt"));
+    ASSERT_EQ(Schreibe(speicher, "P", {"S", "fest", "bleibt"}), 0);
     for (int runde = 1; runde <= 5; ++runde) {
         Rohr rohr;
         const pid_t kind = ::fork();
         if (kind == 0) {
             IniNutzerspeicher anderer(ordner_);
             for (;;) {
-                anderer.Schreibe("P", "S", "x", lang);
-                anderer.Schreibe("P", "S", "x", "kurz");
+                (void)Schreibe(anderer, "P", {"S", "x", lang});
+                (void)Schreibe(anderer, "P", {"S", "x", "kurz"});
                 rohr.Sende();
             }
         }
@@ -263,14 +273,15 @@ TEST_F(Nutzerspeichertest, AWriterThatIsKilledLeavesAWholeFile) {
         ASSERT_EQ(speicher.Lies("P", "S", "fest"), "bleibt");
         const std::string x = speicher.Lies("P", "S", "x").value_or("kurz");
         ASSERT_TRUE(x == lang || x == "kurz") << x.size();
-        ASSERT_TRUE(speicher.Schreibe("P", "S", "danach", std::to_string(runde))) << "the lock died with its holder";
+        ASSERT_EQ(Schreibe(speicher, "P", {"S", "danach", std::to_string(runde)}), 0)
+            << "the lock died with its holder";
     }
 }
 
 TEST_F(Nutzerspeichertest, AFolderThatCannotBeWrittenIsReported) {
     Lege("sperrig", "eine Datei, kein Ordner");
     IniNutzerspeicher speicher(Pfad("sperrig"));
-    EXPECT_FALSE(speicher.Schreibe("P", "S", "x", "1"));
+    EXPECT_LT(Schreibe(speicher, "P", {"S", "x", "1"}), 0);
     EXPECT_EQ(speicher.Lies("P", "S", "x"), std::nullopt);
 }
 
@@ -301,17 +312,17 @@ TEST_F(Profiltest, ReadsLikeASystemProfileRead) {
 
 TEST_F(Profiltest, ALongValueIsCutToTheBuffer) {
     IniProfildatei datei(Pfad("p.ini"));
-    ASSERT_TRUE(datei.Schreibe("S", "x", std::string(600, 'w')));
+    ASSERT_EQ(Schreibe(datei, {"S", "x", std::string(600, 'w')}), 0);
     EXPECT_EQ(datei.Lies("S", "x", "", 500).size(), 499U);
     EXPECT_EQ(datei.Lies("S", "x", "", 32000).size(), 600U);
-    ASSERT_TRUE(datei.Schreibe("S", "u", "üüüü"));
+    ASSERT_EQ(Schreibe(datei, {"S", "u", "üüüü"}), 0);
     EXPECT_EQ(datei.Lies("S", "u", "", 4), "üüü") << "counted in bytes of the code page";
 }
 
 TEST_F(Profiltest, WritesTheCodePageAndKeepsEverythingElse) {
     Lege("p.ini", "; K\xF6pfe\r\n[Optionen]\r\nA=1\r\n\r\n[Z]\r\nB=2\r\n");
     IniProfildatei datei(Pfad("p.ini"));
-    EXPECT_TRUE(datei.Schreibe("Optionen", "Höhe", "5 € Ω"));
+    EXPECT_EQ(Schreibe(datei, {"Optionen", "Höhe", "5 € Ω"}), 0);
     EXPECT_EQ(Inhalt("p.ini"), "; K\xF6pfe\r\n[Optionen]\r\nA=1\r\nH\xF6he=5 \x80 ?\r\n\r\n[Z]\r\nB=2\r\n");
     EXPECT_EQ(datei.Lies("optionen", "HÖHE", "", 255), "5 € ?");
 }
@@ -355,7 +366,7 @@ TEST_F(Profiltest, ALinkStaysALinkAndTheModeStays) {
     fs::permissions(Pfad("woanders/echt.ini"), fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink(Pfad("woanders/echt.ini"), Pfad("p.ini"));
     IniProfildatei datei(Pfad("p.ini"));
-    EXPECT_TRUE(datei.Schreibe("S", "x", "2"));
+    EXPECT_EQ(Schreibe(datei, {"S", "x", "2"}), 0);
     EXPECT_TRUE(fs::is_symlink(Pfad("p.ini")));
     EXPECT_EQ(Inhalt("woanders/echt.ini"), "[S]\nx=2\n");
     EXPECT_EQ(fs::status(Pfad("p.ini")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
@@ -363,10 +374,10 @@ TEST_F(Profiltest, ALinkStaysALinkAndTheModeStays) {
 
 TEST_F(Profiltest, LeavesNoTemporaryFileBehind) {
     IniProfildatei datei(Pfad("p.ini"));
-    EXPECT_TRUE(datei.Schreibe("S", "x", "1"));
+    EXPECT_EQ(Schreibe(datei, {"S", "x", "1"}), 0);
     fs::create_directory(Pfad("q.ini"));
     IniProfildatei gehtNicht(Pfad("q.ini"));
-    EXPECT_FALSE(gehtNicht.Schreibe("S", "x", "1"));
+    EXPECT_LT(Schreibe(gehtNicht, {"S", "x", "1"}), 0);
     const auto anzahl = std::distance(fs::directory_iterator(ordner_), fs::directory_iterator());
     EXPECT_EQ(anzahl, 2);
 }

@@ -71,6 +71,65 @@ TEST_F(SitzungTest, TheShutdownGoesThroughItsStepsInOrder) {
     EXPECT_EQ(enden, 1);
 }
 
+TEST_F(SitzungTest, TheEndWritesTheSettingsOnceAndWaitsForAnotherWriter) {
+    ASSERT_TRUE(Starte());
+    welt.Laufe(15);
+    DatenKamen();
+    registry.Schreibzugriffe.clear();
+    registry.Belegt = true;
+    welt.Plane(1.0, [this] { registry.Belegt = false; });
+    sitzung->Beende();
+    EXPECT_EQ(registry.Schreibzugriffe.size(), 1u);
+    EXPECT_EQ(Registry("Datenpflege", "IBLastEnd"), ZahltextPunkt(sitzung->Modul().LetzteDatenZeit));
+    EXPECT_EQ(enden, 1);
+}
+
+TEST_F(SitzungTest, AWriterThatNeverGivesTheStoreBackDoesNotKeepTheProgramFromEnding) {
+    ASSERT_TRUE(Starte());
+    registry.Belegt = true;
+    const Datum vorher = welt.Jetzt();
+    sitzung->Beende();
+    EXPECT_NEAR((welt.Jetzt() - vorher) * SekundenProTag, 2, 0.1);
+    EXPECT_EQ(enden, 1);
+}
+
+TEST_F(SitzungTest, TheMinuteMarkWaitsNeitherForTheDiskNorForAnotherWriter) {
+    ASSERT_TRUE(Starte());
+    welt.Laufe(15);
+    registry.Schreibzugriffe.clear();
+    registry.Belegt = true;
+    DatenKamen();
+    const std::string marke = ZahltextPunkt(sitzung->Modul().LetzteDatenZeit);
+    welt.Laufe(61);
+    EXPECT_THAT(registry.Schreibzugriffe, IsEmpty());
+    registry.Belegt = false;
+    welt.Laufe(2);
+    EXPECT_THAT(registry.Schreibzugriffe, ElementsAre(Haltbarkeit::Spaeter));
+    EXPECT_EQ(Registry("Datenpflege", "IBLastEnd"), marke);
+}
+
+TEST_F(SitzungTest, TheEndWithoutAConnectionAnnouncesNoRestart) {
+    for (const bool befehl : {false, true}) {
+        Setze("Optionen", "NeustartFehlernummern", "504");
+        MitTiteln(3);
+        ASSERT_TRUE(Starte());
+        welt.Laufe(15);
+        tws.Letzte().Trenne();
+        if (befehl) {
+            Setze("Kommando", "DoQuit", "1");
+            welt.Laufe(2);
+        } else {
+            sitzung->Beende();
+        }
+        EXPECT_TRUE(sitzung->Beendet());
+        EXPECT_THAT(Log(), Not(HasSubstr("ZEK wird wegen Fehlermeldung neu gestartet")));
+        EXPECT_THAT(Log(), Not(HasSubstr("ZEK wird trotz Fehlermeldung")));
+        EXPECT_THAT(Log(), Not(HasSubstr("(504)"))) << "what isn't connected isn't asked";
+        EXPECT_EQ(Registry("Optionen", "LetzterNeustartFehler"), "(fehlt)") << "the next start isn't guarded";
+        EXPECT_FALSE(sitzung->Modul().NeustartAngefordert);
+    }
+}
+
 TEST_F(SitzungTest, AMinimizedWindowIsRememberedAsHidden) {
     ASSERT_TRUE(Starte());
     gesicht.Minimiert = true;

@@ -79,7 +79,7 @@ struct StartTest : testing::Test, Startfolge::Rekorder {
     void BaueZusammen() override { schritte.push_back("Zusammenbau"); }
     void TWSVerbindungAufbauen() override {
         schritte.push_back("Verbinden " + modul.Einstellungen.IBIPAdr + ":" +
-                           std::to_string(modul.Einstellungen.IBPort));
+                           std::to_string(modul.Einstellungen.Port()));
         if (beimVerbinden) beimVerbinden();
     }
     void AtomZeitAbfrage() override {
@@ -124,6 +124,14 @@ TEST_F(StartTest, ASecondStartWithRestartLeavesThatOrder) {
     prozesse.AndereInstanz = true;
     EXPECT_EQ(Starte("/Restart"), Startergebnis::Beendet);
     EXPECT_EQ(Registry("Kommando", "Restart"), "1");
+}
+
+TEST_F(StartTest, AnOrderThatCannotBeStoredEndsTheStartWithAMessageAndAsAFailure) {
+    prozesse.AndereInstanz = true;
+    registry.Schreibgeschuetzt = true;
+    EXPECT_EQ(Starte("/Quit"), Startergebnis::Gescheitert);
+    EXPECT_THAT(ErsteMeldung(), HasSubstr("Der Befehl /Quit konnte der laufenden Instanz nicht übergeben werden"));
+    EXPECT_EQ(gesicht.Fragen.Gezeigt[0].Sekunden, 5);
 }
 
 TEST_F(StartTest, OrdersGoToTheRegistryAlsoInLocalMode) {
@@ -327,6 +335,19 @@ TEST_F(StartTest, APortInTheForeignFileWinsAndTheStoredOneStays) {
     Starte();
     EXPECT_THAT(schritte, Contains("Verbinden :4002"));
     EXPECT_EQ(Registry("IBConnect", "IBPort"), "7496");
+    einstellungen.SpeichereEinstellungen();
+    EXPECT_EQ(Registry("IBConnect", "IBPort"), "7496") << "also by the save of all settings";
+    modul.LokalSettings = true;
+    einstellungen.SpeichereEinstellungen();
+    EXPECT_EQ(lokal.Roh("IBConnect", "IBPort"), "7496");
+}
+
+TEST_F(StartTest, APortInTheForeignFileAsksForNoneEvenWhereNoneIsStored) {
+    Setze("IBConnect", "IBPort", "");
+    port.Setze("ZEK_IB", "IBPort", "4002");
+    Starte();
+    EXPECT_EQ(gesicht.Anzahl("Verbindungseinstellungen"), 0u);
+    EXPECT_THAT(schritte, Contains("Verbinden :4002"));
 }
 
 TEST_F(StartTest, AForeignPortOfZeroDoesNotCount) {
