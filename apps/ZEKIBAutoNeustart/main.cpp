@@ -9,6 +9,7 @@
 #include "supervision/neustarthelfer.h"
 
 #include <poll.h>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
@@ -47,7 +48,8 @@ public:
           ordnersperre_(auftrag.Programmordner),
           helfersperre_(auftrag.Programmordner, Helfersperre) {}
 
-    bool NimmHelfersperre() override { return helfersperre_.Nimm(); }
+    // Where the lock can't be had at all, two helpers are better than none.
+    bool NimmHelfersperre() override { return helfersperre_.Nimm() != -EAGAIN; }
     bool ProzessLaeuft() override { return recorder_.Laeuft(); }
     bool OrdnerGehalten() override { return ordnersperre_.VonAnderemGehalten(); }
     bool Starte(const std::string& programm, const std::vector<std::string>& argumente) override {

@@ -83,7 +83,7 @@ std::int32_t Einarbeiter::DatenEinarbeiten(Form& form, clTitelobjekt& titel, std
     try {
         FuehreAus(merge);
     } catch (const std::exception& fehler) {
-        status_.Statusmeldung("Fehler beim Einarbeiten von Daten aufgetreten: " + std::string(fehler.what()), true);
+        status_.Statusmeldung("Fehler beim Einarbeiten von Daten aufgetreten: " + Fehlertext(fehler), true);
         // With the block in place only what is newer can be missing.
         if (merge.Angefangen) verlustAb_ = (merge.BlockSteht ? merge.Letztes() : merge.Erstes()) - titel.ZeitKorrektur;
         MacheSaetzeGanz(merge);

@@ -79,7 +79,7 @@ bool ErmittleStartDatum(const IBModul& modul, Dateisystem& dateien, Meldungen& f
         startDatum = satz.Datum;
         return true;
     } catch (const std::exception& fehler) {
-        fragen.ZeigeMeldung("Fehler aufgetreten: " + std::string(fehler.what()), meldung::Ok, 0);
+        fragen.ZeigeMeldung("Fehler aufgetreten: " + Fehlertext(fehler), meldung::Ok, 0);
         return false;
     }
 }

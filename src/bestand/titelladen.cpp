@@ -2,6 +2,7 @@
 
 #include "datafiles/dateinamen.h"
 #include "platform/ohnefehler.h"
+#include "platform/systemtext.h"
 #include "titles/titeldatei.h"
 
 #include <cstdint>
@@ -45,7 +46,7 @@ void Titellader::Titelladen() {
         if (datei.Ergebnis == Beschaedigt || datei.Ergebnis == NichtLesbar) MeldeLadefehler(datei.Fehlertext);
         if (datei.Ergebnis == Gelesen) Uebernehme(datei.Titel);
     } catch (const std::exception& fehler) {
-        OhneFehler([&] { MeldeLadefehler(fehler.what()); });
+        OhneFehler([&] { MeldeLadefehler(Fehlertext(fehler)); });
     }
     anzeige_.Sanduhr(false);
 }
@@ -131,7 +132,7 @@ void Titelsicherung::Titelspeichern() {
     try {
         fehlertext = SchreibeTiteldatei(dateien_, modul_.Programmordner, modul_.Titelliste);
     } catch (const std::exception& fehler) {
-        fehlertext = fehler.what();
+        fehlertext = Fehlertext(fehler);
     }
     if (fehlertext) {
         meldungen_.ZeigeMeldung("Fehler beim Speichern der Titeldefinitionen aufgetreten: " + *fehlertext, meldung::Ok,

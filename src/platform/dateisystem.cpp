@@ -2,21 +2,15 @@
 
 #include "platform/text.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
 
 namespace zek {
 
 std::int64_t Dateisystem::LiesAn(Dateihandle handle, std::int64_t stelle, std::span<std::byte> ziel) {
     const std::int64_t erreicht = Suche(handle, stelle, Ab::Anfang);
     return erreicht < 0 ? erreicht : Lies(handle, ziel);
-}
-
-std::string SystemText(int fehlernummer) {
-    // The untranslated text; strerror would follow the locale.
-    const char* text = ::strerrordesc_np(fehlernummer);
-    return text == nullptr ? std::string() : std::string(text);
 }
 
 std::string OhneGrossKlein(Dateisystem& dateien, const std::string& pfad) {
@@ -33,17 +27,35 @@ std::string OhneGrossKlein(Dateisystem& dateien, const std::string& pfad) {
     return pfad;
 }
 
-bool LiesGanz(Dateisystem& dateien, const std::string& pfad, std::string& inhalt) {
-    inhalt.clear();
-    const Dateihandle handle = dateien.Oeffne(pfad, Oeffnen::NurLesen);
-    if (handle < 0) return false;
+namespace {
+
+// From where the handle stands to the end; false when that fails.
+bool LiesRest(Dateisystem& dateien, Dateihandle handle, std::string& inhalt) {
     std::array<std::byte, 65536> puffer;
     std::int64_t gelesen = 0;
     while ((gelesen = dateien.Lies(handle, puffer)) > 0) {
         inhalt.append(reinterpret_cast<const char*>(puffer.data()), static_cast<std::size_t>(gelesen));
     }
-    dateien.Schliesse(handle);
     return gelesen == 0;
+}
+
+}  // namespace
+
+bool LiesGanz(Dateisystem& dateien, const std::string& pfad, std::string& inhalt) {
+    inhalt.clear();
+    const Dateihandle handle = dateien.Oeffne(pfad, Oeffnen::NurLesen);
+    if (handle < 0) return false;
+    const bool ganz = LiesRest(dateien, handle, inhalt);
+    dateien.Schliesse(handle);
+    return ganz;
+}
+
+bool LiesEnde(Dateisystem& dateien, Dateihandle handle, std::int64_t hoechstens, std::string& inhalt) {
+    inhalt.clear();
+    const std::int64_t groesse = dateien.Groesse(handle);
+    if (groesse < 0) return false;
+    const std::int64_t ab = std::max<std::int64_t>(groesse - hoechstens, 0);
+    return dateien.Suche(handle, ab, Ab::Anfang) == ab && LiesRest(dateien, handle, inhalt);
 }
 
 int SchreibeGanz(Dateisystem& dateien, Dateihandle handle, std::span<const std::byte> daten) {

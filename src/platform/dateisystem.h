@@ -2,8 +2,13 @@
 // system call; the test object lets any call fail, write short, or be the last before a crash.
 //
 // Every call that can fail returns a negative errno value (for example -ENOSPC) on failure.
+//
+// What opens is a file: a pipe could hold the program up for ever, a device could have no end.
 #pragma once
 
+#include "platform/systemtext.h"
+
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -16,6 +21,8 @@ namespace zek {
 // Handle of an open file; below 0 there is none.
 using Dateihandle = int;
 inline constexpr Dateihandle KeinHandle = -1;
+// The errno value for what isn't an ordinary file.
+inline constexpr int KeineGewoehnlicheDatei = EMEDIUMTYPE;
 
 enum class Oeffnen {
     NurLesen,         // must exist
@@ -35,7 +42,9 @@ class Dateisystem {
 public:
     virtual ~Dateisystem() = default;
 
-    // Opens a file shared: others may read and write it at the same time. Returns a handle or -errno.
+    // Opens a file shared: others may read and write it at the same time. Returns a handle or -errno, -EISDIR for a
+    // folder, -KeineGewoehnlicheDatei for a pipe or a device. With LesenSchreiben, which lies on the road of every
+    // tick, the latter is what Groesse gives.
     virtual Dateihandle Oeffne(const std::string& pfad, Oeffnen art) = 0;
     virtual void Schliesse(Dateihandle handle) = 0;
     // Bytes moved, which may be fewer than asked for, or -errno.
@@ -54,6 +63,8 @@ public:
     virtual int Leere(Dateihandle handle) = 0;
 
     virtual bool DateiExistiert(const std::string& pfad) = 0;
+    // It is there and this user may execute it.
+    virtual bool Ausfuehrbar(const std::string& pfad) { return DateiExistiert(pfad); }
     virtual bool OrdnerExistiert(const std::string& pfad) = 0;
     // One level only. 0 or -errno.
     virtual int LegeOrdnerAn(const std::string& pfad) = 0;
@@ -66,15 +77,15 @@ public:
     virtual std::vector<Verzeichniseintrag> Liste(const std::string& ordner) = 0;
 };
 
-// The system's message for an errno value (positive), or "" when it has none.
-std::string SystemText(int fehlernummer);
-
 // Where `pfad` is missing but an entry that differs only in letter case exists, the path of that entry;
 // otherwise `pfad` as it is. Only the last component is looked for; the folder must be exact.
 std::string OhneGrossKlein(Dateisystem& dateien, const std::string& pfad);
 
 // Reads a whole file; false when it is missing or can't be read. `inhalt` then holds what could be read.
 bool LiesGanz(Dateisystem& dateien, const std::string& pfad, std::string& inhalt);
+
+// Reads at most the last `hoechstens` bytes of an open file; false when that fails.
+bool LiesEnde(Dateisystem& dateien, Dateihandle handle, std::int64_t hoechstens, std::string& inhalt);
 
 // Writes all bytes, going on after short writes. 0 or -errno.
 int SchreibeGanz(Dateisystem& dateien, Dateihandle handle, std::span<const std::byte> daten);

@@ -20,19 +20,26 @@ auto Wiederholt(Aufruf aufruf) {
     return ergebnis < 0 ? static_cast<decltype(ergebnis)>(-errno) : ergebnis;
 }
 
+// O_NONBLOCK plays no part for files; without it the opening of a pipe would wait for its other side.
 int Flaggen(Oeffnen art) {
-    // O_NONBLOCK plays no part for files; a pipe in the place of one gives an error instead of a wait without end.
+    constexpr int Immer = O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     switch (art) {
         case Oeffnen::NurLesen:
-            return O_RDONLY;
+            return O_RDONLY | Immer;
         case Oeffnen::LesenSchreiben:
-            return O_RDWR | O_NONBLOCK;
+            return O_RDWR | Immer;
         case Oeffnen::Anlegen:
-            return O_RDWR | O_CREAT | O_NONBLOCK;
+            return O_RDWR | O_CREAT | Immer;
         case Oeffnen::AnlegenNurLesen:
-            return O_RDONLY | O_CREAT;
+            return O_RDONLY | O_CREAT | Immer;
     }
-    return O_RDONLY;
+    return O_RDONLY | Immer;
+}
+
+// 0, or why this isn't a file as -errno.
+int PruefeArt(const struct stat& angaben) {
+    if (S_ISREG(angaben.st_mode)) return 0;
+    return S_ISDIR(angaben.st_mode) ? -EISDIR : -KeineGewoehnlicheDatei;
 }
 
 bool IstOrdner(const std::string& pfad) {
@@ -43,7 +50,16 @@ bool IstOrdner(const std::string& pfad) {
 }  // namespace
 
 Dateihandle PosixDateisystem::Oeffne(const std::string& pfad, Oeffnen art) {
-    return Wiederholt([&] { return ::open(pfad.c_str(), Flaggen(art) | O_CLOEXEC, 0666); });
+    const Dateihandle handle = Wiederholt([&] { return ::open(pfad.c_str(), Flaggen(art), 0666); });
+    // A pipe without a reader, a device without a driver.
+    if (handle == -ENXIO) return -KeineGewoehnlicheDatei;
+    // On the road of every tick the size is asked for anyway.
+    if (handle < 0 || art == Oeffnen::LesenSchreiben) return handle;
+    struct stat angaben {};
+    const int fehler = ::fstat(handle, &angaben) != 0 ? -errno : PruefeArt(angaben);
+    if (fehler == 0) return handle;
+    ::close(handle);
+    return fehler;
 }
 
 void PosixDateisystem::Schliesse(Dateihandle handle) {
@@ -70,6 +86,7 @@ std::int64_t PosixDateisystem::Suche(Dateihandle handle, std::int64_t abstand, A
 std::int64_t PosixDateisystem::Groesse(Dateihandle handle) {
     struct stat angaben;  // not cleared: this lies on the road of every tick
     if (::fstat(handle, &angaben) != 0) return -errno;
+    if (const int fehler = PruefeArt(angaben); fehler < 0) return fehler;
     return angaben.st_size;
 }
 
@@ -84,6 +101,10 @@ int PosixDateisystem::Leere(Dateihandle handle) {
 bool PosixDateisystem::DateiExistiert(const std::string& pfad) {
     struct stat angaben {};
     return ::stat(pfad.c_str(), &angaben) == 0 && !S_ISDIR(angaben.st_mode);
+}
+
+bool PosixDateisystem::Ausfuehrbar(const std::string& pfad) {
+    return DateiExistiert(pfad) && ::access(pfad.c_str(), X_OK) == 0;
 }
 
 bool PosixDateisystem::OrdnerExistiert(const std::string& pfad) {

@@ -18,6 +18,7 @@ public:
     int SetzeLaenge(Dateihandle handle, std::int64_t laenge) override;
     int Leere(Dateihandle handle) override;
     bool DateiExistiert(const std::string& pfad) override;
+    bool Ausfuehrbar(const std::string& pfad) override;
     bool OrdnerExistiert(const std::string& pfad) override;
     int LegeOrdnerAn(const std::string& pfad) override;
     int Loesche(const std::string& pfad) override;

@@ -215,7 +215,7 @@ IniDatei::Stand IniDatei::StandAufPlatte() const {
         return stand;
     }
     // A pipe or a device in the place of the file is neither read nor replaced.
-    if (!S_ISREG(angaben.st_mode)) stand.Fehler = EINVAL;
+    if (!S_ISREG(angaben.st_mode)) stand.Fehler = S_ISDIR(angaben.st_mode) ? EISDIR : KeineGewoehnlicheDatei;
     stand.Geraet = angaben.st_dev;
     stand.Inode = angaben.st_ino;
     stand.Groesse = angaben.st_size;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <unistd.h>
+#include <cerrno>
 
 namespace zek {
 namespace {
@@ -23,22 +24,24 @@ Ordnersperre::~Ordnersperre() {
     GibFrei();
 }
 
-bool Ordnersperre::Nimm() {
-    if (griff_ >= 0) return true;
-    const int griff = ::open(pfad_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    if (griff < 0) return false;
+int Ordnersperre::Nimm() {
+    if (griff_ >= 0) return 0;
+    // O_NONBLOCK: a pipe in the place of the file must not hold the start up.
+    const int griff = ::open(pfad_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (griff < 0) return -errno;
     struct flock bereich = Sperrbereich(F_WRLCK);
     if (::fcntl(griff, F_OFD_SETLK, &bereich) != 0) {
+        const int fehler = errno == EACCES ? EAGAIN : errno;
         ::close(griff);
-        return false;
+        return -fehler;
     }
     griff_ = griff;
-    return true;
+    return 0;
 }
 
 bool Ordnersperre::VonAnderemGehalten() const {
     if (griff_ >= 0) return false;
-    const int griff = ::open(pfad_.c_str(), O_RDONLY | O_CLOEXEC);
+    const int griff = ::open(pfad_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (griff < 0) return false;
     struct flock bereich = Sperrbereich(F_RDLCK);
     const bool gefragt = ::fcntl(griff, F_OFD_GETLK, &bereich) == 0;

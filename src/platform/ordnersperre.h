@@ -18,12 +18,13 @@ public:
     Ordnersperre(const Ordnersperre&) = delete;
     Ordnersperre& operator=(const Ordnersperre&) = delete;
 
-    // Takes the lock; true when this object holds it (already). False when another holds it, or when the lock file
-    // can't be opened.
-    bool Nimm();
+    // Takes the lock: 0 when this object holds it (already), -EAGAIN when another does, else -errno: then the lock
+    // can't be had at all, and nobody is kept out.
+    [[nodiscard]] int Nimm();
     // True while another process or object holds it. Creates no file.
     bool VonAnderemGehalten() const;
     bool Gehalten() const { return griff_ >= 0; }
+    const std::string& Pfad() const { return pfad_; }
     void GibFrei();
 
 private:

@@ -10,7 +10,8 @@ class Prozesse {
 public:
     virtual ~Prozesse() = default;
     // True while another process holds this program folder. Cheap; answers at any time. The first call that finds
-    // nobody takes the folder for this process.
+    // nobody takes the folder for this process; when it can't be taken at all it throws std::runtime_error, whose text
+    // a person can read.
     virtual bool AndereInstanzLaeuft() = 0;
     // Starts a program that outlives this one. False when it couldn't be started.
     virtual bool Starte(const std::string& programm, const std::vector<std::string>& argumente) = 0;

@@ -2,6 +2,7 @@
 
 #include "platform/datum.h"
 #include "platform/ohnefehler.h"
+#include "platform/systemtext.h"
 #include "platform/text.h"
 #include "session/kommando.h"
 #include "session/zuruf.h"
@@ -55,7 +56,7 @@ Startergebnis Startfolge::Main() {
         return ergebnis == Startergebnis::Laeuft ? Hauptfenster() : ergebnis;
     } catch (const std::exception& fehler) {
         modul_.Datenpflegewarteschlange.clear();
-        gesicht_.ZeigeMeldung(std::string("Fehler beim Starten aufgetreten: ") + fehler.what(), meldung::Ok, 0);
+        gesicht_.ZeigeMeldung("Fehler beim Starten aufgetreten: " + Fehlertext(fehler), meldung::Ok, 0);
         return Startergebnis::Gescheitert;
     }
 }

@@ -5,6 +5,8 @@
 #include "platform/text.h"
 #include "session/gesicht.h"
 
+#include <limits>
+
 namespace zek {
 
 namespace {
@@ -16,15 +18,6 @@ void Schreib(Dateisystem& dateien, Dateihandle datei, const std::string& bytes) 
 }
 
 }  // namespace
-
-std::string GekuerztesProtokoll(const std::string& inhalt, const std::string& zeile) {
-    // Positions count from 1, as in the rule that they come from; 0 is "not found".
-    const std::size_t ab = inhalt.size() - static_cast<std::size_t>(Protokoll::Restlaenge);
-    const auto fund = inhalt.find(Zeilenende, ab - 1);
-    const std::size_t stelle = fund == std::string::npos ? 0 : fund + 1;
-    const std::size_t behalten = stelle + 2;
-    return inhalt.substr(behalten - 1).append(Zeilenende).append(zeile);
-}
 
 Protokoll::Protokoll(const Uhr& uhr, Dateisystem& dateien, const IBModul& modul, Gesicht& gesicht)
     : uhr_(uhr), dateien_(dateien), modul_(modul), gesicht_(gesicht) {}
@@ -53,14 +46,30 @@ void Protokoll::SchreibeInDatei(const std::string& zeile) {
         dateien_.Schliesse(datei);
         return;
     }
+    std::string rest;
+    const bool gelesen = LiesBleibendes(datei, rest);
     dateien_.Schliesse(datei);
-    std::string inhalt;
-    if (!LiesGanz(dateien_, pfad, inhalt) || static_cast<std::int64_t>(inhalt.size()) <= Hoechstlaenge) return;
+    if (!gelesen) return;
     dateien_.Loesche(pfad);
     datei = dateien_.Oeffne(pfad, Oeffnen::Anlegen);
     if (datei < 0) return;
-    Schreib(dateien_, datei, GekuerztesProtokoll(inhalt, zeile));
+    Schreib(dateien_, datei, rest.append(Zeilenende).append(zeile));
     dateien_.Schliesse(datei);
+}
+
+// What a file of more than Hoechstlaenge bytes keeps: what follows the first line break from position length -
+// Restlaenge on, positions counted from 1. Where there is none the search gives position 0, and the text is kept from
+// position 2 on.
+bool Protokoll::LiesBleibendes(Dateihandle datei, std::string& rest) {
+    if (!LiesEnde(dateien_, datei, Restlaenge + 1, rest)) return false;
+    const auto fund = rest.find(Zeilenende);
+    if (fund != std::string::npos) {
+        rest.erase(0, fund + Zeilenende.size());
+        return true;
+    }
+    if (!LiesEnde(dateien_, datei, std::numeric_limits<std::int64_t>::max(), rest)) return false;
+    rest.erase(0, 1);
+    return true;
 }
 
 std::size_t Statusliste::ZuKuerzen() const {

@@ -23,7 +23,7 @@ inline constexpr std::string_view Protokolldatei = "IBZEKLog.txt";
 class Protokoll final : public Statusausgabe {
 public:
     // Bytes up to which the file is appended to; a longer one is cut to what follows the first line break in its last
-    // Restlaenge bytes.
+    // Restlaenge bytes. An empty line stands before the new entry then, which has no line break of its own.
     static constexpr std::int64_t Hoechstlaenge = 1000000;
     static constexpr std::int64_t Restlaenge = 100000;
 
@@ -35,6 +35,7 @@ public:
 
 private:
     void SchreibeInDatei(const std::string& zeile);
+    bool LiesBleibendes(Dateihandle datei, std::string& rest);
 
     const Uhr& uhr_;
     Dateisystem& dateien_;
@@ -42,11 +43,6 @@ private:
     Gesicht& gesicht_;
     std::string letzteMeldung_;
 };
-
-// What a log file of more than Hoechstlaenge bytes holds after `zeile` came in. All texts in the code page. An empty
-// line stands before the new entry, which has no line break of its own. Without a line break in the last Restlaenge
-// bytes the search gives position 0, and everything from position 2 on is kept.
-std::string GekuerztesProtokoll(const std::string& inhalt, const std::string& zeile);
 
 // The entries of the status list, as the list of the main window shows them.
 class Statusliste {

@@ -39,7 +39,7 @@ bool Neustart::AutoNeustartStarten(bool nurPruefen) {
     std::string pfad = modul_.Programmordner;
     if (!pfad.ends_with('/')) pfad += '/';
     pfad += Helferdatei;
-    if (dateien_.DateiExistiert(pfad)) {
+    if (dateien_.Ausfuehrbar(pfad)) {
         std::vector<std::string> argumente;
         if (modul_.KeineBeendenFrage) argumente.emplace_back("/K");
         if (!nurPruefen) OhneFehler([&] { prozesse_.Starte(pfad, argumente); });

@@ -98,13 +98,15 @@ void Neustarthelfer::Melde(const std::string& text) {
 }
 
 void Neustarthelfer::KuerzeLog(const std::string& pfad) {
-    std::string inhalt;
-    if (!LiesGanz(dateien_, pfad, inhalt) || inhalt.size() <= LogHoechstlaenge) return;
-    const std::size_t umbruch = inhalt.find('\n', inhalt.size() - LogRest);
-    const std::string rest = umbruch == std::string::npos ? std::string() : inhalt.substr(umbruch + 1);
     const Dateihandle handle = dateien_.Oeffne(pfad, Oeffnen::LesenSchreiben);
     if (handle < 0) return;
-    if (dateien_.SetzeLaenge(handle, 0) == 0) SchreibeGanz(dateien_, handle, std::as_bytes(std::span(rest)));
+    std::string rest;
+    if (dateien_.Groesse(handle) > LogHoechstlaenge && LiesEnde(dateien_, handle, LogRest, rest)) {
+        const std::size_t umbruch = rest.find('\n');
+        rest.erase(0, umbruch == std::string::npos ? rest.size() : umbruch + 1);
+        if (dateien_.SetzeLaenge(handle, 0) == 0 && dateien_.Suche(handle, 0, Ab::Anfang) == 0)
+            SchreibeGanz(dateien_, handle, std::as_bytes(std::span(rest)));
+    }
     dateien_.Schliesse(handle);
 }
 

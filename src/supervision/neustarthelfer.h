@@ -16,8 +16,8 @@ class Neustarthelfer {
 public:
     static constexpr std::string_view Logdatei = "IBZEKNeustart.txt";
     // A longer log is cut to the whole lines in its last LogRest bytes.
-    static constexpr std::size_t LogHoechstlaenge = 200000;
-    static constexpr std::size_t LogRest = 100000;
+    static constexpr std::int64_t LogHoechstlaenge = 200000;
+    static constexpr std::int64_t LogRest = 100000;
 
     struct Auftrag {
         std::string Programm;        // the recorder's executable

@@ -226,8 +226,8 @@ TEST_F(TitelLaden, AFileThatCannotBeOpenedGivesAMessage) {
     Laden();
     sicherung.Titelspeichern();
     ASSERT_EQ(meldungen.Gezeigt.size(), 2u);
-    EXPECT_EQ(meldungen.Gezeigt[0].Text, "Fehler beim Laden der Titeldefinitionen aufgetreten: Permission denied");
-    EXPECT_EQ(meldungen.Gezeigt[1].Text, "Fehler beim Speichern der Titeldefinitionen aufgetreten: Permission denied");
+    EXPECT_EQ(meldungen.Gezeigt[0].Text, "Fehler beim Laden der Titeldefinitionen aufgetreten: Keine Berechtigung");
+    EXPECT_EQ(meldungen.Gezeigt[1].Text, "Fehler beim Speichern der Titeldefinitionen aufgetreten: Keine Berechtigung");
     EXPECT_EQ(meldungen.Gezeigt[1].Flags, 0);
     EXPECT_EQ(meldungen.Gezeigt[1].Sekunden, 0);
     EXPECT_FALSE(anzeige.SanduhrAn);

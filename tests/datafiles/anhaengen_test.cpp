@@ -222,7 +222,7 @@ TEST_F(Anhaengen, AFailedOpenGivesALogLineAndTheNextTickTriesAgain) {
     Tick(2);
     ASSERT_EQ(status.Eintraege.size(), 1u);
     EXPECT_EQ(status.Letzte(), "Fehler Nr. 45602 beim Speichern von " + Pfad + " (Error opening '" + Pfad +
-                                   "'.\r\nError 24\r\nToo many open files)");
+                                   "'.\r\nError 24\r\nZu viele offene Dateien)");
     EXPECT_FALSE(status.Eintraege[0].Fett);
     dateien.Heile();
     Tick(3);
@@ -234,7 +234,7 @@ TEST_F(Anhaengen, AFullDiskGivesALogLineForEachLostTickAndRecordingGoesOn) {
     ram.SetzeFreienPlatz(0);
     Tick(2);
     Tick(3);
-    EXPECT_EQ(status.Letzte(), "Fehler Nr. 28 beim Speichern von " + Pfad + " (No space left on device)");
+    EXPECT_EQ(status.Letzte(), "Fehler Nr. 28 beim Speichern von " + Pfad + " (Kein Platz mehr auf dem Datenträger)");
     EXPECT_EQ(status.Eintraege.size(), 2u);
     ram.SetzeFreienPlatz(1 << 20);
     Tick(4);
@@ -257,7 +257,7 @@ TEST_F(Anhaengen, AHeaderThatDoesNotFitOnTheDiskLeavesAnEmptyFile) {
     ram.SetzeFreienPlatz(500);
     Tick(1);
     EXPECT_EQ(Datei(), "");
-    EXPECT_EQ(status.Letzte(), "Fehler Nr. 28 beim Speichern von " + Pfad + " (No space left on device)");
+    EXPECT_EQ(status.Letzte(), "Fehler Nr. 28 beim Speichern von " + Pfad + " (Kein Platz mehr auf dem Datenträger)");
     ram.SetzeFreienPlatz(1 << 20);
     Tick(2);
     EXPECT_EQ(Datei(), DaxKopf() + Jetzt(2));

@@ -80,7 +80,7 @@ TEST_F(DateiIO, ASecondOpenIsRefusedAndLeavesTheFirstFileOpen) {
 
 TEST_F(DateiIO, AFailedOpenCarriesTheSystemsText) {
     EXPECT_EQ(Fehler([&] { datei.OpenFile("/fehlt/x", false); }),
-              "45602: Error opening '/fehlt/x'.\r\nError 2\r\nNo such file or directory");
+              "45602: Error opening '/fehlt/x'.\r\nError 2\r\nDatei oder Ordner nicht gefunden");
     gestoert.StoereArt(Dateiaufruf::Oeffne, 9999);
     EXPECT_EQ(Fehler([&] { datei.OpenFile("/d/voll", false); }),
               "45602: Error opening '/d/voll'.\r\nError 9999\r\nUnbekannter Fehler.");
@@ -91,8 +91,8 @@ TEST_F(DateiIO, ASizeOrPositionThatCannotBeHadIsAnUnknownError) {
     datei.OpenFile("/d/voll", false);
     gestoert.StoereArt(Dateiaufruf::Groesse, EIO);
     gestoert.StoereArt(Dateiaufruf::Suche, EIO);
-    EXPECT_EQ(Fehler([&] { datei.FileSize(); }), "45600: Unknown error.\r\nError 5\r\nInput/output error");
-    EXPECT_EQ(Fehler([&] { datei.GetFilePointer(); }), "45600: Unknown error.\r\nError 5\r\nInput/output error");
+    EXPECT_EQ(Fehler([&] { datei.FileSize(); }), "45600: Unknown error.\r\nError 5\r\nEin-/Ausgabefehler");
+    EXPECT_EQ(Fehler([&] { datei.GetFilePointer(); }), "45600: Unknown error.\r\nError 5\r\nEin-/Ausgabefehler");
 }
 
 TEST_F(DateiIO, OpeningAMissingFileCreatesItAlsoForReadingOnly) {

@@ -2,6 +2,7 @@
 #include "platform/ini_speicher.h"
 #include "platform/ordnersperre.h"
 #include "platform/prozess_posix.h"
+#include "platform/text.h"
 
 #include <gtest/gtest.h>
 
@@ -12,10 +13,14 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <new>
 #include <sstream>
+#include <stdexcept>
+#include <system_error>
 #include <thread>
 
 namespace zek {
@@ -104,8 +109,84 @@ TEST_F(Dateien, FailuresAreNegativeErrnoValues) {
     EXPECT_EQ(system.LegeOrdnerAn(Pfad("x/y")), -ENOENT);
     EXPECT_EQ(system.Groesse(987654), -EBADF);
     EXPECT_EQ(system.FreierPlatz(Pfad("fehlt")), -ENOENT);
-    EXPECT_EQ(SystemText(ENOENT), "No such file or directory");
+}
+
+TEST_F(Dateien, WhatIsNoOrdinaryFileNeitherHoldsAnybodyUpNorHasNoEnd) {
+    PosixDateisystem system;
+    ASSERT_EQ(::mkfifo(Pfad("rohr").c_str(), 0600), 0);
+    fs::create_symlink("/dev/zero", Pfad("endlos"));
+    fs::create_symlink("/dev/full", Pfad("voll"));
+    fs::create_directory(Pfad("ordner"));
+    for (const Oeffnen art : {Oeffnen::NurLesen, Oeffnen::Anlegen, Oeffnen::AnlegenNurLesen}) {
+        for (const char* name : {"rohr", "endlos", "voll"})
+            EXPECT_EQ(system.Oeffne(Pfad(name), art), -KeineGewoehnlicheDatei) << name;
+        EXPECT_EQ(system.Oeffne(Pfad("ordner"), art), -EISDIR);
+    }
+    // The append asks for the size behind the opening.
+    for (const char* name : {"rohr", "endlos", "voll"}) {
+        const Dateihandle handle = system.Oeffne(Pfad(name), Oeffnen::LesenSchreiben);
+        EXPECT_EQ(handle < 0 ? handle : system.Groesse(handle), -KeineGewoehnlicheDatei) << name;
+        system.Schliesse(handle);
+    }
+    std::string inhalt;
+    EXPECT_FALSE(LiesGanz(system, Pfad("rohr"), inhalt));
+    EXPECT_FALSE(LiesGanz(system, Pfad("endlos"), inhalt));
+    EXPECT_EQ(inhalt, "");
+}
+
+TEST_F(Dateien, OnlyAFileThatThisUserMayRunIsExecutable) {
+    PosixDateisystem system;
+    Lege("daten", "x");
+    Lege("programm", "x");
+    fs::permissions(Pfad("programm"), fs::perms::owner_all);
+    fs::create_directory(Pfad("ordner"));
+    EXPECT_TRUE(system.Ausfuehrbar(Pfad("programm")));
+    EXPECT_FALSE(system.Ausfuehrbar(Pfad("daten")));
+    EXPECT_FALSE(system.Ausfuehrbar(Pfad("ordner")));
+    EXPECT_FALSE(system.Ausfuehrbar(Pfad("fehlt")));
+}
+
+TEST_F(Dateien, TheEndOfAFileIsReadWithoutItsBeginning) {
+    PosixDateisystem system;
+    Lege("lang", std::string(200000, 'a') + "ende");
+    const Dateihandle handle = system.Oeffne(Pfad("lang"), Oeffnen::NurLesen);
+    std::string ende;
+    EXPECT_TRUE(LiesEnde(system, handle, 5, ende));
+    EXPECT_EQ(ende, "aende");
+    EXPECT_TRUE(LiesEnde(system, handle, 1000000, ende));
+    EXPECT_EQ(ende.size(), 200004U);
+    system.Schliesse(handle);
+    EXPECT_FALSE(LiesEnde(system, handle, 5, ende));
+}
+
+TEST(SystemtextTest, EveryErrorOfTheSystemIsToldInGerman) {
+    EXPECT_EQ(SystemText(ENOENT), "Datei oder Ordner nicht gefunden");
+    EXPECT_EQ(SystemText(EACCES), "Keine Berechtigung");
+    EXPECT_EQ(SystemText(ENOSPC), "Kein Platz mehr auf dem Datenträger");
+    EXPECT_EQ(SystemText(ECONNREFUSED), "Verbindung wurde abgelehnt");
     EXPECT_EQ(SystemText(123456), "");
+    std::map<std::string, int> gesehen;
+    for (int nummer = 1; nummer < 4096; ++nummer) {
+        const char* fremd = ::strerrordesc_np(nummer);
+        const std::string text = SystemText(nummer);
+        if (fremd == nullptr) {
+            EXPECT_EQ(text, "") << nummer;
+            continue;
+        }
+        EXPECT_FALSE(text.starts_with("Systemfehler")) << nummer << " " << fremd;
+        EXPECT_NE(text, fremd) << nummer;
+        EXPECT_EQ(AusCodepage(NachCodepage(text)), text) << "fits into the log";
+        EXPECT_TRUE(gesehen.emplace(text, nummer).second) << text << " is " << gesehen[text] << " and " << nummer;
+    }
+    EXPECT_GT(gesehen.size(), 120U);
+}
+
+TEST(SystemtextTest, AnErrorOfTheProgramIsToldInGermanWhereTheSystemOrTheMemoryIsBehindIt) {
+    EXPECT_EQ(Fehlertext(std::system_error(ENOSPC, std::generic_category(), "x")), SystemText(ENOSPC));
+    EXPECT_EQ(Fehlertext(std::filesystem::filesystem_error("x", std::make_error_code(std::errc::permission_denied))),
+              SystemText(EACCES));
+    EXPECT_EQ(Fehlertext(std::bad_alloc()), "Nicht genügend Speicher");
+    EXPECT_EQ(Fehlertext(std::runtime_error("Eigener Text")), "Eigener Text");
 }
 
 TEST_F(Dateien, FoldersAreListedWithTheirKinds) {
@@ -390,14 +471,26 @@ TEST_F(Sperretest, OnlyOneHoldsTheFolder) {
     Ordnersperre eine(ordner_);
     Ordnersperre andere(ordner_);
     EXPECT_FALSE(andere.VonAnderemGehalten());
-    EXPECT_TRUE(eine.Nimm());
-    EXPECT_TRUE(eine.Nimm());
+    EXPECT_EQ(eine.Nimm(), 0);
+    EXPECT_EQ(eine.Nimm(), 0);
     EXPECT_FALSE(eine.VonAnderemGehalten());
     EXPECT_TRUE(andere.VonAnderemGehalten());
-    EXPECT_FALSE(andere.Nimm());
+    EXPECT_EQ(andere.Nimm(), -EAGAIN);
     eine.GibFrei();
     EXPECT_FALSE(andere.VonAnderemGehalten());
-    EXPECT_TRUE(andere.Nimm());
+    EXPECT_EQ(andere.Nimm(), 0);
+}
+
+TEST_F(Sperretest, ALockThatCannotBeHadIsToldApartFromOneThatIsHeld) {
+    EXPECT_EQ(Ordnersperre(Pfad("fehlt")).Nimm(), -ENOENT);
+    fs::create_directory(Pfad(".zek.lock"));
+    EXPECT_EQ(Ordnersperre(ordner_).Nimm(), -EISDIR);
+}
+
+TEST_F(Sperretest, APipeInThePlaceOfTheLockHoldsNobodyUp) {
+    ASSERT_EQ(::mkfifo(Pfad(".zek.lock").c_str(), 0600), 0);
+    const Ordnersperre sperre(ordner_);
+    EXPECT_FALSE(sperre.VonAnderemGehalten());
 }
 
 TEST_F(Sperretest, DiesWithItsProcessAndIsNotInherited) {
@@ -406,7 +499,7 @@ TEST_F(Sperretest, DiesWithItsProcessAndIsNotInherited) {
     const pid_t kind = ::fork();
     if (kind == 0) {
         Ordnersperre sperre(ordner_);
-        sperre.Nimm();
+        (void)sperre.Nimm();
         StarteUnabhaengig("/bin/sh", {"-c", "read x < " + Pfad("halt")});
         rohr.Sende();
         ::pause();
@@ -416,7 +509,7 @@ TEST_F(Sperretest, DiesWithItsProcessAndIsNotInherited) {
     EXPECT_TRUE(sperre.VonAnderemGehalten());
     ::kill(kind, SIGKILL);
     ::waitpid(kind, nullptr, 0);
-    EXPECT_TRUE(sperre.Nimm()) << "the program that it started lives on and doesn't hold it";
+    EXPECT_EQ(sperre.Nimm(), 0) << "the program that it started lives on and doesn't hold it";
     std::ofstream(Pfad("halt")) << "weiter\n";
 }
 

@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace zek {
 namespace {
 
@@ -92,10 +94,50 @@ TEST_F(ProtokollTest, TheSearchBeginsAtPositionLengthMinus100000) {
     // Length 1000001: position 900001 is offset 900000.
     const std::string davor = std::string(899999, 'x') + "\r\n" + std::string(99996, 'z') + "\r\nab";
     ASSERT_EQ(davor.size(), 1000001u);
-    EXPECT_EQ(GekuerztesProtokoll(davor, "neu"), "ab\r\nneu") << "a line break that begins before is not seen";
+    DateiIst(davor);
+    protokoll.Statusmeldung("a");
+    EXPECT_EQ(Datei(), "ab\r\n15.11.2026 18:21:53: a") << "a line break that begins before is not seen";
     const std::string genau = std::string(900000, 'x') + "\r\n" + std::string(99997, 'z') + "\r\n";
     ASSERT_EQ(genau.size(), 1000001u);
-    EXPECT_EQ(GekuerztesProtokoll(genau, "neu"), std::string(99997, 'z') + "\r\n\r\nneu");
+    DateiIst(genau);
+    protokoll.Statusmeldung("b");
+    EXPECT_EQ(Datei(), std::string(99997, 'z') + "\r\n\r\n15.11.2026 18:21:53: b");
+}
+
+// The rule as it is stated, on the whole text, positions counted from 1.
+std::string Literal(const std::string& text, const std::string& zeile) {
+    std::size_t stelle = 0;
+    for (std::size_t i = text.size() - 100000; i + 1 <= text.size() && stelle == 0; ++i)
+        if (text.substr(i - 1, 2) == "\r\n") stelle = i;
+    return text.substr(stelle + 2 - 1) + "\r\n" + zeile;
+}
+
+TEST_F(ProtokollTest, WhateverALongFileHoldsTheCutIsTheOneOfTheRule) {
+    std::mt19937 zufall(20261115);
+    for (int i = 0; i < 60; ++i) {
+        std::string text(1000001 + zufall() % 300, 'x');
+        // Line breaks near the place where the search begins, whole and halved, and none at all.
+        for (int k = static_cast<int>(zufall() % 3); k > 0; --k)
+            text[text.size() - 100000 - 6 + zufall() % 12] = zufall() % 2 == 0 ? '\r' : '\n';
+        if (zufall() % 3 != 0) text.replace(text.size() - 100000 - 5 + zufall() % 10, 2, "\r\n");
+        if (zufall() % 4 == 0) text.replace(text.size() - 1 - zufall() % 3, 2, "\r\n");
+        DateiIst(text);
+        welt.Vergehe(1);
+        protokoll.Statusmeldung("neu");
+        ASSERT_EQ(Datei(), Literal(text, Datumtext(welt.Jetzt()) + ": neu")) << i;
+    }
+}
+
+TEST_F(ProtokollTest, TheCutReadsOnlyWhatItKeeps) {
+    hilfen::StoerDateisystem gezaehlt(dateien);
+    Protokoll beobachtet(welt, gezaehlt, modul, gesicht);
+    DateiIst(std::string(30000000, 'x') + "\r\n" + std::string(50000, 'z') + "\r\n");
+    beobachtet.Statusmeldung("a");
+    EXPECT_EQ(Datei(), std::string(50000, 'z') + "\r\n\r\n15.11.2026 18:21:53: a");
+    std::int64_t gelesen = 0;
+    for (const auto& eintrag : gezaehlt.Protokoll())
+        if (eintrag.Art == hilfen::Dateiaufruf::Lies) gelesen += eintrag.Ergebnis;
+    EXPECT_LE(gelesen, 100001);
 }
 
 TEST_F(ProtokollTest, AfterTheCutTheNextEntryFollowsOnTheSameLine) {

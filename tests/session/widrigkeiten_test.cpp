@@ -62,10 +62,10 @@ TEST_F(Widrigkeit, AProgramFolderThatCantBeWrittenLosesLogAndDefinitionsButNoTic
     Setze("Optionen", "Datenpfad", "/daten");
     dateien.SchuetzeVorSchreiben("/zek");
     ASSERT_TRUE(Starte());
-    EXPECT_EQ(Meldung(0), "Fehler beim Laden der Titeldefinitionen aufgetreten: Permission denied");
+    EXPECT_EQ(Meldung(0), "Fehler beim Laden der Titeldefinitionen aufgetreten: Keine Berechtigung");
     Handel(NeuerTitel("T1"));
     sitzung->Teile().Sicherung.Titelspeichern();
-    EXPECT_EQ(Meldung(1), "Fehler beim Speichern der Titeldefinitionen aufgetreten: Permission denied");
+    EXPECT_EQ(Meldung(1), "Fehler beim Speichern der Titeldefinitionen aufgetreten: Keine Berechtigung");
     EXPECT_EQ(Saetze("/daten/K/T1@SMART_STK.ZEK"), 1);
     EXPECT_FALSE(dateien.DateiExistiert("/zek/IBZEKLog.txt"));
     EXPECT_FALSE(gesicht.Status.Eintraege.empty()) << "the list has what the log can't take";
@@ -90,7 +90,7 @@ TEST_F(Widrigkeit, AFullDiskLosesTicksWithALineEachAndRecordingGoesOnWhenThereIs
     Handel(id);
     dateien.SetzeFreienPlatz(0);
     Handel(id);
-    EXPECT_EQ(LetzterStatus(), "Fehler Nr. 28 beim Speichern von " + T1 + " (No space left on device)");
+    EXPECT_EQ(LetzterStatus(), "Fehler Nr. 28 beim Speichern von " + T1 + " (Kein Platz mehr auf dem Datenträger)");
     dateien.SetzeFreienPlatz(1 << 20);
     Handel(id);
     EXPECT_EQ(Saetze(T1), 2);

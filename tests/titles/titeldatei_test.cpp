@@ -314,8 +314,8 @@ TEST_F(TiteldateiTest, AFileThatCannotBeOpenedIsNeitherReadNorWritten) {
     ram.SchuetzeVorSchreiben(Pfad);
     const Titeldatei datei = Lies();
     EXPECT_EQ(datei.Ergebnis, Zustand::NichtLesbar);
-    EXPECT_EQ(datei.Fehlertext, "Permission denied");
-    EXPECT_EQ(SchreibeTiteldatei(ram, "/p/", {}), "Permission denied");
+    EXPECT_EQ(datei.Fehlertext, "Keine Berechtigung");
+    EXPECT_EQ(SchreibeTiteldatei(ram, "/p/", {}), "Keine Berechtigung");
     EXPECT_EQ(ram.Inhalt(Pfad), Kennung + EinTitel);
 }
 
@@ -323,7 +323,7 @@ TEST_F(TiteldateiTest, AFullDiskIsReportedByTheSave) {
     Titelliste liste;
     Fuelle(liste, 3);
     ram.SetzeFreienPlatz(40);
-    EXPECT_EQ(SchreibeTiteldatei(ram, "/p/", liste), "No space left on device");
+    EXPECT_EQ(SchreibeTiteldatei(ram, "/p/", liste), "Kein Platz mehr auf dem Datenträger");
     ram.SetzeFreienPlatz(1 << 20);
     EXPECT_EQ(SchreibeTiteldatei(ram, "/p/", liste), std::nullopt);
 }

@@ -186,7 +186,7 @@ TEST_F(TwsClientTest, ARefusedConnectionIsASocketErrorWithTheSystemsText) {
     netz_.WeiseAb(true);
     Verbinde();
     EXPECT_EQ(client_->TwsConnectionTime(), "");
-    EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Connection refused -"));
+    EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Verbindung wurde abgelehnt -"));
     EXPECT_LT(welt_.Sekunden(), 1);
 }
 
@@ -369,7 +369,8 @@ TEST_F(TwsClientTest, AResetIsASocketErrorWithTheSystemsText) {
     Sitzung();
     server_.BrichAb();
     welt_.Ereignisse();
-    EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Connection reset by peer -", "connectionClosed"));
+    EXPECT_THAT(Zeilen(),
+                ElementsAre("errMsg -1 -1 Verbindung wurde von der Gegenseite zurückgesetzt -", "connectionClosed"));
     EXPECT_EQ(client_->TwsConnectionTime(), "");
 }
 
@@ -380,7 +381,7 @@ TEST_F(TwsClientTest, AControlGivenUpInsideASocketErrorSaysNoMore) {
         server_.BrichAb();
         welt_.Ereignisse();
         mitschrift_.Bei = nullptr;
-        EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Connection reset by peer -"));
+        EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Verbindung wurde von der Gegenseite zurückgesetzt -"));
     }
 }
 
@@ -501,7 +502,7 @@ TEST_F(TwsClientTest, ASocketErrorMayReplaceTheControlWhileItConnects) {
     mitschrift_.Bei = [&](const std::string&) { Neu(); };
     Verbinde();
     EXPECT_EQ(client_->TwsConnectionTime(), "");
-    EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Connection refused -"));
+    EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Verbindung wurde abgelehnt -"));
 }
 
 TEST_F(TwsClientTest, TheControlMayBeDestroyedByAnyEventOfItsHandshake) {
@@ -537,7 +538,7 @@ TEST_F(TwsClientTest, TheControlMayBeDestroyedInsideItsEnds) {
     mitschrift_.Bei = [&](const std::string&) { client_.reset(); };
     server_.BrichAb();
     welt_.Ereignisse();
-    EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Connection reset by peer -"));
+    EXPECT_THAT(Zeilen(), ElementsAre("errMsg -1 -1 Verbindung wurde von der Gegenseite zurückgesetzt -"));
 }
 
 TEST_F(TwsClientTest, TheControlMayBeDestroyedInside504) {

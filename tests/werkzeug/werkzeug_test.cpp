@@ -143,7 +143,7 @@ TEST_F(WerkzeugTest, WhatCannotBeReadGivesTwo) {
     dateien.Heile();
     dateien.Stoere({.Art = Dateiaufruf::Lies, .Ab = 2, .Fehler = EIO});
     EXPECT_EQ(Zek({"csv", "/d/x.ZEK"}), 2);
-    EXPECT_EQ(Fehler(), "zek: /d/x.ZEK: Lesefehler 5 (Input/output error)\n");
+    EXPECT_EQ(Fehler(), "zek: /d/x.ZEK: Lesefehler 5 (Ein-/Ausgabefehler)\n");
     dateien.Heile();
     ram.LegeDateiAn("/d/kurz.ZEK", "x");
     EXPECT_EQ(Zek({"csv", "/d/kurz.ZEK"}), 2);

@@ -2,12 +2,16 @@
 
 #include "platform/ohnefehler.h"
 #include "platform/prozess_posix.h"
+#include "platform/systemtext.h"
 
 #include <QCoreApplication>
 #include <QObject>
 #include <QTimer>
 
 #include <algorithm>
+#include <cerrno>
+#include <stdexcept>
+#include <string>
 
 namespace zek {
 
@@ -92,7 +96,11 @@ std::unique_ptr<Zeitgeber> QtZeitgeberfabrik::Erzeuge(std::chrono::milliseconds 
 }
 
 bool QtProzesse::AndereInstanzLaeuft() {
-    return !sperre_.Nimm() && sperre_.VonAnderemGehalten();
+    const int ergebnis = sperre_.Nimm();
+    if (ergebnis == 0 || ergebnis == -EAGAIN) return ergebnis != 0;
+    // Two recorders would write into the same files.
+    throw std::runtime_error("Der Programmordner kann nicht gegen einen zweiten Start gesperrt werden („" +
+                             sperre_.Pfad() + "“: " + SystemText(-ergebnis) + ")");
 }
 
 bool QtProzesse::Starte(const std::string& programm, const std::vector<std::string>& argumente) {

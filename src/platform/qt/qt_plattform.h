@@ -32,7 +32,7 @@ public:
 class QtProzesse : public Prozesse {
 public:
     // `programmordner` ends in "/"; the folder is held from the first AndereInstanzLaeuft that finds nobody until this
-    // object's end. A folder in which no lock file can be made counts as held by nobody.
+    // object's end.
     explicit QtProzesse(const std::string& programmordner) : sperre_(programmordner) {}
 
     bool AndereInstanzLaeuft() override;

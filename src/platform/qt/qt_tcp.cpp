@@ -1,7 +1,7 @@
 #include "platform/qt/qt_tcp.h"
 
-#include "platform/dateisystem.h"
 #include "platform/qt/melder.h"
+#include "platform/systemtext.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -29,6 +29,7 @@ using namespace std::chrono_literals;
 
 constexpr std::size_t Sendegrenze = std::size_t{64} << 20;
 constexpr int NameUnbekannt = -2;
+constexpr int HoechsterPort = 65535;
 constexpr auto Abflussfrist = 10s;
 
 struct Adresse {
@@ -60,6 +61,12 @@ std::optional<Adresse> NumerischeAdresse(const std::string& text, int port) {
 void SendeOhneVerzug(int griff) {
     const int an = 1;
     ::setsockopt(griff, IPPROTO_TCP, TCP_NODELAY, &an, sizeof an);
+}
+
+std::string Namensfehler(const QHostInfo& ergebnis) {
+    const std::string name = "„" + ergebnis.hostName().toStdString() + "“";
+    return ergebnis.error() == QHostInfo::UnknownError ? "Der Rechnername " + name + " kann nicht aufgelöst werden"
+                                                       : "Der Rechner " + name + " wurde nicht gefunden";
 }
 
 // Errors after which the same call is worth making again.
@@ -142,6 +149,12 @@ void Kern::HoereZu() {
 
 void Kern::Verbinde(const std::string& rechner, int port) {
     stand_ = Stand::Verbindet;
+    // Beyond these bounds a port would be taken for another one.
+    if (port < 1 || port > HoechsterPort) {
+        return Spaeter([port](Kern& kern) {
+            kern.MeldeFehler(EADDRNOTAVAIL, "Den Port " + std::to_string(port) + " gibt es nicht, nur 1 bis 65535");
+        });
+    }
     const std::string ziel = rechner.empty() ? "127.0.0.1" : rechner;
     if (const auto adresse = NumerischeAdresse(ziel, port)) {
         adressen_ = {*adresse};
@@ -158,7 +171,7 @@ void Kern::NamenGefunden(const QHostInfo& ergebnis, int port) {
     for (const QHostAddress& adresse : ergebnis.addresses()) {
         if (const auto roh = NumerischeAdresse(adresse.toString().toStdString(), port)) adressen_.push_back(*roh);
     }
-    if (adressen_.empty()) return MeldeFehler(NameUnbekannt, ergebnis.errorString().toStdString());
+    if (adressen_.empty()) return MeldeFehler(NameUnbekannt, Namensfehler(ergebnis));
     NaechsteAdresse(0);
 }
 
