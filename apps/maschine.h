@@ -3,16 +3,23 @@
 
 #include "feed/tws/twsclient.h"
 #include "platform/dateisystem_posix.h"
+#include "platform/dienstverwalter.h"
 #include "platform/ini_speicher.h"
+#include "platform/ordnersperre.h"
 #include "platform/prozess_posix.h"
 #include "platform/qt/qt_plattform.h"
 #include "platform/qt/qt_tcp.h"
 #include "platform/systemuhr_posix.h"
+#include "platform/wartepumpe.h"
+#include "session/kommando.h"
 #include "session/main.h"
 #include "session/plattform.h"
 
+#include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace zek {
@@ -22,13 +29,19 @@ struct Maschine {
     explicit Maschine(std::function<void()> ende) : Ende(std::move(ende)) { HinterlegeFuerNeustart(Ordner); }
 
     zek::Plattform Plattform() {
-        return {
-            Uhr,       Pumpe,
-            Zeitgeber, Tcp,
-            Dateien,   Registry,
-            Lokal,     Port,
-            Prozesse,  [this](tws::TwsEreignisse& e) { return std::make_unique<tws::TwsClient>(Tcp, Pumpe, Uhr, e); },
-            Ordner,    Ende};
+        return {Uhr,
+                Pumpe,
+                Zeitgeber,
+                Tcp,
+                Dateien,
+                Registry,
+                Lokal,
+                Port,
+                Prozesse,
+                [this](tws::TwsEreignisse& e) { return std::make_unique<tws::TwsClient>(Tcp, Pumpe, Uhr, e); },
+                Ordner,
+                Ende,
+                [this](std::string_view zustand) { Verwalter.Melde(zustand); }};
     }
 
     std::function<void()> Ende;
@@ -41,7 +54,25 @@ struct Maschine {
     QtPumpe Pumpe;
     QtZeitgeberfabrik Zeitgeber;
     QtTcpFabrik Tcp;
-    QtProzesse Prozesse{Ordner};
+    Dienstverwalter Verwalter;
+    QtProzesse Prozesse{Ordner, Verwalter.StartetNeu()};
 };
+
+// Hands "/Quit" or "/Restart" of this command line to the instance that runs, before any window or event loop. The exit
+// status, or nothing when there is no order or nobody to take it.
+inline std::optional<int> KommandoUebergeben(const std::string& befehlszeile) {
+    const Befehlszeile befehle = LiesBefehlszeile(befehlszeile);
+    const std::string ordner = Programmordner();
+    if ((!befehle.Quit && !befehle.Restart) || !Ordnersperre(ordner).VonAnderemGehalten()) return std::nullopt;
+    IBModul modul;
+    IniNutzerspeicher registry{IniNutzerspeicher::Standardordner()};
+    IniProfildatei lokal{ordner + std::string(LokaleEinstellungsdatei)};
+    Einstellungsspeicher einstellungen(modul, registry, lokal);
+    Wartepumpe pumpe;
+    KommandosLoeschen(einstellungen);
+    const auto fehler = KommandoHinterlegen(einstellungen, pumpe, befehle);
+    if (fehler) std::cerr << *fehler << '\n';
+    return fehler ? 1 : 0;
+}
 
 }  // namespace zek

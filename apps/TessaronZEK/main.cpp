@@ -13,19 +13,24 @@
 
 int main(int argc, char* argv[]) {
     using namespace zek;
+    UeberhoereSigpipe();
     const std::vector<std::string> argumente(argv + 1, argv + argc);
     if (const auto auskunft = Desktopauskunft(argumente, ZEK_VERSION)) return (std::cout << *auskunft).good() ? 0 : 1;
+    // Orders to the running instance need no screen.
+    const std::string befehlszeile = Befehlszeilentext(argumente);
+    if (const auto ergebnis = KommandoUebergeben(befehlszeile)) return *ergebnis;
+    if (const auto fehler = FehlenderBildschirm(argumente)) return std::cerr << *fehler, 1;
 
     QApplication programm(argc, argv);
     RichteAnwendungEin(programm);
     Maschine maschine([] { QCoreApplication::exit(0); });
     Desktopgesicht gesicht(
         maschine.Uhr, [](const std::string& seite) { OeffneHilfe(seite); }, ZEK_VERSION);
-    Sitzung sitzung(maschine.Plattform(), gesicht, Befehlszeilentext(argumente));
+    Sitzung sitzung(maschine.Plattform(), gesicht, befehlszeile);
     gesicht.SetzeSitzung(sitzung);
     const Signalempfang signale([&](int) { sitzung.Beende(); });
     // The end of the desktop session closes without a question.
     QObject::connect(&programm, &QGuiApplication::commitDataRequest, &programm, [&] { sitzung.Beende(); });
     if (sitzung.Starte()) QApplication::exec();
-    return 0;
+    return sitzung.Rueckgabe();
 }

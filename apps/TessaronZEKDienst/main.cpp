@@ -1,6 +1,7 @@
 // The recorder without a screen.
 #include "apps/maschine.h"
 #include "platform/qt/signalempfang.h"
+#include "platform/standardausgabe.h"
 #include "session/dienst.h"
 
 #include <QCoreApplication>
@@ -9,6 +10,8 @@
 
 int main(int argc, char* argv[]) {
     using namespace zek;
+    UeberhoereSigpipe();
+    const auto beiAuflegen = Abgehaengt() ? BeiAuflegen::Weiterlaufen : BeiAuflegen::Beenden;
     const Dienstoptionen optionen = LiesDienstoptionen({argv + 1, argv + argc});
     if (optionen.Hilfe) return (std::cout << Dienstauskunft()).good() ? 0 : 1;
     if (optionen.Version) return (std::cout << "TessaronZEKDienst " ZEK_VERSION "\n").good() ? 0 : 1;
@@ -16,9 +19,10 @@ int main(int argc, char* argv[]) {
 
     QCoreApplication programm(argc, argv);
     Maschine maschine([] { QCoreApplication::quit(); });
-    Dienst dienst(maschine.Plattform(), optionen, [](const std::string& zeile) { std::cout << zeile << std::endl; });
-    const Signalempfang signale([&](int) { dienst.Beende(); });
+    Standardausgabe ausgabe;
+    Dienst dienst(maschine.Plattform(), optionen, [&](const std::string& zeile) { ausgabe.Zeile(zeile); });
+    const Signalempfang signale([&](int) { dienst.Beende(); }, beiAuflegen);
     if (dienst.Starte()) QCoreApplication::exec();
-    if (dienst.Rueckgabe() != 0) std::cerr << dienst.LetzteMeldung() << '\n';
+    if (dienst.Rueckgabe() == 1) std::cerr << dienst.LetzteMeldung() << '\n';
     return dienst.Rueckgabe();
 }

@@ -6,9 +6,9 @@
 #include "platform/prozess_posix.h"
 #include "platform/systemuhr_posix.h"
 #include "platform/text.h"
+#include "platform/wartepumpe.h"
 #include "supervision/neustarthelfer.h"
 
-#include <poll.h>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -31,15 +31,6 @@ Aufruf: ZEKIBAutoNeustart.exe [Schalter für Tessaron ZEK]
 Tessaron ZEK ruft das Programm selbst auf. Von Hand wartet es, bis der Programmordner frei ist, und startet dann
 TessaronZEK aus dem eigenen Ordner mit denselben Schaltern.
 )";
-
-// Nothing to deliver: only time passes.
-class Wartepumpe : public zek::Pumpe {
-public:
-    void Ereignisse() override {}
-    void Warte(std::chrono::milliseconds hoechstens) override {
-        ::poll(nullptr, 0, static_cast<int>(hoechstens.count()));
-    }
-};
 
 class Maschine : public zek::Neustarthelfer::Welt {
 public:
@@ -79,6 +70,7 @@ zek::Neustarthelfer::Auftrag LiesAuftrag(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    zek::UeberhoereSigpipe();
     const std::string wunsch = argc > 1 ? argv[1] : "";
     if (wunsch == "--help" || wunsch == "-h") return (std::cout << Auskunft).good() ? 0 : 1;
     if (wunsch == "--version") return (std::cout << "ZEKIBAutoNeustart " ZEK_VERSION "\n").good() ? 0 : 1;
@@ -86,7 +78,7 @@ int main(int argc, char** argv) {
     std::signal(SIGHUP, SIG_IGN);
     const zek::Neustarthelfer::Auftrag auftrag = LiesAuftrag(argc, argv);
     zek::PosixUhr uhr;
-    Wartepumpe pumpe;
+    zek::Wartepumpe pumpe;
     zek::PosixDateisystem dateien;
     Maschine maschine(auftrag);
     zek::Neustarthelfer helfer(auftrag, uhr, pumpe, dateien, maschine);

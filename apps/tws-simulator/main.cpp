@@ -1,5 +1,6 @@
 // A TWS to test and demonstrate against.
 #include "platform/dateisystem_posix.h"
+#include "platform/prozess_posix.h"
 #include "platform/qt/melder.h"
 #include "platform/qt/qt_plattform.h"
 #include "platform/qt/qt_tcp.h"
@@ -16,6 +17,7 @@
 
 int main(int argc, char* argv[]) {
     using namespace zek;
+    UeberhoereSigpipe();
     simulator::Programmoptionen optionen = simulator::LiesProgrammoptionen({argv + 1, argv + argc});
     if (optionen.Hilfe) return (std::cout << simulator::Programmhilfe()).good() ? 0 : 1;
     if (optionen.Version) return (std::cout << "tws-simulator " ZEK_VERSION "\n").good() ? 0 : 1;

@@ -38,6 +38,7 @@ void Titellader::Titelladen() {
     try {
         const Titeldatei datei = LiesTiteldatei(dateien_, modul_.Programmordner);
         using enum Titeldatei::Zustand;
+        unbedenklich_ = datei.Ergebnis == Gelesen || datei.Ergebnis == Leer;
         if (datei.Ergebnis == Gelesen || datei.Ergebnis == Beschaedigt) {
             anzeige_.Startinfo("Die Titeldefinitionen werden geladen. Bitte warten...");
             pumpe_.Ereignisse();

@@ -33,6 +33,10 @@ public:
     // folder becomes one that stays there, with one line in the log for each such name. Throws nothing.
     void Titelladen();
 
+    // False after a load that found a file whose titles it couldn't read: a save would write over what a person may
+    // still rescue.
+    bool SpeichernUnbedenklich() const { return unbedenklich_; }
+
 private:
     void Uebernehme(const Wert& baum);
     void UebernehmeAlle(const Werteliste& liste);
@@ -50,6 +54,7 @@ private:
     Statusausgabe& status_;
     Aufrufe aufrufe_;
     std::set<std::string> gemeldeteNamen_;
+    bool unbedenklich_ = true;
     float letztePause_ = 0;  // seconds since midnight
     int gesendet_ = 0;       // messages since the last pause
 };

@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 
 namespace zek {
 namespace {
@@ -59,6 +61,18 @@ bool FremderProzess::Laeuft() const {
     return ::poll(&frage, 1, 0) == 0;
 }
 
+void UeberhoereSigpipe() {
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool Abgehaengt() {
+    struct sigaction bisher {};
+    if (::sigaction(SIGHUP, nullptr, &bisher) == 0 && bisher.sa_handler == SIG_IGN) return true;
+    const int terminal = ::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (terminal >= 0) ::close(terminal);
+    return terminal < 0;
+}
+
 bool StarteUnabhaengig(const std::string& programm, const std::vector<std::string>& argumente) {
     std::vector<std::string> texte{programm};
     texte.insert(texte.end(), argumente.begin(), argumente.end());
@@ -102,7 +116,11 @@ std::string EigenerOrdner() {
 
 std::string Programmordner() {
     const char* gesetzt = std::getenv("ZEK_PROGRAMMORDNER");
-    std::string ordner = gesetzt == nullptr || *gesetzt == '\0' ? EigenerOrdner() : std::string(gesetzt);
+    if (gesetzt == nullptr || *gesetzt == '\0') return EigenerOrdner();
+    // Others read it from the settings, and the restart helper has a folder of its own.
+    std::error_code fehler;
+    const std::filesystem::path ganz = std::filesystem::absolute(gesetzt, fehler);
+    std::string ordner = fehler ? std::string(gesetzt) : ganz.lexically_normal().string();
     if (!ordner.ends_with('/')) ordner += '/';
     return ordner;
 }

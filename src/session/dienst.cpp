@@ -72,7 +72,8 @@ Umgebung:
   ZEK_PROGRAMMORDNER  Ordner für IB_Titel.Dat, Protokoll und lokale Einstellungen (sonst der des Programms)
   XDG_CONFIG_HOME     darunter Tessaron/: die Einstellungen des Benutzers
 
-SIGTERM und SIGINT beenden ordentlich.
+SIGTERM, SIGINT und SIGHUP beenden ordentlich; mit nohup oder ohne Terminal gestartet, bleibt SIGHUP ohne Wirkung.
+Rückgabewert 0: ordentlich beendet; 1: konnte nicht laufen; 2: falscher Aufruf; 86: der Dienstverwalter soll neu starten.
 )";
 }
 
@@ -86,13 +87,22 @@ Dienst::Dienst(Plattform plattform, const Dienstoptionen& optionen,
 
 bool Dienst::Starte() {
     if (!sitzung_.Starte()) return false;
-    if (optionen_.Beispieltitel && sitzung_.Modul().Titelliste.IstLeer()) sitzung_.Teile().BeispieltitelAnlegen({});
+    if (optionen_.Beispieltitel && sitzung_.Modul().Titelliste.IstLeer()) FuegeBeispieltitelZu();
     if (optionen_.Datenpflege) {
         const auto& [wahl, artenGewaehlt] = *optionen_.Datenpflege;
         if (!sitzung_.Teile().Datenpflege.DatenpflegeOhneDialog(wahl, artenGewaehlt))
             sitzung_.Status().Statusmeldung("Datenpflege nicht möglich (läuft bereits)");
     }
     return !sitzung_.Beendet();
+}
+
+// Nobody is there to decide about a file whose titles couldn't be read.
+void Dienst::FuegeBeispieltitelZu() {
+    if (sitzung_.Teile().Lader.SpeichernUnbedenklich()) return sitzung_.Teile().BeispieltitelAnlegen({});
+    sitzung_.Status().Statusmeldung(
+        "Beispiel-Titel wurden nicht zugefügt: Die vorhandenen Titeldefinitionen sind nicht lesbar und würden "
+        "überschrieben",
+        true);
 }
 
 }  // namespace zek

@@ -39,13 +39,15 @@ public:
     // The closing by the system; may be called at any time, also inside Starte.
     void Beende() { sitzung_.Beende(); }
 
-    // 0 when the program ended as it should, 1 when it couldn't run.
-    int Rueckgabe() const { return sitzung_.Ergebnis() == Startergebnis::Gescheitert ? 1 : 0; }
+    // The exit status, as Sitzung tells it.
+    int Rueckgabe() const { return sitzung_.Rueckgabe(); }
     // Why it couldn't, as far as that was said.
     const std::string& LetzteMeldung() const { return gesicht_.LetzteMeldung(); }
     zek::Sitzung& Sitzung() { return sitzung_; }
 
 private:
+    void FuegeBeispieltitelZu();
+
     Dienstoptionen optionen_;
     Dienstgesicht gesicht_;
     zek::Sitzung sitzung_;

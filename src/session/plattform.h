@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace zek {
 
@@ -28,6 +29,8 @@ struct Plattform {
     tws::TwsFabrik Tws;          // makes the live session and the one of a backfill
     std::string Programmordner;  // ends in "/"
     std::function<void()> Ende;  // ends the event loop; called once, when the shutdown order is through
+    // Tells a service manager how the program is ("READY=1"); does nothing where there is none.
+    std::function<void(std::string_view)> MeldeVerwalter = [](std::string_view) {};
 };
 
 }  // namespace zek

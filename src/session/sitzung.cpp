@@ -1,5 +1,6 @@
 #include "session/sitzung.h"
 
+#include "platform/dienstverwalter.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 
@@ -23,9 +24,15 @@ bool Sitzung::Starte() {
     return ergebnis_ == Startergebnis::Laeuft;
 }
 
+int Sitzung::Rueckgabe() const {
+    if (teile_ && teile_->Neustarter.VerwalterStartetNeu()) return Dienstverwalter::Neustartstatus;
+    return ergebnis_ == Startergebnis::Gescheitert ? 1 : 0;
+}
+
 void Sitzung::Beende() {
     if (beendet_) return;
     beendet_ = true;
+    plattform_.MeldeVerwalter("STOPPING=1");
     if (teile_) {
         teile_->HalteAn();
         abschluss_.Entladen();
@@ -40,6 +47,7 @@ void Sitzung::BaueZusammen() {
     const std::string ende = einstellungen_.LeseEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd", "0");
     OhneFehler([&] { teile_->Luecken.Beginne(Zahlwert(ende)); });
     teile_->StarteZeitgeber();
+    plattform_.MeldeVerwalter("READY=1");
 }
 
 void Sitzung::TWSVerbindungAufbauen() {

@@ -22,8 +22,9 @@ public:
 
     // The start sequence. False when the program is to end at once.
     bool Starte();
-    // How the start came out; tells a program its exit status.
-    Startergebnis Ergebnis() const { return ergebnis_; }
+    // The exit status: 0 after an end as it should be, 1 when the program couldn't run, and the one that asks a service
+    // manager for a new start.
+    int Rueckgabe() const;
 
     // The closing by the system (SIGTERM, SIGINT) and every other closing without a question: the shutdown order, at
     // once, also during the start and inside any wait. A backfill is cancelled before. Further calls do nothing.

@@ -55,6 +55,7 @@ void Zusammenbau::StarteZeitgeber() {
 }
 
 void Zusammenbau::Sekundentakt() {
+    um_.Plattform.MeldeVerwalter("WATCHDOG=1");
     OhneFehler([this] { Info.TitelInfoAktualisieren(true); });
     OhneFehler([this] { um_.Einstellungen.SchreibeWartendes(); });
 }

@@ -47,7 +47,7 @@ struct Zusammenbau {
     void BeispieltitelAnlegen(const Beispielbereiche& bereiche);
 
 private:
-    // The tick rate, and settings that another instance has kept from the store.
+    // A sign of life, the tick rate, and settings that another instance has kept from the store.
     void Sekundentakt();
 
     Umgebung um_;

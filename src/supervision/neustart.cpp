@@ -36,6 +36,10 @@ Neustart::Neustart(IBModul& modul, const Uhr& uhr, Pumpe& pumpe, Dateisystem& da
       sitzung_(sitzung) {}
 
 bool Neustart::AutoNeustartStarten(bool nurPruefen) {
+    if (prozesse_.VerwalterStartetNeu()) {
+        verwalterStartetNeu_ = !nurPruefen;
+        return true;
+    }
     std::string pfad = modul_.Programmordner;
     if (!pfad.ends_with('/')) pfad += '/';
     pfad += Helferdatei;

@@ -48,8 +48,11 @@ public:
              Statusausgabe& status, Meldungen& meldungen, Sitzung& sitzung);
 
     // Starts the restart helper, or only tests for it and tells the user when it is missing. True when it is there; a
-    // start that fails by an error isn't told apart.
+    // start that fails by an error isn't told apart. Under a service manager nothing is started: it does the helper's
+    // work.
     bool AutoNeustartStarten(bool nurPruefen);
+    // The program ends for a restart that the service manager carries out.
+    bool VerwalterStartetNeu() const { return verwalterStartetNeu_; }
 
     // The rules, one call per round. Each tests its own switch.
     void UhrzeitPruefen();
@@ -79,6 +82,7 @@ private:
     Meldungen& meldungen_;
     Sitzung& sitzung_;
     bool beendet_ = false;
+    bool verwalterStartetNeu_ = false;
 };
 
 }  // namespace zek

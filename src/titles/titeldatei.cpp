@@ -20,6 +20,7 @@ std::span<const std::byte> Bytes(std::string_view text) {
 // No list of titles comes near it: 32767 of them take some 10 MB. What stands behind isn't read.
 constexpr std::int64_t HoechsteLaenge = std::int64_t{64} << 20;
 constexpr std::size_t Kopierblock = 65536;
+constexpr std::string_view Kopieendung = ".defekt";
 
 // Reads `anzahl` bytes, or those that there are, into `inhalt`. 0 or -errno.
 int Lies(Dateisystem& dateien, Dateihandle handle, std::int64_t anzahl, std::vector<std::byte>& inhalt) {
@@ -31,19 +32,21 @@ int Lies(Dateisystem& dateien, Dateihandle handle, std::int64_t anzahl, std::vec
 
 // What a person could still rescue from the file; the next save overwrites the original. In blocks: a foreign file may
 // be of any size.
-void LegeKopieDaneben(Dateisystem& dateien, Dateihandle original, const std::string& pfad) {
-    const Dateigriff kopie(dateien, pfad + ".defekt", Oeffnen::Anlegen);
-    if (kopie.Handle() < 0 || dateien.Suche(original, 0, Ab::Anfang) != 0) return;
+// True when all of it stands there.
+bool LegeKopieDaneben(Dateisystem& dateien, Dateihandle original, const std::string& pfad) {
+    const Dateigriff kopie(dateien, pfad + std::string(Kopieendung), Oeffnen::Anlegen);
+    if (kopie.Handle() < 0 || dateien.Suche(original, 0, Ab::Anfang) != 0) return false;
     std::vector<std::byte> block(Kopierblock);
     std::int64_t laenge = 0;
     for (;;) {
         const std::int64_t gelesen = LiesBis(dateien, original, block);
-        if (gelesen <= 0) break;
-        if (SchreibeGanz(dateien, kopie.Handle(), std::span(block).first(static_cast<std::size_t>(gelesen))) < 0)
-            return;
+        if (gelesen < 0) return false;
+        if (gelesen == 0) break;
+        const auto stueck = std::span(block).first(static_cast<std::size_t>(gelesen));
+        if (SchreibeGanz(dateien, kopie.Handle(), stueck) < 0) return false;
         laenge += gelesen;
     }
-    dateien.SetzeLaenge(kopie.Handle(), laenge);
+    return dateien.SetzeLaenge(kopie.Handle(), laenge) == 0;
 }
 
 Werteliste ListeAller(const Titelliste& titel) {
@@ -108,8 +111,11 @@ Titeldatei Lies(Dateisystem& dateien, Dateihandle datei, const std::string& pfad
     try {
         return {Gelesen, {}, LiesWertbaum(inhalt)};
     } catch (const WertbaumFehler& fehler) {
-        LegeKopieDaneben(dateien, datei, pfad);
-        return {Beschaedigt, fehler.what(), {}};
+        const bool kopiert = LegeKopieDaneben(dateien, datei, pfad);
+        const std::string kopie = std::string(TiteldateiName) + std::string(Kopieendung);
+        return {Beschaedigt,
+                std::string(fehler.what()) + (kopiert ? " Eine Kopie der Datei liegt daneben: „" + kopie + "“." : ""),
+                {}};
     }
 }
 

@@ -34,6 +34,14 @@ std::optional<std::string> Desktopauskunft(const std::vector<std::string>& argum
     return std::nullopt;
 }
 
+std::optional<std::string> FehlenderBildschirm(const std::vector<std::string>& argumente) {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (!qEnvironmentVariableIsEmpty(name)) return std::nullopt;
+    if (Enthaelt(argumente, "-platform") || Enthaelt(argumente, "--platform")) return std::nullopt;
+    return "Es ist kein Bildschirm da (DISPLAY und WAYLAND_DISPLAY sind nicht gesetzt). Ohne Bildschirm zeichnet "
+           "TessaronZEKDienst auf.\n";
+}
+
 std::string Befehlszeilentext(const std::vector<std::string>& argumente) {
     std::string text;
     for (const std::string& argument : argumente) {

@@ -94,7 +94,8 @@ bool frmIBBrokerOptionen::Pruefe() {
     if (!port) return Ablehnen("Ungültiges Format für den Port. Geben Sie bitte einen ganzzahligen Wert an.", txtPort_);
     if (*clientId < KleinsteClientId || *clientId > GroessteClientId)
         return Ablehnen("Geben Sie als Client-ID bitte einen Wert zwischen 10000 und 900000000 an.", txtIBClientID_);
-    if (*port > 65535) return Ablehnen("Geben Sie als Port bitte einen Wert bis 65535 an.", txtPort_);
+    if (*port < 1 || *port > 65535)
+        return Ablehnen("Geben Sie als Port bitte einen Wert von 1 bis 65535 an.", txtPort_);
     if (*clientId == bisherigeClientId_) return true;
     return meldungen_.ZeigeMeldung(
                "Möchten Sie die Client-ID von ZEK für die TWS wirklich ändern? Dies ist nur nötig, wenn Sie mit ZEK "

@@ -212,7 +212,8 @@ TEST_F(TitelLaden, ADamagedFileGivesAMessageAndLeavesACopyBeside) {
     Laden();
     ASSERT_EQ(meldungen.Gezeigt.size(), 1u);
     EXPECT_EQ(meldungen.Gezeigt[0].Text,
-              "Fehler beim Laden der Titeldefinitionen aufgetreten: Die Datei endet vorzeitig.");
+              "Fehler beim Laden der Titeldefinitionen aufgetreten: Die Datei endet vorzeitig. Eine Kopie der Datei "
+              "liegt daneben: „IB_Titel.Dat.defekt“.");
     EXPECT_EQ(meldungen.Gezeigt[0].Flags, 0);
     EXPECT_EQ(meldungen.Gezeigt[0].Sekunden, 0);
     EXPECT_TRUE(modul.Titelliste.IstLeer());

@@ -137,6 +137,17 @@ bool RamDateisystem::DateiExistiert(const std::string& pfad) {
     return dateien_.contains(Normal(pfad));
 }
 
+bool RamDateisystem::Ausfuehrbar(const std::string& pfad) {
+    return DateiExistiert(pfad) && nichtAusfuehrbar_.count(pfad) == 0;
+}
+
+void RamDateisystem::SetzeAusfuehrbar(const std::string& pfad, bool ausfuehrbar) {
+    if (ausfuehrbar)
+        nichtAusfuehrbar_.erase(pfad);
+    else
+        nichtAusfuehrbar_.insert(pfad);
+}
+
 bool RamDateisystem::OrdnerExistiert(const std::string& pfad) {
     return IstOrdner(Normal(pfad));
 }

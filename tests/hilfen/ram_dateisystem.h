@@ -21,6 +21,7 @@ public:
     int SetzeLaenge(Dateihandle handle, std::int64_t laenge) override;
     int Leere(Dateihandle handle) override;
     bool DateiExistiert(const std::string& pfad) override;
+    bool Ausfuehrbar(const std::string& pfad) override;
     bool OrdnerExistiert(const std::string& pfad) override;
     int LegeOrdnerAn(const std::string& pfad) override;
     int Loesche(const std::string& pfad) override;
@@ -44,6 +45,8 @@ public:
     void SetzeHandlegrenze(std::size_t grenze) { handlegrenze_ = grenze; }
     // Opening for writing gives -EACCES; in a protected folder also creating, deleting and renaming.
     void SchuetzeVorSchreiben(const std::string& pfad, bool geschuetzt = true);
+    // Files are executable unless a test says otherwise.
+    void SetzeAusfuehrbar(const std::string& pfad, bool ausfuehrbar);
 
 private:
     using Inhaltzeiger = std::shared_ptr<std::vector<std::byte>>;
@@ -62,6 +65,7 @@ private:
     std::map<std::string, Inhaltzeiger> dateien_;
     std::set<std::string> ordner_;
     std::set<std::string> geschuetzt_;
+    std::set<std::string> nichtAusfuehrbar_;
     std::map<Dateihandle, Offen> offen_;
     Dateihandle naechstes_ = 3;
     std::size_t handlegrenze_ = 1024;

@@ -123,6 +123,34 @@ TEST_F(QtPlattform, SignalsArriveThroughThePump) {
     EXPECT_THAT(signale, testing::ElementsAre(SIGTERM, SIGINT));
 }
 
+TEST_F(QtPlattform, TheEndOfTheTerminalIsAnEndLikeTheOthers) {
+    std::vector<int> signale;
+    Signalempfang empfang([&](int signal) { signale.push_back(signal); });
+    std::raise(SIGHUP);
+    ASSERT_TRUE(Bis([&] { return signale.size() == 1; }));
+    EXPECT_THAT(signale, testing::ElementsAre(SIGHUP));
+}
+
+TEST_F(QtPlattform, WhoWasStartedToOutliveItsTerminalGoesOn) {
+    std::vector<int> signale;
+    const auto merke = [&](int signal) { signale.push_back(signal); };
+    {
+        Signalempfang empfang(merke, BeiAuflegen::Weiterlaufen);
+        std::raise(SIGHUP);
+        std::raise(SIGTERM);
+        ASSERT_TRUE(Bis([&] { return !signale.empty(); }));
+    }
+    std::signal(SIGHUP, SIG_IGN);
+    {
+        Signalempfang empfang(merke);
+        std::raise(SIGHUP);
+        std::raise(SIGTERM);
+        ASSERT_TRUE(Bis([&] { return signale.size() == 2; }));
+    }
+    EXPECT_EQ(std::signal(SIGHUP, SIG_DFL), SIG_IGN) << "left as it was";
+    EXPECT_THAT(signale, testing::ElementsAre(SIGTERM, SIGTERM));
+}
+
 TEST_F(QtPlattform, ThereIsOnlyOneReceiverOfSignalsAtATime) {
     auto erster = std::make_unique<Signalempfang>([](int) {});
     EXPECT_THROW(Signalempfang zweiter([](int) {}), std::logic_error);
@@ -142,24 +170,32 @@ TEST_F(QtPlattform, TheFirstWhoAsksHoldsTheProgramFolder) {
     std::string ordner = testing::TempDir() + "zek-XXXXXX";
     ASSERT_NE(::mkdtemp(ordner.data()), nullptr);
     {
-        QtProzesse erster(ordner + "/");
-        QtProzesse zweiter(ordner + "/");
+        QtProzesse erster(ordner + "/", false);
+        QtProzesse zweiter(ordner + "/", false);
         EXPECT_FALSE(erster.AndereInstanzLaeuft());
         EXPECT_TRUE(zweiter.AndereInstanzLaeuft());
         EXPECT_FALSE(erster.AndereInstanzLaeuft());
     }
-    QtProzesse dritter(ordner + "/");
+    QtProzesse dritter(ordner + "/", true);
+    EXPECT_TRUE(dritter.VerwalterStartetNeu());
     EXPECT_FALSE(dritter.AndereInstanzLaeuft());
     std::filesystem::remove_all(ordner);
 }
 
-TEST_F(QtPlattform, AFolderThatCantHoldALockIsHeldByNobody) {
-    QtProzesse prozesse("/gibt/es/nicht/");
-    EXPECT_FALSE(prozesse.AndereInstanzLaeuft());
+TEST_F(QtPlattform, AFolderThatCantHoldALockRefusesTheStartInWords) {
+    QtProzesse prozesse("/gibt/es/nicht/", false);
+    try {
+        prozesse.AndereInstanzLaeuft();
+        FAIL() << "nobody would be kept out";
+    } catch (const std::runtime_error& fehler) {
+        EXPECT_STREQ(fehler.what(),
+                     "Der Programmordner kann nicht gegen einen zweiten Start gesperrt werden "
+                     "(„/gibt/es/nicht/.zek.lock“: Datei oder Ordner nicht gefunden)");
+    }
 }
 
 TEST_F(QtPlattform, StartingAProgramTellsWhetherItRuns) {
-    QtProzesse prozesse("/gibt/es/nicht/");
+    QtProzesse prozesse("/gibt/es/nicht/", false);
     EXPECT_TRUE(prozesse.Starte("/bin/true", {}));
     EXPECT_FALSE(prozesse.Starte("/gibt/es/nicht", {"/K"}));
 }

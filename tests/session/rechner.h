@@ -30,6 +30,7 @@ struct Rechner {
     TestProzesse prozesse;
     TestTwsFabrik tws;
     int enden = 0;
+    std::vector<std::string> verwalter;  // what the service manager was told
 
     Rechner() {
         dateien.LegeOrdnerbaumAn("/zek");
@@ -41,8 +42,19 @@ struct Rechner {
         };
     }
     Plattform Maschine() {
-        return {welt,  welt, welt,     netz,         dateien, registry,
-                lokal, port, prozesse, tws.Fabrik(), "/zek/", [this] { ++enden; }};
+        return {welt,
+                welt,
+                welt,
+                netz,
+                dateien,
+                registry,
+                lokal,
+                port,
+                prozesse,
+                tws.Fabrik(),
+                "/zek/",
+                [this] { ++enden; },
+                [this](std::string_view zustand) { verwalter.emplace_back(zustand); }};
     }
     void Setze(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
         registry.Setze(Programmtitel, abschnitt, schluessel, wert);

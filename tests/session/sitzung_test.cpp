@@ -273,7 +273,7 @@ TEST_F(SitzungTest, AnEndDuringTheStartDelayLeavesNoWindow) {
     EXPECT_FALSE(Starte("/W100"));
     EXPECT_LT(welt.Sekunden(), 3);
     EXPECT_FALSE(gesicht.Geladen);
-    EXPECT_EQ(sitzung->Ergebnis(), Startergebnis::Beendet);
+    EXPECT_EQ(sitzung->Rueckgabe(), 0);
     EXPECT_EQ(enden, 1);
     EXPECT_THAT(tws.Kontrollen, IsEmpty());
 }
@@ -407,6 +407,55 @@ TEST_F(DienstTest, ItAddsTheSampleTitlesToAnEmptyListOnly) {
     MitTiteln(2);
     ASSERT_TRUE(Starte({"--beispieltitel"}));
     EXPECT_EQ(dienst->Sitzung().Modul().Titelliste.Anzahl(), 2u);
+}
+
+TEST_F(DienstTest, SampleTitlesNeverReplaceDefinitionsThatCannotBeRead) {
+    MitTiteln(3);
+    const std::string ganz = dateien.Inhalt("/zek/IB_Titel.Dat");
+    for (const std::string& inhalt : {ganz.substr(0, 200), std::string("keine Titeldatei, aber auch nicht leer")}) {
+        dateien.LegeDateiAn("/zek/IB_Titel.Dat", inhalt);
+        ASSERT_TRUE(Starte({"--beispieltitel"}));
+        EXPECT_TRUE(dienst->Sitzung().Modul().Titelliste.IstLeer());
+        EXPECT_EQ(dateien.Inhalt("/zek/IB_Titel.Dat"), inhalt);
+        EXPECT_THAT(Log(), HasSubstr("Beispiel-Titel wurden nicht zugefügt: Die vorhandenen Titeldefinitionen sind "
+                                     "nicht lesbar und würden überschrieben"));
+        dienst->Beende();
+        dienst.reset();
+        dateien.Loesche("/zek/IBZEKLog.txt");
+    }
+}
+
+TEST_F(DienstTest, UnderAServiceManagerARestartIsAnExitStatusOfItsOwn) {
+    prozesse.Verwaltet = true;
+    ASSERT_TRUE(Starte({}));
+    Setze("Kommando", "Restart", "1");
+    welt.Laufe(2);
+    EXPECT_TRUE(dienst->Sitzung().Beendet());
+    EXPECT_EQ(dienst->Rueckgabe(), 86);
+    EXPECT_THAT(prozesse.Starts, IsEmpty());
+    EXPECT_THAT(Log(), HasSubstr("ZEK wird durch Kommand /Restart neu gestartet ("));
+}
+
+TEST_F(DienstTest, UnderAServiceManagerAnEndByOrderOrSignalIsAnOrdinaryOne) {
+    prozesse.Verwaltet = true;
+    ASSERT_TRUE(Starte({}));
+    Setze("Kommando", "DoQuit", "1");
+    welt.Laufe(2);
+    EXPECT_TRUE(dienst->Sitzung().Beendet());
+    EXPECT_EQ(dienst->Rueckgabe(), 0);
+    dienst.reset();
+    ASSERT_TRUE(Starte({}));
+    dienst->Beende();
+    EXPECT_EQ(dienst->Rueckgabe(), 0);
+}
+
+TEST_F(DienstTest, TheServiceManagerHearsOfStartLifeAndEnd) {
+    ASSERT_TRUE(Starte({}));
+    EXPECT_THAT(verwalter, ElementsAre("READY=1"));
+    welt.Laufe(3.5);
+    EXPECT_THAT(verwalter, ElementsAre("READY=1", "WATCHDOG=1", "WATCHDOG=1", "WATCHDOG=1"));
+    dienst->Beende();
+    EXPECT_EQ(verwalter.back(), "STOPPING=1");
 }
 
 TEST_F(DienstTest, AnEndInsideTheBackfillOfTheCommandLineEndsTheProgram) {

@@ -51,7 +51,9 @@ TEST_F(Widrigkeit, ADamagedDefinitionsFileIsReportedAndNewTitlesAreRecorded) {
     dateien.LegeDateiAn("/zek/IB_Titel.Dat", halb);
     ASSERT_TRUE(Starte());
     ASSERT_EQ(gesicht.Fragen.Gezeigt.size(), 1u);
-    EXPECT_EQ(Meldung(0), "Fehler beim Laden der Titeldefinitionen aufgetreten: Die Datei endet vorzeitig.");
+    EXPECT_EQ(Meldung(0),
+              "Fehler beim Laden der Titeldefinitionen aufgetreten: Die Datei endet vorzeitig. Eine Kopie der "
+              "Datei liegt daneben: „IB_Titel.Dat.defekt“.");
     Handel(NeuerTitel("T1"));
     EXPECT_EQ(Saetze(T1), 1);
     EXPECT_EQ(dateien.Inhalt("/zek/IB_Titel.Dat.defekt"), halb);

@@ -52,6 +52,39 @@ TEST_F(Neustarttest, ATestForTheHelperStartsNothingAndTellsOnlyThatItIsMissing) 
     EXPECT_TRUE(prozesse.Starts.empty());
 }
 
+TEST_F(Neustarttest, AHelperThatMayNotBeExecutedCountsAsMissingBeforeTheProgramEnds) {
+    dateien.SetzeAusfuehrbar("/zek/ZEKIBAutoNeustart.exe", false);
+    EXPECT_FALSE(neustart.AutoNeustartStarten(true));
+    modul.NeustartAngefordert = true;
+    welt.Laufe(3);
+    EXPECT_FALSE(Beendet());
+    EXPECT_TRUE(prozesse.Starts.empty());
+    EXPECT_GE(status.Anzahl("Kein Neustart von ZEK möglich (Datei 'ZEKIBAutoNeustart.exe' fehlt). "), 1U);
+    dateien.SetzeAusfuehrbar("/zek/ZEKIBAutoNeustart.exe", true);
+    welt.Laufe(2);
+    EXPECT_TRUE(Beendet());
+}
+
+TEST_F(Neustarttest, UnderAServiceManagerTheProgramEndsForItAndStartsNoHelper) {
+    prozesse.Verwaltet = true;
+    dateien.Loesche("/zek/ZEKIBAutoNeustart.exe");
+    EXPECT_TRUE(neustart.AutoNeustartStarten(true));
+    EXPECT_FALSE(neustart.VerwalterStartetNeu()) << "only asked";
+    modul.NeustartAngefordert = true;
+    welt.Laufe(2);
+    EXPECT_TRUE(Beendet());
+    EXPECT_TRUE(prozesse.Starts.empty());
+    EXPECT_TRUE(neustart.VerwalterStartetNeu());
+}
+
+TEST_F(Neustarttest, UnderAServiceManagerAnEndByOrderAsksForNoNewStart) {
+    prozesse.Verwaltet = true;
+    modul.NeustartAngefordert = modul.BeendenAngefordert = true;
+    welt.Laufe(2);
+    EXPECT_TRUE(Beendet());
+    EXPECT_FALSE(neustart.VerwalterStartetNeu());
+}
+
 // ---- clock time
 
 TEST_F(Neustarttest, StartedBeforeTheTimeItRestartsAtTheTime) {

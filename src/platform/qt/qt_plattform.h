@@ -2,7 +2,7 @@
 //
 //   qt_plattform   pump, timers, other processes
 //   qt_tcp         sockets of our own behind Qt's notifiers
-//   signalempfang  SIGTERM and SIGINT as events
+//   signalempfang  SIGTERM, SIGINT and SIGHUP as events
 //   melder         the socket notifier that all of them use
 //
 // All of it belongs to the one thread of the program, and a QCoreApplication must stand before the first use and
@@ -33,13 +33,16 @@ class QtProzesse : public Prozesse {
 public:
     // `programmordner` ends in "/"; the folder is held from the first AndereInstanzLaeuft that finds nobody until this
     // object's end.
-    explicit QtProzesse(const std::string& programmordner) : sperre_(programmordner) {}
+    QtProzesse(const std::string& programmordner, bool verwalterStartetNeu)
+        : sperre_(programmordner), verwalterStartetNeu_(verwalterStartetNeu) {}
 
     bool AndereInstanzLaeuft() override;
+    bool VerwalterStartetNeu() const override { return verwalterStartetNeu_; }
     bool Starte(const std::string& programm, const std::vector<std::string>& argumente) override;
 
 private:
     Ordnersperre sperre_;
+    bool verwalterStartetNeu_;
 };
 
 }  // namespace zek

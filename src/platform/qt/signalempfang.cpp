@@ -26,7 +26,8 @@ extern "C" void ZekSignal(int signal) {
 
 }  // namespace
 
-Signalempfang::Signalempfang(std::function<void(int)> beiSignal) : beiSignal_(std::move(beiSignal)) {
+Signalempfang::Signalempfang(std::function<void(int)> beiSignal, BeiAuflegen beiAuflegen)
+    : beiSignal_(std::move(beiSignal)) {
     if (schreibende.load() >= 0) throw std::logic_error("signals are received already");
     if (::pipe2(rohr_.data(), O_CLOEXEC | O_NONBLOCK) != 0) throw std::runtime_error("no pipe for signals");
     schreibende = rohr_[1];
@@ -36,11 +37,15 @@ Signalempfang::Signalempfang(std::function<void(int)> beiSignal) : beiSignal_(st
     neu.sa_flags = SA_RESTART;
     ::sigaction(SIGTERM, &neu, &vorherTerm_);
     ::sigaction(SIGINT, &neu, &vorherInt_);
+    ::sigaction(SIGHUP, nullptr, &vorherHup_);
+    if (beiAuflegen == BeiAuflegen::Weiterlaufen || vorherHup_.sa_handler == SIG_IGN) neu.sa_handler = SIG_IGN;
+    ::sigaction(SIGHUP, &neu, nullptr);
 }
 
 Signalempfang::~Signalempfang() {
     ::sigaction(SIGTERM, &vorherTerm_, nullptr);
     ::sigaction(SIGINT, &vorherInt_, nullptr);
+    ::sigaction(SIGHUP, &vorherHup_, nullptr);
     schreibende = -1;
     melder_.reset();
     ::close(rohr_[0]);
