@@ -72,8 +72,9 @@ Umgebung:
   ZEK_PROGRAMMORDNER  Ordner für IB_Titel.Dat, Protokoll und lokale Einstellungen (sonst der des Programms)
   XDG_CONFIG_HOME     darunter Tessaron/: die Einstellungen des Benutzers
 
-SIGTERM, SIGINT und SIGHUP beenden ordentlich; mit nohup oder ohne Terminal gestartet, bleibt SIGHUP ohne Wirkung.
-Rückgabewert 0: ordentlich beendet; 1: konnte nicht laufen; 2: falscher Aufruf; 86: der Dienstverwalter soll neu starten.
+SIGTERM, SIGINT und SIGHUP beenden ordentlich; mit nohup oder ohne Terminal gestartet bleibt SIGHUP unbeachtet.
+Rückgabewert 0: ordentlich beendet; 1: konnte nicht laufen; 2: falscher Aufruf; 86: der Dienstverwalter soll
+neu starten.
 )";
 }
 

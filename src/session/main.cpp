@@ -118,7 +118,8 @@ Startergebnis Startfolge::ZweiteInstanz() {
     gesicht_.ZeigeMeldung(
         "Tessaron ZEK für IB wurde bereits aus dem Ordner " + OhneTrenner(modul_.Programmordner) + " gestartet!",
         meldung::Ok, Ablehnungssekunden);
-    return Startergebnis::Gescheitert;
+    // On a screen the person has what was wanted: the running one comes to the front.
+    return gesicht_.OhneBildschirm() ? Startergebnis::Gescheitert : Startergebnis::Beendet;
 }
 
 bool Startfolge::Starthinweis() {

@@ -17,8 +17,9 @@ inline constexpr std::string_view Portdateiname = "ZEK_Para.ini";
 // How the start came out.
 enum class Startergebnis {
     Laeuft,
-    Beendet,     // the program ends as it should: an order was handed over, a person or the system ended it
-    Gescheitert  // the program can't run: refused, no data folder, an error
+    Beendet,     // the program ends as it should: an order was handed over, the running one called to the front, a
+                 // person or the system ended it
+    Gescheitert  // the program can't run: refused without a screen, no data folder, an error
 };
 
 class Startfolge {

@@ -21,6 +21,7 @@ Sitzung::~Sitzung() = default;
 bool Sitzung::Starte() {
     ergebnis_ = start_.Main();
     if (beendet_) ergebnis_ = Startergebnis::Beendet;
+    if (ergebnis_ != Startergebnis::Laeuft) OhneFehler([&] { einstellungen_.WarteBisGeschrieben(plattform_.Pumpe); });
     return ergebnis_ == Startergebnis::Laeuft;
 }
 

@@ -144,7 +144,7 @@ TEST_F(StartTest, OrdersGoToTheRegistryAlsoInLocalMode) {
 
 TEST_F(StartTest, ASecondStartWithoutASwitchIsRefusedForFiveSeconds) {
     prozesse.AndereInstanz = true;
-    EXPECT_EQ(Starte(), Startergebnis::Gescheitert);
+    EXPECT_EQ(Starte(), Startergebnis::Beendet);
     ASSERT_EQ(gesicht.Fragen.Gezeigt.size(), 1u);
     EXPECT_EQ(ErsteMeldung(), "Tessaron ZEK für IB wurde bereits aus dem Ordner /zek gestartet!");
     EXPECT_EQ(gesicht.Fragen.Gezeigt[0].Flags, 0);
