@@ -1,8 +1,10 @@
 #include "windows/datenpflege_fortschritt.h"
 
-#include "fensterwerk/dialogbasis.h"
+#include "fensterwerk/kurzlabel.h"
+#include "fensterwerk/text.h"
 
 #include <QCloseEvent>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -17,11 +19,34 @@ namespace {
 
 constexpr int Gesamtschritte = 1000;
 
-QLabel* Zeile(const char* name) {
-    auto* zeile = new QLabel;
+// Room for the longest text of a wait; the window never changes its size for one.
+constexpr int Zeichenbreite = 68;
+constexpr int Datumszeilen = 2;
+constexpr int Statusrand = 3;  // px
+
+QLabel* Benannt(QLabel* zeile, const char* name) {
     zeile->setObjectName(name);
     zeile->setTextFormat(Qt::PlainText);
     return zeile;
+}
+
+QLabel* Umbrechend(const char* name, int zeilen, int rand) {
+    QLabel* label = Benannt(new QLabel, name);
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    label->setMinimumHeight(zeilen * label->fontMetrics().lineSpacing() + 2 * rand);
+    return label;
+}
+
+QProgressBar* Balken(const char* name, const QString& hinweis) {
+    auto* balken = new QProgressBar;
+    balken->setObjectName(name);
+    balken->setToolTip(hinweis);
+    return balken;
+}
+
+QString Statusstil(const char* farben) {
+    return QString("%1; padding: %2px 0px").arg(farben).arg(Statusrand);
 }
 
 }  // namespace
@@ -37,40 +62,42 @@ QString Restzeit(double sekunden) {
 frmDatenpflegeFortschritt::frmDatenpflegeFortschritt(QWidget* eltern) : Dialogfenster(eltern) {
     setObjectName("frmDatenpflegeFortschritt");
     setWindowTitle("Datenpflege");
-    Titellabel_ = Zeile("Titellabel");
+    Titellabel_ = Benannt(new Kurzlabel, "Titellabel");
     QFont fett = Titellabel_->font();
     fett.setBold(true);
     Titellabel_->setFont(fett);
-    AktuelleTitelLabel_ = Zeile("AktuelleTitelLabel");
-    Kursartlabel_ = Zeile("Kursartlabel");
-    Datumlabel_ = Zeile("Datumlabel");
-    Datumlabel_->setWordWrap(true);
-    Statuslabel_ = Zeile("Statuslabel");
-    Statuslabel_->setWordWrap(true);
-    Restlabel_ = Zeile("Restlabel");
-    Fortschritt_ = new QProgressBar;
-    Fortschritt_->setObjectName("Fortschritt");
-    Fortschritt_->setToolTip("Speichern der empfangenen Daten");
-    Gesamt_ = new QProgressBar;
-    Gesamt_->setObjectName("Gesamtfortschritt");
-    Gesamt_->setToolTip("Gesamte Datenpflege");
+    AktuelleTitelLabel_ = Benannt(new Kurzlabel, "AktuelleTitelLabel");
+    Kursartlabel_ = Benannt(new Kurzlabel, "Kursartlabel");
+    Datumlabel_ = Umbrechend("Datumlabel", Datumszeilen, 0);
+    Statuslabel_ = Umbrechend("Statuslabel", 1, Statusrand);
+    Statuslabel("", false);
+    Restlabel_ = Benannt(new Kurzlabel, "Restlabel");
+    Fortschritt_ = Balken("Fortschritt", "Speichern der empfangenen Daten");
+    Gesamt_ = Balken("Gesamtfortschritt", "Gesamte Datenpflege");
     Gesamt_->setRange(0, Gesamtschritte);
     btnAbbruch_ = new QPushButton("Abbrechen");
     btnAbbruch_->setObjectName("btnAbbruch");
     btnAbbruch_->setAutoDefault(false);
     connect(btnAbbruch_, &QPushButton::clicked, this, [this] { reject(); });
+    Anordnen();
+}
+
+void frmDatenpflegeFortschritt::Anordnen() {
+    auto* balken = new QGridLayout;
+    balken->addWidget(new QLabel("Speichern"), 0, 0);
+    balken->addWidget(Fortschritt_, 0, 1);
+    balken->addWidget(new QLabel("Gesamt"), 1, 0);
+    balken->addWidget(Gesamt_, 1, 1);
     auto* unten = new QHBoxLayout;
     unten->addWidget(Restlabel_, 1);
     unten->addWidget(btnAbbruch_);
     auto* aufbau = new QVBoxLayout(this);
     for (QLabel* zeile : {AktuelleTitelLabel_, Titellabel_, Kursartlabel_, Datumlabel_, Statuslabel_})
         aufbau->addWidget(zeile);
-    aufbau->addWidget(Fortschritt_);
-    aufbau->addSpacing(6);
-    aufbau->addWidget(Gesamt_);
+    aufbau->addLayout(balken);
     aufbau->addStretch();
     aufbau->addLayout(unten);
-    setMinimumWidth(440);
+    setMinimumWidth(fontMetrics().averageCharWidth() * Zeichenbreite);
 }
 
 void frmDatenpflegeFortschritt::Titellabel(const std::string& text) {
@@ -90,7 +117,7 @@ void frmDatenpflegeFortschritt::Datumlabel(const std::string& text, bool rot) {
 
 void frmDatenpflegeFortschritt::Statuslabel(const std::string& text, bool rot) {
     Statuslabel_->setText(Q(text));
-    Statuslabel_->setStyleSheet(rot ? "color: rgb(255, 0, 0); background: black; padding: 3px" : "");
+    Statuslabel_->setStyleSheet(rot ? Statusstil("color: rgb(255, 0, 0); background: black") : Statusstil(""));
 }
 
 void frmDatenpflegeFortschritt::Kursartlabel(const std::string& text) {

@@ -32,6 +32,8 @@ protected:
     void closeEvent(QCloseEvent* ereignis) override;
 
 private:
+    void Anordnen();
+
     std::function<void()> beiAbbruch_;
     QLabel* Titellabel_;
     QLabel* AktuelleTitelLabel_;

@@ -229,6 +229,8 @@ void Desktopgesicht::Statuspanel(const std::string& text) {
 Datenpflegeanzeige& Desktopgesicht::DatenpflegeFensterErzeugen() {
     datenpflege_ = std::make_unique<frmDatenpflegeFortschritt>(fenster_.get());
     HilfeBeiF1(*datenpflege_, hilfe_, hilfeseite::Datenpflege);
+    // A run that starts by itself leaves the keyboard to whom it belongs.
+    datenpflege_->setAttribute(Qt::WA_ShowWithoutActivating, !std::exchange(datenpflegeVonHand_, false));
     datenpflege_->show();
     return *datenpflege_;
 }
@@ -247,6 +249,7 @@ std::optional<Datenpflegewahl> Desktopgesicht::DatenpflegeOptionen(const Datenpf
     frmDatenpflegeOptionen dialog(fenster_.get(), uhr_, *this, hilfe_, vorgabe);
     // An end inside a question of the dialog doesn't confirm it.
     if (dialog.exec() != QDialog::Accepted || sitzung_->Beendet()) return std::nullopt;
+    datenpflegeVonHand_ = true;
     return dialog.Ergebnis();
 }
 

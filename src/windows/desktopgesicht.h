@@ -95,7 +95,8 @@ private:
     QTimer zuruftakt_;
     std::unique_ptr<frmStartverzoegerung> verzoegerung_;
     std::unique_ptr<frmDatenpflegeFortschritt> datenpflege_;
-    frmMonitor* monitor_ = nullptr;  // owned by the dock
+    frmMonitor* monitor_ = nullptr;    // owned by the dock
+    bool datenpflegeVonHand_ = false;  // the next run was asked for in the dialog
     bool schliessfrageOffen_ = false;
 };
 

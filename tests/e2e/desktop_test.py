@@ -145,6 +145,22 @@ class Window(Desktop):
         self.assertEqual(self.screen.windows(MAIN), [])
 
 
+    def test_an_automatic_backfill_takes_the_focus_from_nobody(self):
+        _, recorder = self.recording("/K")
+        time.sleep(11)  # a shorter session leaves no end to begin from
+        recorder.stop()
+        self.setting(APP, "Optionen", "AutoDatenpflege", "1")
+        self.mark_start()
+        self.recorder("/K")
+        self.working_view()
+        other = self.screen.other_program()
+        backfill = wait_for(lambda: self.screen.windows("Datenpflege"), 20, "the backfill")[-1]
+        time.sleep(1)
+        self.assertEqual(self.screen.focus(), other)
+        # What tells the window managers that are less careful than this one.
+        self.assertIn("= 0\n", self.screen.run("xprop", "-id", str(backfill), "_NET_WM_USER_TIME"))
+
+
 class Instances(Desktop):
     def test_a_second_instance_says_so_and_goes_by_itself(self):
         self.recording("/K")

@@ -4,6 +4,7 @@
 #include "windows/statusliste.h"
 #include "windows/zek_einstellungen.h"
 
+#include <QDateEdit>
 #include <QDockWidget>
 #include <QMainWindow>
 #include <QProgressBar>
@@ -185,6 +186,33 @@ TEST_F(Bedienung, ASecondStartBringsTheMinimizedWindowToTheFront) {
     Fenster().showMinimized();
     QTest::qWait(1200);
     EXPECT_TRUE(Fenster().isMinimized());
+}
+
+// ---- backfill
+
+TEST_F(Bedienung, AnAutomaticBackfillTakesTheFocusFromNobodyAndAManualOneHasIt) {
+    MitTitel("ES");
+    ASSERT_TRUE(Starte());
+    const auto ohneFokus = [this] {
+        const auto* fenster = Fenster().findChild<QWidget*>("frmDatenpflegeFortschritt");
+        return fenster != nullptr && fenster->isVisible() && fenster->testAttribute(Qt::WA_ShowWithoutActivating);
+    };
+    gesicht->DatenpflegeFensterErzeugen();
+    EXPECT_TRUE(ohneFokus());
+    gesicht->DatenpflegeFensterFreigeben();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    bool manuellGesehen = false;
+    Im("frmDatenpflegeOptionen", [&](QWidget& dialog) {
+        welt.Plane(3, [&] {
+            manuellGesehen = Fenster().findChild<QWidget*>("frmDatenpflegeFortschritt") != nullptr;
+            EXPECT_FALSE(ohneFokus());
+            sitzung->Beende();
+        });
+        Steuer<QDateEdit>(dialog, "Datumfeld(0)")->setDate(QDate(2026, 11, 15));
+        Klick(dialog, "Okay");
+    });
+    Befehl(befehl::DatenNachladen);
+    EXPECT_TRUE(manuellGesehen);
 }
 
 // ---- offline warning

@@ -377,6 +377,68 @@ TEST(Fortschrittsfenster, TheCloseButtonAsksToCancelAndTheWindowStays) {
     EXPECT_EQ(geklickt, 1);
 }
 
+struct Backfillfenster : testing::Test {
+    frmDatenpflegeFortschritt fenster{nullptr};
+    Datenpflegeanzeige& anzeige = fenster;
+    void SetUp() override {
+        anzeige.AktuelleTitelLabel("Titel 1 von 35 (2,9%)");
+        anzeige.Titellabel("Titel: ES@CME_FUT");
+        anzeige.Kursartlabel("Kursart: Brief (4187 Kurse)");
+        anzeige.Datumlabel("Datum: 21.11.2026 14:19:15", false);
+        anzeige.Statuslabel("Status: Daten laden, bitte warten...", false);
+        fenster.show();
+        QApplication::processEvents();
+    }
+    // Where everything is now.
+    std::vector<QRect> Plaetze() {
+        QApplication::processEvents();
+        std::vector<QRect> plaetze{fenster.rect()};
+        for (const QWidget* teil : fenster.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            plaetze.push_back(teil->geometry());
+        return plaetze;
+    }
+    void PruefePasst(const char* name) {
+        auto* label = Steuer<QLabel>(fenster, name);
+        EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
+    }
+};
+
+TEST_F(Backfillfenster, RedWaitingTextsAreWholeAndNothingMovesForThem) {
+    const auto vorher = Plaetze();
+    for (const char* text : {"21.11.2026 17:39:19: 'Pacing Violation' - Datenpflege wartet max. 10 Minuten",
+                             "21.11.2026 17:39:19: 'Verbindungsabbruch!' - Datenpflege wartet max. 30 Minuten",
+                             "Datum: 21.11.2026 14:19:15 (Zugriffsbegrenzung des IB Servers, weiter um 17:39:19)"}) {
+        anzeige.Datumlabel(text, true);
+        EXPECT_EQ(Plaetze(), vorher) << text;
+        PruefePasst("Datumlabel");
+    }
+    anzeige.Statuslabel("Es wurden keine Daten gespeichert (Umsatzfilter prüfen)!", true);
+    EXPECT_EQ(Plaetze(), vorher);
+    PruefePasst("Statuslabel");
+    anzeige.Gesamtfortschritt(0.5, 4 * 3600);
+    EXPECT_EQ(Plaetze(), vorher);
+}
+
+TEST_F(Backfillfenster, ALongNameWidensNothing) {
+    const auto vorher = Plaetze();
+    const std::string lang = "Titel: " + std::string(150, 'X');
+    anzeige.Titellabel(lang);
+    EXPECT_EQ(Plaetze(), vorher);
+    EXPECT_EQ(Steuer<QLabel>(fenster, "Titellabel")->text().toStdString(), lang);
+}
+
+TEST_F(Backfillfenster, EachBarSaysWhatItShows) {
+    std::vector<std::string> neben;
+    for (const char* name : {"Fortschritt", "Gesamtfortschritt"}) {
+        const QRect balken = Steuer<QProgressBar>(fenster, name)->geometry();
+        for (const QLabel* label : fenster.findChildren<QLabel*>())
+            if (label->geometry().right() < balken.left() &&
+                label->geometry().intersects(QRect(0, balken.center().y(), balken.left(), 1)))
+                neben.push_back(label->text().toStdString());
+    }
+    EXPECT_THAT(neben, ElementsAre("Speichern", "Gesamt"));
+}
+
 TEST(Fortschrittsfenster, TheRestOfTheTimeReadsWell) {
     EXPECT_EQ(Restzeit(-1), "");
     EXPECT_EQ(Restzeit(20), "noch weniger als eine Minute");
