@@ -1,5 +1,7 @@
 #include "fensterwerk/anwendung.h"
 
+#include "fensterwerk/stil.h"
+
 #include <QApplication>
 #include <QIcon>
 #include <QLocale>
@@ -18,6 +20,7 @@ void RichteAnwendungEin(QApplication& programm) {
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
     auto* texte = new QTranslator(&programm);
     if (texte->load(":/zek/qtbase_de.qm")) QCoreApplication::installTranslator(texte);
+    QApplication::setStyle(new Stil);
     QCoreApplication::setApplicationName("TessaronZEK");
     QGuiApplication::setDesktopFileName("tessaron-zek");
     QGuiApplication::setWindowIcon(QIcon(":/zek/zek.svg"));

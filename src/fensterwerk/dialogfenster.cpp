@@ -55,6 +55,10 @@ void HoleDialogeZurueck() {
     if (offener == nullptr) return;
     offener->raise();
     offener->activateWindow();
+    // A desktop that is still at bringing up the window beneath gives that one the focus last.
+    QTimer::singleShot(Nachzuegler, offener, [offener] {
+        if (!offener->isActiveWindow()) offener->activateWindow();
+    });
 }
 
 }  // namespace zek

@@ -44,6 +44,15 @@ QRect AufDieSchirme(const QRect& platz, const QList<QRect>& schirme) {
     return rest.isEmpty() ? platz : Hineingeschoben(platz, bester);
 }
 
+void StelleInDieMitte(QWidget& fenster) {
+    const QRect schirm = QGuiApplication::primaryScreen()->availableGeometry();
+    QRect platz(QPoint(), fenster.size().boundedTo(schirm.size()));
+    platz.moveCenter(schirm.center());
+    platz = Hineingeschoben(platz, schirm);
+    fenster.resize(platz.size());
+    fenster.move(platz.topLeft());
+}
+
 QRect Hineingeschoben(QRect platz, const QRect& bereich) {
     platz.setSize(platz.size().boundedTo(bereich.size()));
     platz.moveLeft(std::clamp(platz.left(), bereich.left(), bereich.right() - platz.width() + 1));
@@ -51,13 +60,13 @@ QRect Hineingeschoben(QRect platz, const QRect& bereich) {
     return platz;
 }
 
-void Fensterplatz::Laden(QWidget& fenster, const std::string& schluessel) {
+bool Fensterplatz::Laden(QWidget& fenster, const std::string& schluessel) {
     const auto lies = [&](const char* name, int vorgabe) {
         const std::string text = speicher_.LeseEinstellung(ProduktName, schluessel, name, "");
         return text.empty() ? vorgabe : static_cast<int>(std::clamp(Zahlwert(text), -3e6, 3e6)) / TwipsProPixel;
     };
-    // Without a stored place the window manager puts the window where it finds best.
-    if (!speicher_.LeseEinstellung(ProduktName, schluessel, "Breite", "").empty()) {
+    const bool gespeichert = !speicher_.LeseEinstellung(ProduktName, schluessel, "Breite", "").empty();
+    if (gespeichert) {
         const QPoint ecke = fenster.pos();
         const QSize groesse = fenster.size();
         QRect platz(lies("Links", ecke.x()), lies("Oben", ecke.y()), lies("Breite", groesse.width()),
@@ -69,6 +78,7 @@ void Fensterplatz::Laden(QWidget& fenster, const std::string& schluessel) {
     }
     const std::string zustand = speicher_.LeseEinstellung(ProduktName, schluessel, "WinState", "0");
     if (static_cast<int>(Zahlwert(zustand)) == Maximiert) fenster.setWindowState(Qt::WindowMaximized);
+    return gespeichert;
 }
 
 void Fensterplatz::Speichern(const QWidget& fenster, const std::string& schluessel) {

@@ -20,8 +20,8 @@ public:
     explicit Fensterplatz(Einstellungsspeicher& speicher) : speicher_(speicher) {}
 
     // Restores place and state ("Links", "Oben", "Breite", "Höhe", "WinState"). A place outside all screens is moved
-    // back inside. A minimized state is not restored here; that is the tray's business.
-    void Laden(QWidget& fenster, const std::string& schluessel);
+    // back inside. A minimized state is not restored here; that is the tray's business. False when none is stored.
+    bool Laden(QWidget& fenster, const std::string& schluessel);
     // The place only in the normal state, the state always: 0 normal, 1 minimized, 2 maximized.
     void Speichern(const QWidget& fenster, const std::string& schluessel);
 
@@ -36,6 +36,10 @@ private:
 // Where a window comes up that was last at `platz`, given the areas of the screens, the primary one first: there, if
 // the screens still hold all of it; otherwise inside the screen that has most of it, or the primary one.
 QRect AufDieSchirme(const QRect& platz, const QList<QRect>& schirme);
+
+// The middle of the primary screen, in the window's own size or what of it the screen has room for. A window that is
+// put nowhere gets its place only when the desktop shows it, and dialogs that come up with it stand beside it.
+void StelleInDieMitte(QWidget& fenster);
 
 // `platz` moved, and made smaller where it must be, so that it lies inside `bereich`.
 QRect Hineingeschoben(QRect platz, const QRect& bereich);

@@ -1,14 +1,16 @@
 #include "fensterwerk/meldungsfenster.h"
 
-#include "fensterwerk/dialogbasis.h"
+#include "fensterwerk/text.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QStyle>
+#include <QScreen>
+#include <QScrollArea>
 #include <QTimer>
 #include <algorithm>
 
@@ -18,12 +20,9 @@ namespace {
 
 constexpr int Knopfbreite = 90;
 constexpr int Bildgroesse = 32;
-constexpr int TextLinks = 60;  // beside the picture
-
-QSize Knopfgroesse(const QPushButton& knopf) {
-    const QSize wunsch = knopf.sizeHint();
-    return {std::max(Knopfbreite, wunsch.width()), wunsch.height()};
-}
+constexpr int TextLinks = 60;    // beside the picture
+constexpr int Bildrand = 14;     // left of the picture
+constexpr int Schirmrest = 160;  // what a text of many lines leaves of the screen's height
 
 }  // namespace
 
@@ -36,6 +35,8 @@ frmMessageDialog::frmMessageDialog(QWidget* eltern, const Uhr& uhr, const QStrin
     Zeitgeber_ = new QTimer(this);
     Zeitgeber_->setObjectName("Zeitgeber");
     Zeitgeber_->setInterval(1000);
+    // An inexact timer comes too early for the limit, and again a second later.
+    Zeitgeber_->setTimerType(Qt::PreciseTimer);
     connect(Zeitgeber_, &QTimer::timeout, this, [this] { Sekundentakt(); });
     Aufbauen(text);
     if (takt_.MitZeitgrenze()) Zeitgeber_->start();
@@ -44,15 +45,9 @@ frmMessageDialog::frmMessageDialog(QWidget* eltern, const Uhr& uhr, const QStrin
 void frmMessageDialog::Aufbauen(const QString& text) {
     auto* bild = new QLabel(this);
     bild->setObjectName("Image1");
-    bild->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxInformation).pixmap(Bildgroesse, Bildgroesse));
-    bild->setGeometry(14, 14, Bildgroesse, Bildgroesse);
-    for (int i = 0; i < knoepfe_.Anzahl; ++i) {
-        auto* knopf = new QPushButton(Q(knoepfe_.Beschriftung[static_cast<std::size_t>(i)]), this);
-        knopf->setObjectName(QString("btn(%1)").arg(i));
-        knopf->setAutoDefault(true);  // so the button that Enter presses looks like it
-        connect(knopf, &QPushButton::clicked, this, [this, i] { Klick(i); });
-        btn_[static_cast<std::size_t>(i)] = knopf;
-    }
+    bild->setPixmap(QIcon(":/zek/meldung.svg").pixmap(QSize(Bildgroesse, Bildgroesse), devicePixelRatioF()));
+    bild->setGeometry(Bildrand, Meldungsmasse::TextOben, Bildgroesse, Bildgroesse);
+    const QSize knopf = MacheKnoepfe();
     Meldung_ = new QLabel(this);
     Meldung_->setObjectName("Meldung");
     Meldung_->setTextFormat(Qt::PlainText);
@@ -60,14 +55,40 @@ void frmMessageDialog::Aufbauen(const QString& text) {
     Meldung_->setText(text);
     const int textbreite = Meldung_->fontMetrics().size(0, text).width() + 2;
     const int breite = Labelbreite(textbreite);
-    const int hoehe = std::max(Meldung_->heightForWidth(breite), Bildgroesse);
-    const QSize knopf = Knopfgroesse(*btn_[0]);
-    const Meldungsmasse masse =
-        MasseFuer(knoepfe_.Anzahl, knopf.width(), knopf.height(), textbreite, hoehe, takt_.MitZeitgrenze());
-    Meldung_->setGeometry(TextLinks, 14, breite, hoehe);
+    const int ganzeHoehe = std::max(Meldung_->heightForWidth(breite), Bildgroesse);
+    const int hoehe = std::min(ganzeHoehe, screen()->availableGeometry().height() - Schirmrest);
+    const int streifenbreite = MacheStreifen();
+    const Meldungsmasse masse = MasseFuer(knoepfe_.Anzahl, knopf.width(), knopf.height(), textbreite, hoehe,
+                                          takt_.MitZeitgrenze(), streifenbreite);
+    Meldung_->setGeometry(TextLinks, Meldungsmasse::TextOben, breite, hoehe);
+    if (hoehe < ganzeHoehe) Blaetterbar(masse.Innenbreite - TextLinks);
+    const int knopfOben = Meldungsmasse::TextOben + hoehe + Meldungsmasse::AbstandUnterText;
     for (std::size_t i = 0; i < static_cast<std::size_t>(knoepfe_.Anzahl); ++i)
-        btn_[i]->setGeometry(masse.KnopfLinks[i], 14 + hoehe + Meldungsmasse::AbstandUnterText, knopf.width(),
-                             knopf.height());
+        btn_[i]->setGeometry(masse.KnopfLinks[i], knopfOben, knopf.width(), knopf.height());
+    picture1_->setGeometry(0, masse.Innenhoehe - Meldungsmasse::Streifenhoehe, masse.Innenbreite,
+                           Meldungsmasse::Streifenhoehe);
+    Label1_->resize(picture1_->size());
+    setFixedSize(masse.Innenbreite, masse.Innenhoehe);
+    if (knoepfe_.Standard >= 0 && knoepfe_.Standard < knoepfe_.Anzahl)
+        btn_[static_cast<std::size_t>(knoepfe_.Standard)]->setDefault(true);
+}
+
+// The size that all of them have.
+QSize frmMessageDialog::MacheKnoepfe() {
+    QSize groesse(Knopfbreite, 0);
+    for (int i = 0; i < knoepfe_.Anzahl; ++i) {
+        auto* knopf = new QPushButton(Q(knoepfe_.Beschriftung[static_cast<std::size_t>(i)]), this);
+        knopf->setObjectName(QString("btn(%1)").arg(i));
+        knopf->setAutoDefault(true);  // so the button that Enter presses looks like it
+        connect(knopf, &QPushButton::clicked, this, [this, i] { Klick(i); });
+        btn_[static_cast<std::size_t>(i)] = knopf;
+        groesse = groesse.expandedTo(knopf->sizeHint());
+    }
+    return groesse;
+}
+
+// The strip of the countdown; its width, 0 where there is none.
+int frmMessageDialog::MacheStreifen() {
     picture1_ = new QWidget(this);
     picture1_->setObjectName("picture1");
     picture1_->setVisible(takt_.MitZeitgrenze());
@@ -75,14 +96,18 @@ void frmMessageDialog::Aufbauen(const QString& text) {
     Label1_->setObjectName("Label1");
     Label1_->setText(Q(takt_.Text()));
     Label1_->setAlignment(Qt::AlignCenter);
-    const int unterKnopf = 14 + hoehe + Meldungsmasse::AbstandUnterText + knopf.height() + 12;
-    const int streifen = takt_.MitZeitgrenze() ? 24 : 0;
-    const int fenster = std::max(masse.Innenbreite, streifen > 0 ? Label1_->sizeHint().width() + 20 : 0);
-    picture1_->setGeometry(0, unterKnopf, fenster, streifen);
-    Label1_->resize(picture1_->size());
-    setFixedSize(fenster, std::max(masse.Innenhoehe, unterKnopf + streifen));
-    if (knoepfe_.Standard >= 0 && knoepfe_.Standard < knoepfe_.Anzahl)
-        btn_[static_cast<std::size_t>(knoepfe_.Standard)]->setDefault(true);
+    return takt_.MitZeitgrenze() ? Label1_->sizeHint().width() + 20 : 0;
+}
+
+// A text of more lines than the screen has is scrolled in the place of the label.
+void frmMessageDialog::Blaetterbar(int breite) {
+    auto* rahmen = new QScrollArea(this);
+    rahmen->setFrameShape(QFrame::NoFrame);
+    rahmen->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    rahmen->setGeometry(Meldung_->x(), Meldung_->y(), breite, Meldung_->height());
+    Meldung_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    Meldung_->resize(Meldung_->width(), Meldung_->heightForWidth(Meldung_->width()));
+    rahmen->setWidget(Meldung_);
 }
 
 int frmMessageDialog::Frage() {

@@ -27,6 +27,9 @@ protected:
 
 private:
     void Aufbauen(const QString& text);
+    QSize MacheKnoepfe();
+    int MacheStreifen();
+    void Blaetterbar(int breite);
     void Klick(int knopf);
     void Sekundentakt();
     void KopiereText();

@@ -1,10 +1,11 @@
 #include "fensterwerk/meldungsgeber.h"
 
-#include "fensterwerk/dialogbasis.h"
 #include "fensterwerk/meldungsfenster.h"
+#include "fensterwerk/text.h"
 #include "session/meldung.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QMessageBox>
 #include <QPushButton>
 #include <utility>
@@ -13,6 +14,8 @@
 namespace zek {
 
 namespace {
+
+constexpr int Bildgroesse = 32;
 
 using Knopf = std::pair<const char*, int>;
 
@@ -38,7 +41,8 @@ std::vector<Knopf> Systemknoepfe(int flags) {
 }
 
 int Systemmeldung(const std::string& text, int flags) {
-    QMessageBox box(QMessageBox::Warning, Q(Systemmeldungstitel), Q(text));
+    QMessageBox box(QMessageBox::NoIcon, Q(Systemmeldungstitel), Q(text));
+    box.setIconPixmap(QIcon(":/zek/warnung.svg").pixmap(QSize(Bildgroesse, Bildgroesse), box.devicePixelRatioF()));
     box.setTextFormat(Qt::PlainText);
     box.setWindowFlag(Qt::WindowStaysOnTopHint);
     const std::vector<Knopf> knoepfe = Systemknoepfe(flags);

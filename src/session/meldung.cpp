@@ -4,6 +4,7 @@
 #include "platform/datum.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace zek {
 
@@ -75,13 +76,13 @@ int Labelbreite(int textbreite) {
 }
 
 Meldungsmasse MasseFuer(int knopfAnzahl, int knopfbreite, int knopfhoehe, int textbreite, int labelhoehe,
-                        bool mitRestzeit) {
+                        bool mitRestzeit, int streifenbreite) {
     Meldungsmasse masse;
     const int breiteDerKnoepfe = knopfAnzahl * (knopfbreite + Meldungsmasse::Knopfabstand) + 70;
     masse.Labelbreite = Labelbreite(textbreite);
     const int breiteDesInhalts = masse.Labelbreite + 90;
-    masse.Innenbreite = std::max(breiteDerKnoepfe, breiteDesInhalts) + 10;
-    masse.Innenhoehe = labelhoehe + knopfhoehe + 10 + 20 + 10 + (mitRestzeit ? 20 : 0);
+    masse.Innenbreite = std::max(std::max(breiteDerKnoepfe, breiteDesInhalts) + 10, streifenbreite);
+    masse.Innenhoehe = labelhoehe + knopfhoehe + 10 + 20 + 10 + (mitRestzeit ? Meldungsmasse::Streifenhoehe : 0);
     const int reihe = knopfAnzahl * knopfbreite + (knopfAnzahl - 1) * Meldungsmasse::Knopfabstand;
     const int erster = (masse.Innenbreite - reihe) / 2 + 10;
     for (std::size_t i = 0; i < masse.KnopfLinks.size(); ++i)
@@ -98,7 +99,10 @@ bool Meldungstakt::Abgelaufen() const {
 }
 
 std::string Meldungstakt::Text() const {
-    return closeZeit_ ? Restzeittext(GanzeSekunden(uhr_.Jetzt(), *closeZeit_)) : std::string();
+    if (!closeZeit_) return {};
+    // The nearest second: at a round of the timer that is the difference of the two clock readings, also where a round
+    // that is a hair late has passed a second's edge.
+    return Restzeittext(std::llround((*closeZeit_ - uhr_.Jetzt()) * SekundenProTag));
 }
 
 }  // namespace zek

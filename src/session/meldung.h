@@ -37,7 +37,9 @@ std::string Restzeittext(long long sekunden);
 struct Meldungsmasse {
     static constexpr int Knopfabstand = 20;
     static constexpr int HoechsteTextbreite = 500;
+    static constexpr int TextOben = 10;
     static constexpr int AbstandUnterText = 25;  // from the label's lower edge to the buttons
+    static constexpr int Streifenhoehe = 20;     // of the countdown
 
     int Labelbreite = 0;
     int Innenbreite = 0;  // of the window
@@ -48,9 +50,9 @@ struct Meldungsmasse {
 // Width of the label for a text that is `textbreite` wide on one line.
 int Labelbreite(int textbreite);
 
-// `labelhoehe` is the height that the text takes at Labelbreite(textbreite).
+// `labelhoehe` is the height that the text takes at Labelbreite(textbreite), `streifenbreite` what the countdown needs.
 Meldungsmasse MasseFuer(int knopfAnzahl, int knopfbreite, int knopfhoehe, int textbreite, int labelhoehe,
-                        bool mitRestzeit);
+                        bool mitRestzeit, int streifenbreite = 0);
 
 // The time limit of one message; asked once a second by the window's timer.
 class Meldungstakt {

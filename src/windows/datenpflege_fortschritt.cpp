@@ -34,6 +34,7 @@ QLabel* Umbrechend(const char* name, int zeilen, int rand) {
     QLabel* label = Benannt(new QLabel, name);
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    label->setIndent(0);  // a style would add one
     label->setMinimumHeight(zeilen * label->fontMetrics().lineSpacing() + 2 * rand);
     return label;
 }

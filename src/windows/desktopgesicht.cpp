@@ -95,7 +95,7 @@ void Desktopgesicht::LadeHauptfenster() {
     zurufe_ = std::make_unique<Zurufhoerer>(sitzung_->Einstellungen(), sitzung_->Modul().Programmordner);
     zuruftakt_.start();
     meldungen_.SetzeHauptfenster(fenster_.get());
-    plaetze_->Laden(*fenster_, IB_Hauptfenster::Platzschluessel);
+    if (!plaetze_->Laden(*fenster_, IB_Hauptfenster::Platzschluessel)) StelleInDieMitte(*fenster_);
 }
 
 bool Desktopgesicht::HauptfensterMinimiert() const {

@@ -106,10 +106,6 @@ QWidget* IB_Hauptfenster::MacheStart() {
     startinfo_ = Label("Startinfo");
     startinfo_->setAlignment(Qt::AlignCenter);
     startinfo_->setWordWrap(true);
-    // The window is disabled during the start; what it says then is to be read all the same.
-    QPalette farben = startinfo_->palette();
-    farben.setColor(QPalette::Disabled, QPalette::WindowText, farben.color(QPalette::Active, QPalette::WindowText));
-    startinfo_->setPalette(farben);
     fortschritt_ = new QProgressBar;
     fortschritt_->setObjectName("FortschrittAnzeige");
     fortschritt_->setTextVisible(false);
@@ -183,7 +179,7 @@ void IB_Hauptfenster::Startansicht(const QString& seit) {
     Startinfo("Die Verbindung zu Interactive Brokers wird initialisiert. ");
     start_->show();
     info_->hide();
-    centralWidget()->setEnabled(false);
+    fortschritt_->setRange(0, 0);
     menuBar()->setEnabled(false);
     aktionen_->Werkzeugleiste()->setEnabled(false);
     aktionen_->Freigeben(false);
@@ -197,7 +193,6 @@ void IB_Hauptfenster::Startinfo(const QString& text) {
 void IB_Hauptfenster::Arbeitsansicht(const QString& datenordner) {
     start_->hide();
     info_->show();
-    centralWidget()->setEnabled(true);
     menuBar()->setEnabled(true);
     aktionen_->Werkzeugleiste()->setEnabled(true);
     aktionen_->Freigeben(true);

@@ -37,7 +37,7 @@ public:
     Aktionen& Befehle() { return *aktionen_; }
     Statuslistenansicht& Status() { return *status_; }
 
-    // Start view: only Startinfo and the progress bar, everything disabled.
+    // Start view: only Startinfo and the progress bar, which moves; no command can be given.
     void Startansicht(const QString& seit);
     void Startinfo(const QString& text);
     QProgressBar& FortschrittAnzeige() { return *fortschritt_; }

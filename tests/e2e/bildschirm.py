@@ -99,9 +99,9 @@ class Screen:
 
     def geometry(self, window):
         """x, y, width, height on the screen, without the frame."""
-        values = dict(line.split("=", 1) for line in self.xdotool("getwindowgeometry", "--shell", window).splitlines()
-                      if "=" in line)
-        return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+        info = self.run("xwininfo", "-id", str(window))
+        return tuple(int(re.search(rf"{name}:\s+(-?\d+)", info).group(1))
+                     for name in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
 
     def popups(self):
         """Ids of open menus: visible windows that no window manager frames."""

@@ -228,6 +228,19 @@ class Instances(Desktop):
         self.assert_sound()
 
 
+class FirstStart(Desktop):
+    def test_the_connection_dialog_stands_over_its_window(self):
+        self.recorder("/K")
+        dialog = self.screen.window("Interactive Brokers")
+        main = self.screen.windows(MAIN)[-1]
+        time.sleep(0.5)
+        x, y, width, height = self.screen.geometry(main)
+        dialog_x, dialog_y, dialog_width, dialog_height = self.screen.geometry(dialog)
+        self.assertAlmostEqual(dialog_x + dialog_width / 2, x + width / 2, delta=40)
+        self.assertAlmostEqual(dialog_y + dialog_height / 2, y + height / 2, delta=60)
+        self.assertAlmostEqual(x + width / 2, self.screen.size[0] / 2, delta=40)
+
+
 class Start(Desktop):
     """Times from the start of the process to the working view."""
 

@@ -77,6 +77,14 @@ TEST(MeldungTest, TheButtonsStandInOneCentredRow) {
     EXPECT_EQ(masse.KnopfLinks[1], 220);
 }
 
+TEST(MeldungTest, TheRowIsCentredInAWindowThatTheCountdownWidens) {
+    const Meldungsmasse masse = MasseFuer(1, 90, 25, 20, 15, true, 420);
+    EXPECT_EQ(masse.Innenbreite, 420);
+    // (420 - 90) / 2 + 10
+    EXPECT_EQ(masse.KnopfLinks[0], 175);
+    EXPECT_EQ(MasseFuer(1, 90, 25, 2000, 15, true, 420).Innenbreite, 600);
+}
+
 TEST(MeldungTest, TheHeightAddsUpAndGrowsByTheCountdownStrip) {
     EXPECT_EQ(MasseFuer(1, 90, 25, 300, 45, false).Innenhoehe, 45 + 25 + 40);
     EXPECT_EQ(MasseFuer(1, 90, 25, 300, 45, true).Innenhoehe, 45 + 25 + 60);
@@ -94,6 +102,15 @@ TEST(MeldungstaktTest, AMessageOfFiveSecondsClosesAtTheFifthTick) {
     }
     welt.Vergehe(1);
     EXPECT_TRUE(takt.Abgelaufen());
+}
+
+TEST(MeldungstaktTest, ARoundThatComesAHairLateStillShowsItsSecond) {
+    hilfen::VirtuelleWelt welt(DatumAus(2026, 11, 15, 12, 0, 0) + 0.9995 * EineSekunde);
+    const Meldungstakt takt(welt, 5);
+    for (int sekunde = 1; sekunde <= 4; ++sekunde) {
+        welt.Vergehe(sekunde == 1 ? 1.003 : 1);
+        EXPECT_EQ(takt.Text(), Restzeittext(5 - sekunde));
+    }
 }
 
 TEST(MeldungstaktTest, WithoutSecondsItNeverCloses) {

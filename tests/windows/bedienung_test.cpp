@@ -7,6 +7,8 @@
 #include <QDateEdit>
 #include <QDockWidget>
 #include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
 #include <QProgressBar>
 #include <QScreen>
 #include <QSystemTrayIcon>
@@ -27,6 +29,39 @@ struct Bedienung : Desktop {
 };
 
 // ---- start view
+
+TEST_F(Bedienung, TheBarOfTheStartIsAliveAndMovesUntilThereIsSomethingToCount) {
+    bool gesehen = false;
+    tws.BeiErzeugen = [&](hilfen::TestTws& control) {
+        control.BeiConnect = [&](hilfen::TestTws& c) {
+            const auto* balken = Steuer<QProgressBar>(Fenster(), "FortschrittAnzeige");
+            EXPECT_TRUE(balken->isEnabled());
+            EXPECT_EQ(balken->maximum(), 0);
+            EXPECT_FALSE(Fenster().menuBar()->isEnabled());
+            gesehen = true;
+            c.Ereignisse().nextValidId(1);
+        };
+    };
+    MitTitel("ES");
+    ASSERT_TRUE(Starte());
+    EXPECT_TRUE(gesehen);
+    EXPECT_GT(Steuer<QProgressBar>(Fenster(), "FortschrittAnzeige")->maximum(), 0);
+}
+
+TEST_F(Bedienung, TheFirstWindowStandsInTheMiddleOfTheScreenAndItsDialogsOverIt) {
+    registry.Loesche(Programmtitel, "IBConnect", "IBPort");
+    QRect dialogplatz;
+    Im("frmIBBrokerOptionen", [&](QWidget& dialog) {
+        dialogplatz = dialog.geometry();
+        Klick(dialog, "Okay");
+    });
+    ASSERT_TRUE(Starte());
+    const QRect schirm = Fenster().screen()->availableGeometry();
+    constexpr int Rahmen = 30;
+    EXPECT_TRUE(schirm.adjusted(-Rahmen, -Rahmen, Rahmen, Rahmen).contains(Fenster().geometry()));
+    EXPECT_NEAR(Fenster().geometry().center().x(), schirm.center().x(), 3);
+    EXPECT_TRUE(Fenster().geometry().contains(dialogplatz));
+}
 
 TEST_F(Bedienung, InTheStartViewNoCommandRunsNotEvenByItsShortcut) {
     bool gesehen = false;
@@ -109,6 +144,41 @@ TEST_F(Bedienung, TheSmallestWindowStillShowsEverythingAlsoWithTheMonitor) {
         EXPECT_LE(Fenster().width(), 600);
         EXPECT_LE(Fenster().height(), 400);
     }
+}
+
+// ---- menus
+
+// The picture of an entry, which stands before its text.
+std::vector<QColor> Bildpunkte(QMenu& menue, QAction* eintrag) {
+    const QRect ort = menue.actionGeometry(eintrag);
+    const QImage bild = menue.grab(QRect(ort.left(), ort.top(), 26, ort.height())).toImage();
+    std::vector<QColor> punkte;
+    for (int y = 4; y < bild.height() - 4; ++y)
+        for (int x = 5; x < bild.width() - 4; ++x) punkte.push_back(bild.pixelColor(x, y));
+    return punkte;
+}
+
+int Abstand(const QColor& a, const QColor& b) {
+    return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) + std::abs(a.blue() - b.blue());
+}
+
+TEST_F(Bedienung, ThePictureOfAMenuEntryStandsOutOnTheHighlightToo) {
+    ASSERT_TRUE(Starte());
+    auto* menue = Steuer<QMenu>(Fenster(), "1033");
+    menue->popup({10, 10});
+    for (QAction* eintrag : menue->actions()) {
+        if (eintrag->icon().isNull()) continue;
+        menue->setActiveAction(eintrag);
+        const std::vector<QColor> punkte = Bildpunkte(*menue, eintrag);
+        const QColor schrift = menue->palette().color(QPalette::HighlightedText);
+        const auto naechster = [&](const QColor& a, const QColor& b) {
+            return Abstand(a, schrift) < Abstand(b, schrift);
+        };
+        const QColor hellster = *std::min_element(punkte.begin(), punkte.end(), naechster);
+        EXPECT_LT(Abstand(hellster, schrift), 60)
+            << eintrag->text().toStdString() << " " << hellster.name().toStdString();
+    }
+    menue->close();
 }
 
 // ---- task bar
