@@ -24,7 +24,9 @@ QList<QRect> Schirme() {
 }
 
 std::string Spaltenname(const QHeaderView& kopf, int spalte) {
-    return kopf.model()->headerData(spalte, Qt::Horizontal).toString().toStdString();
+    QVariant name = kopf.model()->headerData(spalte, Qt::Horizontal, Spaltenschluessel);
+    if (!name.isValid()) name = kopf.model()->headerData(spalte, Qt::Horizontal);
+    return name.toString().toStdString();
 }
 
 }  // namespace

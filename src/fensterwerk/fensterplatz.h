@@ -15,6 +15,9 @@ namespace zek {
 // Lengths in the store are twips, 15 to the pixel.
 inline constexpr int TwipsProPixel = 15;
 
+// Role of header data: the key of a column's width where it isn't the header text.
+inline constexpr int Spaltenschluessel = Qt::UserRole;
+
 class Fensterplatz {
 public:
     explicit Fensterplatz(Einstellungsspeicher& speicher) : speicher_(speicher) {}
@@ -25,7 +28,8 @@ public:
     // The place only in the normal state, the state always: 0 normal, 1 minimized, 2 maximized.
     void Speichern(const QWidget& fenster, const std::string& schluessel);
 
-    // One key per column, named by `spaltenname`; the value is the width in pixels. An empty value leaves the column.
+    // One key per column: its header text, or what the model gives as Spaltenschluessel. The value is the width in
+    // pixels; an empty one leaves the column.
     void SpaltenLaden(QHeaderView& kopf, const std::string& schluessel);
     void SpaltenSpeichern(const QHeaderView& kopf, const std::string& schluessel);
 

@@ -1,14 +1,17 @@
 #include "windows/monitor.h"
 
+#include "fensterwerk/text.h"
 #include "platform/text.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QShortcut>
 #include <QTableView>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace zek {
 
@@ -18,6 +21,7 @@ constexpr int Aktualisierung = 300;  // ms
 constexpr const char* Abschnitt = "IB-Monitor";
 constexpr const char* Spaltenplatz = "IB-MonitorListe";
 constexpr int Volumenbreite = 61;
+constexpr int HoechsteNamensbreite = 400;
 constexpr int SpalteVolGeld = 5, SpalteVolBrief = 9;
 
 }  // namespace
@@ -39,6 +43,7 @@ frmMonitor::frmMonitor(QWidget* eltern, const Titelliste& titel, Einstellungsspe
     LMonitor_->setShowGrid(false);
     LMonitor_->setWordWrap(false);
     LMonitor_->setTabKeyNavigation(false);
+    LMonitor_->horizontalHeader()->setHighlightSections(false);
     LMonitor_->verticalHeader()->hide();
     LMonitor_->verticalHeader()->setDefaultSectionSize(LMonitor_->fontMetrics().height() + 4);
     auto* kopf = new QHBoxLayout;
@@ -50,11 +55,16 @@ frmMonitor::frmMonitor(QWidget* eltern, const Titelliste& titel, Einstellungsspe
     aufbau->addLayout(kopf);
     aufbau->addWidget(LMonitor_);
     Baue();
+    connect(LMonitor_->horizontalHeader(), &QHeaderView::sectionResized, this, [this](int spalte) {
+        if (!passtAn_) gewaehlteSpalten_.insert(spalte);
+    });
     connect(optStatisch_, &QCheckBox::toggled, this, [this] { ModusGewechselt(); });
-    connect(LMonitor_, &QTableView::doubleClicked, this,
-            [this, oeffne = std::move(beiDoppelklick)](const QModelIndex& index) {
-                if (modell_->Statisch() && index.isValid()) oeffne(modell_->TitelId(index.row()));
-            });
+    const auto oeffne = [this, ruf = std::move(beiDoppelklick)](const QModelIndex& index) {
+        if (modell_->Statisch() && index.isValid()) ruf(modell_->TitelId(index.row()));
+    };
+    connect(LMonitor_, &QTableView::doubleClicked, this, oeffne);
+    auto* eingabe = new QShortcut(QKeySequence(Qt::Key_Return), LMonitor_, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(eingabe, &QShortcut::activated, this, [this, oeffne] { oeffne(LMonitor_->currentIndex()); });
     Zeitgeber_ = new QTimer(this);
     connect(Zeitgeber_, &QTimer::timeout, this, [this] { Uebernehme(); });
     Zeitgeber_->start(Aktualisierung);
@@ -71,13 +81,45 @@ void frmMonitor::Baue() {
     LMonitor_->scrollToTop();
     QHeaderView* kopf = LMonitor_->horizontalHeader();
     const int zeichen = fontMetrics().averageCharWidth();
-    for (int spalte = 0; spalte < kopf->count(); ++spalte)
-        kopf->resizeSection(spalte, zeichen * (spalte == 0 ? 34 : 12));
+    kopf->resizeSection(0, Namensbreite());
+    for (int spalte = 1; spalte < kopf->count(); ++spalte) kopf->resizeSection(spalte, zeichen * 12);
     if (statisch) {
         kopf->resizeSection(SpalteVolGeld, Volumenbreite);
         kopf->resizeSection(SpalteVolBrief, Volumenbreite);
     }
+    std::vector<int> vorgaben;
+    for (const int spalte : modell_->Umsatzspalten()) vorgaben.push_back(kopf->sectionSize(spalte));
     plaetze_.SpaltenLaden(*kopf, Spaltenplatz);
+    // Only a person makes a column narrower.
+    gewaehlteSpalten_.clear();
+    for (std::size_t i = 0; const int spalte : modell_->Umsatzspalten())
+        if (kopf->sectionSize(spalte) < vorgaben[i++]) gewaehlteSpalten_.insert(spalte);
+    angepassterUmsatz_.clear();
+}
+
+// Room for the longest name, also behind the word for a tick that isn't kept.
+int frmMonitor::Namensbreite() const {
+    QString laengster;
+    for (const Titelzeiger& titel : titel_)
+        if (const QString name = Q(titel->Dateiname); name.size() > laengster.size()) laengster = name;
+    if (!optStatisch_->isChecked()) laengster.prepend("Verworfen: ");
+    const int zeichen = fontMetrics().averageCharWidth();
+    return std::clamp(LMonitor_->fontMetrics().horizontalAdvance(laengster) + 3 * zeichen, zeichen * 30,
+                      HoechsteNamensbreite);
+}
+
+// A volume that its column would cut off widens it, where nobody has chosen the width.
+void frmMonitor::PasseUmsatzspaltenAn() {
+    const QString umsatz = modell_->GroessterUmsatz();
+    if (umsatz.size() <= angepassterUmsatz_.size()) return;
+    angepassterUmsatz_ = umsatz;
+    QHeaderView* kopf = LMonitor_->horizontalHeader();
+    const int breite = LMonitor_->fontMetrics().horizontalAdvance(umsatz) + 2 * fontMetrics().averageCharWidth();
+    passtAn_ = true;
+    for (const int spalte : modell_->Umsatzspalten())
+        if (!gewaehlteSpalten_.contains(spalte) && kopf->sectionSize(spalte) < breite)
+            kopf->resizeSection(spalte, breite);
+    passtAn_ = false;
 }
 
 void frmMonitor::ModusGewechselt() {
@@ -93,6 +135,7 @@ void frmMonitor::TitelGeaendert() {
 void frmMonitor::Uebernehme() {
     LMonitor_->setUpdatesEnabled(false);
     if (modell_->Uebernehme()) LMonitor_->scrollToBottom();
+    PasseUmsatzspaltenAn();
     LMonitor_->setUpdatesEnabled(true);
 }
 

@@ -5,6 +5,8 @@
 #include "titles/titelliste.h"
 #include "windows/monitormodell.h"
 
+#include <QSet>
+#include <QString>
 #include <QWidget>
 #include <functional>
 
@@ -33,6 +35,8 @@ private:
     void Baue();
     void ModusGewechselt();
     void Uebernehme();
+    int Namensbreite() const;
+    void PasseUmsatzspaltenAn();
 
     const Titelliste& titel_;
     Einstellungsspeicher& speicher_;
@@ -41,6 +45,9 @@ private:
     QTableView* LMonitor_;
     QCheckBox* optStatisch_;
     QTimer* Zeitgeber_;
+    QSet<int> gewaehlteSpalten_;  // whose width a person has chosen
+    QString angepassterUmsatz_;   // the longest volume that has its room
+    bool passtAn_ = false;
 };
 
 }  // namespace zek

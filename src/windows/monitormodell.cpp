@@ -1,7 +1,8 @@
 #include "windows/monitormodell.h"
 
 #include "datafiles/kursart.h"
-#include "fensterwerk/dialogbasis.h"
+#include "fensterwerk/fensterplatz.h"
+#include "fensterwerk/text.h"
 #include "platform/datum.h"
 #include "platform/text.h"
 
@@ -28,6 +29,7 @@ void Monitormodell::Baue(bool statisch, const Titelliste& titel) {
     zeileNachId_.clear();
     liste_.clear();
     wartend_.clear();
+    groessterUmsatz_ = 0;
     if (statisch_) {
         for (const Titelzeiger& einer : titel)
             if (einer->Aktiv()) ZeileFuer(*einer);
@@ -51,6 +53,7 @@ Monitormodell::StatischeZeile& Monitormodell::ZeileFuer(const clTitelobjekt& tit
 
 void Monitormodell::Tick(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool verworfen,
                          Datum zeit) {
+    groessterUmsatz_ = std::max(groessterUmsatz_, volume);
     if (statisch_) {
         if (!kursart::IstTiefe(kursart)) TickStatisch(titel, kursart, kurs, volume, Tageszeit(zeit));
         return;
@@ -137,6 +140,14 @@ bool Monitormodell::UebernehmeListe() {
     return true;
 }
 
+QString Monitormodell::GroessterUmsatz() const {
+    return Volumentext(groessterUmsatz_);
+}
+
+std::vector<int> Monitormodell::Umsatzspalten() const {
+    return statisch_ ? std::vector<int>{VolGeld, Volume, VolBrief} : std::vector<int>{LVolume};
+}
+
 std::int32_t Monitormodell::TitelId(int zeile) const {
     if (zeile < 0 || zeile >= rowCount()) return 0;
     const auto stelle = static_cast<std::size_t>(zeile);
@@ -201,6 +212,8 @@ QVariant Monitormodell::headerData(int spalte, Qt::Orientation richtung, int rol
                                                                     "Geld", "Bezahlt", "Brief", "Volume"};
     if (richtung != Qt::Horizontal || spalte < 0 || spalte >= columnCount()) return {};
     if (rolle == Qt::TextAlignmentRole) return int((spalte < Zeit ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter);
+    if (rolle == Spaltenschluessel && statisch_ && spalte == VolGeld) return QString("Geld-Vol");
+    if (rolle == Spaltenschluessel && statisch_ && spalte == VolBrief) return QString("Brief-Vol");
     if (rolle != Qt::DisplayRole) return {};
     const auto stelle = static_cast<std::size_t>(spalte);
     return QString::fromUtf8(statisch_ ? Statische[stelle] : Listen[stelle]);

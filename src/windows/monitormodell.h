@@ -33,6 +33,11 @@ public:
     // Makes visible what ticks have noted since the last call. True when lines were added to the price list.
     bool Uebernehme();
 
+    // The longest volume of any tick since the list was built, as it is shown.
+    QString GroessterUmsatz() const;
+    // The columns that hold volumes, in the present mode.
+    std::vector<int> Umsatzspalten() const;
+
     // The title of a line; 0 when there is none.
     std::int32_t TitelId(int zeile) const;
 
@@ -75,6 +80,7 @@ private:
     bool statisch_ = false;
     std::vector<StatischeZeile> zeilen_;
     std::unordered_map<std::int32_t, std::size_t> zeileNachId_;
+    float groessterUmsatz_ = 0;
     std::size_t sichtbar_ = 0;  // lines of zeilen_ that the view knows of
     std::deque<Listenzeile> liste_;
     std::vector<Listenzeile> wartend_;

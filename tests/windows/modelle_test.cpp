@@ -5,6 +5,7 @@
 #include "windows/statusliste.h"
 
 #include <QAbstractItemModelTester>
+#include <QHeaderView>
 #include <QTableView>
 
 namespace zek {
@@ -151,6 +152,22 @@ TEST_F(Monitor, AVolumeOf999IsPlainAndOneOf1000Grouped) {
     EXPECT_EQ(Nachkommastellen(1.0864F), 4);
 }
 
+TEST_F(Monitor, ADoubleClickAndTheEnterKeyOpenTheTitleOfAFixedLine) {
+    Einstellungswelt welt;
+    std::vector<std::int32_t> geoeffnet;
+    frmMonitor fenster(nullptr, titel, welt.speicher, [&](std::int32_t id) { geoeffnet.push_back(id); });
+    Haken(fenster, "optStatisch", true);
+    fenster.resize(800, 300);
+    fenster.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&fenster));
+    auto* liste = Steuer<QTableView>(fenster, "LMonitor");
+    const QPoint stelle = liste->visualRect(liste->model()->index(0, 0)).center();
+    QTest::mouseClick(liste->viewport(), Qt::LeftButton, {}, stelle);
+    QTest::mouseDClick(liste->viewport(), Qt::LeftButton, {}, stelle);
+    QTest::keyClick(liste, Qt::Key_Return);
+    EXPECT_THAT(geoeffnet, testing::ElementsAre(1, 1));
+}
+
 TEST_F(Monitor, TheWindowKeepsItsModeBetweenRuns) {
     Einstellungswelt welt;
     {
@@ -163,6 +180,90 @@ TEST_F(Monitor, TheWindowKeepsItsModeBetweenRuns) {
     EXPECT_EQ(welt.registry.Lies("Tessaron", "IB-Monitor", "Statisch"), "1");
     frmMonitor fenster(nullptr, titel, welt.speicher, [](std::int32_t) {});
     EXPECT_TRUE(Steuer<QCheckBox>(fenster, "optStatisch")->isChecked());
+}
+
+// ---- its columns
+
+struct Monitorspalten : testing::Test {
+    Einstellungswelt welt;
+    Titelliste titel;
+    std::unique_ptr<frmMonitor> fenster;
+    Titelzeiger lang = MacheTitel(1, "ESTX50");
+    enum { Name = 0, VolGeld = 5, Bezahlt = 6, VolBrief = 9 };
+
+    Monitorspalten() {
+        lang->Dateiname = "ESTX50@EUREX_FUT_202612_EUR";
+        titel.Fuege(lang);
+    }
+    QHeaderView& Oeffne(bool statisch, int breite = 1100) {
+        welt.registry.Setze("Tessaron", "IB-Monitor", "Statisch", statisch ? "1" : "0");
+        fenster = std::make_unique<frmMonitor>(nullptr, titel, welt.speicher, [](std::int32_t) {});
+        fenster->resize(breite, 300);
+        fenster->show();
+        QApplication::processEvents();
+        return *Steuer<QTableView>(*fenster, "LMonitor")->horizontalHeader();
+    }
+    int Breite(const QString& text) const {
+        return fenster->findChild<QTableView*>("LMonitor")->fontMetrics().horizontalAdvance(text);
+    }
+    void Tick(std::int32_t art, float volume) {
+        fenster->Tick(*lang, art, 1.25F, volume, false, 46341.75);
+        QTest::qWait(350);
+    }
+};
+
+TEST_F(Monitorspalten, TheVolumeColumnsHaveTheirStatedWidthAndKeys) {
+    QHeaderView& kopf = Oeffne(true);
+    EXPECT_EQ(kopf.sectionSize(VolGeld), 61);
+    kopf.resizeSection(VolGeld, 77);
+    fenster->Speichern();
+    EXPECT_EQ(welt.registry.Lies("Tessaron", "IB-MonitorListe", "Geld-Vol"), "77");
+    EXPECT_TRUE(welt.registry.Lies("Tessaron", "IB-MonitorListe", "Brief-Vol").has_value());
+    EXPECT_FALSE(welt.registry.Lies("Tessaron", "IB-MonitorListe", "Vol. Geld").has_value());
+    EXPECT_EQ(Oeffne(true).sectionSize(VolGeld), 77);
+}
+
+TEST_F(Monitorspalten, AVolumeThatNeedsMoreGetsIt) {
+    QHeaderView& kopf = Oeffne(true);
+    Tick(kursart::Geld, 12345678);
+    EXPECT_GT(kopf.sectionSize(VolGeld), Breite("12.345.678"));
+    const int breit = kopf.sectionSize(VolGeld);
+    Tick(kursart::Geld, 12);
+    EXPECT_EQ(kopf.sectionSize(VolGeld), breit);
+}
+
+TEST_F(Monitorspalten, AWidthThatAPersonHasChosenStays) {
+    welt.registry.Setze("Tessaron", "IB-MonitorListe", "Brief-Vol", "55");
+    QHeaderView& kopf = Oeffne(true);
+    kopf.resizeSection(VolGeld, 40);
+    Tick(kursart::Geld, 12345678);
+    Tick(kursart::Brief, 12345678);
+    EXPECT_EQ(kopf.sectionSize(VolGeld), 40);
+    EXPECT_EQ(kopf.sectionSize(VolBrief), 55);
+}
+
+TEST_F(Monitorspalten, TheRunningListGivesItsVolumesRoomToo) {
+    QHeaderView& kopf = Oeffne(false);
+    kopf.resizeSection(7, 10);
+    kopf.resizeSection(Name, 333);
+    fenster->Speichern();
+    welt.registry.Setze("Tessaron", "IB-MonitorListe", "Volume", "");
+    QHeaderView& neu = Oeffne(false);
+    EXPECT_EQ(neu.sectionSize(Name), 333);
+    Tick(kursart::Bezahlt, 12345678);
+    EXPECT_GT(neu.sectionSize(7), Breite("12.345.678"));
+}
+
+TEST_F(Monitorspalten, TheHeaderStaysPlainWhateverIsSelected) {
+    for (const bool statisch : {true, false}) EXPECT_FALSE(Oeffne(statisch).highlightSections());
+}
+
+TEST_F(Monitorspalten, TheNameHasRoomForTheTitlesAlsoWhereTheyAreDiscarded) {
+    const int statisch = Oeffne(true).sectionSize(Name), laufend = Oeffne(false).sectionSize(Name);
+    EXPECT_GT(statisch, Breite("ESTX50@EUREX_FUT_202612_EUR"));
+    EXPECT_GT(laufend, Breite("Verworfen: ESTX50@EUREX_FUT_202612_EUR"));
+    lang->Dateiname = std::string(200, 'W');
+    EXPECT_LE(Oeffne(false).sectionSize(Name), 500);
 }
 
 TEST(Statusansicht, BoldNewestSelectedAndWholeOnDoubleClick) {
