@@ -85,6 +85,36 @@ TEST(MeldungTest, TheRowIsCentredInAWindowThatTheCountdownWidens) {
     EXPECT_EQ(MasseFuer(1, 90, 25, 2000, 15, true, 420).Innenbreite, 600);
 }
 
+TEST(MeldungTest, EveryLayoutIsTheOneThatIsStated) {
+    // buttons, their width and height, width of the text, height of the label, countdown
+    //   -> label, window, its height, left edges of the three buttons
+    struct {
+        int Anzahl, Breite, Hoehe, Text, Label;
+        bool Rest;
+        int Labelbreite, Innen, Innenhoehe, Links[3];
+    } const tabelle[] = {
+        {1, 90, 25, 20, 15, false, 20, 190, 80, {60, 170, 280}},
+        {2, 90, 25, 20, 15, false, 20, 300, 80, {60, 170, 280}},
+        {3, 90, 25, 20, 15, false, 20, 410, 80, {60, 170, 280}},
+        {1, 90, 25, 300, 15, false, 300, 400, 80, {165, 275, 385}},
+        {2, 90, 25, 300, 15, true, 300, 400, 100, {110, 220, 330}},
+        {3, 90, 25, 300, 15, true, 300, 410, 100, {60, 170, 280}},
+        {1, 90, 25, 499, 60, false, 499, 599, 125, {264, 374, 484}},
+        {2, 100, 30, 500, 60, false, 500, 600, 130, {200, 320, 440}},
+        {3, 100, 30, 2000, 90, true, 500, 600, 180, {140, 260, 380}},
+    };
+    for (const auto& soll : tabelle) {
+        const Meldungsmasse masse = MasseFuer(soll.Anzahl, soll.Breite, soll.Hoehe, soll.Text, soll.Label, soll.Rest);
+        EXPECT_EQ(masse.Labelbreite, soll.Labelbreite) << soll.Anzahl << "/" << soll.Text;
+        EXPECT_EQ(masse.Innenbreite, soll.Innen) << soll.Anzahl << "/" << soll.Text;
+        EXPECT_EQ(masse.Innenhoehe, soll.Innenhoehe) << soll.Anzahl << "/" << soll.Text;
+        for (int i = 0; i < soll.Anzahl; ++i)
+            EXPECT_EQ(masse.KnopfLinks[static_cast<std::size_t>(i)], soll.Links[i]) << soll.Anzahl << "/" << i;
+    }
+    EXPECT_EQ(Meldungsmasse::AbstandUnterText, 25);
+    EXPECT_EQ(Meldungsmasse::Knopfabstand, 20);
+}
+
 TEST(MeldungTest, TheHeightAddsUpAndGrowsByTheCountdownStrip) {
     EXPECT_EQ(MasseFuer(1, 90, 25, 300, 45, false).Innenhoehe, 45 + 25 + 40);
     EXPECT_EQ(MasseFuer(1, 90, 25, 300, 45, true).Innenhoehe, 45 + 25 + 60);
