@@ -1,112 +1,196 @@
 #include "werkzeug/werkzeug.h"
 
+#include "platform/datum.h"
 #include "werkzeug/werkzeug_befehle.h"
 #include "werkzeug/werkzeug_luecken.h"
 
-#include <span>
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <functional>
 #include <string_view>
 
 namespace zek {
 
 namespace {
 
-constexpr std::string_view Hilfe =
-    R"(zek - Datendateien von Tessaron ZEK ansehen und prüfen
+using werkzeug::Lueckenfrage;
+using werkzeug::Zeitform;
 
-Aufruf:
-  zek info DATEI|ORDNER...               Kopf, Datensätze, Zeitraum und Zustand jeder Datei
-  zek tabelle DATEI|ORDNER...            eine Zeile je Datei, mit dem letzten Kurs
-  zek csv [--zeit deutsch|iso] DATEI     alle Datensätze als CSV auf die Standardausgabe
-  zek check ORDNER...                    alle Dateien *.ZEK unterhalb der Ordner prüfen
-  zek gaps [--csv] [--von DATUM] [--bis DATUM] [--titel MUSTER] ORDNER
-                                         was ein Datenordner lückenlos hat, was ergänzt wurde und was fehlt
-  zek --help                             diese Hilfe
-  zek --version                          die Version
+constexpr std::string_view Hilfeschalter = "-h,--hilfe,--help";
 
-Die Dateien werden nur gelesen, auch während sie geschrieben werden.
+constexpr const char* HinweiseCsv = R"(Beispiele einer Zeile:
+  --zeit deutsch: 15.11.2026 18:21:53,250;5012,25;3
+  --zeit iso:     2026-11-15T18:21:53.250,5012.25,3)";
+constexpr const char* HinweisePruefe =
+    "Rückgabewert 0: alles in Ordnung; 1: beschädigte Dateien; 2: falscher Aufruf oder nicht lesbar.";
+constexpr const char* HinweiseLuecken =
+    R"(Zeigt Anteile je Titel und Tag, alle Lücken mit Ursache und ein Urteil je Woche, nach dem Lückennachweis, den das
+Programm neben den Daten führt.
+Rückgabewert 0: es fehlt nichts; 1: es fehlt etwas; 2: falscher Aufruf oder nicht lesbar.)";
 
-csv:   --zeit deutsch (Vorgabe): 15.11.2026 18:21:53,250;5012,25;3
-       --zeit iso:               2026-11-15T18:21:53.250,5012.25,3
+// What the command line asks for.
+struct Wunsch {
+    std::vector<std::string> Pfade;
+    std::string Datei;
+    Zeitform Zeit = Zeitform::Deutsch;
+    Lueckenfrage Luecken;
+    std::function<int()> Befehl;
+};
 
-check: Rückgabewert 0: alles in Ordnung; 1: beschädigte Dateien; 2: falscher Aufruf oder nicht lesbar.
+class Befehlszeile {
+public:
+    Befehlszeile(Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler)
+        : dateien_(dateien), ausgabe_(ausgabe), fehler_(fehler) {
+        Deutsch();
+        app_.set_help_flag(std::string(Hilfeschalter), "diese Hilfe, hinter einem Befehl die zu diesem");
+        app_.add_flag("--version", version_, "die Version");
+        app_.require_subcommand(0, 1);
+        app_.footer(
+            "Die Dateien werden nur gelesen, auch während sie geschrieben werden.\nMehr zu einem Befehl: zek "
+            "BEFEHL --hilfe");
+        Liste("info", "Kopf, Datensätze, Zeitraum und Zustand jeder Datei", werkzeug::Info);
+        Liste("tabelle", "eine Zeile je Datei, mit dem letzten Kurs", werkzeug::Tabelle);
+        Csv();
+        Liste("pruefe", "alle Dateien *.ZEK unterhalb der Ordner prüfen", werkzeug::Check)
+            ->alias("check")
+            ->alias("prüfe")
+            ->footer(HinweisePruefe);
+        Luecken();
+    }
 
-gaps:  Anteile je Titel und Tag, alle Lücken mit Ursache, ein Urteil je Woche; nach dem Lückennachweis, den das
-       Programm neben den Daten führt. Rückgabewert 0: es fehlt nichts; 1: es fehlt etwas; 2: wie oben.
-)";
-
-int FalscherAufruf(std::ostream& fehler, const std::string& grund) {
-    fehler << "zek: " << grund << "\nHilfe: zek --help\n";
-    return werkzeug::Fehlgeschlagen;
-}
-
-bool IstSchalter(const std::string& argument) {
-    return argument.size() > 1 && argument.front() == '-';
-}
-
-int RufeCsv(std::span<const std::string> argumente, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler) {
-    werkzeug::Zeitform form = werkzeug::Zeitform::Deutsch;
-    std::string datei;
-    while (!argumente.empty()) {
-        const std::string& argument = argumente.front();
-        if (argument == "--zeit") {
-            if (argumente.size() < 2 || (argumente[1] != "deutsch" && argumente[1] != "iso")) {
-                return FalscherAufruf(fehler, "Hinter --zeit fehlt \"deutsch\" oder \"iso\".");
-            }
-            form = argumente[1] == "iso" ? werkzeug::Zeitform::Iso : werkzeug::Zeitform::Deutsch;
-            argumente = argumente.subspan(1);
-        } else if (IstSchalter(argument)) {
-            return FalscherAufruf(fehler, "Unbekannter Schalter: " + argument);
-        } else if (!datei.empty()) {
-            return FalscherAufruf(fehler, "csv gibt genau eine Datei aus.");
-        } else {
-            datei = argument;
+    int Fuehre(std::vector<std::string> argumente, const std::string& version) {
+        if (argumente.empty()) return FalscherAufruf("Es fehlt ein Befehl.");
+        std::ranges::reverse(argumente);  // the library takes them from the back
+        try {
+            app_.parse(std::move(argumente));
+        } catch (const CLI::CallForHelp&) {
+            const auto befehle = app_.get_subcommands();
+            ausgabe_ << (befehle.empty() ? app_.help() : befehle.front()->help("zek"));
+            return werkzeug::Gut;
+        } catch (const CLI::ParseError& fehler) {
+            return FalscherAufruf(Grund(fehler));
         }
-        argumente = argumente.subspan(1);
+        if (version_) return ausgabe_ << "zek " << version << "\n", werkzeug::Gut;
+        return wunsch_.Befehl ? wunsch_.Befehl() : FalscherAufruf("Es fehlt ein Befehl.");
     }
-    if (datei.empty()) return FalscherAufruf(fehler, "Es fehlt die Datei.");
-    return werkzeug::Csv(datei, form, dateien, ausgabe, fehler);
-}
 
-int RufeListe(const std::string& befehl, std::span<const std::string> argumente, Dateisystem& dateien,
-              std::ostream& ausgabe, std::ostream& fehler) {
-    if (argumente.empty()) return FalscherAufruf(fehler, "Es fehlt eine Datei oder ein Ordner.");
-    for (const std::string& argument : argumente) {
-        if (IstSchalter(argument)) return FalscherAufruf(fehler, "Unbekannter Schalter: " + argument);
-    }
-    if (befehl == "info") return werkzeug::Info(argumente, dateien, ausgabe, fehler);
-    if (befehl == "tabelle") return werkzeug::Tabelle(argumente, dateien, ausgabe, fehler);
-    return werkzeug::Check(argumente, dateien, ausgabe, fehler);
-}
+private:
+    using Listenbefehl = int (*)(std::span<const std::string>, Dateisystem&, std::ostream&, std::ostream&);
 
-int Fuehre(const std::vector<std::string>& argumente, const std::string& version, Dateisystem& dateien,
-           std::ostream& ausgabe, std::ostream& fehler) {
-    if (argumente.empty()) return FalscherAufruf(fehler, "Es fehlt ein Befehl.");
-    const std::string& befehl = argumente.front();
-    const auto rest = std::span(argumente).subspan(1);
-    if (befehl == "--help" || befehl == "-h") {
-        ausgabe << Hilfe;
-        return werkzeug::Gut;
+    void Deutsch() {
+        const auto worte = std::make_shared<CLI::Formatter>();
+        for (const auto& [englisch, deutsch] :
+             std::initializer_list<std::pair<const char*, const char*>>{{"Usage", "Aufruf"},
+                                                                        {"Positionals", "Angaben"},
+                                                                        {"Options", "Schalter"},
+                                                                        {"OPTIONS", "SCHALTER"},
+                                                                        {"SUBCOMMAND", "BEFEHL"},
+                                                                        {"SUBCOMMANDS", "BEFEHLE"},
+                                                                        {"Subcommands", "Befehle"},
+                                                                        {"REQUIRED", ""}})
+            worte->label(englisch, deutsch);
+        worte->column_width(26);
+        app_.formatter(worte);
+        app_.option_defaults()->group("Schalter");
     }
-    if (befehl == "--version") {
-        ausgabe << "zek " << version << "\n";
-        return werkzeug::Gut;
+
+    CLI::App* Befehl(const char* name, const char* hilfe, std::function<int()> was) {
+        CLI::App* befehl = app_.add_subcommand(name, hilfe);
+        befehl->group("Befehle");
+        befehl->get_help_ptr()->group("Schalter");
+        befehl->callback([this, was = std::move(was)] { wunsch_.Befehl = was; });
+        return befehl;
     }
-    if (befehl == "gaps") {
-        std::string grund;
-        const int ergebnis = werkzeug::RufeLuecken(rest, dateien, ausgabe, fehler, grund);
-        return grund.empty() ? ergebnis : FalscherAufruf(fehler, grund);
+
+    CLI::App* Liste(const char* name, const char* hilfe, Listenbefehl was) {
+        CLI::App* befehl = Befehl(name, hilfe, [this, was] { return was(wunsch_.Pfade, dateien_, ausgabe_, fehler_); });
+        befehl->add_option("DATEI|ORDNER", wunsch_.Pfade, "Datendateien, oder Ordner mit allen darunter")
+            ->required()
+            ->type_name("");
+        return befehl;
     }
-    if (befehl == "csv") return RufeCsv(rest, dateien, ausgabe, fehler);
-    if (befehl == "info" || befehl == "tabelle" || befehl == "check")
-        return RufeListe(befehl, rest, dateien, ausgabe, fehler);
-    return FalscherAufruf(fehler, "Unbekannter Befehl: " + befehl);
-}
+
+    void Csv() {
+        CLI::App* befehl = Befehl("csv", "alle Datensätze einer Datei als CSV auf die Standardausgabe", [this] {
+            return werkzeug::Csv(wunsch_.Datei, wunsch_.Zeit, dateien_, ausgabe_, fehler_);
+        });
+        const std::map<std::string, Zeitform> formen{{"deutsch", Zeitform::Deutsch}, {"iso", Zeitform::Iso}};
+        befehl
+            ->add_option_function<std::string>(
+                "--zeit", [this, formen](const std::string& text) { wunsch_.Zeit = formen.at(text); },
+                "Form der Zeiten und Zahlen: deutsch (Vorgabe) oder iso")
+            ->type_name("FORM")
+            ->check([formen](const std::string& text) {
+                return formen.count(text) == 1 ? std::string() : "nur „deutsch“ oder „iso“, nicht „" + text + "“";
+            });
+        befehl->add_option("DATEI", wunsch_.Datei, "die Datendatei")->required()->type_name("");
+        befehl->footer(HinweiseCsv);
+    }
+
+    void Luecken() {
+        Lueckenfrage& frage = wunsch_.Luecken;
+        CLI::App* befehl = Befehl("luecken", "was ein Datenordner lückenlos hat, was ergänzt wurde und was fehlt",
+                                  [this] { return SieheLueckenAn(); });
+        befehl->alias("gaps")->alias("lücken");
+        befehl->add_flag("--csv", frage.Csv, "als CSV statt als Bericht");
+        Tag(*befehl, "--von", frage.Von, "erster Tag, der zählt");
+        Tag(*befehl, "--bis", frage.Bis, "letzter Tag, der zählt");
+        befehl->add_option("--titel", frage.Muster, "nur Titel, deren Dateiname passt; * und ? sind erlaubt")
+            ->type_name("MUSTER");
+        befehl->add_option("ORDNER", frage.Ordner, "der Datenordner")->required()->type_name("");
+        befehl->footer(HinweiseLuecken);
+    }
+
+    static void Tag(CLI::App& befehl, const char* name, Datum& ziel, const char* hilfe) {
+        befehl
+            .add_option_function<std::string>(
+                name, [&ziel](const std::string& text) { ziel = DatumAusText(text).value_or(0); }, hilfe)
+            ->type_name("DATUM")
+            ->check([](const std::string& text) {
+                return DatumAusText(text).value_or(0) >= 1 ? std::string() : "kein Datum: „" + text + "“";
+            });
+    }
+
+    int SieheLueckenAn() {
+        const Lueckenfrage& frage = wunsch_.Luecken;
+        if (frage.Von != 0 && frage.Bis != 0 && frage.Bis < frage.Von) return FalscherAufruf("--bis liegt vor --von.");
+        return werkzeug::Luecken(frage, dateien_, ausgabe_, fehler_);
+    }
+
+    // The library's words are English; what they are about stands in front of their first colon.
+    std::string Grund(const CLI::ParseError& fehler) const {
+        const std::string text = fehler.what();
+        const std::string name = text.substr(0, text.find(':'));
+        if (const auto uebrig = app_.remaining(true); !uebrig.empty())
+            return (app_.get_subcommands().empty() && uebrig.front().front() != '-' ? "Unbekannter Befehl: "
+                                                                                    : "Überzählig oder unbekannt: ") +
+                   uebrig.front();
+        if (dynamic_cast<const CLI::RequiredError*>(&fehler) != nullptr)
+            return "Es fehlt: " + text.substr(0, text.find(' '));
+        if (dynamic_cast<const CLI::ArgumentMismatch*>(&fehler) != nullptr)
+            return "Hinter " + name + " fehlt die Angabe.";
+        return text;
+    }
+
+    int FalscherAufruf(const std::string& grund) {
+        fehler_ << "zek: " << grund << "\nHilfe: zek --hilfe\n";
+        return werkzeug::Fehlgeschlagen;
+    }
+
+    Dateisystem& dateien_;
+    std::ostream& ausgabe_;
+    std::ostream& fehler_;
+    CLI::App app_{"zek - Datendateien von Tessaron ZEK ansehen und prüfen", "zek"};
+    Wunsch wunsch_;
+    bool version_ = false;
+};
 
 }  // namespace
 
 int Werkzeug(const std::vector<std::string>& argumente, const std::string& version, Dateisystem& dateien,
              std::ostream& ausgabe, std::ostream& fehler) {
-    const int ergebnis = Fuehre(argumente, version, dateien, ausgabe, fehler);
+    const int ergebnis = Befehlszeile(dateien, ausgabe, fehler).Fuehre(argumente, version);
     ausgabe.flush();
     if (ausgabe.good()) return ergebnis;
     fehler << "zek: Die Ausgabe kann nicht geschrieben werden.\n";

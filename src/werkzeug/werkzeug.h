@@ -3,9 +3,10 @@
 //   zek info FILE|DIR...                       header, records, span and damage of each file
 //   zek tabelle FILE|DIR...                    one line for each file, its last price with it
 //   zek csv [--zeit deutsch|iso] FILE          all records as CSV
-//   zek check DIR...                           damage of every file below the folders
-//   zek gaps [--csv] [--von D] [--bis D] [--titel PATTERN] DIR     what is recorded, filled and missing, and why
-//   zek --help, zek --version
+//   zek pruefe DIR...                          damage of every file below the folders; also "check"
+//   zek luecken [--csv] [--von D] [--bis D] [--titel PATTERN] DIR  what is recorded, filled and missing, and why; also
+//                                              "gaps"
+//   zek [COMMAND] --hilfe, zek --version
 #pragma once
 
 #include "platform/dateisystem.h"

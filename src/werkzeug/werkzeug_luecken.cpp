@@ -452,37 +452,4 @@ int Luecken(const Lueckenfrage& frage, Dateisystem& dateien, std::ostream& ausga
     return bericht.EtwasFehlt() ? Beanstandet : Gut;
 }
 
-int RufeLuecken(std::span<const std::string> argumente, Dateisystem& dateien, std::ostream& ausgabe,
-                std::ostream& fehler, std::string& grund) {
-    Lueckenfrage frage;
-    const auto scheitere = [&](std::string text) {
-        grund = std::move(text);
-        return Fehlgeschlagen;
-    };
-    for (std::size_t i = 0; i < argumente.size(); ++i) {
-        const std::string& argument = argumente[i];
-        if (argument == "--csv") {
-            frage.Csv = true;
-        } else if (argument == "--von" || argument == "--bis" || argument == "--titel") {
-            if (++i == argumente.size()) return scheitere("Hinter " + argument + " fehlt die Angabe.");
-            if (argument == "--titel") {
-                frage.Muster = argumente[i];
-                continue;
-            }
-            const auto tag = DatumAusText(argumente[i]);
-            if (!tag || *tag < 1) return scheitere("Kein Datum: " + argumente[i]);
-            (argument == "--von" ? frage.Von : frage.Bis) = *tag;
-        } else if (argument.size() > 1 && argument.front() == '-') {
-            return scheitere("Unbekannter Schalter: " + argument);
-        } else if (!frage.Ordner.empty()) {
-            return scheitere("gaps sieht genau einen Ordner an.");
-        } else {
-            frage.Ordner = argument;
-        }
-    }
-    if (frage.Ordner.empty()) return scheitere("Es fehlt der Datenordner.");
-    if (frage.Von != 0 && frage.Bis != 0 && frage.Bis < frage.Von) return scheitere("--bis liegt vor --von.");
-    return Luecken(frage, dateien, ausgabe, fehler);
-}
-
 }  // namespace zek::werkzeug

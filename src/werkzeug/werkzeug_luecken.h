@@ -13,7 +13,6 @@
 #include "platform/uhr.h"
 
 #include <ostream>
-#include <span>
 #include <string>
 
 namespace zek::werkzeug {
@@ -27,9 +26,5 @@ struct Lueckenfrage {
 };
 
 int Luecken(const Lueckenfrage& frage, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
-
-// The same on arguments behind the command. What is wrong with them comes in `grund`, and 2.
-int RufeLuecken(std::span<const std::string> argumente, Dateisystem& dateien, std::ostream& ausgabe,
-                std::ostream& fehler, std::string& grund);
 
 }  // namespace zek::werkzeug

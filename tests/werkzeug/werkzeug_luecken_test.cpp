@@ -160,7 +160,7 @@ TEST_F(GapsTest, WithoutABookOrATitleThereIsNothingToSay) {
                                                    {"--x", "/d"},
                                                    {"--von", "17.11.2026", "--bis", "16.11.2026", "/d"}}) {
         EXPECT_EQ(Gaps(falsch), 2);
-        EXPECT_THAT(fehler.str(), HasSubstr("Hilfe: zek --help\n"));
+        EXPECT_THAT(fehler.str(), HasSubstr("Hilfe: zek --hilfe\n"));
     }
 }
 

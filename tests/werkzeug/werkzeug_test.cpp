@@ -159,8 +159,12 @@ TEST_F(WerkzeugTest, AFullOutputGivesTwo) {
 }
 
 TEST_F(WerkzeugTest, HelpAndVersionAreAnswersAndWrongUseIsAnError) {
-    EXPECT_EQ(Zek({"--help"}), 0);
-    EXPECT_TRUE(Enthaelt("zek csv [--zeit deutsch|iso] DATEI"));
+    for (const char* schalter : {"--hilfe", "--help", "-h"}) {
+        EXPECT_EQ(Zek({schalter}), 0);
+        EXPECT_TRUE(Enthaelt("Aufruf: zek [SCHALTER] [BEFEHL]\n"));
+        for (const char* befehl : {"info", "tabelle", "csv", "pruefe", "luecken"}) EXPECT_TRUE(Enthaelt(befehl));
+        for (const char* fremd : {"Usage", "Option", "Subcommand"}) EXPECT_FALSE(Enthaelt(fremd)) << fremd;
+    }
     EXPECT_EQ(Zek({"--version"}), 0);
     EXPECT_EQ(Aus(), "zek 1.2.3\n");
     const std::vector<std::vector<std::string>> falsche = {{},
@@ -174,8 +178,52 @@ TEST_F(WerkzeugTest, HelpAndVersionAreAnswersAndWrongUseIsAnError) {
                                                            {"csv", "--kurz", "a"}};
     for (const auto& argumente : falsche) {
         EXPECT_EQ(Zek(argumente), 2);
-        EXPECT_NE(Fehler().find("Hilfe: zek --help\n"), std::string::npos);
+        EXPECT_NE(Fehler().find("Hilfe: zek --hilfe\n"), std::string::npos);
         EXPECT_EQ(Aus(), "");
+    }
+}
+
+TEST_F(WerkzeugTest, EachCommandHasAHelpOfItsOwnInGerman) {
+    const std::map<std::string, std::vector<std::string>> worte{
+        {"info", {"Aufruf: zek info", "DATEI|ORDNER", "Kopf, Datensätze, Zeitraum und Zustand"}},
+        {"tabelle", {"Aufruf: zek tabelle", "eine Zeile je Datei"}},
+        {"csv", {"Aufruf: zek csv", "--zeit FORM", "2026-11-15T18:21:53.250,5012.25,3"}},
+        {"pruefe", {"Aufruf: zek pruefe", "Rückgabewert 0: alles in Ordnung; 1: beschädigte Dateien"}},
+        {"luecken",
+         {"Aufruf: zek luecken", "--von DATUM", "--bis DATUM", "--titel MUSTER", "--csv",
+          "Rückgabewert 0: es fehlt nichts; 1: es fehlt etwas"}}};
+    for (const auto& [befehl, alle] : worte) {
+        EXPECT_EQ(Zek({befehl, "--hilfe"}), 0) << befehl;
+        for (const std::string& wort : alle) EXPECT_TRUE(Enthaelt(wort)) << befehl << ": " << wort << "\n" << Aus();
+        for (const char* fremd : {"Usage", "Option", "REQUIRED", "Positional", "Subcommand", "help message"})
+            EXPECT_FALSE(Enthaelt(fremd)) << befehl << ": " << fremd << "\n" << Aus();
+    }
+}
+
+TEST_F(WerkzeugTest, TheFormerNamesOfCommandsGoOnWorking) {
+    ram.LegeDateiAn("/d/x.ZEK", DaxDatei(2));
+    EXPECT_EQ(Zek({"check", "/d"}), 0);
+    const std::string wie = Aus();
+    EXPECT_EQ(Zek({"pruefe", "/d"}), 0);
+    EXPECT_EQ(Aus(), wie);
+    EXPECT_EQ(Zek({"prüfe", "/d"}), 0);
+    for (const char* name : {"gaps", "luecken", "lücken"}) EXPECT_EQ(Zek({name, "/fehlt"}), 2) << name;
+    EXPECT_EQ(Fehler(), "zek: /fehlt: nicht gefunden\n");
+}
+
+TEST_F(WerkzeugTest, WhatIsWrongIsSaidInGerman) {
+    const std::vector<std::pair<std::vector<std::string>, std::string>> falsche{
+        {{}, "Es fehlt ein Befehl."},
+        {{"infos"}, "Unbekannter Befehl: infos"},
+        {{"info"}, "Es fehlt: DATEI|ORDNER"},
+        {{"info", "--lang", "/d"}, "Überzählig oder unbekannt: --lang"},
+        {{"csv", "--zeit"}, "Hinter --zeit fehlt die Angabe."},
+        {{"csv", "--zeit", "utc", "a"}, "--zeit: nur „deutsch“ oder „iso“, nicht „utc“"},
+        {{"csv", "a", "b"}, "Überzählig oder unbekannt: b"},
+        {{"gaps", "--von", "nie", "/d"}, "--von: kein Datum: „nie“"}};
+    for (const auto& [argumente, grund] : falsche) {
+        EXPECT_EQ(Zek(argumente), 2);
+        EXPECT_EQ(Fehler(), "zek: " + grund + "\nHilfe: zek --hilfe\n");
     }
 }
 
