@@ -13,6 +13,10 @@ std::int64_t Dateisystem::LiesAn(Dateihandle handle, std::int64_t stelle, std::s
     return erreicht < 0 ? erreicht : Lies(handle, ziel);
 }
 
+int Dateisystem::BeginneSicherung(const std::string&, const std::string&, const std::string&) {
+    return -ENOSYS;
+}
+
 std::string OhneGrossKlein(Dateisystem& dateien, const std::string& pfad) {
     if (dateien.DateiExistiert(pfad) || dateien.OrdnerExistiert(pfad)) return pfad;
     std::string_view ohneEnde = pfad;

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -73,6 +74,11 @@ public:
     virtual int BenenneUm(const std::string& von, const std::string& nach) = 0;
     // Free bytes that this user may use, or -errno.
     virtual std::int64_t FreierPlatz(const std::string& ordner) = 0;
+    // Begins to bring all that lies below a folder to the disk, beside this thread, and then to write a text over the
+    // beginning of a file. 0, -EBUSY while an earlier one goes on, or -errno.
+    virtual int BeginneSicherung(const std::string& ordner, const std::string& marke, const std::string& text);
+    // How it came out: 0 or -errno, once; empty before, and when none was begun.
+    virtual std::optional<int> Sicherungsergebnis() { return std::nullopt; }
     // Entries of a folder without "." and "..", in no order; empty when it can't be read.
     virtual std::vector<Verzeichniseintrag> Liste(const std::string& ordner) = 0;
 };

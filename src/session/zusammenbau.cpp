@@ -17,7 +17,7 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
       neustartbruecke_(*this, um.Einstellungen, um.Entladen),
       rundenbruecke_(*this, um.Einstellungen, um.Gesicht),
       datenpflegebruecke_(um.Einstellungen, um.Gesicht),
-      Luecken(um.Modul, um.Plattform.Dateien, um.Plattform.Uhr),
+      Luecken(um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Status),
       Ablage(um.Modul, um.Plattform.Dateien, um.Status, VorzeichenVolumen, &Luecken),
       Atomuhr(um.Modul, um.Plattform.Uhr, um.Plattform.Tcp, um.Status),
       Neustarter(um.Modul, um.Plattform.Uhr, um.Plattform.Pumpe, um.Plattform.Dateien, um.Plattform.Prozesse, um.Status,

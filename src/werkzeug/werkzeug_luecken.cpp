@@ -2,6 +2,7 @@
 
 #include "datafiles/dateikopf.h"
 #include "datafiles/dateinamen.h"
+#include "luecken/buchdateien.h"
 #include "luecken/lueckenbuch.h"
 #include "luecken/zeitspannen.h"
 #include "platform/datum.h"
@@ -310,7 +311,7 @@ private:
     void SammleEintraege() {
         for (const Lueckenzeile& zeile : bestand_.Zeilen) {
             const Wertung wertung = zeile.Bedeutung();
-            if (wertung == Wertung::Hinweis || wertung == Wertung::Pflege) continue;
+            if (wertung != Wertung::Luecke && wertung != Wertung::Gewollt) continue;
             if (!zeile.FuerAlle() && !bestand_.Titel.contains(Kleinbuchstaben(zeile.Titel))) continue;
             const Zeitspannen gesehen =
                 Zeitspannen(Zeitspannen::Aus(zeile.Von), werkzeug::Bis(zeile, bestand_.Stand)).Schnitt(rahmen_);
@@ -346,7 +347,7 @@ private:
         std::string text = e.Zeile.IstOffen() && e.Fehlend == 0 ? "seit eben" : "ergänzt";
         if (wertung == Wertung::Gewollt)
             text = "gewollt";
-        else if (wertung == Wertung::Nebenbei)
+        else if (e.Zeile.Ursache.starts_with(ursache::TiefeAbgelehnt))
             text = "betrifft nur die Markttiefe";
         else if (e.Fehlend > 0)
             text = (e.Fehlend < e.Bis - e.Von ? "es fehlen " + Dauertext(e.Fehlend) : "fehlt") + Gruende(e);

@@ -1,8 +1,10 @@
 #include "luecken/lueckenbuch.h"
+#include "luecken/buchdateien.h"
 
 #include "hilfen/ram_dateisystem.h"
 #include "hilfen/stoerdateisystem.h"
 #include "hilfen/virtuelle_welt.h"
+#include "luecken/aufzeichnungsweise.h"
 #include "luecken/zeitspannen.h"
 #include "platform/datum.h"
 
@@ -100,6 +102,11 @@ TEST_F(LueckenbuchTest, ALineTornAtAnyLengthIsNeverReadAndHurtsNoOther) {
     }
 }
 
+TEST_F(LueckenbuchTest, ALineThatBeginsBeforeAllRecordingIsNotWritten) {
+    buch.Schreibe({0, Um(10, 0), "ES", "Noch keine Kurse", ""});
+    EXPECT_THAT(ram.Dateien(), IsEmpty());
+}
+
 TEST_F(LueckenbuchTest, WhatCannotBeWrittenWaitsForTheNextLine) {
     const auto zeile = [](int minute) {
         return Lueckenzeile{Um(10, minute), Um(10, minute + 1), "*", "TWS offline", ""};
@@ -167,12 +174,58 @@ TEST(Lueckenzeile, TheCauseTellsWhatItMeansAndUnknownOnesAreGaps) {
     EXPECT_EQ(bedeutung("TWS offline"), Wertung::Luecke);
     EXPECT_EQ(bedeutung("Abonnement abgelehnt (354)"), Wertung::Luecke);
     EXPECT_EQ(bedeutung("Aufzeichnungspause"), Wertung::Gewollt);
-    EXPECT_EQ(bedeutung("Markttiefe abgelehnt (309)"), Wertung::Nebenbei);
+    EXPECT_EQ(bedeutung("Markttiefe abgelehnt (309)"), Wertung::Luecke);
+    EXPECT_EQ(bedeutung("Titel aktiv"), Wertung::Angabe);
     EXPECT_EQ(bedeutung("Programmstart"), Wertung::Hinweis);
     EXPECT_EQ(bedeutung("Datenpflege Geld"), Wertung::Pflege);
     EXPECT_EQ(bedeutung("Sonnenfinsternis"), Wertung::Luecke);
     EXPECT_EQ((Lueckenzeile{1, 2, "*", "Datenpflege Geld", ""}.Zusatz()), "Geld");
     EXPECT_EQ((Lueckenzeile{1, 2, "*", "TWS offline", ""}.Zusatz()), "");
+}
+
+TEST(Lueckenzeile, TheCauseTellsWhichKindsItConcerns) {
+    EXPECT_EQ(ArtenVon("TWS offline"), artmenge::Alle);
+    EXPECT_EQ(ArtenVon("Abonnement abgelehnt (354)"), artmenge::Alle);
+    EXPECT_EQ(ArtenVon("Marktdatenfarm gestört (usfarm)"), artmenge::Alle);
+    EXPECT_EQ(ArtenVon("Markttiefe abgelehnt (309)"), artmenge::Markttiefe);
+    EXPECT_EQ(ArtenVon("Speichern fehlgeschlagen BAVolume"), artmenge::BAVolume);
+    EXPECT_EQ(ArtenVon("Speichern fehlgeschlagen Kurszettel"), artmenge::Alle) << "a kind of a later version";
+}
+
+TEST(Lueckenzeile, ALineOfDayZeroIsNoneAndIsNeverWritten) {
+    Zeilenteile teile;
+    EXPECT_EQ(ZerlegeLueckenzeile("30.12.1899 00:00:00,000\t16.11.2026 10:00:00,000\tES\tNoch keine Kurse\t", teile),
+              Zeilenart::Vorzeitig);
+    EXPECT_EQ(ZerlegeLueckenzeile("31.12.1999 23:59:59,999\t\tES\tNoch keine Kurse\t", teile), Zeilenart::Vorzeitig);
+    EXPECT_EQ(ZerlegeLueckenzeile("01.01.2000 00:00:00,000\t\tES\tNoch keine Kurse\t", teile), Zeilenart::Gut);
+}
+
+TEST(AufzeichnungsweiseTest, TheWayATitleIsRecordedIsWrittenAndReadBack) {
+    clTitelobjekt titel;
+    EXPECT_EQ(Weisetext(WeiseVon(titel)), "Bezahlt");
+    titel.BidAsk = titel.UseMarkttiefe = true;
+    titel.ZeitKorrektur = Uhrzeit(6, 0);
+    titel.StartZeit = Uhrzeit(9, 30, 0.25);
+    const std::string text =
+        "Bezahlt, Brief, Geld, BAVolume, Markttiefe; Zeitkorrektur +06:00:00,000; Startzeit 09:30:00,250";
+    EXPECT_EQ(Weisetext(WeiseVon(titel)), text);
+    EXPECT_EQ(LiesWeise(text), WeiseVon(titel));
+    titel.ZeitKorrektur = -Uhrzeit(1, 0, 0.5);
+    EXPECT_EQ(Weisetext(WeiseVon(titel)),
+              "Bezahlt, Brief, Geld, BAVolume, Markttiefe; Zeitkorrektur -01:00:00,500; Startzeit 09:30:00,250");
+    EXPECT_EQ(LiesWeise(Weisetext(WeiseVon(titel))), WeiseVon(titel));
+    EXPECT_EQ(LiesWeise("Unfug; Startzeit nie; ; Brief"), (Aufzeichnungsweise{artmenge::Brief, 0, 0}));
+}
+
+TEST(AufzeichnungsweiseTest, BeforeItsStartTimeOnTheCorrectedClockNothingIsRecorded) {
+    const auto ruhe = [](int korrektur, int start) {
+        return Aufzeichnungsweise{1, korrektur * 3600000, start * 3600000}.Ruhe() / 3600000;
+    };
+    EXPECT_EQ(ruhe(0, 9), 9);
+    EXPECT_EQ(ruhe(6, 9), 3);
+    EXPECT_EQ(ruhe(6, 0), 0);
+    EXPECT_EQ(ruhe(-2, 0), 2) << "the corrected time of day is below midnight until then";
+    EXPECT_EQ(ruhe(-6, 20), 24);
 }
 
 TEST(ZeitspannenTest, UniteCutAndTakeAway) {

@@ -1,5 +1,6 @@
 // The evidence of gaps against the truth: what the market had and the files don't have lies in a named gap, and what
 // the files have doesn't.
+#include "luecken/buchdateien.h"
 #include "luecken/lueckenbuch.h"
 #include "luecken/zeitspannen.h"
 #include "szenario/rekorderwelt.h"

@@ -2,6 +2,7 @@
 // behind them: is every record there once, or is its time named?
 #include "szenario/orakel.h"
 
+#include "luecken/buchdateien.h"
 #include "luecken/lueckenbuch.h"
 
 #include <gtest/gtest.h>

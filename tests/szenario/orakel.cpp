@@ -1,6 +1,7 @@
 #include "szenario/orakel.h"
 
 #include "datafiles/dateikopf.h"
+#include "luecken/buchdateien.h"
 #include "luecken/lueckenbuch.h"
 
 #include <algorithm>

@@ -1,0 +1,58 @@
+#include "supervision/lebenszeichengeber.h"
+
+#include "supervision/offeneluecken.h"
+
+#include <cmath>
+
+namespace zek {
+
+void Lebenszeichengeber::Beginne(Datum jetzt) {
+    rechnerstart_ = Rechnerstart(dateien_);
+    zuletzt_ = jetzt;
+}
+
+// Records, lines of the evidence, and bars of a backfill.
+bool Lebenszeichengeber::IstNeues() {
+    const bool saetze = modul_.Kursanzahl != kursanzahl_;
+    if (saetze) datenBis_ = modul_.LetzteDatenZeit;
+    const bool neu = saetze || buch_.Geschrieben() != geschrieben_ || modul_.DatenpflegeLaeuft;
+    kursanzahl_ = modul_.Kursanzahl;
+    geschrieben_ = buch_.Geschrieben();
+    return neu;
+}
+
+void Lebenszeichengeber::Pruefe(Datum jetzt) {
+    neues_ = IstNeues() || neues_;
+    if (laeuft_) {
+        const auto ergebnis = dateien_.Sicherungsergebnis();
+        if (!ergebnis) return;
+        laeuft_ = false;
+        gesichert_ = *ergebnis == 0;
+    }
+    const double vergangen = std::fabs(SekundenZwischen(zuletzt_, jetzt));
+    if (vergangen < Takt - 0.5 || (!neues_ && vergangen < Ruhetakt - 0.5)) return;
+    if (neues_)
+        BeginneSicherung(jetzt);
+    else
+        GibZeichen(jetzt);
+}
+
+void Lebenszeichengeber::BeginneSicherung(Datum jetzt) {
+    const std::string ordner = Lueckenpfad(modul_.Datenordner);
+    const Lebenszeichen zeichen{Zeitspannen::Aus(jetzt), Zeitspannen::Aus(datenBis_), rechnerstart_};
+    laeuft_ = dateien_.BeginneSicherung(modul_.Datenordner, ordner + std::string(Lebenszeichendatei),
+                                        Lebenszeichentext(zeichen)) == 0;
+    zuletzt_ = jetzt;
+    neues_ = false;
+    gesichert_ = false;
+    if (!laeuft_) GibZeichen(jetzt);
+}
+
+void Lebenszeichengeber::GibZeichen(Datum jetzt) {
+    Lebenszeichen zeichen{Zeitspannen::Aus(jetzt), std::nullopt, rechnerstart_};
+    if (gesichert_) zeichen.Daten = Zeitspannen::Aus(datenBis_);
+    SchreibeLebenszeichen(dateien_, Lueckenpfad(modul_.Datenordner), zeichen);
+    zuletzt_ = jetzt;
+}
+
+}  // namespace zek

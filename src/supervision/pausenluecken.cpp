@@ -1,0 +1,37 @@
+#include "supervision/pausenluecken.h"
+
+#include "feed/aufzeichnung.h"
+
+#include <algorithm>
+
+namespace zek {
+
+Pausenluecken::Pausenluecken(const IBModul& modul, OffeneLuecken& offen) : modul_(modul), offen_(offen) {
+    probe_.AufzeichnungspauseVerwenden = true;
+}
+
+void Pausenluecken::Pruefe(Datum jetzt, Datum zuletzt) {
+    const Einstellungen& e = modul_.Einstellungen;
+    if (!e.KursAufzeichnungDeaktivieren && !pausiert_) return;
+    const bool fuerAlle = e.KursAufzeichnungDeaktivieren && e.AufzeichnungsPauseBoersen.empty();
+    pausiert_ = PauseFuer(AlleTitel, fuerAlle && ZeitfensterAktiv(e, probe_, jetzt), jetzt, zuletzt);
+    for (const auto& titel : modul_.Titelliste) {
+        if (titel->Dateiname.empty()) continue;
+        const bool aktiv = !fuerAlle && titel->Aktiv() && ZeitfensterAktiv(e, *titel, jetzt);
+        if (PauseFuer(titel->Dateiname, aktiv, jetzt, zuletzt)) pausiert_ = true;
+    }
+}
+
+// A pause begins and ends at its clock times, not at the second that sees it.
+bool Pausenluecken::PauseFuer(const std::string& name, bool aktiv, Datum jetzt, Datum zuletzt) {
+    if (aktiv == offen_.IstOffen(name, ursache::Aufzeichnungspause)) return aktiv;
+    const Datum grenze = aktiv ? modul_.Einstellungen.KeineAufzeichungStart : modul_.Einstellungen.KeineAufzeichungEnde;
+    const Datum zeit = std::max(ZuletztUm(grenze, jetzt), std::min(zuletzt, jetzt));
+    if (aktiv)
+        offen_.Oeffne(name, ursache::Aufzeichnungspause, zeit);
+    else
+        offen_.Schliesse(name, ursache::Aufzeichnungspause, zeit);
+    return aktiv;
+}
+
+}  // namespace zek

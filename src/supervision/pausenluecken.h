@@ -1,0 +1,25 @@
+// The recording pause of the settings, which is wanted: of all titles, or of those of some exchanges.
+#pragma once
+
+#include "modul/ibmodul.h"
+#include "supervision/offeneluecken.h"
+
+namespace zek {
+
+class Pausenluecken {
+public:
+    Pausenluecken(const IBModul& modul, OffeneLuecken& offen);
+
+    // Once a second; `zuletzt` is the look before.
+    void Pruefe(Datum jetzt, Datum zuletzt);
+
+private:
+    bool PauseFuer(const std::string& name, bool aktiv, Datum jetzt, Datum zuletzt);
+
+    const IBModul& modul_;
+    OffeneLuecken& offen_;
+    bool pausiert_ = false;
+    clTitelobjekt probe_;  // takes part in the pause
+};
+
+}  // namespace zek

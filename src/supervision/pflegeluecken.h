@@ -1,0 +1,30 @@
+// What backfills do to gaps: what they filled, what their merges cost, and that one is going on.
+#pragma once
+
+#include "backfill/lauf.h"
+#include "supervision/offeneluecken.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+
+namespace zek {
+
+// Counts also behind the end of the program's recording: a run may still be on the stack.
+class Pflegeluecken {
+public:
+    Pflegeluecken(Lueckenbuch& buch, const Uhr& uhr) : buch_(buch), uhr_(uhr) {}
+
+    void Ergebnis(const Datenpflegeergebnis& ergebnis);
+    void EinarbeitenVerlor(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
+    void EinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
+    void EinarbeitenBeendet(const clTitelobjekt& titel, std::int32_t kursart);
+
+private:
+    Lueckenbuch& buch_;
+    const Uhr& uhr_;
+    std::map<std::pair<std::string, std::int32_t>, Lueckenzeile> laufende_;  // merges, by title and kind
+};
+
+}  // namespace zek

@@ -1,0 +1,54 @@
+// The connection as a cause of gaps: it is lost, the TWS is cut off, or no ticks come over one that stands. All of it
+// concerns all titles.
+#pragma once
+
+#include "modul/ibmodul.h"
+#include "supervision/offeneluecken.h"
+
+namespace zek {
+
+class Stromluecken {
+public:
+    Stromluecken(IBModul& modul, OffeneLuecken& offen);
+
+    // What the titles make of the connection.
+    struct Titellage {
+        std::size_t Aktive = 0;
+        std::size_t Abonnierte = 0;
+    };
+
+    // The program starts, and isn't connected.
+    void Beginne(Datum jetzt);
+    // False when it was lost already.
+    bool VerbindungWeg(Datum jetzt, const Titellage& lage);
+    void TwsIstOffline(Datum jetzt, const Titellage& lage);
+    // `datenErhalten`: the streams go on; otherwise they stay dead until they are asked for again.
+    void TwsIstWiederDa(bool datenErhalten, Datum jetzt, const Titellage& lage);
+    // A title is asked for. True when that is the first one behind a loss of all streams.
+    bool Abonniert(Datum jetzt);
+    // Nothing will be subscribed that could end a lack of connection.
+    void NichtsZuAbonnieren(Datum jetzt);
+    // Until then a lack of ticks means nothing.
+    void RuheBis(Datum zeit) { ruheBis_ = zeit; }
+    // Once a second.
+    void Pruefe(Datum jetzt, const Titellage& lage);
+
+private:
+    bool Steht() const;
+    bool PauseFuerAlle(Datum jetzt) const;
+    Datum StromendeSpaetestens(Datum jetzt, const Titellage& lage) const;
+    void SchliesseOffline(Datum bis);
+    void PruefeOffline();
+    void PruefeKurse(Datum jetzt, const Titellage& lage);
+
+    IBModul& modul_;
+    OffeneLuecken& offen_;
+    Datum offlineSeit_ = 0;
+    Datum letztesAbo_ = 0;
+    Datum ruheBis_ = 0;
+    bool getrennt_ = false;      // the TWS is offline
+    bool datenWeg_ = false;      // it came back without streams, and they haven't been asked for since
+    clTitelobjekt pausenprobe_;  // takes part in the recording pause
+};
+
+}  // namespace zek

@@ -1,0 +1,270 @@
+#include "supervision/titelluecken.h"
+
+#include "datafiles/dateinamen.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace zek {
+
+namespace {
+
+// Messages that leave a title without its live stream, in whole or in part.
+constexpr std::array Ablehnungscodes{101, 200, 203, 321, 354, 10089, 10090, 10091, 10167, 10168, 10186, 10197};
+// A competing session: it takes a stream that stood.
+constexpr int Konkurrenz = 10197;
+// Messages that concern a title's depth only.
+constexpr std::array Tiefencodes{309, 310, 316, 10092};
+// An answer that comes later isn't one to the subscription.
+constexpr double AntwortSekunden = 30;
+// Waits that are over sooner become one line.
+constexpr double KurzesWarten = 2;
+// So long a new title may go without a tick until its recording counts from its switching on.
+constexpr double Anlaufzeit = 60;
+
+}  // namespace
+
+// ---- which titles there are
+
+Titelluecken::Titelstand* Titelluecken::Finde(const clTitelobjekt& titel) {
+    const auto ort = titel_.find(titel.id);
+    return ort == titel_.end() || ort->second.Name.empty() ? nullptr : &ort->second;
+}
+
+// Titles with the same base name write into the same files; the first one stands for all.
+void Titelluecken::LerneKennen(clTitelobjekt& titel, Datum jetzt) {
+    Titelstand& stand = titel_[titel.id];
+    if (!stand.Name.empty()) return;
+    const std::string name = Dateinamensbildung(titel, kursart::Basisname);
+    if (name.empty() || !namen_.try_emplace(name, titel.id).second) return;
+    stand.Name = name;
+    stand.Aktiv = offen_.IstOffen(name, ursache::TitelAktiv);
+    stand.Weise = LiesWeise(offen_.Ergaenzung(name, std::string(ursache::TitelAktiv)));
+    if (!stand.Aktiv && !titel.Aktiv()) offen_.Oeffne(name, ursache::TitelNichtAktiv, jetzt);
+}
+
+void Titelluecken::TitelGeladen(Datum start) {
+    geladen_ = true;
+    Pruefe(start);
+    VergissAlteNamen(start);
+}
+
+// Titles that were removed while the program didn't run.
+void Titelluecken::VergissAlteNamen(Datum start) {
+    for (const std::string& name : offen_.Titel(ursache::TitelAktiv)) {
+        if (namen_.contains(name)) continue;
+        offen_.Schliesse(name, ursache::TitelAktiv, start);
+        offen_.Oeffne(name, ursache::TitelNichtAktiv, start);
+    }
+}
+
+void Titelluecken::Pruefe(Datum jetzt) {
+    if (!geladen_) return;
+    aktive_ = 0;
+    for (const auto& titel : modul_.Titelliste) {
+        LerneKennen(*titel, jetzt);
+        Titelstand* stand = Finde(*titel);
+        if (stand == nullptr) continue;
+        PruefeTitel(*titel, *stand, jetzt);
+        aktive_ += stand->Aktiv ? 1 : 0;
+    }
+    if (titel_.size() > modul_.Titelliste.Anzahl()) EntferneVerschwundene(jetzt);
+    PruefeWartende(jetzt);
+    PruefeAblehnungen();
+}
+
+void Titelluecken::PruefeTitel(clTitelobjekt& titel, Titelstand& stand, Datum jetzt) {
+    if (!titel.Aktiv()) {
+        if (stand.Aktiv) SchalteAus(titel.id, stand, jetzt);
+        return;
+    }
+    if (!stand.Aktiv) {
+        stand.Aktiv = true;
+        stand.NeuSeit = jetzt;
+        offen_.Schliesse(stand.Name, ursache::TitelNichtAktiv, jetzt);
+    }
+    if (stand.NeuSeit > 0) return PruefeNeue(titel, stand, jetzt);
+    const Aufzeichnungsweise weise = WeiseVon(titel);
+    if (weise == stand.Weise) return;
+    stand.Weise = weise;
+    offen_.Schliesse(stand.Name, ursache::TitelAktiv, jetzt);
+    offen_.Oeffne(stand.Name, ursache::TitelAktiv, jetzt, Weisetext(weise));
+}
+
+// A title's recording counts from its first tick, when that comes soon.
+void Titelluecken::PruefeNeue(const clTitelobjekt& titel, Titelstand& stand, Datum jetzt) {
+    const Datum erster = titel.ErsterKursZeitpunkt;
+    if (erster == 0 && SekundenZwischen(stand.NeuSeit, jetzt) < Anlaufzeit) return;
+    stand.Weise = WeiseVon(titel);
+    offen_.Oeffne(stand.Name, ursache::TitelAktiv, erster != 0 ? erster : stand.NeuSeit, Weisetext(stand.Weise));
+    stand.NeuSeit = 0;
+}
+
+// It is off from the moment at which its stream was cancelled.
+void Titelluecken::SchalteAus(std::int32_t id, Titelstand& stand, Datum jetzt) {
+    const bool abbestellt = stand.WartetSeit > 0 && stand.WartetGrund == ursache::AbonnementErneuert;
+    const Datum aus = abbestellt ? stand.WartetSeit : jetzt;
+    BeendeWarten(id, stand, aus);
+    SchliesseAblehnung(stand, aus);
+    abgelehnte_.erase(id);
+    if (stand.NeuSeit == 0) offen_.Schliesse(stand.Name, ursache::TitelAktiv, aus);
+    stand.NeuSeit = 0;
+    stand.Aktiv = false;
+    offen_.Oeffne(stand.Name, ursache::TitelNichtAktiv, aus);
+}
+
+void Titelluecken::EntferneVerschwundene(Datum jetzt) {
+    for (auto ort = titel_.begin(); ort != titel_.end();) {
+        const std::int32_t id = ort->first;
+        if (modul_.Titelliste.Finde(id) != nullptr) {
+            ++ort;
+            continue;
+        }
+        if (ort->second.Aktiv) SchalteAus(id, ort->second, jetzt);
+        if (!ort->second.Name.empty()) namen_.erase(ort->second.Name);
+        abonnierte_.erase(id);
+        wartende_.erase(id);
+        ort = titel_.erase(ort);
+    }
+}
+
+// ---- waiting for the first tick
+
+void Titelluecken::LassWarten(std::int32_t id, Titelstand& stand, std::string_view grund, Datum seit) {
+    if (stand.WartetSeit > 0) return;
+    stand.WartetSeit = seit;
+    stand.WartetGrund = grund;
+    stand.WartetGeschrieben = false;
+    wartende_.insert(id);
+}
+
+void Titelluecken::BeendeWarten(std::int32_t id, Titelstand& stand, Datum bis) {
+    if (stand.WartetSeit == 0) return;
+    if (stand.WartetGeschrieben)
+        offen_.Schliesse(stand.Name, stand.WartetGrund, bis);
+    else if (AufMillisekunde(bis) > AufMillisekunde(stand.WartetSeit))
+        offen_.Schreibe(stand.WartetSeit, bis, stand.Name, std::string(stand.WartetGrund));
+    stand.WartetSeit = 0;
+    wartende_.erase(id);
+}
+
+void Titelluecken::PruefeWartende(Datum jetzt) {
+    for (const std::int32_t id : std::vector(wartende_.begin(), wartende_.end())) {
+        Titelstand& stand = titel_[id];
+        const clTitelobjekt* titel = modul_.Titelliste.Finde(id);
+        if (titel == nullptr) continue;
+        if (stand.Abonniert && titel->ErsterKursZeitpunkt != 0) {
+            BeendeWarten(id, stand, titel->ErsterKursZeitpunkt);
+        } else if (!stand.WartetGeschrieben && SekundenZwischen(stand.WartetSeit, jetzt) > KurzesWarten) {
+            offen_.Oeffne(stand.Name, stand.WartetGrund, stand.WartetSeit);
+            stand.WartetGeschrieben = true;
+        }
+    }
+}
+
+void Titelluecken::DurchgangBeginnt(Datum jetzt) {
+    durchgang_ = jetzt;
+    for (auto& [id, stand] : titel_)
+        if (stand.Aktiv && !stand.Name.empty()) LassWarten(id, stand, ursache::NochKeineKurse, jetzt);
+}
+
+void Titelluecken::Abonniert(const clTitelobjekt& titel, Datum jetzt) {
+    clTitelobjekt* objekt = modul_.Titelliste.Finde(titel.id);
+    if (objekt == nullptr) return;
+    LerneKennen(*objekt, jetzt);
+    objekt->ErsterKursZeitpunkt = 0;
+    Titelstand* stand = Finde(titel);
+    if (stand == nullptr) return;
+    stand->Abonniert = true;
+    stand->Abozeit = jetzt;
+    abonnierte_.insert(titel.id);
+    SchliesseAblehnung(*stand, jetzt);
+    abgelehnte_.erase(titel.id);
+    // While the titles are being loaded, all of them belong to the first pass.
+    LassWarten(titel.id, *stand, ursache::NochKeineKurse, !geladen_ && durchgang_ > 0 ? durchgang_ : jetzt);
+}
+
+void Titelluecken::Abbestellt(const clTitelobjekt& titel, Datum jetzt) {
+    Titelstand* stand = Finde(titel);
+    if (stand == nullptr || !stand->Abonniert) return;
+    stand->Abonniert = false;
+    abonnierte_.erase(titel.id);
+    SchliesseAblehnung(*stand, jetzt);
+    abgelehnte_.erase(titel.id);
+    LassWarten(titel.id, *stand, ursache::AbonnementErneuert, jetzt);
+}
+
+void Titelluecken::VerbindungWeg(Datum jetzt) {
+    for (auto& [id, stand] : titel_) {
+        stand.Abonniert = false;
+        BeendeWarten(id, stand, jetzt);
+        SchliesseAblehnung(stand, jetzt);
+    }
+    abgelehnte_.clear();
+    abonnierte_.clear();
+}
+
+void Titelluecken::Beende(Datum jetzt) {
+    for (auto& [id, stand] : titel_) {
+        if (stand.NeuSeit > 0) offen_.Oeffne(stand.Name, ursache::TitelAktiv, stand.NeuSeit, Weisetext(stand.Weise));
+        BeendeWarten(id, stand, jetzt);
+    }
+}
+
+std::vector<std::int32_t> Titelluecken::Laufende() const {
+    std::vector<std::int32_t> ids;
+    for (const auto& [id, stand] : titel_)
+        if (stand.Abonniert && stand.WartetSeit == 0 && stand.Abgelehnt.empty() && stand.NeuSeit == 0)
+            ids.push_back(id);
+    std::ranges::sort(ids);
+    return ids;
+}
+
+const std::string* Titelluecken::Name(std::int32_t id) const {
+    const auto ort = titel_.find(id);
+    return ort == titel_.end() || ort->second.Name.empty() ? nullptr : &ort->second.Name;
+}
+
+// ---- refusals
+
+void Titelluecken::Meldung(const clTitelobjekt& titel, int code, Datum jetzt) {
+    const bool kurse = std::ranges::find(Ablehnungscodes, code) != Ablehnungscodes.end();
+    const bool tiefe = std::ranges::find(Tiefencodes, code) != Tiefencodes.end();
+    Titelstand* stand = Finde(titel);
+    if (stand == nullptr || (!kurse && !tiefe)) return;
+    std::string& grund = kurse ? stand->Abgelehnt : stand->Tiefe;
+    if (!grund.empty()) return;
+    const bool antwort =
+        code != Konkurrenz && stand->Abonniert && SekundenZwischen(stand->Abozeit, jetzt) <= AntwortSekunden;
+    const Datum ab = antwort ? stand->Abozeit : jetzt;
+    grund = MitZusatz(kurse ? ursache::AbonnementAbgelehnt : ursache::TiefeAbgelehnt, "(" + std::to_string(code) + ")");
+    if (kurse) {
+        BeendeWarten(titel.id, *stand, ab);
+        abgelehnte_.insert(titel.id);
+        if (clTitelobjekt* objekt = modul_.Titelliste.Finde(titel.id)) objekt->ErsterKursZeitpunkt = 0;
+    }
+    offen_.Oeffne(stand->Name, grund, ab);
+}
+
+// Depth has no sign that it has come after all; its refusal lasts until it is asked for anew.
+void Titelluecken::SchliesseAblehnung(Titelstand& stand, Datum bis) {
+    for (std::string* grund : {&stand.Abgelehnt, &stand.Tiefe}) {
+        if (!grund->empty()) offen_.Schliesse(stand.Name, *grund, bis);
+        grund->clear();
+    }
+}
+
+// A title that gets ticks all the same isn't refused.
+void Titelluecken::PruefeAblehnungen() {
+    for (const std::int32_t id : std::vector(abgelehnte_.begin(), abgelehnte_.end())) {
+        const clTitelobjekt* titel = modul_.Titelliste.Finde(id);
+        if (titel == nullptr || titel->ErsterKursZeitpunkt == 0) continue;
+        Titelstand& stand = titel_[id];
+        offen_.Schliesse(stand.Name, stand.Abgelehnt, titel->ErsterKursZeitpunkt);
+        stand.Abgelehnt.clear();
+        abgelehnte_.erase(id);
+    }
+}
+
+}  // namespace zek

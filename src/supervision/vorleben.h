@@ -1,0 +1,46 @@
+// What an earlier run has left: open lines of the book, and, when it died, the moment at which it did.
+#pragma once
+
+#include "luecken/lebenszeichen.h"
+#include "luecken/zwischenstand.h"
+#include "modul/ibmodul.h"
+#include "platform/dateisystem.h"
+#include "supervision/offeneluecken.h"
+
+#include <optional>
+#include <string>
+
+namespace zek {
+
+class Vorleben {
+public:
+    Vorleben(const IBModul& modul, Dateisystem& dateien, OffeneLuecken& offen, Lueckenbuch& buch)
+        : modul_(modul), dateien_(dateien), offen_(offen), buch_(buch) {}
+
+    // Takes over what the book has left open. An open end of the program closes now; without one the earlier run died,
+    // and all that was open then ends with its last sign of life. `letztesEnde`: when data last arrived, as the
+    // settings have it; 0 unknown.
+    void Uebernimm(Datum letztesEnde, Datum start);
+    // The titles are known: writes when the earlier run died, and that this one has started. Once.
+    void SchreibeStart();
+
+private:
+    Zwischenstand LiesStand(Datum start);
+    Datum Todeszeit();
+    Datum LetzterSatz();
+    Datum LetzterSatz(clTitelobjekt& titel, std::int32_t kursart);
+
+    const IBModul& modul_;
+    Dateisystem& dateien_;
+    OffeneLuecken& offen_;
+    Lueckenbuch& buch_;
+    std::optional<Lebenszeichen> zeichen_;
+    std::string rechnerstart_;
+    Datum start_ = 0;
+    Datum buchSpur_ = 0;   // the latest moment that the book knows; 0 for none
+    Datum datenSpur_ = 0;  // the same of the settings
+    bool gestorben_ = false;
+    bool geschrieben_ = false;
+};
+
+}  // namespace zek
