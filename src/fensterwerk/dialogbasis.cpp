@@ -1,13 +1,9 @@
 #include "fensterwerk/dialogbasis.h"
 
 #include <QDialogButtonBox>
-#include <QEvent>
 #include <QKeyEvent>
-#include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
-#include <QTimer>
 #include <utility>
 
 namespace zek {
@@ -49,35 +45,9 @@ void Dialogbasis::keyPressEvent(QKeyEvent* ereignis) {
     Dialogfenster::keyPressEvent(ereignis);
 }
 
-namespace {
-
-class Eintrittsmarkierer : public QObject {
-public:
-    explicit Eintrittsmarkierer(QLineEdit* feld) : QObject(feld), feld_(feld) {}
-    bool eventFilter(QObject* objekt, QEvent* ereignis) override {
-        // Behind the event, so that the click that gave the focus doesn't take the selection back.
-        if (ereignis->type() == QEvent::FocusIn) QTimer::singleShot(0, feld_, &QLineEdit::selectAll);
-        return QObject::eventFilter(objekt, ereignis);
-    }
-
-private:
-    QLineEdit* feld_;
-};
-
-}  // namespace
-
 void HilfeBeiF1(QWidget& fenster, const Hilfeoeffner& hilfe, const char* seite) {
     auto* taste = new QShortcut(QKeySequence(Qt::Key_F1), &fenster);
     QObject::connect(taste, &QShortcut::activated, &fenster, [hilfe, seite] { hilfe(seite); });
-}
-
-void BeschriftungenSchalten(const QWidget& dialog) {
-    for (QLabel* label : dialog.findChildren<QLabel*>())
-        if (label->buddy() != nullptr) label->setEnabled(label->buddy()->isEnabled());
-}
-
-void MarkiereBeiEintritt(QLineEdit* feld) {
-    feld->installEventFilter(new Eintrittsmarkierer(feld));
 }
 
 }  // namespace zek

@@ -8,7 +8,6 @@
 #include <string>
 
 class QDialogButtonBox;
-class QLineEdit;
 class QPushButton;
 
 namespace zek {
@@ -36,11 +35,5 @@ private:
 
 // F1 in a window that has no Hilfe button opens this page.
 void HilfeBeiF1(QWidget& fenster, const Hilfeoeffner& hilfe, const char* seite);
-
-// Greys the labels of disabled fields: each label is as enabled as the field that it names.
-void BeschriftungenSchalten(const QWidget& dialog);
-
-// Selects the whole text whenever the field gets the focus.
-void MarkiereBeiEintritt(QLineEdit* feld);
 
 }  // namespace zek

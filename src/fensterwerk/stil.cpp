@@ -22,6 +22,13 @@ QIcon InFarbe(const QIcon& bild, int groesse, qreal dichte, const QColor& farbe)
 
 void Stil::drawControl(ControlElement element, const QStyleOption* option, QPainter* maler,
                        const QWidget* fenster) const {
+    if (element == CE_CheckBoxLabel || element == CE_RadioButtonLabel) {
+        if (const auto* knopf = qstyleoption_cast<const QStyleOptionButton*>(option)) {
+            QStyleOptionButton buendig(*knopf);
+            buendig.text = knopf->text.trimmed();
+            return QProxyStyle::drawControl(element, &buendig, maler, fenster);
+        }
+    }
     const auto* eintrag = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
     constexpr State hervorgehoben = State_Selected | State_Enabled;
     if (element != CE_MenuItem || eintrag == nullptr || eintrag->icon.isNull() ||

@@ -117,7 +117,7 @@ void Befehle::Einstellungen() {
     frmZEKEinstellungen dialog(
         Fenster(),
         {gesicht_, [this] { return sitzung_.Teile().Neustarter.AutoNeustartStarten(true); },
-         [this](const std::string& ordner) { return sitzung_.Maschine().Dateien.OrdnerExistiert(ordner); }},
+         [this](const std::string& ordner) { return sitzung_.Maschine().Dateien.OrdnerExistiert(ordner); }, dateiwahl_},
         hilfe_, vorgabe);
     if (dialog.exec() != QDialog::Accepted) return;
     EinstellungenAnwenden(

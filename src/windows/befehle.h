@@ -1,6 +1,7 @@
 // What the commands of the main window do, numbers 1020 to 1041.
 #pragma once
 
+#include "fensterwerk/dateiwahl.h"
 #include "fensterwerk/dialogbasis.h"
 #include "session/gesicht.h"
 
@@ -32,6 +33,7 @@ private:
     Sitzung& sitzung_;
     Hilfeoeffner hilfe_;
     std::string version_;
+    Dateiwahldialog dateiwahl_;
 };
 
 }  // namespace zek

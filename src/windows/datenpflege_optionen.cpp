@@ -1,5 +1,6 @@
 #include "windows/datenpflege_optionen.h"
 
+#include "fensterwerk/felder.h"
 #include "fensterwerk/hilfe.h"
 #include "platform/datum.h"
 
@@ -17,27 +18,6 @@
 namespace zek {
 
 namespace {
-
-QDateEdit* Datumfeld(int nummer) {
-    auto* feld = new QDateEdit;
-    feld->setObjectName(QString("Datumfeld(%1)").arg(nummer));
-    feld->setDisplayFormat("dd.MM.yyyy");
-    feld->setCalendarPopup(true);
-    return feld;
-}
-
-QTimeEdit* Zeitfeld(int nummer) {
-    auto* feld = new QTimeEdit;
-    feld->setObjectName(QString("Zeitfeld(%1)").arg(nummer));
-    feld->setDisplayFormat("HH:mm:ss");
-    return feld;
-}
-
-QCheckBox* Schalter(const char* name, const QString& text) {
-    auto* schalter = new QCheckBox(text);
-    schalter->setObjectName(name);
-    return schalter;
-}
 
 QDate AlsTag(Datum datum) {
     const Kalender k = Zerlege(datum);
@@ -58,8 +38,8 @@ frmDatenpflegeOptionen::frmDatenpflegeOptionen(QWidget* eltern, const Uhr& uhr, 
       meldungen_(meldungen) {
     setObjectName("frmDatenpflegeOptionen");
     for (const std::size_t i : {Von, Bis}) {
-        Datumfeld_[i] = Datumfeld(static_cast<int>(i));
-        Zeitfeld_[i] = Zeitfeld(static_cast<int>(i));
+        Datumfeld_[i] = Datumfeld(QString("Datumfeld(%1)").arg(i));
+        Zeitfeld_[i] = Zeitfeld(QString("Zeitfeld(%1)").arg(i));
     }
     Zeitfeld_[Von]->setToolTip("Gibt an, um wieviel Uhr die Aktualisierung am ersten Aktualisierungstag beginnt");
     auto* ab = new QGroupBox("Aktualisierung ab");

@@ -129,8 +129,10 @@ void Desktopgesicht::FortschrittWert(int wert) {
 }
 
 void Desktopgesicht::Sanduhr(bool an) {
-    if (an && QApplication::overrideCursor() == nullptr) QApplication::setOverrideCursor(Qt::WaitCursor);
-    while (!an && QApplication::overrideCursor() != nullptr) QApplication::restoreOverrideCursor();
+    if (an)
+        sanduhr_.emplace();
+    else
+        sanduhr_.reset();
 }
 
 void Desktopgesicht::ZeigeArbeitsansicht(const std::string& datenordner) {

@@ -4,6 +4,7 @@
 #include "fensterwerk/dialogbasis.h"
 #include "fensterwerk/fensterplatz.h"
 #include "fensterwerk/meldungsgeber.h"
+#include "fensterwerk/wartezeiger.h"
 #include "session/gesicht.h"
 #include "windows/datenpflege_fortschritt.h"
 #include "windows/hauptfenster.h"
@@ -95,7 +96,8 @@ private:
     QTimer zuruftakt_;
     std::unique_ptr<frmStartverzoegerung> verzoegerung_;
     std::unique_ptr<frmDatenpflegeFortschritt> datenpflege_;
-    frmMonitor* monitor_ = nullptr;    // owned by the dock
+    frmMonitor* monitor_ = nullptr;  // owned by the dock
+    std::optional<Wartezeiger> sanduhr_;
     bool datenpflegeVonHand_ = false;  // the next run was asked for in the dialog
     bool schliessfrageOffen_ = false;
 };

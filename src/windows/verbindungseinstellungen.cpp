@@ -1,5 +1,6 @@
 #include "windows/verbindungseinstellungen.h"
 
+#include "fensterwerk/felder.h"
 #include "fensterwerk/hilfe.h"
 #include "platform/text.h"
 
@@ -17,12 +18,11 @@ namespace {
 constexpr int KleinsteClientId = 10000;
 constexpr int GroessteClientId = 900000000;
 
-QLabel* Hinweis(const QString& text) {
-    auto* hinweis = new QLabel(text);
-    hinweis->setWordWrap(true);
-    hinweis->setIndent(12);
-    hinweis->setMinimumWidth(420);
-    return hinweis;
+QLabel* Erlaeuterung(const QString& text) {
+    QLabel* erlaeuterung = Hinweis(text);
+    erlaeuterung->setIndent(12);
+    erlaeuterung->setMinimumWidth(420);
+    return erlaeuterung;
 }
 
 QLineEdit* Feld(const char* name, const QString& text) {
@@ -54,16 +54,16 @@ frmIBBrokerOptionen::frmIBBrokerOptionen(QWidget* eltern, Meldungen& meldungen, 
     auto* formular = new QFormLayout(gruppe);
     formular->addRow("&IP-Adresse", txtIPAdresse_);
     formular->addRow(
-        Hinweis("Die IP-Adresse muss nur angegeben werden, wenn die TWS nicht nur lokale Verbindungen "
-                "zulässt (lokal 127.0.0.1)"));
+        Erlaeuterung("Die IP-Adresse muss nur angegeben werden, wenn die TWS nicht nur lokale Verbindungen "
+                     "zulässt (lokal 127.0.0.1)"));
     formular->addRow("&Port", txtPort_);
     formular->addRow(
-        Hinweis("Der Standardwert für den Port ist 7496 - siehe in der TWS das Menü Einstellungen / API / "
-                "Socket Port"));
+        Erlaeuterung("Der Standardwert für den Port ist 7496 - siehe in der TWS das Menü Einstellungen / API / "
+                     "Socket Port"));
     formular->addRow("&Client-ID", txtIBClientID_);
     formular->addRow(
-        Hinweis("Die Client-ID sollte nur verändert werden, wenn mehrere ZEK-Instanzen über ein Netzwerk "
-                "auf die TWS zugreifen."));
+        Erlaeuterung("Die Client-ID sollte nur verändert werden, wenn mehrere ZEK-Instanzen über ein Netzwerk "
+                     "auf die TWS zugreifen."));
 
     auto* aufbau = new QVBoxLayout(this);
     aufbau->addWidget(gruppe);

@@ -1,6 +1,8 @@
 #include "windows/zek_einstellungen.h"
 
+#include "fensterwerk/felder.h"
 #include "fensterwerk/hilfe.h"
+#include "fensterwerk/ordnerfeld.h"
 #include "platform/text.h"
 
 #include <QCheckBox>
@@ -21,54 +23,8 @@ namespace zek {
 namespace {
 
 constexpr int KleinstesTimeout = 10, GroesstesTimeout = 6000;  // seconds
+constexpr int Spaltenzeichen = 62;                             // width of each of the two columns
 constexpr int KleinsteStille = 15, EmpfohleneStille = 60;      // seconds without prices
-
-QCheckBox* Schalter(const char* name, const QString& text, const QString& hinweis = {}) {
-    auto* schalter = new QCheckBox(text);
-    schalter->setObjectName(name);
-    schalter->setToolTip(hinweis);
-    return schalter;
-}
-
-QLineEdit* Textfeld(const char* name, const QString& hinweis = {}) {
-    auto* feld = new QLineEdit;
-    feld->setObjectName(name);
-    feld->setToolTip(hinweis);
-    return feld;
-}
-
-QLineEdit* Zahlenfeld(const char* name, const QString& hinweis = {}) {
-    auto* feld = Textfeld(name, hinweis);
-    feld->setMaximumWidth(feld->fontMetrics().averageCharWidth() * 12);
-    feld->setAlignment(Qt::AlignRight);
-    return feld;
-}
-
-QTimeEdit* Zeitfeld(const char* name) {
-    auto* feld = new QTimeEdit;
-    feld->setObjectName(name);
-    feld->setDisplayFormat("HH:mm:ss");
-    return feld;
-}
-
-QLabel* Beschriftung(const QString& text, QWidget* feld) {
-    auto* beschriftung = new QLabel(text);
-    beschriftung->setBuddy(feld);
-    return beschriftung;
-}
-
-// A row of widgets side by side, with the rest of the width left free.
-QHBoxLayout* Reihe(std::initializer_list<QWidget*> teile, bool mitRest = true) {
-    auto* reihe = new QHBoxLayout;
-    for (QWidget* teil : teile) reihe->addWidget(teil);
-    if (mitRest) reihe->addStretch();
-    return reihe;
-}
-
-QHBoxLayout* Eingerueckt(QHBoxLayout* reihe) {
-    reihe->setContentsMargins(22, 0, 0, 0);
-    return reihe;
-}
 
 QTime AlsZeit(Datum tagesanteil) {
     return QTime(0, 0).addMSecs(static_cast<int>(std::lround(Tageszeit(tagesanteil) * SekundenProTag)) * 1000);
@@ -104,18 +60,16 @@ frmZEKEinstellungen::frmZEKEinstellungen(QWidget* eltern, Umfeld umfeld, Hilfeoe
     auto* links = new QVBoxLayout;
     links->addWidget(GruppeGesamtvolumen());
     links->addWidget(GruppeOhneUmsatz());
-    links->addWidget(GruppeEinschraenken());
-    links->addWidget(GruppeNeustart());
-    links->addStretch();
-    auto* rechts = new QVBoxLayout;
-    rechts->addWidget(GruppeOptionen());
-    rechts->addStretch();
-    auto* spalten = new QHBoxLayout;
-    spalten->addLayout(links, 1);
-    spalten->addLayout(rechts, 1);
-    auto* aufbau = new QVBoxLayout(this);
-    aufbau->addLayout(spalten);
-    aufbau->addWidget(Knopfleiste("OK"));
+    links->addWidget(GruppeEinschraenken(), 1);
+    auto* aufbau = new QGridLayout(this);
+    aufbau->addLayout(links, 0, 0);
+    aufbau->addWidget(GruppeOptionen(), 0, 1);
+    aufbau->addWidget(GruppeNeustart(), 1, 0, 1, 2);
+    aufbau->addWidget(Knopfleiste("OK"), 2, 0, 1, 2);
+    for (const int spalte : {0, 1}) {
+        aufbau->setColumnStretch(spalte, 1);
+        aufbau->setColumnMinimumWidth(spalte, fontMetrics().averageCharWidth() * Spaltenzeichen);
+    }
     Fuelle(einstellungen);
     SchalteAbhaengige();
     for (QCheckBox* schalter : {optKursaufzeichnungDeaktivieren_, optNeustartWennKeineKurse_, optNeustartBeiUhrzeit_,
@@ -160,9 +114,12 @@ QGroupBox* frmZEKEinstellungen::GruppeEinschraenken() {
     aufbau->addLayout(
         Eingerueckt(Reihe({Beschriftung("Zwischen", KursAufzeichnungDeaktivStart_), KursAufzeichnungDeaktivStart_,
                            Beschriftung("und", KursAufzeichnungDeaktivEnde_), KursAufzeichnungDeaktivEnde_})));
-    aufbau->addLayout(Eingerueckt(Reihe(
-        {Beschriftung("Börsen&plätze einschränken", txtAufzeichnungsPauseBoersen_), txtAufzeichnungsPauseBoersen_},
-        false)));
+    auto* boersen = new QVBoxLayout;
+    boersen->setContentsMargins(Einzug, 0, 0, 0);
+    boersen->addWidget(Beschriftung("Börsen&plätze einschränken", txtAufzeichnungsPauseBoersen_));
+    boersen->addWidget(txtAufzeichnungsPauseBoersen_);
+    aufbau->addLayout(boersen);
+    aufbau->addStretch();
     return gruppe;
 }
 
@@ -177,14 +134,16 @@ QGroupBox* frmZEKEinstellungen::GruppeNeustart() {
     NeustartUhrzeit_ = Zeitfeld("NeustartUhrzeit");
     auto* gruppe = new QGroupBox("Automatischer Neustart");
     auto* aufbau = new QVBoxLayout(gruppe);
-    aufbau->addWidget(optNeustartWennKeineKurse_);
-    aufbau->addLayout(Eingerueckt(
-        Reihe({Beschriftung("&Länger als", txtNeustartWennkeineKurseSekunden_), txtNeustartWennkeineKurseSekunden_,
-               Beschriftung("Sekunden", txtNeustartWennkeineKurseSekunden_)})));
+    auto* oben =
+        Reihe({optNeustartWennKeineKurse_, Beschriftung("&Länger als", txtNeustartWennkeineKurseSekunden_),
+               txtNeustartWennkeineKurseSekunden_, Beschriftung("Sekunden", txtNeustartWennkeineKurseSekunden_)});
+    oben->insertSpacing(1, Einzug);
+    oben->addWidget(optNeustartBeiUhrzeit_);
+    oben->addWidget(NeustartUhrzeit_);
+    aufbau->addLayout(oben);
     aufbau->addLayout(Reihe(
         {Beschriftung("Bei &Fehlernummern (Komma-getrennt)", txtNeustartFehlernummern_), txtNeustartFehlernummern_},
         false));
-    aufbau->addLayout(Reihe({optNeustartBeiUhrzeit_, NeustartUhrzeit_}));
     return gruppe;
 }
 
@@ -204,10 +163,11 @@ QGroupBox* frmZEKEinstellungen::GruppeOptionen() {
     optKeinKontonameVerwenden_ =
         Schalter("optKeinKontonameVerwenden", " &Titelnamen ohne Kontoangabe",
                  "Wenn aktiv, wird der Name des Kontos nicht für die Benennung der Konto-Titel verwendet");
-    txtKontoSpeicherOrdner_ =
-        Textfeld("txtKontoSpeicherOrdner",
-                 "Hier können Sie optional einen (schon existierenden) Ordner angeben, in den die "
-                 "Kontodaten gespeichert werden sollen");
+    Kontoordner_ = new Ordnerfeld("txtKontoSpeicherOrdner",
+                                  "Hier können Sie optional einen (schon existierenden) Ordner angeben, in den die "
+                                  "Kontodaten gespeichert werden sollen",
+                                  "Spezieller Speicherordner", umfeld_.dateiwahl);
+    txtKontoSpeicherOrdner_ = Kontoordner_->Feld();
     optBidAskNachLast_ = Schalter("optBidAskNachLast", " &Bid/Ask wartet auf ersten Last-Kurs",
                                   "Wenn aktiviert, beginnt die B/A-Aufzeichnung erst nach dem ersten Last-Kurs des "
                                   "Tages (filtert Fehlticks)");
@@ -220,11 +180,12 @@ QGroupBox* frmZEKEinstellungen::GruppeOptionen() {
                                "Startet beim Programmstart und nach Unterbrechungen der Verbindung automatisch die "
                                "Datenpflege für alle aktivierten Titel");
     auto* konten = new QFormLayout;
-    konten->setContentsMargins(22, 0, 0, 0);
+    konten->setContentsMargins(Einzug, 0, 0, 0);
+    konten->setRowWrapPolicy(QFormLayout::WrapAllRows);
     konten->addRow(optPortfoliopositionen_);
     konten->addRow("&Kontoname (F&&F, Advisor)", txtKontoname_);
     konten->addRow(optKeinKontonameVerwenden_);
-    konten->addRow("&Spezieller Speicherordner", txtKontoSpeicherOrdner_);
+    konten->addRow(Beschriftung("&Spezieller Speicherordner", txtKontoSpeicherOrdner_), Kontoordner_);
     auto* gruppe = new QGroupBox("Optionen");
     auto* aufbau = new QVBoxLayout(gruppe);
     aufbau->addWidget(optSystemzeitStellen_);
@@ -302,7 +263,7 @@ void frmZEKEinstellungen::SchalteAbhaengige() {
     txtKontoname_->setEnabled(konten);
     optPortfoliopositionen_->setEnabled(konten);
     optKeinKontonameVerwenden_->setEnabled(konten);
-    txtKontoSpeicherOrdner_->setEnabled(konten);
+    Kontoordner_->setEnabled(konten);
     BeschriftungenSchalten(*this);
 }
 

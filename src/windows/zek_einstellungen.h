@@ -1,15 +1,19 @@
 // frmZEKEinstellungen: the options of recording and supervision. Takes the settings, gives them back changed.
 #pragma once
 
+#include "fensterwerk/dateiwahl.h"
 #include "fensterwerk/dialogbasis.h"
 #include "modul/einstellungen.h"
 #include "modul/rollen.h"
 
 class QCheckBox;
 class QGroupBox;
+class QLineEdit;
 class QTimeEdit;
 
 namespace zek {
+
+class Ordnerfeld;
 
 class frmZEKEinstellungen : public Dialogbasis {
 public:
@@ -19,6 +23,7 @@ public:
         // Tells the user by itself when the restart helper is missing; true when it is there.
         std::function<bool()> neustartHelferVorhanden;
         std::function<bool(const std::string& ordner)> ordnerExistiert;
+        Dateiwahl& dateiwahl;
     };
 
     frmZEKEinstellungen(QWidget* eltern, Umfeld umfeld, Hilfeoeffner hilfe, const Einstellungen& einstellungen);
@@ -60,6 +65,7 @@ private:
     QCheckBox* optPortfoliopositionen_;
     QLineEdit* txtKontoname_;
     QCheckBox* optKeinKontonameVerwenden_;
+    Ordnerfeld* Kontoordner_;
     QLineEdit* txtKontoSpeicherOrdner_;
     QCheckBox* optBidAskNachLast_;
     QLineEdit* txtBFTimeout_;

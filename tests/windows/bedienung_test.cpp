@@ -1,5 +1,6 @@
 // How the windows behave under a person's hands, beyond the dialogs.
 #include "fensterhilfen/desktopwelt.h"
+#include "fensterhilfen/test_dateiwahl.h"
 #include "windows/monitorplatz.h"
 #include "windows/statusliste.h"
 #include "windows/zek_einstellungen.h"
@@ -390,8 +391,9 @@ TEST_F(Dockplatz, WhatIsStoredIsWhatComesBack) {
 
 TEST(Felder, EnteringTheTimeoutSelectsAllOfItAndThousandsAreUnderstood) {
     hilfen::TestMeldungen meldungen;
-    frmZEKEinstellungen dialog(nullptr, {meldungen, [] { return true; }, [](const std::string&) { return true; }}, {},
-                               {});
+    hilfen::TestDateiwahl wahl;
+    frmZEKEinstellungen dialog(nullptr, {meldungen, [] { return true; }, [](const std::string&) { return true; }, wahl},
+                               {}, {});
     dialog.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
     auto* feld = Steuer<QLineEdit>(dialog, "txtBFTimeout");

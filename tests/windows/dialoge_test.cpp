@@ -1,4 +1,5 @@
 #include "fensterhilfen/fenstertest.h"
+#include "fensterhilfen/test_dateiwahl.h"
 #include "windows/beispieltitel_fenster.h"
 #include "windows/datenpflege_fortschritt.h"
 #include "windows/datenpflege_optionen.h"
@@ -8,6 +9,7 @@
 #include "windows/zek_einstellungen.h"
 
 #include <QDateEdit>
+#include <QGroupBox>
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
@@ -26,6 +28,7 @@ using testing::HasSubstr;
 
 struct ZekEinstellungen : testing::Test {
     TestMeldungen meldungen;
+    hilfen::TestDateiwahl wahl;
     Einstellungen vorher;
     bool helfer = true;
     std::vector<std::string> ordner;
@@ -36,7 +39,8 @@ struct ZekEinstellungen : testing::Test {
             nullptr,
             frmZEKEinstellungen::Umfeld{
                 meldungen, [this] { return helfer; },
-                [this](const std::string& o) { return std::find(ordner.begin(), ordner.end(), o) != ordner.end(); }},
+                [this](const std::string& o) { return std::find(ordner.begin(), ordner.end(), o) != ordner.end(); },
+                wahl},
             [this](const std::string& seite) { hilfeseite = seite; }, vorher);
         dialog->show();
         return dialog;
@@ -61,11 +65,39 @@ TEST_F(ZekEinstellungen, TabGoesFromTopToBottomColumnByColumn) {
         Tabfolge(*Oeffne()),
         ElementsAre("optUseGesamtvolumen", "optUmsatzfilter(0)", "optUmsatzfilter(1)",
                     "optKursaufzeichnungDeaktivieren", "KursAufzeichnungDeaktivStart", "KursAufzeichnungDeaktivEnde",
-                    "txtAufzeichnungsPauseBoersen", "optNeustartWennKeineKurse", "txtNeustartWennkeineKurseSekunden",
-                    "txtNeustartFehlernummern", "optNeustartBeiUhrzeit", "NeustartUhrzeit", "optSystemzeitStellen",
-                    "optKontodatenAufzeichnen", "optPortfoliopositionen", "txtKontoname", "optKeinKontonameVerwenden",
-                    "txtKontoSpeicherOrdner", "optBidAskNachLast", "optDatenpflege", "txtBFTimeout", "Okay", "Abbruch",
-                    "Hilfe"));
+                    "txtAufzeichnungsPauseBoersen", "optSystemzeitStellen", "optKontodatenAufzeichnen",
+                    "optPortfoliopositionen", "txtKontoname", "optKeinKontonameVerwenden", "txtKontoSpeicherOrdner",
+                    "btnWahl(txtKontoSpeicherOrdner)", "optBidAskNachLast", "optDatenpflege", "txtBFTimeout",
+                    "optNeustartWennKeineKurse", "txtNeustartWennkeineKurseSekunden", "optNeustartBeiUhrzeit",
+                    "NeustartUhrzeit", "txtNeustartFehlernummern", "Okay", "Abbruch", "Hilfe"));
+}
+
+TEST_F(ZekEinstellungen, NoCornerIsEmptyAndListsAndPathsHaveRoom) {
+    auto dialog = Oeffne();
+    int flaeche = 0;
+    for (const QGroupBox* gruppe : dialog->findChildren<QGroupBox*>()) flaeche += gruppe->width() * gruppe->height();
+    EXPECT_GT(flaeche, dialog->width() * dialog->height() * 3 / 4);
+    const auto zeichen = [&](const char* name) {
+        const auto* feld = Steuer<QLineEdit>(*dialog, name);
+        return feld->width() / feld->fontMetrics().averageCharWidth();
+    };
+    EXPECT_GT(zeichen("txtNeustartFehlernummern"), 60);
+    EXPECT_GT(zeichen("txtKontoSpeicherOrdner"), 40);
+    EXPECT_GT(zeichen("txtAufzeichnungsPauseBoersen"), 40);
+    EXPECT_LE(dialog->height(), 560);
+}
+
+TEST_F(ZekEinstellungen, TheFolderCanBeChosenInsteadOfTyped) {
+    vorher.KontenDatenSpeicherOrdner = "/konto/";
+    wahl.Antworten = {"/andere"};
+    ordner = {"/andere/"};
+    auto dialog = Oeffne();
+    EXPECT_FALSE(Steuer<QAbstractButton>(*dialog, "btnWahl(txtKontoSpeicherOrdner)")->isEnabled());
+    Haken(*dialog, "optKontodatenAufzeichnen", true);
+    Klick(*dialog, "btnWahl(txtKontoSpeicherOrdner)");
+    EXPECT_THAT(wahl.Gefragt, ElementsAre(hilfen::TestDateiwahl::Frage{"Spezieller Speicherordner", "/konto/"}));
+    Klick(*dialog, "Okay");
+    EXPECT_EQ(dialog->Ergebnis().KontenDatenSpeicherOrdner, "/andere/");
 }
 
 TEST_F(ZekEinstellungen, TheLabelOfADisabledFieldIsGreyToo) {

@@ -1,5 +1,6 @@
 // Every control by its name, with its text and tool tip to the letter.
 #include "fensterhilfen/desktopwelt.h"
+#include "fensterhilfen/test_dateiwahl.h"
 #include "windows/beispieltitel_fenster.h"
 #include "windows/datenpflege_fortschritt.h"
 #include "windows/datenpflege_optionen.h"
@@ -65,11 +66,12 @@ std::vector<std::string> Gruppen(const QWidget& fenster) {
 struct Wortlaut : testing::Test {
     hilfen::VirtuelleWelt welt{DatumAus(2026, 11, 16, 12, 0, 0)};
     hilfen::TestMeldungen meldungen;
+    hilfen::TestDateiwahl wahl;
 };
 
 TEST_F(Wortlaut, OfTheSettings) {
-    const frmZEKEinstellungen dialog(nullptr, {meldungen, [] { return true; }, [](const std::string&) { return true; }},
-                                     {}, {});
+    const frmZEKEinstellungen dialog(
+        nullptr, {meldungen, [] { return true; }, [](const std::string&) { return true; }, wahl}, {}, {});
     EXPECT_EQ(dialog.windowTitle(), "Allgemeine Einstellungen");
     EXPECT_THAT(Gruppen(dialog), UnorderedElementsAre("Umsatz von Bezahlt-Kursen", "Aufzeichnung einschränken",
                                                       "Automatischer Neustart", "Bei Kursen ohne Umsatz", "Optionen"));
