@@ -24,8 +24,13 @@ int main(int argc, char* argv[]) {
     QApplication programm(argc, argv);
     RichteAnwendungEin(programm);
     Maschine maschine([] { QCoreApplication::exit(0); });
-    Desktopgesicht gesicht(
-        maschine.Uhr, [](const std::string& seite) { OeffneHilfe(seite); }, ZEK_VERSION);
+    const Handbuch handbuch(Hilfeordner(QCoreApplication::applicationDirPath()));
+    Desktopgesicht* anzeige = nullptr;
+    const auto hilfe = [&](const std::string& seite) {
+        handbuch.Oeffne(seite, [&](const std::string& text) { anzeige->ZeigeMeldung(text, meldung::Ok, 0); });
+    };
+    Desktopgesicht gesicht(maschine.Uhr, hilfe, ZEK_VERSION);
+    anzeige = &gesicht;
     Sitzung sitzung(maschine.Plattform(), gesicht, befehlszeile);
     gesicht.SetzeSitzung(sitzung);
     const Signalempfang signale([&](int) { sitzung.Beende(); });

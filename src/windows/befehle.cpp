@@ -13,9 +13,7 @@
 #include "windows/zek_einstellungen.h"
 
 #include <QApplication>
-#include <QDesktopServices>
 #include <QFileInfo>
-#include <QUrl>
 #include <utility>
 
 namespace zek {
@@ -133,10 +131,13 @@ void Befehle::LokalSpeichern() {
 
 void Befehle::Hilfe() {
     const QString datei = Q(sitzung_.Modul().Hilfedatei);
-    if (QFileInfo::exists(datei) && QDesktopServices::openUrl(QUrl::fromLocalFile(datei))) return;
     const bool imMonitor =
         gesicht_.Monitor() != nullptr && gesicht_.Monitor()->isAncestorOf(QApplication::focusWidget());
-    hilfe_(imMonitor ? hilfeseite::Monitor : hilfeseite::Inhalt);
+    const auto handbuch = [hilfe = hilfe_, seite = imMonitor ? hilfeseite::Monitor : hilfeseite::Inhalt] {
+        hilfe(seite);
+    };
+    if (QFileInfo::exists(datei)) return ZeigeDatei(datei, handbuch);
+    handbuch();
 }
 
 }  // namespace zek

@@ -161,6 +161,26 @@ class Window(Desktop):
         self.assertIn("= 0\n", self.screen.run("xprop", "-id", str(backfill), "_NET_WM_USER_TIME"))
 
 
+    def test_help_finds_the_manual_of_the_source_or_says_what_is_missing(self):
+        folder = self.folder / "werkzeuge"
+        folder.mkdir()
+        opener = folder / "xdg-open"
+        opener.write_text(f'#!/bin/sh\nprintf %s "$1" >{folder}/seite\nexit $(cat {folder}/ergebnis)\n')
+        opener.chmod(0o755)
+        (folder / "ergebnis").write_text("0")
+        self.env["PATH"] = f"{folder}:{os.environ['PATH']}"
+        self.recording("/K")
+        self.screen.key("F1")
+        page = folder / "seite"
+        wait_for(page.exists, 5, "the browser")
+        self.assertRegex(page.read_text(), r"/docs/hilfe/index\.html$")
+        time.sleep(1)
+        self.assertEqual(self.screen.windows(MESSAGE), [])
+        (folder / "ergebnis").write_text("3")
+        self.screen.key("F1")
+        self.screen.window(MESSAGE, 5)
+
+
 class Instances(Desktop):
     def test_a_second_instance_says_so_and_goes_by_itself(self):
         self.recording("/K")
