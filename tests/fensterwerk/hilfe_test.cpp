@@ -78,6 +78,19 @@ TEST(Handbuch, EveryPictureSaysWhatItShows) {
     for (const QString& seite : Seiten()) EXPECT_FALSE(Text(seite).contains(ohneText)) << seite.toStdString();
 }
 
+TEST(Handbuch, QuotesAreGerman) {
+    static const QRegularExpression markup("<(code|pre)\\b.*?</\\1>|<[^>]*>",
+                                           QRegularExpression::DotMatchesEverythingOption);
+    for (const QString& seite : Seiten()) {
+        QString text = Text(seite);
+        text.remove(markup);
+        for (const QString& zeile : text.split('\n'))
+            EXPECT_FALSE(zeile.contains('"') || zeile.contains("&quot;"))
+                << seite.toStdString() << ": " << zeile.toStdString();
+        EXPECT_EQ(text.count(QChar(0x201E)), text.count(QChar(0x201C))) << seite.toStdString();
+    }
+}
+
 TEST(Handbuch, EveryPageIsInTheContentsAndLeadsBackThere) {
     const QStringList inhalt = Werte(Text("index.html"), "href");
     for (const QString& seite : Seiten()) {
