@@ -84,6 +84,7 @@ bool Fensterplatz::Laden(QWidget& fenster, const std::string& schluessel) {
 }
 
 void Fensterplatz::Speichern(const QWidget& fenster, const std::string& schluessel) {
+    const Einstellungsspeicher::Buendel buendel(speicher_);
     const auto schreibe = [&](const char* name, int wert) {
         speicher_.SchreibeEinstellung(ProduktName, schluessel, name, std::to_string(wert));
     };
@@ -110,6 +111,7 @@ void Fensterplatz::SpaltenLaden(QHeaderView& kopf, const std::string& schluessel
 }
 
 void Fensterplatz::SpaltenSpeichern(const QHeaderView& kopf, const std::string& schluessel) {
+    const Einstellungsspeicher::Buendel buendel(speicher_);
     for (int spalte = 0; spalte < kopf.count(); ++spalte)
         speicher_.SchreibeEinstellung(ProduktName, schluessel, Spaltenname(kopf, spalte),
                                       std::to_string(kopf.sectionSize(spalte)));

@@ -69,6 +69,7 @@ void Monitorplatz::Laden(QMainWindow& fenster, QDockWidget& dock) {
 }
 
 void Monitorplatz::Speichern(const QMainWindow& fenster, const QDockWidget& dock) {
+    const Einstellungsspeicher::Buendel buendel(speicher_);
     const QRect platz = dock.geometry();
     std::string koordinaten;
     for (const int zahl : {platz.left(), platz.top(), platz.right() + 1, platz.bottom() + 1}) {

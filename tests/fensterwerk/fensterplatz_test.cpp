@@ -2,6 +2,9 @@
 #include "fensterwerk/fensterplatz.h"
 #include "fensterhilfen/fenstertest.h"
 
+#include <QHeaderView>
+#include <QTreeWidget>
+
 namespace zek {
 
 namespace {
@@ -19,6 +22,18 @@ TEST(Fensterplatz, APlaceOnAMissingScreenIsMovedBackInside) {
     EXPECT_EQ(Hineingeschoben({3000, 100, 400, 300}, {0, 0, 1920, 1080}), QRect(1520, 100, 400, 300));
     EXPECT_EQ(Hineingeschoben({-500, -50, 400, 300}, {0, 0, 1920, 1080}), QRect(0, 0, 400, 300));
     EXPECT_EQ(Hineingeschoben({0, 0, 4000, 3000}, {0, 0, 1920, 1080}), QRect(0, 0, 1920, 1080));
+}
+
+TEST(Fensterplatz, APlaceAndTheColumnsOfAListAreOneWriteEach) {
+    Einstellungswelt welt;
+    Fensterplatz plaetze(welt.speicher);
+    QTreeWidget liste;
+    liste.setHeaderLabels({"Zeit", "Kurs", "Volumen"});
+    plaetze.Speichern(liste, "Probe");
+    EXPECT_EQ(welt.registry.Schreibzugriffe.size(), 1u);
+    plaetze.SpaltenSpeichern(*liste.header(), "Spalten");
+    EXPECT_EQ(welt.registry.Schreibzugriffe.size(), 2u);
+    EXPECT_NE(welt.registry.Lies("Tessaron", "Spalten", "Volumen"), std::nullopt);
 }
 
 TEST(Fensterplatz, AMaximizedWindowKeepsItsLastNormalPlace) {
