@@ -5,6 +5,8 @@
 #include "simulator/befehle.h"
 #include "simulator/drahtform.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -121,58 +123,43 @@ constexpr Option Optionen[] = {
      [](P& p, T t) { return p.Wiedergabe = t, true; }},
 };
 
+// The options as they are read into `p`.
+void Baue(CLI::App& app, Programmoptionen& p) {
+    app.set_help_flag();  // the help has the commands behind it
+    for (const Option& o : Optionen) {
+        const std::size_t trenner = o.Hilfe.find("  ");
+        const auto nimm = [&p, &o](const std::string& text) {
+            if (!o.Nimm(p, text)) throw CLI::ValidationError(std::string(o.Name), "bad value: " + text);
+        };
+        app.add_option_function<std::string>(std::string(o.Name), nimm, std::string(o.Hilfe.substr(trenner + 2)))
+            ->type_name(std::string(o.Hilfe.substr(0, trenner)));
+    }
+    app.add_flag("-h,--help", p.Hilfe, "this text");
+    app.add_flag("--version", p.Version, "the program's version");
+}
+
 }  // namespace
 
 Programmoptionen LiesProgrammoptionen(const std::vector<std::string>& argumente) {
     Programmoptionen p;
     p.Wahl.Port = 7497;
     p.Wahl.MerkeTicks = p.Wahl.MerkeAnfragen = false;
-    for (std::size_t i = 0; i < argumente.size(); ++i) {
-        std::string name = argumente[i];
-        if (name == "--help" || name == "-h") {
-            p.Hilfe = true;
-            continue;
-        }
-        if (name == "--version") {
-            p.Version = true;
-            continue;
-        }
-        std::optional<std::string> wert;
-        if (const std::size_t gleich = name.find('='); gleich != std::string::npos) {
-            wert = name.substr(gleich + 1);
-            name.resize(gleich);
-        }
-        const auto option =
-            std::find_if(std::begin(Optionen), std::end(Optionen), [&](const Option& o) { return o.Name == name; });
-        if (option == std::end(Optionen)) {
-            p.Fehler = "unknown option: " + name;
-            return p;
-        }
-        if (!wert && i + 1 < argumente.size()) wert = argumente[++i];
-        if (!wert || !option->Nimm(p, *wert)) {
-            p.Fehler = wert ? "bad value of " + name + ": " + *wert : name + " needs a value";
-            return p;
-        }
+    CLI::App app;
+    Baue(app, p);
+    try {
+        app.parse(std::vector<std::string>(argumente.rbegin(), argumente.rend()));  // from the back
+    } catch (const CLI::ParseError& fehler) {
+        p.Fehler = fehler.what();
     }
     return p;
 }
 
 std::string Programmhilfe() {
-    std::string text =
-        "tws-simulator: a TWS to develop, test and demonstrate against; it listens on 127.0.0.1 only\n\n"
-        "usage: tws-simulator [options]\n\n";
-    const auto zeile = [&text](std::string links, std::string_view rechts) {
-        links.resize(std::max<std::size_t>(links.size() + 1, 32), ' ');
-        text += links + std::string(rechts) + '\n';
-    };
-    for (const Option& o : Optionen) {
-        const std::size_t trenner = o.Hilfe.find("  ");
-        zeile("  " + std::string(o.Name) + ' ' + std::string(o.Hilfe.substr(0, trenner)), o.Hilfe.substr(trenner + 2));
-    }
-    zeile("  --help", "this text");
-    zeile("  --version", "the program's version");
-    text += "\ncommands, one per line on standard input or with a time in a script:\n\n" + Befehlsliste();
-    return text;
+    Programmoptionen p;
+    CLI::App app("A TWS to develop, test and demonstrate against; it listens on 127.0.0.1 only", "tws-simulator");
+    Baue(app, p);
+    app.get_formatter()->column_width(32);
+    return app.help() + "\ncommands, one per line on standard input or with a time in a script:\n\n" + Befehlsliste();
 }
 
 std::string Protokollzeile(Datum zeit, int serverVersion, char richtung, std::string_view inhalt) {

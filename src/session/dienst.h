@@ -9,13 +9,12 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace zek {
 
 struct Dienstoptionen {
-    bool Hilfe = false;                              // "--help"
+    bool Hilfe = false;                              // "--hilfe"
     bool Version = false;                            // "--version"
     bool Ausgabe = false;                            // "--ausgabe": log lines to the standard output as well
     bool Beispieltitel = false;                      // "--beispieltitel": all sample titles, when the list is empty
@@ -26,8 +25,8 @@ struct Dienstoptionen {
 
 Dienstoptionen LiesDienstoptionen(const std::vector<std::string>& argumente);
 
-// The text of "--help".
-std::string_view Dienstauskunft();
+// The text of "--hilfe".
+std::string Dienstauskunft();
 
 class Dienst {
 public:

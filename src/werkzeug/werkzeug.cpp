@@ -1,10 +1,9 @@
 #include "werkzeug/werkzeug.h"
 
+#include "platform/aufruf.h"
 #include "platform/datum.h"
 #include "werkzeug/werkzeug_befehle.h"
 #include "werkzeug/werkzeug_luecken.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <functional>
@@ -42,7 +41,7 @@ class Befehlszeile {
 public:
     Befehlszeile(Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler)
         : dateien_(dateien), ausgabe_(ausgabe), fehler_(fehler) {
-        Deutsch();
+        SprichDeutsch(app_);
         app_.set_help_flag(std::string(Hilfeschalter), "diese Hilfe, hinter einem Befehl die zu diesem");
         app_.add_flag("--version", version_, "die Version");
         app_.require_subcommand(0, 1);
@@ -77,23 +76,6 @@ public:
 
 private:
     using Listenbefehl = int (*)(std::span<const std::string>, Dateisystem&, std::ostream&, std::ostream&);
-
-    void Deutsch() {
-        const auto worte = std::make_shared<CLI::Formatter>();
-        for (const auto& [englisch, deutsch] :
-             std::initializer_list<std::pair<const char*, const char*>>{{"Usage", "Aufruf"},
-                                                                        {"Positionals", "Angaben"},
-                                                                        {"Options", "Schalter"},
-                                                                        {"OPTIONS", "SCHALTER"},
-                                                                        {"SUBCOMMAND", "BEFEHL"},
-                                                                        {"SUBCOMMANDS", "BEFEHLE"},
-                                                                        {"Subcommands", "Befehle"},
-                                                                        {"REQUIRED", ""}})
-            worte->label(englisch, deutsch);
-        worte->column_width(26);
-        app_.formatter(worte);
-        app_.option_defaults()->group("Schalter");
-    }
 
     CLI::App* Befehl(const char* name, const char* hilfe, std::function<int()> was) {
         CLI::App* befehl = app_.add_subcommand(name, hilfe);
@@ -158,19 +140,10 @@ private:
         return werkzeug::Luecken(frage, dateien_, ausgabe_, fehler_);
     }
 
-    // The library's words are English; what they are about stands in front of their first colon.
     std::string Grund(const CLI::ParseError& fehler) const {
-        const std::string text = fehler.what();
-        const std::string name = text.substr(0, text.find(':'));
-        if (const auto uebrig = app_.remaining(true); !uebrig.empty())
-            return (app_.get_subcommands().empty() && uebrig.front().front() != '-' ? "Unbekannter Befehl: "
-                                                                                    : "Überzählig oder unbekannt: ") +
-                   uebrig.front();
-        if (dynamic_cast<const CLI::RequiredError*>(&fehler) != nullptr)
-            return "Es fehlt: " + text.substr(0, text.find(' '));
-        if (dynamic_cast<const CLI::ArgumentMismatch*>(&fehler) != nullptr)
-            return "Hinter " + name + " fehlt die Angabe.";
-        return text;
+        const auto uebrig = app_.remaining(true);
+        const bool befehl = app_.get_subcommands().empty() && !uebrig.empty() && uebrig.front().front() != '-';
+        return befehl ? "Unbekannter Befehl: " + uebrig.front() : AufDeutsch(fehler, app_);
     }
 
     int FalscherAufruf(const std::string& grund) {

@@ -494,7 +494,12 @@ TEST(DienstoptionenTest, OptionsAndClassicSwitchesStandSideBySide) {
     EXPECT_TRUE(o.Ausgabe && o.Beispieltitel && o.Fehler.empty());
     EXPECT_FALSE(o.Hilfe || o.Version || o.Datenpflege);
     EXPECT_EQ(o.Befehlszeile, "--ausgabe /W5 --beispieltitel /K");
-    EXPECT_TRUE(LiesDienstoptionen({"--help"}).Hilfe);
+    for (const char* schalter : {"--hilfe", "--help", "-h"}) EXPECT_TRUE(LiesDienstoptionen({schalter}).Hilfe);
+    for (const char* wort : {"Aufruf: TessaronZEKDienst [SCHALTER]", "--ausgabe", "--datenpflege VON [BIS] [ARTEN]",
+                             "/Quit", "ZEK_PROGRAMMORDNER", "Rückgabewert"})
+        EXPECT_THAT(Dienstauskunft(), HasSubstr(wort));
+    for (const char* fremd : {"Usage", "Option:", "Options:", "REQUIRED", "TEXT"})
+        EXPECT_THAT(Dienstauskunft(), Not(HasSubstr(fremd)));
     EXPECT_TRUE(LiesDienstoptionen({"--version"}).Version);
 }
 
@@ -504,6 +509,8 @@ TEST(DienstoptionenTest, ABackfillTakesTheArgumentsBehindIt) {
     EXPECT_EQ(o.Datenpflege->Wahl.Start, DatumAus(2026, 11, 10));
     EXPECT_TRUE(o.Datenpflege->ArtenGewaehlt);
     EXPECT_THAT(LiesDienstoptionen({"--datenpflege", "gestern"}).Fehler, Not(IsEmpty()));
+    EXPECT_THAT(LiesDienstoptionen({"--datenpflege"}).Fehler, HasSubstr("Es fehlt der Beginn der Datenpflege"));
+    EXPECT_EQ(LiesDienstoptionen({"--datenpflege", "10.11.2026", "/W", "5", "--ausgabe"}).Fehler, "");
 }
 
 TEST(DienstoptionenTest, WhatIsUnknownIsNamed) {

@@ -417,7 +417,7 @@ TEST(Befehl, TheHelpNamesEveryFault) {
          {"1100",          "1101",   "1102",     "2103",     "2104",        "2105",     "2106",    "2107",
           "162",           "10197",  "close",    "reset",    "stall",       "bytes",    "garbage", "oversize",
           "silence",       "refuse", "flood",    "--port",   "--port-file", "--seed",   "--rate",  "--speed",
-          "--version-max", "--log",  "--script", "--replay", "--help",      "--version"}) {
+          "--version-max", "--log",  "--script", "--replay", "-h,--help",   "--version"}) {
         EXPECT_THAT(hilfe, HasSubstr("\n  " + name + " ")) << name;
     }
 }
@@ -543,12 +543,12 @@ TEST(Programm, ReadsItsCommandLine) {
 }
 
 TEST(Programm, RefusesWhatItDoesNotUnderstand) {
-    EXPECT_EQ(LiesProgrammoptionen({"--nonsense"}).Fehler, "unknown option: --nonsense");
-    EXPECT_EQ(LiesProgrammoptionen({"--port"}).Fehler, "--port needs a value");
-    EXPECT_EQ(LiesProgrammoptionen({"--port", "70000"}).Fehler, "bad value of --port: 70000");
-    EXPECT_EQ(LiesProgrammoptionen({"--version-max", "201"}).Fehler, "bad value of --version-max: 201");
-    EXPECT_EQ(LiesProgrammoptionen({"--hours", "22:00-08:00"}).Fehler, "bad value of --hours: 22:00-08:00");
-    EXPECT_EQ(LiesProgrammoptionen({"--echo", "loud"}).Fehler, "bad value of --echo: loud");
+    EXPECT_EQ(LiesProgrammoptionen({"--nonsense"}).Fehler, "The following argument was not expected: --nonsense");
+    EXPECT_EQ(LiesProgrammoptionen({"--port"}).Fehler, "--port: 1 required N missing");
+    EXPECT_EQ(LiesProgrammoptionen({"--port", "70000"}).Fehler, "--port: bad value: 70000");
+    EXPECT_EQ(LiesProgrammoptionen({"--version-max", "201"}).Fehler, "--version-max: bad value: 201");
+    EXPECT_EQ(LiesProgrammoptionen({"--hours", "22:00-08:00"}).Fehler, "--hours: bad value: 22:00-08:00");
+    EXPECT_EQ(LiesProgrammoptionen({"--echo", "loud"}).Fehler, "--echo: bad value: loud");
 }
 
 TEST(Programm, LogsBothDirectionsInOneForm) {
