@@ -1,5 +1,6 @@
 // Bars of a history service gone wild: any date texts, prices and volumes. Whatever becomes of them is a record with a
-// real date and finite numbers, and what the end time of the next request is made from can be read back.
+// real date and finite numbers, in order and not behind the end that was asked for, and what the end time of the next
+// request is made from can be read back.
 //
 // Input: lines "<close> <volume> <date text>"; the first byte chooses the kind and whether the title is an index.
 #include "backfill/balken.h"
@@ -11,6 +12,9 @@
 #include <string_view>
 
 namespace {
+
+constexpr zek::Datum Anfang = 40000;
+constexpr zek::Datum Ende = 45762.65;  // an afternoon that the kept bars lie on both sides of
 
 std::string_view NaechstesWort(std::string_view& zeile) {
     const auto ende = std::min(zeile.find(' '), zeile.size());
@@ -52,14 +56,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* daten, std::size_t gro
         if (!zek::IstFertigmeldung(zeile)) puffer.Nimm(balken);
     }
 
+    puffer.Schliesse(Ende);
+    zek::Datum bisher = 0;
     for (const auto& satz : puffer.Saetze()) {
         PruefeZeit(satz.Datum);
+        Verlange(satz.Datum >= bisher && satz.Datum <= Ende);
+        bisher = satz.Datum;
         Verlange(std::isfinite(satz.Kurs) && std::isfinite(satz.Volume) && satz.Volume >= 0);
         if (istIndex) Verlange(satz.Volume == 0);
     }
     zek::Gesamtreihe reihe;
-    reihe.Uebernimm(puffer.Saetze(), 40000);
-    reihe.Uebernimm(puffer.Saetze(), 40000);
-    for (const auto& satz : reihe.Abgeben(0)) Verlange(satz.Datum >= 40000);
+    reihe.Uebernimm(puffer.Saetze(), Anfang);
+    reihe.Uebernimm(puffer.Saetze(), Anfang);
+    bisher = Anfang;
+    for (const auto& satz : reihe.Abgeben(0)) {
+        Verlange(satz.Datum >= bisher);
+        bisher = satz.Datum;
+    }
     return 0;
 }
