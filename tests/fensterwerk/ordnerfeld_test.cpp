@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QTreeView>
 
 namespace zek {
 
@@ -46,6 +47,7 @@ TEST(Ordnerwahl, OffersFoldersAndGivesTheChosenOne) {
         auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(dialog->objectName(), "Ordnerwahl");
+        EXPECT_TRUE(Steuer<QTreeView>(*dialog, "treeView")->isColumnHidden(3));
         dialog->accept();
     });
     Dateiwahldialog wahl;

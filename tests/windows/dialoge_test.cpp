@@ -282,6 +282,26 @@ TEST_F(Verbindung, WordsInPlaceOfNumbersAreRefusedTheClientIdFirst) {
     EXPECT_TRUE(dialog.isVisible());
 }
 
+TEST_F(Verbindung, OnlyAPortThatThereIsIsTaken) {
+    for (const char* port : {"-5", "0", "65536", "99999999999999999999"}) {
+        Schreibe(dialog, "txtPort", port);
+        Klick(dialog, "Okay");
+        EXPECT_TRUE(dialog.isVisible()) << port;
+        ASSERT_FALSE(meldungen.Gezeigt.empty()) << port;
+        meldungen.Gezeigt.clear();
+    }
+    Schreibe(dialog, "txtPort", "-5");
+    Klick(dialog, "Okay");
+    EXPECT_EQ(Gemeldet(), "Geben Sie als Port bitte einen Wert von 1 bis 65535 an.");
+    for (const char* port : {"1", "65535"}) {
+        dialog.show();
+        Schreibe(dialog, "txtPort", port);
+        Klick(dialog, "Okay");
+        EXPECT_FALSE(dialog.isVisible()) << port;
+    }
+    EXPECT_EQ(dialog.Ergebnis().IBPort, 65535);
+}
+
 TEST_F(Verbindung, AChangedClientIdIsAskedAbout) {
     Schreibe(dialog, "txtIBClientID", "20000");
     meldungen.Antworten = {meldung::AntwortNein, meldung::AntwortJa};
