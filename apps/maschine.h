@@ -25,8 +25,10 @@
 namespace zek {
 
 struct Maschine {
-    // `ende` leaves the event loop.
-    explicit Maschine(std::function<void()> ende) : Ende(std::move(ende)) { HinterlegeFuerNeustart(Ordner); }
+    // `helfer` was made before the program's event loop; `ende` leaves that.
+    Maschine(Sicherungshelfer& helfer, std::function<void()> ende) : Ende(std::move(ende)), Dateien(&helfer) {
+        HinterlegeFuerNeustart(Ordner);
+    }
 
     zek::Plattform Plattform() {
         return {Uhr,

@@ -21,9 +21,10 @@ int main(int argc, char* argv[]) {
     if (const auto ergebnis = KommandoUebergeben(befehlszeile)) return *ergebnis;
     if (const auto fehler = FehlenderBildschirm(argumente)) return std::cerr << *fehler, 1;
 
+    Sicherungshelfer helfer;  // while this is the only thread
     QApplication programm(argc, argv);
     RichteAnwendungEin(programm);
-    Maschine maschine([] { QCoreApplication::exit(0); });
+    Maschine maschine(helfer, [] { QCoreApplication::exit(0); });
     const Handbuch handbuch(Hilfeordner(QCoreApplication::applicationDirPath()));
     Desktopgesicht* anzeige = nullptr;
     const auto hilfe = [&](const std::string& seite) {

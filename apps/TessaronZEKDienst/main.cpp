@@ -17,8 +17,9 @@ int main(int argc, char* argv[]) {
     if (optionen.Version) return (std::cout << "TessaronZEKDienst " ZEK_VERSION "\n").good() ? 0 : 1;
     if (!optionen.Fehler.empty()) return std::cerr << optionen.Fehler << "\n\n" << Dienstauskunft(), 2;
 
+    Sicherungshelfer helfer;  // while this is the only thread
     QCoreApplication programm(argc, argv);
-    Maschine maschine([] { QCoreApplication::quit(); });
+    Maschine maschine(helfer, [] { QCoreApplication::quit(); });
     Standardausgabe ausgabe;
     Dienst dienst(maschine.Plattform(), optionen, [&](const std::string& zeile) { ausgabe.Zeile(zeile); });
     const Signalempfang signale([&](int) { dienst.Beende(); }, beiAuflegen);

@@ -49,7 +49,7 @@ bool LiesDatei(std::string_view zeile, Zwischenstand& stand) {
 
 std::optional<Zwischenstand> LiesText(std::string_view text) {
     Zwischenstand stand;
-    if (!LiesKopf(NimmZeile(text), stand)) return std::nullopt;
+    if (!text.ends_with('\n') || !LiesKopf(NimmZeile(text), stand)) return std::nullopt;
     for (auto zeile = NimmZeile(text); !zeile.empty(); zeile = NimmZeile(text))
         if (!LiesDatei(zeile, stand)) return std::nullopt;
     for (;;) {

@@ -129,6 +129,14 @@ std::int64_t PosixDateisystem::FreierPlatz(const std::string& ordner) {
     return static_cast<std::int64_t>(angaben.f_bavail) * static_cast<std::int64_t>(angaben.f_frsize);
 }
 
+int PosixDateisystem::BeginneSicherung(const std::string& ordner, const std::string& marke, const std::string& text) {
+    return helfer_ == nullptr ? -ENOSYS : helfer_->Beginne(ordner, marke, text);
+}
+
+std::optional<int> PosixDateisystem::Sicherungsergebnis() {
+    return helfer_ == nullptr ? std::nullopt : helfer_->Ergebnis();
+}
+
 std::vector<Verzeichniseintrag> PosixDateisystem::Liste(const std::string& ordner) {
     std::vector<Verzeichniseintrag> eintraege;
     struct Schliesser {

@@ -2,12 +2,16 @@
 #pragma once
 
 #include "platform/dateisystem.h"
+#include "platform/sicherungshelfer.h"
 
 namespace zek {
 
 // One system call per call; interrupted calls are repeated. Handles are not inherited by child processes.
 class PosixDateisystem : public Dateisystem {
 public:
+    // `helfer` brings files to the disk and must outlive this; without one nobody does.
+    explicit PosixDateisystem(Sicherungshelfer* helfer = nullptr) : helfer_(helfer) {}
+
     Dateihandle Oeffne(const std::string& pfad, Oeffnen art) override;
     void Schliesse(Dateihandle handle) override;
     std::int64_t Lies(Dateihandle handle, std::span<std::byte> ziel) override;
@@ -24,7 +28,12 @@ public:
     int Loesche(const std::string& pfad) override;
     int BenenneUm(const std::string& von, const std::string& nach) override;
     std::int64_t FreierPlatz(const std::string& ordner) override;
+    int BeginneSicherung(const std::string& ordner, const std::string& marke, const std::string& text) override;
+    std::optional<int> Sicherungsergebnis() override;
     std::vector<Verzeichniseintrag> Liste(const std::string& ordner) override;
+
+private:
+    Sicherungshelfer* helfer_;
 };
 
 }  // namespace zek

@@ -57,7 +57,7 @@ void Abschluss::SchreibeIBLastEnd() {
     if (modul_.LetzteDatenZeit <= 0) return;
     if ((plattform_.Uhr.Jetzt() - modul_.Startzeitpunkt) * SekundenProTag <= Mindestlebensdauer) return;
     einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd",
-                                       ZahltextPunkt(modul_.LetzteDatenZeit));
+                                       ZahltextPunkt(rekorder_.GespeichertBis(modul_.LetzteDatenZeit)));
 }
 
 void Abschluss::SchreibeTrayzustand() {

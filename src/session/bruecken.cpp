@@ -82,6 +82,10 @@ void Rundenbruecke::AtomZeitAbfrage() {
     teile_.Atomuhr.AtomZeitAbfrage();
 }
 
+Datum Rundenbruecke::GespeichertBis(Datum zeit) const {
+    return teile_.Luecken.GespeichertBis(zeit);
+}
+
 void Rundenbruecke::SchreibeLastEnd(std::string_view wert) {
     einstellungen_.SchreibeMarke(abschnitt::Datenpflege, "IBLastEnd", wert);
 }

@@ -50,6 +50,7 @@ public:
     bool StarteAutoBackfill(Datum zeitpunkt) override;
     void AtomZeitAbfrage() override;
     void SchreibeLastEnd(std::string_view wert) override;
+    Datum GespeichertBis(Datum zeit) const override;
 
 private:
     Zusammenbau& teile_;

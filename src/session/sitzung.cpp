@@ -72,6 +72,10 @@ void Sitzung::MarktdatenAbbestellen(const clTitelobjekt& titel) {
     if (teile_->Marktdaten.Control.Verbunden()) teile_->Marktdaten.Abos.MarktdatenAbbestellen(titel);
 }
 
+Datum Sitzung::GespeichertBis(Datum zeit) const {
+    return teile_->Luecken.GespeichertBis(zeit);
+}
+
 void Sitzung::TwsTrennen() {
     teile_->Marktdaten.Control->disconnect();
 }

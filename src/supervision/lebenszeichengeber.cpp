@@ -23,18 +23,29 @@ bool Lebenszeichengeber::IstNeues() {
 
 void Lebenszeichengeber::Pruefe(Datum jetzt) {
     neues_ = IstNeues() || neues_;
+    const double vergangen = std::fabs(SekundenZwischen(zuletzt_, jetzt));
     if (laeuft_) {
         const auto ergebnis = dateien_.Sicherungsergebnis();
-        if (!ergebnis) return;
-        laeuft_ = false;
-        gesichert_ = *ergebnis == 0;
+        if (ergebnis) {
+            laeuft_ = false;
+            gesichert_ = *ergebnis == 0;
+            if (!gesichert_) GibZeichen(jetzt);
+        } else if (vergangen > Ruhetakt) {
+            GibZeichen(jetzt);  // a disk that hangs
+        }
+        return;
     }
-    const double vergangen = std::fabs(SekundenZwischen(zuletzt_, jetzt));
     if (vergangen < Takt - 0.5 || (!neues_ && vergangen < Ruhetakt - 0.5)) return;
     if (neues_)
         BeginneSicherung(jetzt);
     else
         GibZeichen(jetzt);
+}
+
+void Lebenszeichengeber::Beende(Datum jetzt) {
+    IstNeues();
+    dateien_.Sicherungsergebnis();  // makes room for another round when one is over
+    BeginneSicherung(jetzt);
 }
 
 void Lebenszeichengeber::BeginneSicherung(Datum jetzt) {

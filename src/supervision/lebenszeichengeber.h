@@ -23,6 +23,8 @@ public:
     void Beginne(Datum jetzt);
     // Once a second.
     void Pruefe(Datum jetzt);
+    // The program ends: one round more, which nobody waits for.
+    void Beende(Datum jetzt);
 
 private:
     bool IstNeues();

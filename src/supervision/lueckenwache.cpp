@@ -69,6 +69,7 @@ void Lueckenwache::Beende() {
     offen_.Oeffne(AlleTitel, ursache::ProgrammBeendet, jetzt);
     laeuft_ = false;
     buch_.HalteZurueck(false);
+    lebenszeichen_.Beende(jetzt);
 }
 
 // ---- the stream

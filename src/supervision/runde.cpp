@@ -100,7 +100,7 @@ void Runde::Minutenblock() {
     OhneFehler([&] {
         const double seitStart = (uhr_.Jetzt() - modul_.Startzeitpunkt) * SekundenProTag;
         if (seitStart > LastEndKarenz && modul_.LetzteDatenZeit > 0) {
-            mitspieler_.SchreibeLastEnd(ZahltextPunkt(modul_.LetzteDatenZeit));
+            mitspieler_.SchreibeLastEnd(ZahltextPunkt(mitspieler_.GespeichertBis(modul_.LetzteDatenZeit)));
         }
     });
     OhneFehler([&] {

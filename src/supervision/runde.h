@@ -37,6 +37,8 @@ public:
         virtual void AtomZeitAbfrage() = 0;
         // Key "IBLastEnd" of section "Datenpflege".
         virtual void SchreibeLastEnd(std::string_view wert) = 0;
+        // How far what came until `zeit` has reached files.
+        virtual Datum GespeichertBis(Datum zeit) const = 0;
     };
 
     Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Neustart& neustart, Mitspieler& mitspieler);

@@ -153,6 +153,99 @@ TEST_F(LueckenbuchTest, EachFailingCallLosesNoLine) {
     }
 }
 
+// ---- the reserve
+
+class ReserveTest : public LueckenbuchTest {
+protected:
+    ReserveTest() {
+        modul.Programmordner = "/p/";
+        ram.LegeOrdnerbaumAn("/p");
+        buch.BereiteReserve(1);
+    }
+    static Lueckenzeile Zeile(int minute) { return {Um(10, minute), Um(10, minute + 1), "*", "TWS offline", ""}; }
+    std::string Reserve() const { return ram.Inhalt("/p/Lücken-Reserve.txt"); }
+    std::string ReserveOhneFuellung() const {
+        const std::string inhalt = Reserve();
+        return inhalt.substr(0, inhalt.find_last_not_of(' ') + 1);
+    }
+};
+
+TEST_F(ReserveTest, IsAFileOfBlanksThatGrowsWithTheNumberOfLinesToExpect) {
+    EXPECT_EQ(Reserve(), std::string(64 * 1024, ' '));
+    buch.BereiteReserve(1000);
+    EXPECT_EQ(Reserve(), std::string(160000, ' '));
+    buch.BereiteReserve(10);
+    EXPECT_EQ(Reserve().size(), 160000u);
+}
+
+TEST_F(ReserveTest, TakesOnAFullDiskWhatTheBookCannotAndGivesItBack) {
+    buch.Schreibe(Zeile(0));
+    ram.SetzeFreienPlatz(30);
+    buch.Schreibe(Zeile(1));
+    buch.Schreibe(Zeile(2));
+    buch.Nachholen();
+    EXPECT_EQ(buch.Wartend(), 0u);
+    EXPECT_FALSE(buch.IstVollstaendig());
+    EXPECT_EQ(Heute(), Zeilentext(Zeile(0))) << "no half lines, which would take the last room";
+    EXPECT_EQ(ReserveOhneFuellung(), Zeilentext(Zeile(1)) + Zeilentext(Zeile(2)));
+    EXPECT_EQ(Reserve().size(), 64u * 1024);
+    ram.SetzeFreienPlatz(1000);
+    buch.Schreibe(Zeile(3));
+    buch.Nachholen();
+    EXPECT_TRUE(buch.IstVollstaendig());
+    EXPECT_EQ(Heute(), Zeilentext(Zeile(0)) + Zeilentext(Zeile(1)) + Zeilentext(Zeile(2)) + Zeilentext(Zeile(3)));
+    EXPECT_EQ(Reserve(), std::string(64 * 1024, ' '));
+}
+
+TEST_F(ReserveTest, WhatAnEarlierRunHasLeftInItIsMovedByTheNextOne) {
+    dateien.StoerePfad("/d/", EROFS);
+    buch.Schreibe(Zeile(1));
+    dateien.Heile();
+    Lueckenbuch naechstes(modul, dateien, welt);
+    naechstes.Schreibe(Zeile(2));
+    EXPECT_EQ(ReserveOhneFuellung(), Zeilentext(Zeile(1)) + Zeilentext(Zeile(2))) << "in order, behind it";
+    naechstes.BereiteReserve(1);
+    EXPECT_EQ(Heute(), Zeilentext(Zeile(1)) + Zeilentext(Zeile(2)));
+    EXPECT_TRUE(naechstes.IstVollstaendig());
+}
+
+TEST_F(ReserveTest, ALineTornInItHurtsNoOther) {
+    const std::string ganz = Zeilentext(Zeile(1)), halb = Zeilentext(Zeile(2)).substr(0, 40);
+    ram.LegeDateiAn("/p/Lücken-Reserve.txt", ganz + halb + std::string(500, ' '));
+    EXPECT_EQ(LiesLueckenreserve(dateien, "/p/"), ganz);
+    Lueckenbuch naechstes(modul, dateien, welt);
+    naechstes.Schreibe(Zeile(3));
+    naechstes.Nachholen();
+    EXPECT_EQ(Heute(), ganz + Zeilentext(Zeile(3)));
+    EXPECT_EQ(LiesLueckenreserve(dateien, "/p/"), "");
+}
+
+TEST_F(ReserveTest, EachFailingCallLosesNoLineAndKeepsTheOrderOfOpenAndClosed) {
+    const Lueckenzeile offen{Um(10, 0), 0, "*", "TWS offline", ""}, zu{Um(10, 0), Um(10, 1), "*", "TWS offline", ""};
+    for (std::uint64_t n = 1; n <= 40; ++n) {
+        ram.Loesche("/d/Lücken/2026-11-16.txt");
+        dateien.StoereNten(n, EIO);
+        buch.Schreibe(offen);
+        buch.Schreibe(zu);
+        dateien.Heile();
+        buch.Nachholen();
+        EXPECT_TRUE(buch.IstVollstaendig()) << n;
+        EXPECT_THAT(Gelesen(), ElementsAre(Zeilentext(zu))) << n;
+        EXPECT_EQ(ram.OffeneHandles(), 0u) << n;
+    }
+}
+
+TEST_F(ReserveTest, WhereItCannotBeKeptEitherLinesWait) {
+    dateien.StoereArt(Dateiaufruf::Schreibe, EIO);
+    buch.Schreibe(Zeile(1));
+    EXPECT_EQ(buch.Wartend(), 1u);
+    dateien.Heile();
+    buch.Nachholen();
+    EXPECT_EQ(Heute(), Zeilentext(Zeile(1)));
+}
+
+// ---- the rest
+
 TEST_F(LueckenbuchTest, TheQueueOfWaitingLinesIsBounded) {
     dateien.StoereArt(Dateiaufruf::Oeffne, EACCES);
     buch.HalteZurueck(true);

@@ -86,13 +86,15 @@ public:
     }
     void AtomZeitAbfrage() override { Merke("AtomZeitAbfrage"); }
     void SchreibeLastEnd(std::string_view wert) override { Merke("SchreibeLastEnd " + std::string(wert)); }
+    Datum GespeichertBis(Datum zeit) const override { return Gespeichert > 0 ? std::min(Gespeichert, zeit) : zeit; }
 
     bool Verbunden = true;
     bool VerbindenGelingt = false;
     bool BackfillGelingt = true;
     std::function<void()> BeiAbonnieren;
     std::function<void()> BeiBackfill;
-    std::string Stolpern;  // the call that throws
+    std::string Stolpern;   // the call that throws
+    Datum Gespeichert = 0;  // what reached files ends here; 0 for all
 
 private:
     void Merke(std::string aufruf) {

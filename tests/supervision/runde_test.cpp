@@ -1,3 +1,4 @@
+#include "platform/text.h"
 #include "supervision/aufsichtswelt.h"
 #include "supervision/titelinfo.h"
 
@@ -192,6 +193,13 @@ TEST_F(Rundentest, WithinTheFirstTenSecondsTheLastEndStays) {
     modul.Minutenmarke = 0;
     welt.Laufe(0.5);
     EXPECT_EQ(Anzahl("SchreibeLastEnd"), 1);
+}
+
+TEST_F(Rundentest, TheLastEndStaysWhereNothingReachesAFileAnyMore) {
+    modul.LetzteDatenZeit = welt.Jetzt();
+    mitspieler.Gespeichert = modul.LetzteDatenZeit - 1;
+    welt.Laufe(70);
+    EXPECT_EQ(Nur({"SchreibeLastEnd"}), (hilfen::Aufrufe{"SchreibeLastEnd " + ZahltextPunkt(mitspieler.Gespeichert)}));
 }
 
 TEST_F(Rundentest, WithoutDataNoLastEndIsWritten) {

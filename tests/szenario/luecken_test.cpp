@@ -187,6 +187,43 @@ TEST_P(LueckenSzenario, OnADayOfFaultsEveryMissingTickLiesInANamedGapAndNoRecord
 }
 INSTANTIATE_TEST_SUITE_P(Saaten, LueckenSzenario, testing::Values(1, 2, 3, 4));
 
+// A disk that is full for good: the program dies on it or is ended, and only then there is room again.
+class VollePlatte : public testing::TestWithParam<bool> {};
+
+TEST_P(VollePlatte, TheEvidenceOfAFullDiskSurvivesTheEndOnIt) {
+    Rekorderwelt w(Morgen, Boersentag(5));
+    const clTitelobjekt& es = w.Future();
+    w.Aktie();
+    ASSERT_TRUE(w.Starte());
+    w.tws.HistoriefarmGestoert();
+    w.Bis(10, 0);
+    const Datum voll = w.welt.Jetzt();
+    w.dateien.SetzeFreienPlatz(40);
+    w.Bis(10, 20);
+    EXPECT_EQ(w.gesicht.Status.Anzahl("Das Speichern schlägt fehl: "), 1u);
+    if (GetParam())
+        w.Beende();
+    else
+        w.Absturz();
+    const double ende = Zahlwert(w.registry.Lies(Programmtitel, "Datenpflege", "IBLastEnd").value_or("0"));
+    EXPECT_LT(ende, voll + 30 * EineSekunde) << "nothing has reached a file since";
+    EXPECT_GT(ende, voll - 60 * EineSekunde);
+    const std::string reserve = w.dateien.Inhalt("/zek/Lücken-Reserve.txt");
+    EXPECT_THAT(reserve, HasSubstr("Speichern fehlgeschlagen"));
+    w.welt.Laufe(60);
+    w.dateien.SetzeFreienPlatz(std::int64_t{1} << 40);
+    ASSERT_TRUE(w.Starte());
+    w.Bis(10, 40);
+    EXPECT_EQ(w.dateien.Inhalt("/zek/Lücken-Reserve.txt").find_first_not_of(' '), std::string::npos) << "moved";
+    const Vergleich v =
+        Vergleiche(w, es, w.tws.PfadVon({0, "ES", "FUT", "20261218", 0, "", "", "CME", "", "USD", "", ""}));
+    EXPECT_GT(v.Fehlend, 20u);
+    EXPECT_EQ(v.FehlendOhneNamen, 0u) << v.Beispiele << Gaps(w).second;
+    EXPECT_EQ(v.AufgezeichnetInLuecke, 0u) << v.Beispiele << Gaps(w).second;
+    w.Beende();
+}
+INSTANTIATE_TEST_SUITE_P(EndedOrKilled, VollePlatte, testing::Bool());
+
 TEST(LueckenTest, WhatBackfillsFilledIsNotMissing) {
     Rekorderwelt w(DatumAus(2026, 11, 16, 9, 40, 0), Boersentag(1));
     w.Future();
