@@ -22,7 +22,7 @@ public:
     struct Umgebung {
         Datenpflegeumgebung Lauf;
         Zeitgeberfabrik& Zeitgeber;
-        Datenpflegeablage& Ablage;
+        Einstellungszugang& Ablage;
         Datenpflegeoptionen& Optionen;
         std::function<bool()> TwsVerbunden;  // the live session has a connection time
     };

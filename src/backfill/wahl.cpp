@@ -20,7 +20,7 @@ double LiesBruchteil(const std::string& text) {
 
 }  // namespace
 
-Datenpflegewahl LiesDatenpflegewahl(Datenpflegeablage& ablage, Datum jetzt) {
+Datenpflegewahl LiesDatenpflegewahl(Einstellungszugang& ablage, Datum jetzt) {
     const auto lies = [&](std::string_view schluessel, std::string_view vorgabe) {
         return ablage.Lies(Abschnitt, schluessel, vorgabe);
     };
@@ -37,16 +37,16 @@ Datenpflegewahl LiesDatenpflegewahl(Datenpflegeablage& ablage, Datum jetzt) {
     return wahl;
 }
 
-void SpeichereDatenpflegewahl(Datenpflegeablage& ablage, const Datenpflegewahl& wahl, Datum jetzt) {
+void SpeichereDatenpflegewahl(Einstellungszugang& ablage, const Datenpflegewahl& wahl, Datum jetzt) {
     const int felder =
         (wahl.Bezahlt ? FeldBezahlt : 0) + (wahl.GeldBrief ? FeldGeldBrief : 0) + (wahl.UseRTH ? FeldRTH : 0);
     const Kalender start = Zerlege(wahl.Start);
     const double uhrzeit = Uhrzeit(start.Stunde, start.Minute, start.Sekunde);
-    ablage.Schreibe(Abschnitt, "IBStartTage", std::to_string(GanzeTage(wahl.Start, jetzt)));
-    ablage.Schreibe(Abschnitt, "IBUhrzeit", Zahltext(uhrzeit));
-    ablage.Schreibe(Abschnitt, "IBEndDatum", Datumtext(wahl.Ende));
-    ablage.Schreibe(Abschnitt, "IBAktualBisAktuell", wahl.AktualBisAktuell ? "1" : "0");
-    ablage.Schreibe(Abschnitt, "IBFelder", std::to_string(felder));
+    ablage.Schreibe(Abschnitt, {{"IBStartTage", std::to_string(GanzeTage(wahl.Start, jetzt))},
+                                {"IBUhrzeit", Zahltext(uhrzeit)},
+                                {"IBEndDatum", Datumtext(wahl.Ende)},
+                                {"IBAktualBisAktuell", wahl.AktualBisAktuell ? "1" : "0"},
+                                {"IBFelder", std::to_string(felder)}});
 }
 
 std::optional<Beanstandung> NaechsteBeanstandung(const Datenpflegewahl& wahl, Datum jetzt,

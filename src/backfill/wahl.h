@@ -33,19 +33,11 @@ public:
     virtual std::optional<Datenpflegewahl> Frage(const Vorgabe& vorgabe) = 0;
 };
 
-// Settings of the program, by section and key, wherever they are stored.
-class Datenpflegeablage {
-public:
-    virtual ~Datenpflegeablage() = default;
-    virtual std::string Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe) = 0;
-    virtual void Schreibe(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) = 0;
-};
-
 // The last choice, as the dialog shows it at first. Wanted oddity: the stored end comes only with AktualBisAktuell,
 // where its fields are disabled; without it the end is the present.
-Datenpflegewahl LiesDatenpflegewahl(Datenpflegeablage& ablage, Datum jetzt);
+Datenpflegewahl LiesDatenpflegewahl(Einstellungszugang& ablage, Datum jetzt);
 // Stores a choice: "IBStartTage", "IBUhrzeit", "IBEndDatum", "IBAktualBisAktuell", "IBFelder" of "Datenpflege".
-void SpeichereDatenpflegewahl(Datenpflegeablage& ablage, const Datenpflegewahl& wahl, Datum jetzt);
+void SpeichereDatenpflegewahl(Einstellungszugang& ablage, const Datenpflegewahl& wahl, Datum jetzt);
 
 // What is wrong with a choice, in the system's own words.
 struct Beanstandung {

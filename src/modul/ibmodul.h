@@ -24,11 +24,9 @@ struct IBModul {
     Datum Startzeitpunkt = 0;
     std::string Programmordner;  // ends in "/"
     std::string Hilfedatei;
-    std::string WhatsThisHilfe;
     bool LokalSettings = false;
     bool KeineBeendenFrage = false;  // switch "/K"
     std::string Datenordner;
-    std::string DatenordnerBeimStart;
 
     zek::Einstellungen Einstellungen;
 
@@ -58,6 +56,10 @@ struct IBModul {
     std::int32_t AktiveTitel = 0;   // refreshed by TitelInfoAktualisieren
     std::int32_t Minutenmarke = 0;  // timer reading of the last minute block, whole seconds
     bool AtomzeitGeprueft = false;
+
+    // Set at the start and read by nobody so far: they belong to the values that the program keeps for its windows.
+    std::string WhatsThisHilfe;        // source of context popups
+    std::string DatenordnerBeimStart;  // Datenordner as it stood at the start
 };
 
 }  // namespace zek

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,25 @@ class Statusausgabe {
 public:
     virtual ~Statusausgabe() = default;
     virtual void Statusmeldung(std::string_view text, bool fett = false) = 0;
+};
+
+// The program's own settings, by section and key, wherever they are stored. A value that can't be stored is lost
+// quietly.
+class Einstellungszugang {
+public:
+    struct Wert {
+        std::string_view Schluessel;
+        std::string Text;
+    };
+
+    virtual ~Einstellungszugang() = default;
+    virtual std::string Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe) = 0;
+    // All in one write.
+    virtual void Schreibe(std::string_view abschnitt, std::initializer_list<Wert> werte) = 0;
+    // Without a wait for the disk: for what is written while ticks come in.
+    virtual void SchreibeMarke(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) = 0;
+    // An order to this instance, "0" when there is none. Always from the per-user store.
+    virtual std::string LiesKommando(std::string_view schluessel) = 0;
 };
 
 // Button sets of ZeigeMeldung (bits 0 to 3 of its flags), default button bits, and results.

@@ -4,21 +4,8 @@
 
 namespace zek {
 
-Neustartbruecke::Neustartbruecke(Zusammenbau& teile, Einstellungsspeicher& einstellungen,
-                                 std::function<void()> entladen)
-    : teile_(teile), einstellungen_(einstellungen), entladen_(std::move(entladen)) {}
-
-std::string Neustartbruecke::LeseOption(std::string_view schluessel, std::string_view vorgabe) {
-    return einstellungen_.LeseEinstellung(Programmtitel, abschnitt::Optionen, schluessel, vorgabe);
-}
-
-void Neustartbruecke::SchreibeOption(std::string_view schluessel, std::string_view wert) {
-    einstellungen_.SchreibeMarke(abschnitt::Optionen, schluessel, wert);
-}
-
-std::string Neustartbruecke::LeseKommando(std::string_view schluessel) {
-    return einstellungen_.LeseRegistry(Programmtitel, abschnitt::Kommando, schluessel, "0");
-}
+Neustartbruecke::Neustartbruecke(Zusammenbau& teile, std::function<void()> entladen)
+    : teile_(teile), entladen_(std::move(entladen)) {}
 
 bool Neustartbruecke::TwsVerbunden() const {
     return teile_.Marktdaten.Control.Verbunden();
@@ -38,13 +25,7 @@ void Neustartbruecke::DatenpflegeFensterFreigeben() {
     teile_.Datenpflege.FensterEntladen();
 }
 
-bool Neustartbruecke::HauptfensterEntladen() {
-    entladen_();
-    return true;
-}
-
-Rundenbruecke::Rundenbruecke(Zusammenbau& teile, Einstellungsspeicher& einstellungen, Offlineanzeige& anzeige)
-    : teile_(teile), einstellungen_(einstellungen), anzeige_(anzeige) {}
+Rundenbruecke::Rundenbruecke(Zusammenbau& teile, Offlineanzeige& anzeige) : teile_(teile), anzeige_(anzeige) {}
 
 void Rundenbruecke::AlleMarktdatenAbbestellen(std::int32_t& count) {
     teile_.Marktdaten.Abos.AlleMarktdatenAbbestellen(count);
@@ -84,26 +65,6 @@ void Rundenbruecke::AtomZeitAbfrage() {
 
 Datum Rundenbruecke::GespeichertBis(Datum zeit) const {
     return teile_.Luecken.GespeichertBis(zeit);
-}
-
-void Rundenbruecke::SchreibeLastEnd(std::string_view wert) {
-    einstellungen_.SchreibeMarke(abschnitt::Datenpflege, "IBLastEnd", wert);
-}
-
-Datenpflegebruecke::Datenpflegebruecke(Einstellungsspeicher& einstellungen, Gesicht& gesicht)
-    : einstellungen_(einstellungen), gesicht_(gesicht) {}
-
-std::string Datenpflegebruecke::Lies(std::string_view abschnitt, std::string_view schluessel,
-                                     std::string_view vorgabe) {
-    return einstellungen_.LeseEinstellung(Programmtitel, abschnitt, schluessel, vorgabe);
-}
-
-void Datenpflegebruecke::Schreibe(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
-    einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt, schluessel, wert);
-}
-
-std::optional<Datenpflegewahl> Datenpflegebruecke::Frage(const Vorgabe& vorgabe) {
-    return gesicht_.DatenpflegeOptionen(vorgabe);
 }
 
 }  // namespace zek

@@ -4,7 +4,6 @@
 
 #include "backfill/lauf.h"
 #include "backfill/wahl.h"
-#include "session/einstellungen.h"
 #include "session/gesicht.h"
 #include "supervision/neustart.h"
 #include "supervision/runde.h"
@@ -18,27 +17,22 @@ struct Zusammenbau;
 class Neustartbruecke final : public Neustart::Sitzung {
 public:
     // `entladen` runs the shutdown order.
-    Neustartbruecke(Zusammenbau& teile, Einstellungsspeicher& einstellungen, std::function<void()> entladen);
+    Neustartbruecke(Zusammenbau& teile, std::function<void()> entladen);
 
-    std::string LeseOption(std::string_view schluessel, std::string_view vorgabe) override;
-    void SchreibeOption(std::string_view schluessel, std::string_view wert) override;
-    std::string LeseKommando(std::string_view schluessel) override;
     bool TwsVerbunden() const override;
     void disconnect() override;
     bool DatenpflegeAbbrechen() override;
     void DatenpflegeFensterFreigeben() override;
-    bool HauptfensterEntladen() override;
-    void ProgrammBeenden() override { entladen_(); }
+    void HauptfensterEntladen() override { entladen_(); }
 
 private:
     Zusammenbau& teile_;
-    Einstellungsspeicher& einstellungen_;
     std::function<void()> entladen_;
 };
 
 class Rundenbruecke final : public Runde::Mitspieler {
 public:
-    Rundenbruecke(Zusammenbau& teile, Einstellungsspeicher& einstellungen, Offlineanzeige& anzeige);
+    Rundenbruecke(Zusammenbau& teile, Offlineanzeige& anzeige);
 
     void AlleMarktdatenAbbestellen(std::int32_t& count) override;
     void AlleMarktdatenAbonnieren(std::int32_t count) override;
@@ -49,29 +43,26 @@ public:
     void VerbergeOfflinewarnung() override;
     bool StarteAutoBackfill(Datum zeitpunkt) override;
     void AtomZeitAbfrage() override;
-    void SchreibeLastEnd(std::string_view wert) override;
     Datum GespeichertBis(Datum zeit) const override;
 
 private:
     Zusammenbau& teile_;
-    Einstellungsspeicher& einstellungen_;
     Offlineanzeige& anzeige_;
 };
 
-class Datenpflegebruecke final : public Datenpflegefenster, public Datenpflegeablage, public Datenpflegeoptionen {
+class Datenpflegebruecke final : public Datenpflegefenster, public Datenpflegeoptionen {
 public:
-    Datenpflegebruecke(Einstellungsspeicher& einstellungen, Gesicht& gesicht);
+    explicit Datenpflegebruecke(Gesicht& gesicht) : gesicht_(gesicht) {}
 
     Datenpflegeanzeige& Erzeuge() override { return gesicht_.DatenpflegeFensterErzeugen(); }
     void GibFrei() override { gesicht_.DatenpflegeFensterFreigeben(); }
     void Statuspanel(const std::string& text) override { gesicht_.Statuspanel(text); }
     void Ton() override { gesicht_.Ton(); }
-    std::string Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe) override;
-    void Schreibe(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) override;
-    std::optional<Datenpflegewahl> Frage(const Vorgabe& vorgabe) override;
+    std::optional<Datenpflegewahl> Frage(const Vorgabe& vorgabe) override {
+        return gesicht_.DatenpflegeOptionen(vorgabe);
+    }
 
 private:
-    Einstellungsspeicher& einstellungen_;
     Gesicht& gesicht_;
 };
 

@@ -26,45 +26,17 @@ public:
     void ZeigeOfflinewarnung(const std::string&) override { offlinewarnung_ = true; }
     void ZeigeOfflinewarnung() override { offlinewarnung_ = true; }
     void VerbergeOfflinewarnung() override { offlinewarnung_ = false; }
-    void FensterNachVorn() override {}
-    void Ton() override {}
-
-    void Protokolleintrag(const clTitelobjekt&, std::int32_t, float, float, bool) override {}
-
-    void Startinfo(const std::string&) override {}
-    void FortschrittMaximum(int) override {}
-    void FortschrittWert(int) override {}
-    void Sanduhr(bool) override {}
 
     bool OhneBildschirm() const override { return true; }
-    StarthinweisAntwort ZeigeStarthinweis() override { return {}; }
     void VerzoegerungBeginnt(const std::string& text, int maximum) override;
-    void VerzoegerungWert(int) override {}
-    bool VerzoegerungAbgebrochen() const override { return false; }
-    void VerzoegerungEndet() override {}
-    void LadeHauptfenster() override {}
     // Entries of the status list are wanted only where there is an output for them.
     bool HauptfensterGeladen() const override { return static_cast<bool>(ausgabe_); }
     bool HauptfensterMinimiert() const override { return true; }
-    void TaskleistenstilSetzen(bool) override {}
-    void ZeigeStartansicht() override {}
     bool Verbindungseinstellungen(Verbindungsangaben& angaben) override;
-    void ZeigeArbeitsansicht(const std::string&) override {}
-    void BefehlsmarkeSetzen(int, bool) override {}
-    void KomprimierteAnsichtSetzen(bool) override {}
-    void InitSysTray() override {}
-    void ZeigeBeispieltitel() override {}
 
     void StatuslisteEintrag(Datum zeit, const std::string& text, bool fett) override;
-    void TitelInfo(const std::string&) override {}
-    void Statuspanel(const std::string&) override {}
     Datenpflegeanzeige& DatenpflegeFensterErzeugen() override;
     void DatenpflegeFensterFreigeben() override;
-
-    bool InTaskleisteAngehakt() const override { return false; }
-    void TrayFreigeben() override {}
-    void FensterplatzSpeichern() override {}
-    void MonitorplatzSpeichern() override {}
 
 private:
     // Reports each title and the end of the way, not each step.

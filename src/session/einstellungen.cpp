@@ -88,6 +88,20 @@ void Einstellungsspeicher::SchreibeMarke(std::string_view abschnitt, std::string
     });
 }
 
+std::string Einstellungsspeicher::Lies(std::string_view abschnitt, std::string_view schluessel,
+                                       std::string_view vorgabe) {
+    return LeseEinstellung(Programmtitel, abschnitt, schluessel, vorgabe);
+}
+
+void Einstellungsspeicher::Schreibe(std::string_view abschnitt, std::initializer_list<Wert> werte) {
+    const Buendel buendel(*this);
+    for (const Wert& wert : werte) SchreibeEinstellung(Programmtitel, abschnitt, wert.Schluessel, wert.Text);
+}
+
+std::string Einstellungsspeicher::LiesKommando(std::string_view schluessel) {
+    return LeseRegistry(Programmtitel, abschnitt::Kommando, schluessel, "0");
+}
+
 int Einstellungsspeicher::Schreibe(const Schreibschlange::Ziel& ziel, Speicheraenderung aenderung,
                                    Haltbarkeit haltbarkeit) {
     schlange_.Reihe(ziel, std::move(aenderung), haltbarkeit);

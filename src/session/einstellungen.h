@@ -20,7 +20,7 @@ namespace zek {
 // Name of the local file, in the program folder.
 inline constexpr std::string_view LokaleEinstellungsdatei = "ZEK_IB_Para.ini";
 
-class Einstellungsspeicher {
+class Einstellungsspeicher final : public Einstellungszugang {
 public:
     // All of them must outlive the object. `modul` holds LokalSettings and the plain fields.
     Einstellungsspeicher(IBModul& modul, Nutzerspeicher& registry, Profildatei& lokaleDatei);
@@ -35,7 +35,12 @@ public:
                              std::string_view wert, bool immerRegistry = false, bool immerDatei = false);
     // The same under the program's title, without a wait for the disk: for a mark that is written over and over while
     // ticks come in.
-    void SchreibeMarke(std::string_view abschnitt, std::string_view schluessel, std::string_view wert);
+    void SchreibeMarke(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) override;
+
+    // The program's own settings, as the rooms below see them.
+    std::string Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe) override;
+    void Schreibe(std::string_view abschnitt, std::initializer_list<Wert> werte) override;
+    std::string LiesKommando(std::string_view schluessel) override;
 
     // Past the choice of the store, straight to the per-user store: commands, program path, data folder, sample
     // titles. The same for all instances of one user. Writes as SchreibeWartendes results.

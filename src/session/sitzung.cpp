@@ -33,10 +33,10 @@ int Sitzung::Rueckgabe() const {
 void Sitzung::Beende() {
     if (beendet_) return;
     beendet_ = true;
-    plattform_.MeldeVerwalter("STOPPING=1");
+    OhneFehler([this] { plattform_.MeldeVerwalter("STOPPING=1"); });
     if (teile_) {
-        teile_->HalteAn();
-        abschluss_.Entladen();
+        OhneFehler([this] { teile_->HalteAn(); });
+        OhneFehler([this] { abschluss_.Entladen(); });
     }
     if (plattform_.Ende) plattform_.Ende();
 }

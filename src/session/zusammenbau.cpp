@@ -14,14 +14,14 @@ std::string Option(Einstellungsspeicher& einstellungen, std::string_view schlues
 
 Zusammenbau::Zusammenbau(const Umgebung& um)
     : um_(um),
-      neustartbruecke_(*this, um.Einstellungen, um.Entladen),
-      rundenbruecke_(*this, um.Einstellungen, um.Gesicht),
-      datenpflegebruecke_(um.Einstellungen, um.Gesicht),
+      neustartbruecke_(*this, um.Entladen),
+      rundenbruecke_(*this, um.Gesicht),
+      datenpflegebruecke_(um.Gesicht),
       Luecken(um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Status),
       Ablage(um.Modul, um.Plattform.Dateien, um.Status, VorzeichenVolumen, &Luecken),
       Atomuhr(um.Modul, um.Plattform.Uhr, um.Plattform.Tcp, um.Status),
       Neustarter(um.Modul, um.Plattform.Uhr, um.Plattform.Pumpe, um.Plattform.Dateien, um.Plattform.Prozesse, um.Status,
-                 um.Gesicht, neustartbruecke_),
+                 um.Gesicht, um.Einstellungen, neustartbruecke_),
       Marktdaten({um.Modul, um.Plattform.Uhr, um.Plattform.Pumpe, Ablage, um.Status, um.Gesicht, um.Gesicht,
                   um.Plattform.Tws, [this](std::int64_t time) { Atomuhr.currentTime(time); },
                   [this](int code) { Neustarter.WegenFehler(code); }, &Luecken}),
@@ -38,10 +38,10 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
                         Luecken.BeimEinarbeitenVerloren(titel, kursart, von, bis);
                     }},
                    um.Plattform.Zeitgeber,
-                   datenpflegebruecke_,
+                   um.Einstellungen,
                    datenpflegebruecke_,
                    [this] { return Marktdaten.Control.Verbunden(); }}),
-      Aufsicht(um.Modul, um.Plattform.Uhr, um.Status, Neustarter, rundenbruecke_),
+      Aufsicht(um.Modul, um.Plattform.Uhr, um.Status, um.Einstellungen, Neustarter, rundenbruecke_),
       zeitgeber_(um.Plattform.Zeitgeber.Erzeuge(Runde::Intervall, [this] { Aufsicht.Durchlauf(); })),
       tickzaehlerTimer_(um.Plattform.Zeitgeber.Erzeuge(Titelinfo::Intervall, [this] { Sekundentakt(); })),
       lueckenTimer_(um.Plattform.Zeitgeber.Erzeuge(Lueckenwache::Intervall, [this] { Luecken.Durchlauf(); })) {

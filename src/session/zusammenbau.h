@@ -9,6 +9,7 @@
 #include "feed/feed.h"
 #include "session/beispieltitel.h"
 #include "session/bruecken.h"
+#include "session/einstellungen.h"
 #include "session/plattform.h"
 #include "supervision/lueckenwache.h"
 #include "supervision/systemuhr.h"

@@ -1,6 +1,7 @@
 #include "supervision/neustart.h"
 
 #include "feed/aufzeichnung.h"
+#include "modul/einstellungstabelle.h"
 #include "platform/datum.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
@@ -25,7 +26,7 @@ bool Befohlen(const std::string& wert) {
 }  // namespace
 
 Neustart::Neustart(IBModul& modul, const Uhr& uhr, Pumpe& pumpe, Dateisystem& dateien, Prozesse& prozesse,
-                   Statusausgabe& status, Meldungen& meldungen, Sitzung& sitzung)
+                   Statusausgabe& status, Meldungen& meldungen, Einstellungszugang& einstellungen, Sitzung& sitzung)
     : modul_(modul),
       uhr_(uhr),
       pumpe_(pumpe),
@@ -33,6 +34,7 @@ Neustart::Neustart(IBModul& modul, const Uhr& uhr, Pumpe& pumpe, Dateisystem& da
       prozesse_(prozesse),
       status_(status),
       meldungen_(meldungen),
+      einstellungen_(einstellungen),
       sitzung_(sitzung) {}
 
 bool Neustart::AutoNeustartStarten(bool nurPruefen) {
@@ -87,11 +89,11 @@ void Neustart::FehlendeKursePruefen() {
 }
 
 void Neustart::KommandosPruefen() {
-    if (Befohlen(sitzung_.LeseKommando("DoQuit"))) {
+    if (Befohlen(einstellungen_.LiesKommando("DoQuit"))) {
         status_.Statusmeldung("ZEK wird durch Kommand /Quit beendet (" + Datumtext(uhr_.Jetzt()) + ")", true);
         modul_.BeendenAngefordert = true;
     }
-    if (Befohlen(sitzung_.LeseKommando("Restart"))) {
+    if (Befohlen(einstellungen_.LiesKommando("Restart"))) {
         Anfordern("ZEK wird durch Kommand /Restart neu gestartet (" + Datumtext(uhr_.Jetzt()) + ")");
     }
 }
@@ -100,7 +102,7 @@ void Neustart::WegenFehler(int code) {
     // What the end itself raises (requests on a connection that is gone) restarts nothing.
     if (beendet_ || modul_.BeendenAngefordert) return;
     const std::string nummer = std::to_string(code);
-    const std::string letzter = sitzung_.LeseOption("LetzterNeustartFehler", "0");
+    const std::string letzter = einstellungen_.Lies(abschnitt::Optionen, "LetzterNeustartFehler", "0");
     const Datum jetzt = uhr_.Jetzt();
     if (Vergangen(DatumAusText(letzter).value_or(Zahlwert(letzter)), jetzt) < FehlerSperrzeit) {
         status_.Statusmeldung("ZEK wird trotz Fehlermeldung Nr. " + nummer +
@@ -110,7 +112,7 @@ void Neustart::WegenFehler(int code) {
     }
     status_.Statusmeldung("ZEK wird wegen Fehlermeldung neu gestartet (bei Fehler Nr. " + nummer + ")", true);
     // Stored, because it is the next instance that must see it.
-    sitzung_.SchreibeOption("LetzterNeustartFehler", Datumtext(jetzt));
+    einstellungen_.SchreibeMarke(abschnitt::Optionen, "LetzterNeustartFehler", Datumtext(jetzt));
     modul_.NeustartAngefordert = true;
 }
 
@@ -134,9 +136,7 @@ bool Neustart::Ausfuehren() {
 }
 
 bool Neustart::ProgrammEndet() {
-    bool entladen = false;
-    OhneFehler([&] { entladen = sitzung_.HauptfensterEntladen(); });
-    if (!entladen) OhneFehler([&] { sitzung_.ProgrammBeenden(); });
+    OhneFehler([&] { sitzung_.HauptfensterEntladen(); });
     return true;
 }
 

@@ -27,25 +27,18 @@ public:
     class Sitzung {
     public:
         virtual ~Sitzung() = default;
-        // Settings of section "Optionen".
-        virtual std::string LeseOption(std::string_view schluessel, std::string_view vorgabe) = 0;
-        virtual void SchreibeOption(std::string_view schluessel, std::string_view wert) = 0;
-        // Section "Kommando", straight from the per-user store, "0" when missing.
-        virtual std::string LeseKommando(std::string_view schluessel) = 0;
         // TwsConnectionTime isn't empty.
         virtual bool TwsVerbunden() const = 0;
         virtual void disconnect() = 0;
         // Asks a backfill run to stop; false when there is no progress window.
         virtual bool DatenpflegeAbbrechen() = 0;
         virtual void DatenpflegeFensterFreigeben() = 0;
-        // Unloads the main window, which runs the shutdown order; asks nothing. False when that failed.
-        virtual bool HauptfensterEntladen() = 0;
-        // The way out when the window doesn't unload: the end procedure, directly, and the end of the program.
-        virtual void ProgrammBeenden() = 0;
+        // Unloads the main window, which runs the shutdown order and ends the program; asks nothing.
+        virtual void HauptfensterEntladen() = 0;
     };
 
     Neustart(IBModul& modul, const Uhr& uhr, Pumpe& pumpe, Dateisystem& dateien, Prozesse& prozesse,
-             Statusausgabe& status, Meldungen& meldungen, Sitzung& sitzung);
+             Statusausgabe& status, Meldungen& meldungen, Einstellungszugang& einstellungen, Sitzung& sitzung);
 
     // Starts the restart helper, or only tests for it and tells the user when it is missing. True when it is there; a
     // start that fails by an error isn't told apart. Under a service manager nothing is started: it does the helper's
@@ -80,6 +73,7 @@ private:
     Prozesse& prozesse_;
     Statusausgabe& status_;
     Meldungen& meldungen_;
+    Einstellungszugang& einstellungen_;
     Sitzung& sitzung_;
     bool beendet_ = false;
     bool verwalterStartetNeu_ = false;

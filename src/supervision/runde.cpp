@@ -1,5 +1,6 @@
 #include "supervision/runde.h"
 
+#include "modul/einstellungstabelle.h"
 #include "platform/datum.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
@@ -22,8 +23,14 @@ constexpr double LastEndKarenz = 10.0005;  // s
 
 }  // namespace
 
-Runde::Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Neustart& neustart, Mitspieler& mitspieler)
-    : modul_(modul), uhr_(uhr), status_(status), neustart_(neustart), mitspieler_(mitspieler) {}
+Runde::Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Einstellungszugang& einstellungen,
+             Neustart& neustart, Mitspieler& mitspieler)
+    : modul_(modul),
+      uhr_(uhr),
+      status_(status),
+      einstellungen_(einstellungen),
+      neustart_(neustart),
+      mitspieler_(mitspieler) {}
 
 void Runde::Durchlauf() {
     if (laeuft_ || beendet_) return;
@@ -100,7 +107,8 @@ void Runde::Minutenblock() {
     OhneFehler([&] {
         const double seitStart = (uhr_.Jetzt() - modul_.Startzeitpunkt) * SekundenProTag;
         if (seitStart > LastEndKarenz && modul_.LetzteDatenZeit > 0) {
-            mitspieler_.SchreibeLastEnd(ZahltextPunkt(mitspieler_.GespeichertBis(modul_.LetzteDatenZeit)));
+            einstellungen_.SchreibeMarke(abschnitt::Datenpflege, "IBLastEnd",
+                                         ZahltextPunkt(mitspieler_.GespeichertBis(modul_.LetzteDatenZeit)));
         }
     });
     OhneFehler([&] {

@@ -35,13 +35,12 @@ public:
         // 0: by the scheduling's own rules. False when a run is active already. Stays until the run is over.
         virtual bool StarteAutoBackfill(Datum zeitpunkt) = 0;
         virtual void AtomZeitAbfrage() = 0;
-        // Key "IBLastEnd" of section "Datenpflege".
-        virtual void SchreibeLastEnd(std::string_view wert) = 0;
         // How far what came until `zeit` has reached files.
         virtual Datum GespeichertBis(Datum zeit) const = 0;
     };
 
-    Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Neustart& neustart, Mitspieler& mitspieler);
+    Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Einstellungszugang& einstellungen, Neustart& neustart,
+          Mitspieler& mitspieler);
 
     // One round; the event of the timer. Does nothing while a round is running, and nothing after Beende. Errors are
     // ignored step by step. A backfill that a round has started may go on for hours: the rounds go on beside it, for
@@ -63,6 +62,7 @@ private:
     IBModul& modul_;
     const Uhr& uhr_;
     Statusausgabe& status_;
+    Einstellungszugang& einstellungen_;
     Neustart& neustart_;
     Mitspieler& mitspieler_;
     bool laeuft_ = false;

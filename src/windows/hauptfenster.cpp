@@ -256,15 +256,11 @@ void IB_Hauptfenster::MonitorDockSchliessen() {
     delete std::exchange(monitorDock_, nullptr);
 }
 
+// Always ignored: the shutdown order ends the program by itself, and a second close while the question stands must not
+// run it twice.
 void IB_Hauptfenster::closeEvent(QCloseEvent* ereignis) {
-    if (!ohneFrage_) {
-        // Always ignored: the shutdown order ends the program by itself, and a second close while the question stands
-        // must not run it twice.
-        ereignis->ignore();
-        if (um_.DarfSchliessen()) um_.Schliessen();
-        return;
-    }
-    QMainWindow::closeEvent(ereignis);
+    ereignis->ignore();
+    if (um_.DarfSchliessen()) um_.Schliessen();
 }
 
 void IB_Hauptfenster::PlatzMerken() {

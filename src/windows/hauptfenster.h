@@ -58,9 +58,6 @@ public:
     QDockWidget& MonitorDockOeffnen(QWidget* inhalt, std::function<void()> beiSchliessen);
     void MonitorDockSchliessen();
 
-    // From now on the window closes without asking.
-    void OhneFrageSchliessen() { ohneFrage_ = true; }
-
 protected:
     void closeEvent(QCloseEvent* ereignis) override;
     void resizeEvent(QResizeEvent* ereignis) override;
@@ -92,7 +89,6 @@ private:
     QTimer* AnzeigeRefresh_;
     QTimer* platzTakt_;
     bool offlineSichtbar_ = false;
-    bool ohneFrage_ = false;
     bool laedt_ = true;
 };
 

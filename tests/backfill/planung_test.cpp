@@ -17,17 +17,6 @@ using Eintrag = hilfen::TestStatus::Eintrag;
 
 constexpr Datum Mittag = hilfen::VirtuelleWelt::Vorgabebeginn;  // 2026-11-16 12:00, a Monday
 
-struct TestAblage : Datenpflegeablage {
-    std::string Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe) override {
-        const auto wert = Werte.find(std::string(abschnitt) + "/" + std::string(schluessel));
-        return wert == Werte.end() ? std::string(vorgabe) : wert->second;
-    }
-    void Schreibe(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) override {
-        Werte[std::string(abschnitt) + "/" + std::string(schluessel)] = wert;
-    }
-    std::map<std::string, std::string> Werte;
-};
-
 struct TestOptionen : Datenpflegeoptionen {
     std::optional<Datenpflegewahl> Frage(const Vorgabe& vorgabe) override {
         Gefragt.push_back(vorgabe);
@@ -73,7 +62,7 @@ protected:
     }
 
     Pflegewelt p_;
-    TestAblage ablage_;
+    hilfen::TestEinstellungen ablage_;
     TestOptionen optionen_;
     bool verbunden_ = true;
     Datenpflegeplanung planung_{{p_.Umgebung(), p_.Welt, ablage_, optionen_, [this] { return verbunden_; }}};
@@ -425,7 +414,7 @@ protected:
         return wahl;
     }
     static constexpr Datum Heute = 46342;
-    TestAblage ablage_;
+    hilfen::TestEinstellungen ablage_;
 };
 
 TEST_F(WahlTest, AStartAtThePresentSecondIsntInThePast) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,6 +14,31 @@
 #include <vector>
 
 namespace zek::hilfen {
+
+// The program's settings as a map of "section/key".
+class TestEinstellungen : public Einstellungszugang {
+public:
+    std::string Lies(std::string_view abschnitt, std::string_view schluessel, std::string_view vorgabe) override {
+        const auto wert = Werte.find(Name(abschnitt, schluessel));
+        return wert == Werte.end() ? std::string(vorgabe) : wert->second;
+    }
+    void Schreibe(std::string_view abschnitt, std::initializer_list<Wert> werte) override {
+        for (const Wert& wert : werte) Werte[Name(abschnitt, wert.Schluessel)] = wert.Text;
+        ++Schreibzugriffe;
+    }
+    void SchreibeMarke(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) override {
+        Werte[Name(abschnitt, schluessel)] = wert;
+        if (BeiMarke) BeiMarke(schluessel, wert);
+    }
+    std::string LiesKommando(std::string_view schluessel) override { return Lies("Kommando", schluessel, "0"); }
+
+    static std::string Name(std::string_view abschnitt, std::string_view schluessel) {
+        return std::string(abschnitt) + "/" + std::string(schluessel);
+    }
+    std::map<std::string, std::string> Werte;
+    int Schreibzugriffe = 0;
+    std::function<void(std::string_view schluessel, std::string_view wert)> BeiMarke;
+};
 
 class TestStatus : public Statusausgabe {
 public:

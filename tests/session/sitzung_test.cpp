@@ -93,6 +93,18 @@ TEST_F(SitzungTest, AWriterThatNeverGivesTheStoreBackDoesNotKeepTheProgramFromEn
     EXPECT_EQ(enden, 1);
 }
 
+TEST_F(SitzungTest, AStepOfTheEndThatFailsKeepsNoneOfTheOthersBack) {
+    Plattform maschine = Maschine();
+    maschine.MeldeVerwalter = [](std::string_view zustand) {
+        if (zustand.starts_with("STOPPING")) throw std::runtime_error("kein Verwalter");
+    };
+    sitzung = std::make_unique<Sitzung>(std::move(maschine), gesicht, "");
+    ASSERT_TRUE(sitzung->Starte());
+    sitzung->Beende();
+    EXPECT_EQ(Registry("Hauptfenster", "Anzeigen"), "-1");
+    EXPECT_EQ(enden, 1);
+}
+
 TEST_F(SitzungTest, TheMinuteMarkWaitsNeitherForTheDiskNorForAnotherWriter) {
     ASSERT_TRUE(Starte());
     welt.Laufe(15);

@@ -24,17 +24,6 @@ using Aufrufe = std::vector<std::string>;
 class TestSitzung : public Neustart::Sitzung {
 public:
     explicit TestSitzung(Aufrufe& aufrufe) : aufrufe_(aufrufe) {}
-    std::string LeseOption(std::string_view schluessel, std::string_view vorgabe) override {
-        const auto wert = Optionen.find(schluessel);
-        return wert == Optionen.end() ? std::string(vorgabe) : wert->second;
-    }
-    void SchreibeOption(std::string_view schluessel, std::string_view wert) override {
-        Optionen[std::string(schluessel)] = wert;
-    }
-    std::string LeseKommando(std::string_view schluessel) override {
-        const auto wert = Kommandos.find(schluessel);
-        return wert == Kommandos.end() ? "0" : wert->second;
-    }
     bool TwsVerbunden() const override { return Verbunden; }
     void disconnect() override { aufrufe_.push_back("disconnect"); }
     bool DatenpflegeAbbrechen() override {
@@ -43,18 +32,15 @@ public:
         return DatenpflegeOffen;
     }
     void DatenpflegeFensterFreigeben() override { aufrufe_.push_back("DatenpflegeFensterFreigeben"); }
-    bool HauptfensterEntladen() override {
+    void HauptfensterEntladen() override {
         aufrufe_.push_back("HauptfensterEntladen");
-        return EntladenGelingt;
+        if (EntladenScheitert) throw std::runtime_error("scheitert");
     }
-    void ProgrammBeenden() override { aufrufe_.push_back("ProgrammBeenden"); }
 
-    std::map<std::string, std::string, std::less<>> Optionen;
-    std::map<std::string, std::string, std::less<>> Kommandos;
     bool Verbunden = true;
     bool DatenpflegeOffen = false;
     std::function<void()> BeiAbbrechen;
-    bool EntladenGelingt = true;
+    bool EntladenScheitert = false;
 
 private:
     Aufrufe& aufrufe_;
@@ -85,7 +71,6 @@ public:
         return BackfillGelingt;
     }
     void AtomZeitAbfrage() override { Merke("AtomZeitAbfrage"); }
-    void SchreibeLastEnd(std::string_view wert) override { Merke("SchreibeLastEnd " + std::string(wert)); }
     Datum GespeichertBis(Datum zeit) const override { return Gespeichert > 0 ? std::min(Gespeichert, zeit) : zeit; }
 
     bool Verbunden = true;
@@ -112,6 +97,9 @@ protected:
         modul.Startzeitpunkt = welt.Jetzt();
         modul.LetzterKursZeitpunkt = welt.Jetzt();
         modul.TWSVerbunden = true;
+        einstellungen.BeiMarke = [this](std::string_view schluessel, std::string_view wert) {
+            if (schluessel == "IBLastEnd") aufrufe.push_back("SchreibeLastEnd " + std::string(wert));
+        };
         LegeHelfer();
         zeitgeber->Starte();
     }
@@ -152,10 +140,11 @@ protected:
     RamDateisystem dateien;
     TestProzesse prozesse;
     Aufrufe aufrufe;
+    TestEinstellungen einstellungen;
     TestSitzung sitzung{aufrufe};
     TestMitspieler mitspieler{aufrufe};
-    Neustart neustart{modul, welt, welt, dateien, prozesse, status, meldungen, sitzung};
-    Runde runde{modul, welt, status, neustart, mitspieler};
+    Neustart neustart{modul, welt, welt, dateien, prozesse, status, meldungen, einstellungen, sitzung};
+    Runde runde{modul, welt, status, einstellungen, neustart, mitspieler};
     std::unique_ptr<Zeitgeber> zeitgeber = welt.Erzeuge(Runde::Intervall, [this] { runde.Durchlauf(); });
 };
 

@@ -141,7 +141,7 @@ TEST_F(Neustarttest, AnOpenDialogHoldsTheRestartRulesBackButNotTheCommands) {
     modul.Dialogsperre = true;
     StarteUm(DatumAus(2026, 11, 16, 2, 59, 0));
     EXPECT_DOUBLE_EQ(LaufeBisEnde(3600), 3600);
-    sitzung.Kommandos["Restart"] = "1";
+    einstellungen.Werte["Kommando/Restart"] = "1";
     EXPECT_DOUBLE_EQ(LaufeBisEnde(10), 1);
     EXPECT_FALSE(status.Enthaelt("zeitbedingt"));
 }
@@ -151,20 +151,20 @@ TEST_F(Neustarttest, AnOpenDialogHoldsTheRestartRulesBackButNotTheCommands) {
 TEST_F(Neustarttest, AnErrorNumberRestartsAndIsRemembered) {
     neustart.WegenFehler(1100);
     EXPECT_TRUE(Fett("ZEK wird wegen Fehlermeldung neu gestartet (bei Fehler Nr. 1100)"));
-    EXPECT_EQ(sitzung.Optionen["LetzterNeustartFehler"], "16.11.2026 12:00:00");
+    EXPECT_EQ(einstellungen.Werte["Optionen/LetzterNeustartFehler"], "16.11.2026 12:00:00");
     EXPECT_TRUE(modul.NeustartAngefordert);
     welt.Laufe(1);
     EXPECT_TRUE(Beendet());
 }
 
 TEST_F(Neustarttest, TheSameErrorWithinTwentySecondsAcrossARestartIsIgnored) {
-    sitzung.Optionen["LetzterNeustartFehler"] = "16.11.2026 11:59:41";
+    einstellungen.Werte["Optionen/LetzterNeustartFehler"] = "16.11.2026 11:59:41";
     neustart.WegenFehler(1100);
     EXPECT_TRUE(
         Fett("ZEK wird trotz Fehlermeldung Nr. 1100 nicht neu gestartet "
              "(<20 s nach letztem Neustart wegen Fehlermeldung)"));
     EXPECT_FALSE(modul.NeustartAngefordert);
-    EXPECT_EQ(sitzung.Optionen["LetzterNeustartFehler"], "16.11.2026 11:59:41");
+    EXPECT_EQ(einstellungen.Werte["Optionen/LetzterNeustartFehler"], "16.11.2026 11:59:41");
     welt.Laufe(1);
     neustart.WegenFehler(1100);
     EXPECT_TRUE(modul.NeustartAngefordert) << "twenty seconds are enough";
@@ -172,13 +172,13 @@ TEST_F(Neustarttest, TheSameErrorWithinTwentySecondsAcrossARestartIsIgnored) {
 
 TEST_F(Neustarttest, AMomentStoredAtMidnightOrAsANumberIsReadToo) {
     StarteUm(DatumAus(2026, 11, 17, 0, 0, 5));
-    sitzung.Optionen["LetzterNeustartFehler"] = "17.11.2026";
+    einstellungen.Werte["Optionen/LetzterNeustartFehler"] = "17.11.2026";
     neustart.WegenFehler(502);
     EXPECT_FALSE(modul.NeustartAngefordert);
-    sitzung.Optionen["LetzterNeustartFehler"] = "46343.00001";
+    einstellungen.Werte["Optionen/LetzterNeustartFehler"] = "46343.00001";
     neustart.WegenFehler(502);
     EXPECT_FALSE(modul.NeustartAngefordert);
-    sitzung.Optionen["LetzterNeustartFehler"] = "Unsinn";
+    einstellungen.Werte["Optionen/LetzterNeustartFehler"] = "Unsinn";
     neustart.WegenFehler(502);
     EXPECT_TRUE(modul.NeustartAngefordert);
 }
@@ -246,7 +246,7 @@ TEST_F(Neustarttest, InTheRecordingPauseNothingIsMissed) {
 // ---- commands and carrying out
 
 TEST_F(Neustarttest, ACommandToQuitDisconnectsAndEndsWithoutTheHelper) {
-    sitzung.Kommandos["DoQuit"] = "1";
+    einstellungen.Werte["Kommando/DoQuit"] = "1";
     welt.Laufe(1);
     EXPECT_TRUE(Fett("ZEK wird durch Kommand /Quit beendet (16.11.2026 12:00:01)"));
     EXPECT_THAT(aufrufe, ElementsAre("disconnect", "HauptfensterEntladen"));
@@ -254,7 +254,7 @@ TEST_F(Neustarttest, ACommandToQuitDisconnectsAndEndsWithoutTheHelper) {
 }
 
 TEST_F(Neustarttest, ACommandToRestartStartsTheHelperFirst) {
-    sitzung.Kommandos["Restart"] = "1";
+    einstellungen.Werte["Kommando/Restart"] = "1";
     welt.Laufe(1);
     EXPECT_TRUE(Fett("ZEK wird durch Kommand /Restart neu gestartet (16.11.2026 12:00:01)"));
     EXPECT_THAT(aufrufe, ElementsAre("HauptfensterEntladen"));
@@ -262,25 +262,25 @@ TEST_F(Neustarttest, ACommandToRestartStartsTheHelperFirst) {
 }
 
 TEST_F(Neustarttest, OfBothCommandsQuittingWins) {
-    sitzung.Kommandos["DoQuit"] = "1";
-    sitzung.Kommandos["Restart"] = "1";
+    einstellungen.Werte["Kommando/DoQuit"] = "1";
+    einstellungen.Werte["Kommando/Restart"] = "1";
     welt.Laufe(1);
     EXPECT_TRUE(Beendet());
     EXPECT_TRUE(prozesse.Starts.empty());
 }
 
 TEST_F(Neustarttest, ACommandThatIsNoNumberCountsAsNone) {
-    sitzung.Kommandos["DoQuit"] = "True";
-    sitzung.Kommandos["Restart"] = "0";
+    einstellungen.Werte["Kommando/DoQuit"] = "True";
+    einstellungen.Werte["Kommando/Restart"] = "0";
     welt.Laufe(5);
     EXPECT_FALSE(Beendet());
 }
 
 TEST_F(Neustarttest, AWindowThatDoesNotUnloadIsPassedBy) {
-    sitzung.EntladenGelingt = false;
+    sitzung.EntladenScheitert = true;
     modul.NeustartAngefordert = true;
     welt.Laufe(1);
-    EXPECT_THAT(aufrufe, ElementsAre("HauptfensterEntladen", "ProgrammBeenden"));
+    EXPECT_THAT(aufrufe, ElementsAre("HauptfensterEntladen"));
 }
 
 TEST_F(Neustarttest, AHelperThatFailsToStartEndsTheProgramAllTheSame) {
@@ -311,7 +311,7 @@ private:
 
 TEST_F(Neustarttest, EventsRunAHundredTimesForTheBackfillAndOnceForTheDisconnect) {
     Zaehlpumpe pumpe(aufrufe);
-    Neustart gezaehlt(modul, welt, pumpe, dateien, prozesse, status, meldungen, sitzung);
+    Neustart gezaehlt(modul, welt, pumpe, dateien, prozesse, status, meldungen, einstellungen, sitzung);
     sitzung.DatenpflegeOffen = true;
     modul.BeendenAngefordert = true;
     EXPECT_TRUE(gezaehlt.Ausfuehren());

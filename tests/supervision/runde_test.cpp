@@ -93,7 +93,7 @@ TEST_F(Rundentest, NoRoundBeginsInsideARound) {
     Neuverbindung();
     modul.FarmAktiv = true;
     mitspieler.BeiAbonnieren = [&] {
-        sitzung.Kommandos["DoQuit"] = "1";
+        einstellungen.Werte["Kommando/DoQuit"] = "1";
         for (int i = 0; i < 30; ++i) welt.Warte(Runde::Intervall);
         EXPECT_FALSE(Beendet()) << "the round waits for the pass";
     };
@@ -109,7 +109,7 @@ TEST_F(Rundentest, RoundsGoOnBesideABackfillThatARoundHasStarted) {
     mitspieler.BeiBackfill = [&] {
         modul.DatenpflegeLaeuft = true;
         mitspieler.BeiBackfill = nullptr;
-        sitzung.Kommandos["DoQuit"] = "1";
+        einstellungen.Werte["Kommando/DoQuit"] = "1";
         for (int i = 0; i < 3; ++i) welt.Warte(Runde::Intervall);
         EXPECT_TRUE(Beendet());
         modul.DatenpflegeLaeuft = false;
@@ -148,7 +148,7 @@ TEST_F(Rundentest, AConnectionLostDuringTheRunKeepsTheBeginningOfItsGap) {
 }
 
 TEST_F(Rundentest, NothingHappensAfterTheEnd) {
-    sitzung.Kommandos["DoQuit"] = "1";
+    einstellungen.Werte["Kommando/DoQuit"] = "1";
     welt.Laufe(1);
     ASSERT_TRUE(Beendet());
     const auto vorher = aufrufe;
