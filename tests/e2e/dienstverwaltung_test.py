@@ -198,6 +198,7 @@ class Terminal(Case):
         """A process with a terminal of its own; gives it and the terminal's other side."""
         pid, master = pty.fork()
         if pid == 0:
+            os.chdir(self.folder)  # nohup leaves its output where it was called
             os.execvpe(command[0], command, self.env)
         return pid, master
 
