@@ -16,6 +16,9 @@ namespace {
 
 constexpr int Normal = 0, Minimiert = 1, Maximiert = 2;
 
+// Room for what the desktop puts around a window; how much that is shows only when the window does.
+constexpr int Rahmenbreite = 8, Rahmenhoehe = 40;
+
 // The primary one comes first.
 QList<QRect> Schirme() {
     QList<QRect> bereiche;
@@ -43,14 +46,19 @@ QRect AufDieSchirme(const QRect& platz, const QList<QRect>& schirme) {
         groesste = flaeche;
         bester = schirm;
     }
-    return rest.isEmpty() ? platz : Hineingeschoben(platz, bester);
+    // A place is the corner of the frame and the size inside it.
+    return rest.isEmpty() ? platz : Hineingeschoben(platz, bester.adjusted(0, 0, -Rahmenbreite, -Rahmenhoehe));
+}
+
+QRect Mitte(const QSize& groesse, const QRect& schirm) {
+    QRect platz(QPoint(), groesse);
+    platz.moveLeft(schirm.left() + (schirm.width() - groesse.width() - Rahmenbreite) / 2);
+    platz.moveTop(schirm.top() + (schirm.height() - groesse.height() - Rahmenhoehe) / 2);
+    return Hineingeschoben(platz, schirm.adjusted(0, 0, -Rahmenbreite, -Rahmenhoehe));
 }
 
 void StelleInDieMitte(QWidget& fenster) {
-    const QRect schirm = QGuiApplication::primaryScreen()->availableGeometry();
-    QRect platz(QPoint(), fenster.size().boundedTo(schirm.size()));
-    platz.moveCenter(schirm.center());
-    platz = Hineingeschoben(platz, schirm);
+    const QRect platz = Mitte(fenster.size(), QGuiApplication::primaryScreen()->availableGeometry());
     fenster.resize(platz.size());
     fenster.move(platz.topLeft());
 }

@@ -38,8 +38,12 @@ private:
 };
 
 // Where a window comes up that was last at `platz`, given the areas of the screens, the primary one first: there, if
-// the screens still hold all of it; otherwise inside the screen that has most of it, or the primary one.
+// the screens still hold all of it; otherwise inside the screen that has most of it, or the primary one, with room for
+// its frame.
 QRect AufDieSchirme(const QRect& platz, const QList<QRect>& schirme);
+
+// The middle of a screen for a window of this size with its frame; smaller where the screen is.
+QRect Mitte(const QSize& groesse, const QRect& schirm);
 
 // The middle of the primary screen, in the window's own size or what of it the screen has room for. A window that is
 // put nowhere gets its place only when the desktop shows it, and dialogs that come up with it stand beside it.

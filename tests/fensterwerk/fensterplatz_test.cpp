@@ -14,8 +14,15 @@ TEST(Fensterplatz, AWindowStaysOnASecondScreenAndComesBackFromOneThatIsGone) {
     const QRect rechts(2000, 100, 800, 600), ueberBeide(1700, 100, 800, 600);
     EXPECT_EQ(AufDieSchirme(rechts, {erster, zweiter}), rechts);
     EXPECT_EQ(AufDieSchirme(ueberBeide, {erster, zweiter}), ueberBeide);
-    EXPECT_EQ(AufDieSchirme(rechts, {erster}), QRect(1120, 100, 800, 600));
-    EXPECT_EQ(AufDieSchirme({3000, 900, 800, 600}, {erster, zweiter}), QRect(2400, 424, 800, 600));
+    EXPECT_EQ(AufDieSchirme(rechts, {erster}), QRect(1120 - 8, 100, 800, 600));
+    EXPECT_EQ(AufDieSchirme({3000, 900, 800, 600}, {erster, zweiter}), QRect(2400 - 8, 424 - 40, 800, 600));
+}
+
+TEST(Fensterplatz, WhatIsMovedOntoASmallScreenIsThereWithItsFrame) {
+    const QRect klein(0, 27, 1024, 573);
+    EXPECT_EQ(AufDieSchirme({300, 100, 1120, 640}, {klein}), QRect(0, 27, 1024 - 8, 573 - 40));
+    EXPECT_EQ(Mitte({1120, 640}, klein), QRect(0, 27, 1024 - 8, 573 - 40));
+    EXPECT_EQ(Mitte({400, 300}, {0, 0, 1920, 1080}), QRect((1920 - 408) / 2, (1080 - 340) / 2, 400, 300));
 }
 
 TEST(Fensterplatz, APlaceOnAMissingScreenIsMovedBackInside) {
