@@ -11,6 +11,17 @@ namespace {
 // A desktop that minimises a window with its dialogs tells each of them by itself.
 constexpr int Nachzuegler = 200;  // ms
 
+// What lies over other windows of the program lies over them again, the open dialog on top.
+void HoleNachOben() {
+    for (QWidget* fenster : QApplication::topLevelWidgets())
+        if (fenster->isVisible() && (fenster->windowType() == Qt::Dialog || fenster->windowType() == Qt::Tool))
+            fenster->raise();
+    QWidget* offener = QApplication::activeModalWidget();
+    if (offener == nullptr) return;
+    offener->raise();
+    if (!offener->isActiveWindow()) offener->activateWindow();
+}
+
 void Entminimiere(QWidget& fenster) {
     fenster.setWindowState(fenster.windowState() & ~Qt::WindowMinimized);
 }
@@ -52,13 +63,12 @@ void HoleDialogeZurueck() {
     for (QWidget* fenster : QApplication::topLevelWidgets())
         if (fenster->isVisible() && fenster->isMinimized()) Entminimiere(*fenster);
     QWidget* offener = QApplication::activeModalWidget();
-    if (offener == nullptr) return;
-    offener->raise();
-    offener->activateWindow();
-    // A desktop that is still at bringing up the window beneath gives that one the focus last.
-    QTimer::singleShot(Nachzuegler, offener, [offener] {
-        if (!offener->isActiveWindow()) offener->activateWindow();
-    });
+    if (offener != nullptr) {
+        offener->raise();
+        offener->activateWindow();
+    }
+    // A desktop that is still at bringing up the window beneath puts that one on top and gives it the focus last.
+    QTimer::singleShot(Nachzuegler, qApp, HoleNachOben);
 }
 
 }  // namespace zek

@@ -22,7 +22,8 @@ private:
     QWidget* Unterlage() const;
 };
 
-// All windows of the program that a person or the desktop has minimised come back, the open dialog in front.
+// All windows of the program that a person or the desktop has minimised come back, over the main window what lay over
+// it, and the open dialog in front.
 void HoleDialogeZurueck();
 
 }  // namespace zek

@@ -89,6 +89,11 @@ class Screen:
         found = self.xdotool("getactivewindow").strip()
         return int(found) if found else None
 
+    def stacking(self):
+        """Ids of the programs' windows from the lowest to the topmost."""
+        found = self.run("xprop", "-root", "_NET_CLIENT_LIST_STACKING")
+        return [int(window, 16) for window in re.findall(r"0x[0-9a-f]+", found)]
+
     def other_program(self):
         """Starts a program that has nothing to do with ours and gives its window, which has the focus."""
         self._start(["xev", "-name", "Anderes Programm"], env=self.env)

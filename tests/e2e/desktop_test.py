@@ -345,6 +345,31 @@ class Tray(Desktop):
         self.wait_for_records(50)
         self.assertEqual(recorder.stop(), 0)
 
+    def test_windows_that_lie_over_the_main_window_come_back_over_it(self):
+        simulator, _ = self.recording("/K")
+        simulator.command("hold 5")
+        x, y = self.leave_the_task_bar()
+        self.screen.activate(self.main)
+        # Four numbers and a floating pane: where the monitor was last.
+        self.setting(APP, "Monitor", "DockFloat", "1")
+        self.setting(APP, "Monitor", "DockPos", "8")
+        self.setting(APP, "Monitor", "DockKoord", "200\t600\t900\t800")
+        self.screen.key("ctrl+m")
+        monitor = self.screen.window("Monitor")
+        self.screen.activate(self.main)
+        self.screen.key("F5")
+        self.screen.window("Datenpflege der aktiven Titel")
+        self.screen.key("Return")
+        backfill = self.screen.window("Datenpflege")
+        self.screen.xdotool("windowminimize", self.main)
+        wait_for(lambda: not self.screen.windows(MAIN), 5, "the main window's end")
+        self.screen.click(x, y)
+        wait_for(lambda: self.screen.windows(MAIN), 5, "the main window")
+        time.sleep(1)
+        order = self.screen.stacking()
+        for window in (monitor, backfill):
+            self.assertGreater(order.index(window), order.index(self.main))
+
     def test_its_menu_ends_the_program_after_the_question(self):
         _, recorder = self.recording()
         self.screen.click(*self.icon(), 3)
