@@ -1,5 +1,7 @@
 #include "platform/dateisystem_posix.h"
+#include "platform/ordnersperre.h"
 #include "platform/prozess_posix.h"
+#include "platform/systemuhr_posix.h"
 #include "werkzeug/werkzeug.h"
 
 #include <unistd.h>
@@ -47,5 +49,7 @@ int main(int anzahl, char** argumente) {
     zek::PosixDateisystem dateien;
     Ausgabe puffer;
     std::ostream ausgabe(&puffer);
-    return zek::Werkzeug({argumente + 1, argumente + anzahl}, ZEK_VERSION, dateien, ausgabe, std::cerr);
+    const auto gehalten = [](const std::string& ordner) { return zek::Ordnersperre(ordner).VonAnderemGehalten(); };
+    return zek::Werkzeug({argumente + 1, argumente + anzahl}, ZEK_VERSION, {dateien, zek::PosixUhr().Jetzt(), gehalten},
+                         ausgabe, std::cerr);
 }

@@ -13,7 +13,7 @@ namespace zek {
 
 namespace {
 
-constexpr std::size_t Blockgroesse = 256 * 1024;
+constexpr std::size_t Blockgroesse = 64 * 1024;
 constexpr std::size_t Hoechstzeile = 1024 * 1024;
 constexpr std::string_view Tagesmuster = "dddd-dd-dd.txt";
 constexpr std::string_view Monatsmuster = "dddd-dd.txt";

@@ -37,6 +37,8 @@ constexpr std::array Tabelle{
     Ursachenangabe{ursache::Winterzeit, Wertung::Hinweis},
     Ursachenangabe{ursache::EinarbeitungBegonnen, Wertung::Hinweis},
     Ursachenangabe{ursache::TitelAktiv, Wertung::Angabe},
+    Ursachenangabe{ursache::Handelszeiten, Wertung::Angabe},
+    Ursachenangabe{ursache::Handelsfrei, Wertung::Ruhe},
     Ursachenangabe{ursache::Datenpflege, Wertung::Pflege},
 };
 

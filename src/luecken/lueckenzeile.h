@@ -53,6 +53,10 @@ inline constexpr std::string_view Winterzeit = "Ende der Sommerzeit";    // thes
 inline constexpr std::string_view EinarbeitungBegonnen = "Einarbeitung begonnen";
 // The title is being recorded; the supplement tells how (Aufzeichnungsweise).
 inline constexpr std::string_view TitelAktiv = "Titel aktiv";
+// When the title's market is open; the supplement holds a week (Handelszeiten).
+inline constexpr std::string_view Handelszeiten = "Handelszeiten";
+// The title's market is closed against its week, as on a holiday.
+inline constexpr std::string_view Handelsfrei = "Handelsfrei";
 // What a backfill brought for the span; the kind stands behind it.
 inline constexpr std::string_view Datenpflege = "Datenpflege";
 }  // namespace ursache
@@ -67,6 +71,7 @@ inline constexpr std::string_view NichtErgaenzt = "nicht ergänzt: ";
 enum class Wertung : std::uint8_t {
     Luecke,   // records may be missing
     Gewollt,  // the user wanted none
+    Ruhe,     // the market was closed
     Hinweis,  // no gap
     Angabe,   // how a title is recorded
     Pflege,   // a backfill and its result

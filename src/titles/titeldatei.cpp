@@ -90,7 +90,7 @@ int Ersetze(Dateisystem& dateien, Dateihandle datei, const std::string& pfad, st
     return fehler;
 }
 
-Titeldatei Lies(Dateisystem& dateien, Dateihandle datei, const std::string& pfad) {
+Titeldatei Lies(Dateisystem& dateien, Dateihandle datei, const std::string& pfad, bool mitKopie) {
     using enum Titeldatei::Zustand;
     std::vector<std::byte> inhalt;
     const auto kopf = static_cast<std::int64_t>(TiteldateiKennung.size());
@@ -99,7 +99,7 @@ Titeldatei Lies(Dateisystem& dateien, Dateihandle datei, const std::string& pfad
     }
     if (inhalt.empty()) return {Leer, {}, {}};
     if (!std::ranges::equal(inhalt, Bytes(TiteldateiKennung))) {
-        LegeKopieDaneben(dateien, datei, pfad);
+        if (mitKopie) LegeKopieDaneben(dateien, datei, pfad);
         return {Fremd, {}, {}};
     }
     const std::int64_t groesse = dateien.Groesse(datei);
@@ -111,7 +111,7 @@ Titeldatei Lies(Dateisystem& dateien, Dateihandle datei, const std::string& pfad
     try {
         return {Gelesen, {}, LiesWertbaum(inhalt)};
     } catch (const WertbaumFehler& fehler) {
-        const bool kopiert = LegeKopieDaneben(dateien, datei, pfad);
+        const bool kopiert = mitKopie && LegeKopieDaneben(dateien, datei, pfad);
         const std::string kopie = std::string(TiteldateiName) + std::string(Kopieendung);
         return {Beschaedigt,
                 std::string(fehler.what()) + (kopiert ? " Eine Kopie der Datei liegt daneben: „" + kopie + "“." : ""),
@@ -130,9 +130,16 @@ Titeldatei LiesTiteldatei(Dateisystem& dateien, const std::string& ordner) {
     if (const int fehler = BringeInOrdnung(dateien, datei.Handle(), pfad, true, zurueckgestellt); fehler < 0) {
         return {NichtLesbar, SystemText(-fehler), {}};
     }
-    Titeldatei gelesen = Lies(dateien, datei.Handle(), pfad);
+    Titeldatei gelesen = Lies(dateien, datei.Handle(), pfad, true);
     gelesen.Zurueckgestellt = zurueckgestellt;
     return gelesen;
+}
+
+Titeldatei BetrachteTiteldatei(Dateisystem& dateien, const std::string& ordner) {
+    const std::string pfad = ordner + std::string(TiteldateiName);
+    const Dateigriff datei(dateien, pfad, Oeffnen::NurLesen);
+    if (datei.Handle() < 0) return {Titeldatei::Zustand::NichtLesbar, SystemText(-datei.Handle()), {}};
+    return Lies(dateien, datei.Handle(), pfad, false);
 }
 
 std::optional<std::string> SchreibeTiteldatei(Dateisystem& dateien, const std::string& ordner,

@@ -31,6 +31,9 @@ struct Titeldatei {
 // folder.
 Titeldatei LiesTiteldatei(Dateisystem& dateien, const std::string& ordner);
 
+// The same for who only looks: creates, copies and mends nothing, so that what a save has just begun may be unreadable.
+Titeldatei BetrachteTiteldatei(Dateisystem& dateien, const std::string& ordner);
+
 // Writes header and list from the file's start and doesn't cut what an older, longer content leaves behind. Behind it
 // the content is fast. Returns the error's text, or nothing on success; with an error the old content stands there, or
 // will at the next opening.

@@ -39,8 +39,8 @@ struct Wunsch {
 
 class Befehlszeile {
 public:
-    Befehlszeile(Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler)
-        : dateien_(dateien), ausgabe_(ausgabe), fehler_(fehler) {
+    Befehlszeile(const werkzeug::Umgebung& umgebung, std::ostream& ausgabe, std::ostream& fehler)
+        : umgebung_(umgebung), dateien_(umgebung.Dateien), ausgabe_(ausgabe), fehler_(fehler) {
         SprichDeutsch(app_);
         app_.set_help_flag(std::string(Hilfeschalter), "diese Hilfe, hinter einem Befehl die zu diesem");
         app_.add_flag("--version", version_, "die Version");
@@ -116,10 +116,15 @@ private:
                                   [this] { return SieheLueckenAn(); });
         befehl->alias("gaps")->alias("lücken");
         befehl->add_flag("--csv", frage.Csv, "als CSV statt als Bericht");
+        befehl->add_flag("--alles", frage.Alles, "alle Titel, Tage und Lücken einzeln, so viele es sind");
         Tag(*befehl, "--von", frage.Von, "erster Tag, der zählt");
         Tag(*befehl, "--bis", frage.Bis, "letzter Tag, der zählt");
         befehl->add_option("--titel", frage.Muster, "nur Titel, deren Dateiname passt; * und ? sind erlaubt")
             ->type_name("MUSTER");
+        befehl
+            ->add_option("--programm", frage.Programmordner,
+                         "der Programmordner, wenn er nicht über dem Datenordner liegt")
+            ->type_name("ORDNER");
         befehl->add_option("ORDNER", frage.Ordner, "der Datenordner")->required()->type_name("");
         befehl->footer(HinweiseLuecken);
     }
@@ -137,7 +142,7 @@ private:
     int SieheLueckenAn() {
         const Lueckenfrage& frage = wunsch_.Luecken;
         if (frage.Von != 0 && frage.Bis != 0 && frage.Bis < frage.Von) return FalscherAufruf("--bis liegt vor --von.");
-        return werkzeug::Luecken(frage, dateien_, ausgabe_, fehler_);
+        return werkzeug::Luecken(frage, umgebung_, ausgabe_, fehler_);
     }
 
     std::string Grund(const CLI::ParseError& fehler) const {
@@ -151,6 +156,7 @@ private:
         return werkzeug::Fehlgeschlagen;
     }
 
+    const werkzeug::Umgebung& umgebung_;
     Dateisystem& dateien_;
     std::ostream& ausgabe_;
     std::ostream& fehler_;
@@ -161,9 +167,9 @@ private:
 
 }  // namespace
 
-int Werkzeug(const std::vector<std::string>& argumente, const std::string& version, Dateisystem& dateien,
+int Werkzeug(const std::vector<std::string>& argumente, const std::string& version, const werkzeug::Umgebung& umgebung,
              std::ostream& ausgabe, std::ostream& fehler) {
-    const int ergebnis = Befehlszeile(dateien, ausgabe, fehler).Fuehre(argumente, version);
+    const int ergebnis = Befehlszeile(umgebung, ausgabe, fehler).Fuehre(argumente, version);
     ausgabe.flush();
     if (ausgabe.good()) return ergebnis;
     fehler << "zek: Die Ausgabe kann nicht geschrieben werden.\n";

@@ -110,7 +110,8 @@ std::pair<int, std::string> Gaps(Rekorderwelt& w, std::vector<std::string> mehr 
     std::ostringstream aus, fehler;
     mehr.insert(mehr.begin(), "gaps");
     mehr.emplace_back(Datenordner);
-    const int ergebnis = Werkzeug(mehr, "1", w.dateien, aus, fehler);
+    const int ergebnis = Werkzeug(
+        mehr, "1", {w.dateien, w.welt.Jetzt(), [&](const std::string&) { return w.sitzung != nullptr; }}, aus, fehler);
     return {ergebnis, aus.str() + fehler.str()};
 }
 

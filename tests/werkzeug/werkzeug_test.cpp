@@ -23,7 +23,7 @@ protected:
     int Zek(std::vector<std::string> argumente) {
         ausgabe.str("");
         fehler.str("");
-        const int ergebnis = Werkzeug(argumente, "1.2.3", dateien, ausgabe, fehler);
+        const int ergebnis = Werkzeug(argumente, "1.2.3", {dateien, DatumAus(2026, 11, 21), {}}, ausgabe, fehler);
         EXPECT_EQ(ram.OffeneHandles(), 0u);
         return ergebnis;
     }
@@ -154,7 +154,7 @@ TEST_F(WerkzeugTest, WhatCannotBeReadGivesTwo) {
 TEST_F(WerkzeugTest, AFullOutputGivesTwo) {
     ram.LegeDateiAn("/d/x.ZEK", DaxDatei(2));
     ausgabe.setstate(std::ios::badbit);
-    EXPECT_EQ(Werkzeug({"csv", "/d/x.ZEK"}, "1", dateien, ausgabe, fehler), 2);
+    EXPECT_EQ(Werkzeug({"csv", "/d/x.ZEK"}, "1", {dateien, DatumAus(2026, 11, 21), {}}, ausgabe, fehler), 2);
     EXPECT_EQ(Fehler(), "zek: Die Ausgabe kann nicht geschrieben werden.\n");
 }
 
