@@ -98,10 +98,10 @@ void Datenpflegelauf::Protokolliere(int errorCode, std::string_view errorMsg) {
             return;
         case fehler::HistorienfarmBereit:
             um_.Status.Statusmeldung(PacingWartet_ ? "Datenpflege kann fortgesetzt werden"
-                                                   : std::string(errorMsg) + nummer);
+                                                   : Anzeigetext(errorMsg) + nummer);
             return;
         default:
-            um_.Status.Statusmeldung("IB-Backfill: " + std::string(errorMsg) + nummer);
+            um_.Status.Statusmeldung("IB-Backfill: " + Anzeigetext(errorMsg) + nummer);
     }
 }
 

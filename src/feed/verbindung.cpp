@@ -111,7 +111,7 @@ void Verbindung::NachCodeHandeln(int errorCode) {
 
 std::string Verbindung::Meldungstext(int id, int errorCode, std::string_view errorMsg) const {
     std::string text = id < 1 ? "" : "IB: ";
-    text.append(errorMsg).append(" (").append(std::to_string(errorCode));
+    text.append(Anzeigetext(errorMsg)).append(" (").append(std::to_string(errorCode));
     if (const clTitelobjekt* titel = id < 1 ? nullptr : modul_.Titelliste.Finde(id))
         text.append(" ").append(titel->GetTitelInfo());
     return text.append(")");

@@ -297,6 +297,17 @@ bool GleichOhneGrossKlein(std::string_view a, std::string_view b) {
     return a.empty() && b.empty();
 }
 
+std::string Anzeigetext(std::string_view utf8) {
+    constexpr std::size_t hoechstens = 8192;
+    constexpr std::string_view mehr = "…";
+    if (utf8.size() <= hoechstens) return std::string(utf8);
+    std::size_t ende = hoechstens - mehr.size();
+    const auto mitten = [&] { return (static_cast<unsigned char>(utf8[ende]) & 0xC0) == 0x80; };
+    // A letter has at most four bytes; what has more of them isn't UTF-8 and may be cut anywhere.
+    for (int schritt = 0; schritt < 3 && mitten(); ++schritt) --ende;
+    return std::string(utf8.substr(0, ende)).append(mehr);
+}
+
 std::string_view Getrimmt(std::string_view text) {
     const std::size_t anfang = text.find_first_not_of(" \t");
     if (anfang == std::string_view::npos) return {};

@@ -45,6 +45,9 @@ std::string Kleinbuchstaben(std::string_view utf8);
 std::string Grossbuchstaben(std::string_view utf8);
 bool GleichOhneGrossKlein(std::string_view a, std::string_view b);
 
+// A text from outside for log and list: at most 8,192 bytes. Where it is cut, "…" stands behind its last whole letter.
+std::string Anzeigetext(std::string_view utf8);
+
 // Blanks (0x20) and tabs around a text taken off.
 std::string_view Getrimmt(std::string_view text);
 // The pieces between the separators; none for an empty text.

@@ -755,6 +755,14 @@ TEST_F(LaufTest, AnErrorOnTheFirstRequestLeavesTheFileAsItWas) {
     }
 }
 
+TEST_F(LaufTest, AMessageOfAnyLengthIsCutForLogAndListAndKeepsItsNumber) {
+    BeiAnfrage(1, [this] { p_.Historie.Melde(200, std::string(60'000, 'x'), 1); });
+    Mit("ES");
+    Automatisch(3000);
+    Starte();
+    EXPECT_EQ(p_.Status.Letzte(), "IB-Backfill: " + std::string(8189, 'x') + "… (200)");
+}
+
 TEST_F(LaufTest, AnErrorOnALaterRequestSavesTheEarlierBars) {
     Mit("ES");
     BeiAnfrage(2, [this] { p_.Historie.Melde(162, "HMDS query returned no data", 1); });

@@ -166,6 +166,17 @@ TEST_F(Verbindungstest, TheServersTimeGoesToItsReader) {
 
 // ---- messages
 
+TEST_F(Verbindungstest, AMessageOfAnyLengthIsCutForLogAndListAndKeepsItsNumber) {
+    auto es = titel("ES");
+    const std::string lang(60'000, 'x'), kurz = std::string(8189, 'x') + "…";
+    meldung(-1, 321, lang);
+    EXPECT_EQ(status.Letzte(), kurz + " (321)");
+    meldung(es->id, 321, lang);
+    EXPECT_EQ(status.Letzte(), "IB: " + kurz + " (321 " + es->GetTitelInfo() + ")");
+    meldung(-1, 321, std::string(8192, 'y'));
+    EXPECT_EQ(status.Letzte(), std::string(8192, 'y') + " (321)");
+}
+
 TEST_F(Verbindungstest, AMessageWithoutATitleTakesTheShortForm) {
     meldung(0, 2106, "HMDS ok");
     meldung(-1, 2158, "Sec-def ok");

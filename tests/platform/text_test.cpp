@@ -137,6 +137,17 @@ TEST(Buchstaben, ChangeCaseWithUmlauts) {
     EXPECT_FALSE(GleichOhneGrossKlein("\xFF", "\xFE"));
 }
 
+TEST(Texte, FromOutsideAreCutAt8192BytesBehindAWholeLetter) {
+    const std::string gerade(8192, 'x');
+    EXPECT_EQ(Anzeigetext(gerade), gerade);
+    EXPECT_EQ(Anzeigetext(gerade + "y"), std::string(8189, 'x') + "…");
+    EXPECT_EQ(Anzeigetext(std::string(8188, 'x') + "ü" + gerade), std::string(8188, 'x') + "…");
+    EXPECT_EQ(Anzeigetext(std::string(8187, 'x') + "ü" + gerade), std::string(8187, 'x') + "ü…");
+    EXPECT_EQ(Anzeigetext(std::string(8186, 'x') + "\U0001F600" + gerade), std::string(8186, 'x') + "…");
+    EXPECT_EQ(Anzeigetext(std::string(9000, '\x80')).size(), 8189u) << "no UTF-8 at all";
+    EXPECT_EQ(Anzeigetext(""), "");
+}
+
 TEST(Texte, AreTrimmedAndSplit) {
     EXPECT_EQ(Getrimmt(" \t a b \t"), "a b");
     EXPECT_EQ(Getrimmt("   "), "");
