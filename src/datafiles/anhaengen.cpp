@@ -103,7 +103,8 @@ Datensatzschreiber::Datensatzschreiber(IBModul& modul, Dateisystem& dateien, Sta
       status_(status),
       vorzeichenVolumen_(std::move(vorzeichenVolumen)),
       wache_(wache),
-      datei_(dateien) {}
+      datei_(dateien),
+      wissen_(dateien) {}
 
 void Datensatzschreiber::DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
                                             bool kontodaten, Datum jetzt) {
@@ -164,8 +165,9 @@ void Datensatzschreiber::Oeffne(clTitelobjekt& titel, std::int32_t kursart, bool
         if (fund != andereSchreibweise_.end() && datei_.OeffneVorhandene(fund->second)) return;
     }
     if (datei_.OeffneVorhandene(pfad_)) return;
-    std::string wirklich = Dateipfad(modul_, dateien_, titel, kursart, kontodaten);
+    std::string wirklich = Dateipfad(modul_, dateien_, titel, kursart, kontodaten, &wissen_);
     datei_.OpenFile(wirklich, false);
+    wissen_.Angelegt(wirklich);
     if (wirklich != pfad_) andereSchreibweise_.insert_or_assign(pfad_, std::move(wirklich));
 }
 

@@ -3,6 +3,7 @@
 
 #include "datafiles/dateiio.h"
 #include "datafiles/datensatz.h"
+#include "datafiles/ordnerwissen.h"
 #include "modul/ibmodul.h"
 #include "modul/rollen.h"
 #include "platform/uhr.h"
@@ -54,6 +55,7 @@ private:
     Volumenfrage vorzeichenVolumen_;
     Ablagewache* wache_;
     clDateiIO datei_;
+    Ordnerwissen wissen_;
     std::string pfad_;      // kept for its room
     int systemfehler_ = 0;  // errno of the last record that was lost
     // Paths whose file really has another letter case.

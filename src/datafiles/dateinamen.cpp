@@ -165,12 +165,12 @@ std::string_view Kontodatenordner(const IBModul& modul) {
 }
 
 std::string Dateipfad(const IBModul& modul, Dateisystem& dateien, clTitelobjekt& titel, std::int32_t kursart,
-                      bool kontodaten) {
+                      bool kontodaten, Ordnerwissen* wissen) {
     const std::string_view eigener = kontodaten ? Kontodatenordner(modul) : std::string_view();
     std::string pfad = eigener.empty() ? TitelOrdner(modul, dateien, titel) : std::string(eigener);
     SetzeTrennerAnsEnde(pfad);
     DateinameAnhaengen(titel, kursart, pfad);
-    return OhneGrossKlein(dateien, pfad);
+    return wissen != nullptr ? wissen->OhneGrossKlein(pfad) : OhneGrossKlein(dateien, pfad);
 }
 
 }  // namespace zek

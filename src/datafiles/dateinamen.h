@@ -13,6 +13,7 @@
 #pragma once
 
 #include "datafiles/kursart.h"
+#include "datafiles/ordnerwissen.h"
 #include "modul/ibmodul.h"
 #include "platform/dateisystem.h"
 
@@ -68,8 +69,8 @@ std::string TitelOrdner(const IBModul& modul, Dateisystem& dateien, const clTite
 std::string_view Kontodatenordner(const IBModul& modul);
 
 // Full path of a data file: TitelOrdner or, for account data with a folder of their own, that folder, and the file
-// name; where only a file of other letter case exists, that one.
+// name; where only a file of other letter case exists, that one. `wissen` may be null.
 std::string Dateipfad(const IBModul& modul, Dateisystem& dateien, clTitelobjekt& titel, std::int32_t kursart,
-                      bool kontodaten = false);
+                      bool kontodaten = false, Ordnerwissen* wissen = nullptr);
 
 }  // namespace zek

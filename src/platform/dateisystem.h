@@ -79,6 +79,8 @@ public:
     virtual int BeginneSicherung(const std::string& ordner, const std::string& marke, const std::string& text);
     // How it came out: 0 or -errno, once; empty before, and when none was begun.
     virtual std::optional<int> Sicherungsergebnis() { return std::nullopt; }
+    // A number that changes with each entry that comes into a folder, leaves it or gets another name; or -errno.
+    virtual std::int64_t Ordnerstand(const std::string& /*ordner*/) { return -ENOSYS; }
     // Entries of a folder without "." and "..", in no order; empty when it can't be read.
     virtual std::vector<Verzeichniseintrag> Liste(const std::string& ordner) = 0;
 };

@@ -137,6 +137,12 @@ std::optional<int> PosixDateisystem::Sicherungsergebnis() {
     return helfer_ == nullptr ? std::nullopt : helfer_->Ergebnis();
 }
 
+std::int64_t PosixDateisystem::Ordnerstand(const std::string& ordner) {
+    struct stat angaben {};
+    if (::stat(ordner.c_str(), &angaben) != 0) return -errno;
+    return std::int64_t{angaben.st_mtim.tv_sec} * 1'000'000'000 + angaben.st_mtim.tv_nsec;
+}
+
 std::vector<Verzeichniseintrag> PosixDateisystem::Liste(const std::string& ordner) {
     std::vector<Verzeichniseintrag> eintraege;
     struct Schliesser {

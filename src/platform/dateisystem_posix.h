@@ -30,6 +30,7 @@ public:
     std::int64_t FreierPlatz(const std::string& ordner) override;
     int BeginneSicherung(const std::string& ordner, const std::string& marke, const std::string& text) override;
     std::optional<int> Sicherungsergebnis() override;
+    std::int64_t Ordnerstand(const std::string& ordner) override;
     std::vector<Verzeichniseintrag> Liste(const std::string& ordner) override;
 
 private:

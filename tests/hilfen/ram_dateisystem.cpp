@@ -60,6 +60,7 @@ Dateihandle RamDateisystem::Oeffne(const std::string& pfad, Oeffnen art) {
         if (art == Oeffnen::NurLesen || art == Oeffnen::LesenSchreiben) return -ENOENT;
         if (const int fehler = PruefeAenderung(normal); fehler != 0) return fehler;
         stelle = dateien_.emplace(normal, std::make_shared<std::vector<std::byte>>()).first;
+        Veraendert(normal);
     } else if (schreibbar && IstGeschuetzt(normal)) {
         return -EACCES;
     }
@@ -157,6 +158,7 @@ int RamDateisystem::LegeOrdnerAn(const std::string& pfad) {
     if (IstOrdner(normal) || dateien_.contains(normal)) return -EEXIST;
     if (const int fehler = PruefeAenderung(normal); fehler != 0) return fehler;
     ordner_.insert(normal);
+    Veraendert(normal);
     return 0;
 }
 
@@ -167,6 +169,7 @@ int RamDateisystem::Loesche(const std::string& pfad) {
     if (const int fehler = PruefeAenderung(normal); fehler != 0) return fehler;
     const auto inhalt = dateien_.extract(normal);
     freierPlatz_ += static_cast<std::int64_t>(inhalt.mapped()->size());
+    Veraendert(normal);
     return 0;
 }
 
@@ -178,6 +181,8 @@ int RamDateisystem::BenenneUm(const std::string& von, const std::string& nach) {
     if (alt == neu) return 0;
     if (const int fehler = PruefeAenderung(alt); fehler != 0) return fehler;
     if (const int fehler = PruefeAenderung(neu); fehler != 0) return fehler;
+    Veraendert(alt);
+    Veraendert(neu);
     if (ordner) {
         if (alt.empty() || LiegtIn(neu, alt)) return -EINVAL;
         if (dateien_.contains(neu)) return -ENOTDIR;
@@ -207,6 +212,15 @@ std::int64_t RamDateisystem::FreierPlatz(const std::string& ordner) {
     return IstOrdner(Normal(ordner)) ? freierPlatz_ : -ENOENT;
 }
 
+void RamDateisystem::Veraendert(const std::string& normal) {
+    ++ordnerstand_[Elternordner(normal)];
+}
+
+std::int64_t RamDateisystem::Ordnerstand(const std::string& ordner) {
+    const std::string normal = Normal(ordner);
+    return IstOrdner(normal) ? ordnerstand_[normal] : -ENOENT;
+}
+
 std::vector<Verzeichniseintrag> RamDateisystem::Liste(const std::string& ordner) {
     const std::string normal = Normal(ordner);
     std::vector<Verzeichniseintrag> liste;
@@ -224,12 +238,14 @@ void RamDateisystem::LegeOrdnerbaumAn(const std::string& pfad) {
     if (IstOrdner(normal)) return;
     LegeOrdnerbaumAn(Elternordner(normal));
     ordner_.insert(normal);
+    Veraendert(normal);
 }
 
 void RamDateisystem::LegeDateiAn(const std::string& pfad, std::string_view inhalt) {
     const std::string normal = Normal(pfad);
     LegeOrdnerbaumAn(Elternordner(normal));
     const auto bytes = std::as_bytes(std::span(inhalt));
+    if (!dateien_.contains(normal)) Veraendert(normal);
     dateien_[normal] = std::make_shared<std::vector<std::byte>>(bytes.begin(), bytes.end());
 }
 

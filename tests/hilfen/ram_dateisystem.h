@@ -27,6 +27,7 @@ public:
     int Loesche(const std::string& pfad) override;
     int BenenneUm(const std::string& von, const std::string& nach) override;
     std::int64_t FreierPlatz(const std::string& ordner) override;
+    std::int64_t Ordnerstand(const std::string& ordner) override;
     std::vector<Verzeichniseintrag> Liste(const std::string& ordner) override;
 
     // ---- what a test does
@@ -60,6 +61,7 @@ private:
     bool IstOrdner(const std::string& normal) const;
     bool IstGeschuetzt(const std::string& normal) const;
     int PruefeAenderung(const std::string& normal) const;
+    void Veraendert(const std::string& normal);
     void BenenneOrdnerUm(const std::string& von, const std::string& nach);
 
     std::map<std::string, Inhaltzeiger> dateien_;
@@ -67,6 +69,7 @@ private:
     std::set<std::string> geschuetzt_;
     std::set<std::string> nichtAusfuehrbar_;
     std::map<Dateihandle, Offen> offen_;
+    std::map<std::string, std::int64_t> ordnerstand_;
     Dateihandle naechstes_ = 3;
     std::size_t handlegrenze_ = 1024;
     std::int64_t freierPlatz_ = std::int64_t{1} << 40;

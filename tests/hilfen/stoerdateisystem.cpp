@@ -6,10 +6,11 @@
 namespace zek::hilfen {
 
 std::string_view Name(Dateiaufruf art) {
-    static constexpr std::array<std::string_view, 15> Namen{
-        "Oeffne",       "Schliesse",   "Lies",      "Schreibe",       "Suche",
-        "Groesse",      "SetzeLaenge", "Leere",     "DateiExistiert", "OrdnerExistiert",
-        "LegeOrdnerAn", "Loesche",     "BenenneUm", "FreierPlatz",    "Liste"};
+    static constexpr std::array<std::string_view, 16> Namen{
+        "Oeffne",         "Schliesse",       "Lies",         "Schreibe",
+        "Suche",          "Groesse",         "SetzeLaenge",  "Leere",
+        "DateiExistiert", "OrdnerExistiert", "LegeOrdnerAn", "Loesche",
+        "BenenneUm",      "FreierPlatz",     "Ordnerstand",  "Liste"};
     return Namen[static_cast<std::size_t>(art)];
 }
 
@@ -166,6 +167,10 @@ int StoerDateisystem::BenenneUm(const std::string& von, const std::string& nach)
 
 std::int64_t StoerDateisystem::FreierPlatz(const std::string& ordner) {
     return Fuehre(Dateiaufruf::FreierPlatz, ordner, [&] { return darunter_.FreierPlatz(ordner); });
+}
+
+std::int64_t StoerDateisystem::Ordnerstand(const std::string& ordner) {
+    return Fuehre(Dateiaufruf::Ordnerstand, ordner, [&] { return darunter_.Ordnerstand(ordner); });
 }
 
 std::vector<Verzeichniseintrag> StoerDateisystem::Liste(const std::string& ordner) {

@@ -27,6 +27,7 @@ enum class Dateiaufruf {
     Loesche,
     BenenneUm,
     FreierPlatz,
+    Ordnerstand,
     Liste,
 };
 
@@ -70,6 +71,7 @@ public:
     int Loesche(const std::string& pfad) override;
     int BenenneUm(const std::string& von, const std::string& nach) override;
     std::int64_t FreierPlatz(const std::string& ordner) override;
+    std::int64_t Ordnerstand(const std::string& ordner) override;
     std::vector<Verzeichniseintrag> Liste(const std::string& ordner) override;
 
     // ---- what a test does
