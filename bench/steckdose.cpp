@@ -3,8 +3,13 @@
 //
 //   bench_steckdose [RATE [SECONDS [TITLES [PROGRAM]]]]     (100000, 10, 50, TessaronZEKDienst)
 //
-// Each tick is a size message of its own whose size is its number; the record with that volume says when it was taken
-// in. latency = time stamp of the record - moment before the write of its bytes, both by this computer's clock. What is
+// Each tick is a size message of its own whose size is its number, of a title and side in random order; the record with
+// that volume says when it was taken in. The titles are inactive: bid and ask are recorded all the same, and nobody has
+// to wait until 10,000 of them are subscribed. Each file exists and has its first check behind it when the run begins.
+// With the program bench_minimal the same ticks take the shortest way that there is; bench/kosten sets the two against
+// each other.
+//
+// latency = time stamp of the record - moment before the write of its bytes, both by this computer's clock. What is
 // behind the time stamp, the record's own way to the disk, is what bench_strasse measures.
 //
 // Bars: no tick lost or doubled; the rate is sustained: from first to last the records take at most 1 % longer than the
@@ -37,6 +42,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -74,7 +80,6 @@ public:
             titel->Typ = "STK";
             titel->Währung = "USD";
             titel->Katalog = "Aktien";
-            titel->Aktiv(true);
             titel->BidAsk = true;
             liste.Fuege(titel);
         }
@@ -97,16 +102,28 @@ public:
         return dateien;
     }
 
+    // Both files of each title with two records.
+    bool VorlaufDa(int titelanzahl) const {
+        const auto dateien = Datendateien();
+        return dateien.size() == 2 * static_cast<std::size_t>(titelanzahl) &&
+               std::ranges::all_of(dateien, [](const fs::path& pfad) { return fs::file_size(pfad) == 856 + 32; });
+    }
+
 private:
     fs::path pfad_;
 };
 
 class Rekorder {
 public:
-    Rekorder(const std::string& programm, const std::string& ordner) {
+    Rekorder(const Wahl& wahl, const std::string& ordner) {
+        const std::string& programm = wahl.Programm;
         const std::string pfad = (fs::read_symlink("/proc/self/exe").parent_path() / programm).string();
-        std::vector<std::string> umgebung = {"ZEK_PROGRAMMORDNER=" + ordner, "XDG_CONFIG_HOME=" + ordner,
-                                             "HOME=" + ordner, "QT_QPA_PLATFORM=offscreen", "LC_ALL=C.UTF-8"};
+        std::vector<std::string> umgebung = {"ZEK_PROGRAMMORDNER=" + ordner,
+                                             "XDG_CONFIG_HOME=" + ordner,
+                                             "HOME=" + ordner,
+                                             "QT_QPA_PLATFORM=offscreen",
+                                             "LC_ALL=C.UTF-8",
+                                             "ZEK_BENCH_TITEL=" + std::to_string(wahl.Titel)};
         std::vector<char*> zeiger;
         for (std::string& eintrag : umgebung) zeiger.push_back(eintrag.data());
         zeiger.push_back(nullptr);
@@ -133,17 +150,29 @@ private:
     pid_t pid_ = 0;
 };
 
-std::string Rahmen(int id, int typ, std::int64_t groesse) {
-    std::string inhalt = "2|6|" + std::to_string(id) + "|" + std::to_string(typ) + "|" + std::to_string(groesse) + "|";
+std::string Gerahmt(std::string inhalt) {
     std::ranges::replace(inhalt, '|', '\0');
     return std::string{'\0', '\0', '\0', static_cast<char>(inhalt.size())} + inhalt;
+}
+
+std::string Rahmen(int id, int typ, std::int64_t groesse) {
+    return Gerahmt("2|6|" + std::to_string(id) + "|" + std::to_string(typ) + "|" + std::to_string(groesse) + "|");
+}
+
+// A price and one more size for both sides of a title: four records.
+std::string Vorlauf(int id) {
+    const std::string nummer = std::to_string(id);
+    return Gerahmt("1|6|" + nummer + "|1|100|1|0|") + Rahmen(id, 0, 2) + Gerahmt("1|6|" + nummer + "|2|101|1|0|") +
+           Rahmen(id, 3, 2);
 }
 
 // All frames of the run behind one another, made before it begins.
 struct Strom {
     explicit Strom(const Wahl& wahl) {
+        std::mt19937 wuerfel(1);
         for (std::int64_t i = 0; i < wahl.Anzahl(); ++i) {
-            Bytes += Rahmen(1 + static_cast<int>(i % wahl.Titel), i / wahl.Titel % 2 == 0 ? 0 : 3, ErsteNummer + i);
+            const auto titel = 1 + static_cast<int>(wuerfel() % static_cast<unsigned>(wahl.Titel));
+            Bytes += Rahmen(titel, wuerfel() % 2 == 0 ? 0 : 3, ErsteNummer + i);
             Ende.push_back(Bytes.size());
         }
     }
@@ -169,6 +198,10 @@ bool PumpeHoechstens(Pumpe& pumpe, auto fertig) {
         pumpe.Warte(std::chrono::milliseconds(10));
     }
     return true;
+}
+
+void Ruhe(Pumpe& pumpe) {
+    PumpeBis(pumpe, [bis = Zeitmass::now() + std::chrono::seconds(1)] { return Zeitmass::now() > bis; });
 }
 
 void SendeAlles(simulator::Simulator& server, const Uhr& uhr, Pumpe& pumpe, const Wahl& wahl, Messung& messung) {
@@ -254,15 +287,14 @@ int Miss(const Wahl& wahl) {
     messung.Angenommen.resize(static_cast<std::size_t>(wahl.Anzahl()));
     double prozessorzeit = 0;
     {
-        const Rekorder rekorder(wahl.Programm, ordner.Text());
-        const auto alle = [&] { return server.Abonnements().size() == static_cast<std::size_t>(wahl.Titel); };
-        if (!PumpeHoechstens(pumpe, alle)) return std::puts("the recorder didn't subscribe all titles"), 2;
-        server.Stille(0);
-        for (int id = 1; id <= wahl.Titel; ++id) {
-            server.SendeKurs(id, 1, 100, 1);
-            server.SendeKurs(id, 2, 101, 1);
-        }
-        PumpeBis(pumpe, [bis = Zeitmass::now() + std::chrono::seconds(1)] { return Zeitmass::now() > bis; });
+        const Rekorder rekorder(wahl, ordner.Text());
+        if (!PumpeHoechstens(pumpe, [&] { return server.Sitzungen() > 0; }))
+            return std::puts("the recorder didn't connect"), 2;
+        Ruhe(pumpe);
+        for (int id = 1; id <= wahl.Titel; ++id) server.SendeRoh(Vorlauf(id));
+        if (!PumpeHoechstens(pumpe, [&] { return ordner.VorlaufDa(wahl.Titel); }))
+            return std::puts("the recorder didn't record the first ticks"), 2;
+        Ruhe(pumpe);
         const double vorher = rekorder.Prozessorzeit();
         SendeAlles(server, uhr, pumpe, wahl, messung);
         PumpeHoechstens(pumpe, [&] { return LiesDateien(ordner, messung) == wahl.Anzahl(); });

@@ -16,13 +16,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <memory>
+#include <random>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -67,30 +70,39 @@ private:
 
 class Strasse {
 public:
-    explicit Strasse(const std::string& ordner) {
+    Strasse(const std::string& ordner, int titelanzahl) {
         modul_.Datenordner = ordner;
-        titel_ = std::make_shared<clTitelobjekt>();
-        titel_->id = 1;
-        titel_->Symbol = "ES";
-        titel_->Typ = "FUT";
-        titel_->Börsenplatz = "CME";
-        titel_->Katalog = "Futures";
-        titel_->Aktiv(true);
-        titel_->BidAsk = true;
-        modul_.Titelliste.Fuege(titel_);
+        for (int id = 1; id <= titelanzahl; ++id) LegeTitelAn(id);
     }
 
-    void Kurs(int nummer) { feed_.Sitzung.tickPrice(1, ticktyp::Geld, 5400 + nummer % 100 * 0.25, true, false, false); }
-    // Each is a record.
-    void Volumen(int nummer) { feed_.Sitzung.tickSize(1, ticktyp::Geldvolumen, 1 + nummer % 97); }
+    void Kurs(int id, int nummer) {
+        feed_.Sitzung.tickPrice(id, ticktyp::Geld, 5400 + nummer % 100 * 0.25, true, false, false);
+    }
+    // Each is a record: no size is like the one before it, as an echo's is.
+    void Volumen(int id) { feed_.Sitzung.tickSize(id, ticktyp::Geldvolumen, 1 + groesse_++ % 9'999'991); }
     double Saetze() const { return modul_.Kursanzahl; }
+    std::string Name(int id) const { return modul_.Titelliste.Finde(id)->Dateiname + "-BID.ZEK"; }
 
 private:
+    void LegeTitelAn(int id) {
+        auto titel = std::make_shared<clTitelobjekt>();
+        titel->id = id;
+        titel->Symbol = "SYMBOL" + std::to_string(id);
+        titel->Typ = "STK";
+        titel->Börsenplatz = "SMART";
+        titel->Währung = "USD";
+        titel->Katalog = "Aktien";
+        titel->Aktiv(true);
+        titel->BidAsk = true;
+        Dateinamensbildung(*titel, kursart::Basisname);
+        modul_.Titelliste.Fuege(titel);
+    }
+
+    int groesse_ = 0;
     IBModul modul_;
     Stumm stumm_;
     PosixUhr uhr_;
     PosixDateisystem dateien_;
-    Titelzeiger titel_;
     Datensatzschreiber schreiber_{modul_, dateien_, stumm_, VorzeichenVolumen};
     Feed feed_{{modul_,
                 uhr_,
@@ -131,37 +143,68 @@ double Nanosekunden(Schritt schritt) {
 }
 
 // `mitKurs`: a price message, which gives two events, in place of a size message, which gives one. Both end in one
-// record.
+// record. With many titles the ticks come in random order, so that neither side finds anything of a title in a cache;
+// the bare calls go to as many files of the same names in a folder of their own.
 void TickBisDatei(benchmark::State& zustand, bool mitKurs) {
+    const auto titelanzahl = static_cast<int>(zustand.range(0));
     const Arbeitsordner ordner;
-    Strasse strasse(ordner.Pfad());
-    strasse.Kurs(0);
-    strasse.Volumen(0);  // makes folder and file
-    strasse.Volumen(1);  // has the check of the first write behind it
-    const std::string vergleich = ordner.Pfad() + "Futures/ES@CME_FUT-VERGLEICH.ZEK";
-    std::filesystem::copy_file(ordner.Pfad() + "Futures/ES@CME_FUT-BID.ZEK", vergleich);
+    Strasse strasse(ordner.Pfad(), titelanzahl);
+    std::filesystem::create_directory(ordner.Pfad() + "Boden");
+    std::vector<std::string> boden;
+    for (int id = 1; id <= titelanzahl; ++id) {
+        strasse.Kurs(id, 0);
+        strasse.Volumen(id);  // makes folder and file
+        strasse.Volumen(id);  // has the check of the first write behind it
+        boden.push_back(ordner.Pfad() + "Boden/" + strasse.Name(id));
+        std::filesystem::copy_file(ordner.Pfad() + "Aktien/" + strasse.Name(id), boden.back());
+    }
+    const double vorher = strasse.Saetze();
+    std::mt19937 wuerfel(1);
+    std::array<int, SaetzeJeRunde> ids{};
 
-    double boden = 0;
-    double weg = 0;
+    std::vector<double> verhaeltnisse;
+    double bodenzeit = 0, weg = 0;
     bool gut = true;
     for (auto _ : zustand) {
-        boden += Nanosekunden([&](int) { gut = BareAppend(vergleich.c_str()) && gut; });
+        for (int& id : ids) id = 1 + static_cast<int>(wuerfel() % static_cast<unsigned>(titelanzahl));
+        const auto bodenrunde = [&] {
+            return Nanosekunden([&](int i) {
+                gut = BareAppend(boden[static_cast<std::size_t>(ids[static_cast<std::size_t>(i)] - 1)].c_str()) && gut;
+            });
+        };
+        const double vor = bodenrunde();
         const double runde = Nanosekunden([&](int i) {
-            if (mitKurs) strasse.Kurs(i);
-            strasse.Volumen(i);
+            const int id = ids[static_cast<std::size_t>(i)];
+            if (mitKurs) strasse.Kurs(id, i);
+            strasse.Volumen(id);
         });
         zustand.SetIterationTime(runde / 1e9);
+        bodenzeit += vor;
         weg += runde;
+        verhaeltnisse.push_back(runde / vor);
     }
     const double saetze = static_cast<double>(zustand.iterations()) * SaetzeJeRunde;
-    if (!gut || strasse.Saetze() != saetze + 2) zustand.SkipWithError("a record is missing");
-    zustand.counters["boden_ns"] = boden / saetze;
+    if (!gut || strasse.Saetze() != saetze + vorher) zustand.SkipWithError("a record is missing");
+    const auto mitte = verhaeltnisse.begin() + static_cast<std::ptrdiff_t>(verhaeltnisse.size() / 2);
+    std::nth_element(verhaeltnisse.begin(), mitte, verhaeltnisse.end());
+    zustand.counters["boden_ns"] = bodenzeit / saetze;
     zustand.counters["strasse_ns"] = weg / saetze;
-    zustand.counters["verhaeltnis"] = weg / boden;
+    zustand.counters["verhaeltnis"] = weg / bodenzeit;
+    zustand.counters["verhaeltnis_mitte"] = *mitte;
     zustand.SetItemsProcessed(static_cast<std::int64_t>(saetze));
 }
-BENCHMARK_CAPTURE(TickBisDatei, Volumen, false)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(TickBisDatei, KursUndVolumen, true)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(TickBisDatei, Volumen, false)
+    ->ArgName("titles")
+    ->Arg(1)
+    ->Arg(10000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(TickBisDatei, KursUndVolumen, true)
+    ->ArgName("titles")
+    ->Arg(1)
+    ->Arg(10000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
 
 // The same events up to the append, without it: what the feed itself costs.
 void TickBisAblage(benchmark::State& zustand) {

@@ -96,14 +96,18 @@ Tickannahme::Tickannahme(IBModul& modul, const Uhr& uhr, Aufzeichnung& aufzeichn
     : modul_(modul), uhr_(uhr), aufzeichnung_(aufzeichnung) {}
 
 // Every event counts as life of the stream, also one of an unknown id or an ignored type.
-clTitelobjekt* Tickannahme::Empfange(int id, Datum jetzt) {
+clTitelobjekt* Tickannahme::Empfange(int id, Datum& jetzt) {
+    clTitelobjekt* const titel = modul_.Titelliste.Finde(id);
+    if (titel) titel->HoleVor();
+    jetzt = uhr_.Jetzt();
+    if (titel) titel->HoleNamenVor();
     modul_.LetzterKursZeitpunkt = jetzt;
     if (modul_.ErsterKursZeitpunkt == 0) modul_.ErsterKursZeitpunkt = jetzt;
-    return modul_.Titelliste.Finde(id);
+    return titel;
 }
 
 void Tickannahme::tickPrice(int id, int tickType, double price) {
-    const Datum jetzt = uhr_.Jetzt();
+    Datum jetzt = 0;
     clTitelobjekt* const titel = Empfange(id, jetzt);
     if (!titel) return;
     switch (tickType) {
@@ -124,7 +128,7 @@ void Tickannahme::tickPrice(int id, int tickType, double price) {
 }
 
 void Tickannahme::tickSize(int id, int tickType, double size) {
-    const Datum jetzt = uhr_.Jetzt();
+    Datum jetzt = 0;
     clTitelobjekt* const titel = Empfange(id, jetzt);
     if (!titel) return;
     switch (tickType) {

@@ -28,7 +28,7 @@ public:
     void tickString(int, int, std::string_view) {}
 
 private:
-    clTitelobjekt* Empfange(int id, Datum jetzt);
+    clTitelobjekt* Empfange(int id, Datum& jetzt);
     void Geldregel(clTitelobjekt& titel, double size, Datum jetzt);
     void Briefregel(clTitelobjekt& titel, double size, Datum jetzt);
     void Bezahltregel(clTitelobjekt& titel, double size, Datum jetzt);

@@ -6,33 +6,45 @@
 
 namespace zek {
 
+// The place of an id, made if there is none.
+Titelzeiger& Titelliste::Platz(std::int32_t id) {
+    if (!InTafel(id)) return uebrige_[id];
+    const auto stelle = static_cast<std::size_t>(id);
+    if (stelle >= tafel_.size()) tafel_.resize(stelle + 1);
+    return tafel_[stelle];
+}
+
 bool Titelliste::Fuege(Titelzeiger titel) {
-    if (!titel || !nachId_.emplace(titel->id, titel).second) return false;
+    if (!titel || Finde(titel->id) != nullptr) return false;
+    Platz(titel->id) = titel;
     titel_.push_back(std::move(titel));
     return true;
 }
 
-clTitelobjekt* Titelliste::Finde(std::int32_t id) const {
-    const auto fund = nachId_.find(id);
-    return fund == nachId_.end() ? nullptr : fund->second.get();
-}
-
 Titelzeiger Titelliste::FindeZeiger(std::int32_t id) const {
-    const auto fund = nachId_.find(id);
-    return fund == nachId_.end() ? nullptr : fund->second;
+    if (InTafel(id)) {
+        const auto stelle = static_cast<std::size_t>(id);
+        return stelle < tafel_.size() ? tafel_[stelle] : nullptr;
+    }
+    const auto fund = uebrige_.find(id);
+    return fund == uebrige_.end() ? nullptr : fund->second;
 }
 
 bool Titelliste::Entferne(std::int32_t id) {
-    const auto fund = nachId_.find(id);
-    if (fund == nachId_.end()) return false;
-    std::erase(titel_, fund->second);
-    nachId_.erase(fund);
+    const Titelzeiger titel = FindeZeiger(id);
+    if (!titel) return false;
+    std::erase(titel_, titel);
+    if (InTafel(id))
+        tafel_[static_cast<std::size_t>(id)].reset();
+    else
+        uebrige_.erase(id);
     return true;
 }
 
 void Titelliste::Leere() {
     titel_.clear();
-    nachId_.clear();
+    tafel_.clear();
+    uebrige_.clear();
 }
 
 bool Katalogliste::Fuege(const std::string& name) {

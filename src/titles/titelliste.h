@@ -10,13 +10,18 @@
 
 namespace zek {
 
-// Ordered collection of all titles. The key is the title's id ("#17" in texts); a lookup costs no allocation.
+// Ordered collection of all titles. The key is the title's id ("#17" in texts). Every tick looks one up: ids are given
+// out from 1 on, so the lookup is one step into a table, whatever the number of titles.
 class Titelliste {
 public:
     // False when the id is there already; nothing is added then.
     bool Fuege(Titelzeiger titel);
     // Null when there is no such title.
-    clTitelobjekt* Finde(std::int32_t id) const;
+    clTitelobjekt* Finde(std::int32_t id) const {
+        const auto stelle = static_cast<std::size_t>(id);
+        if (InTafel(id)) return stelle < tafel_.size() ? tafel_[stelle].get() : nullptr;
+        return FindeZeiger(id).get();
+    }
     Titelzeiger FindeZeiger(std::int32_t id) const;
     bool Entferne(std::int32_t id);
     void Leere();
@@ -29,8 +34,15 @@ public:
     auto end() const { return titel_.end(); }
 
 private:
+    // Ids from here on, and below 0, have no place in the table.
+    static constexpr std::int32_t Tafelende = 1 << 20;
+
+    static bool InTafel(std::int32_t id) { return id >= 0 && id < Tafelende; }
+    Titelzeiger& Platz(std::int32_t id);
+
     std::vector<Titelzeiger> titel_;
-    std::unordered_map<std::int32_t, Titelzeiger> nachId_;
+    std::vector<Titelzeiger> tafel_;  // by id, with gaps
+    std::unordered_map<std::int32_t, Titelzeiger> uebrige_;
 };
 
 // Ordered collection of catalog names; the key comparison ignores letter case and the first spelling stays.

@@ -82,6 +82,19 @@ public:
     void Aktiv(bool wert);
     bool Aktiv() const { return aktiv_; }
 
+    // Ask the processor for what a tick reads and writes of the title, and then for the text of its name. With
+    // thousands of titles nothing of one is in a cache when its next tick comes; asked for together, the lines come
+    // while the clock is read and the rules run.
+    void HoleVor() const {
+        const auto* zeile = reinterpret_cast<const char*>(&StartZeit);
+        const auto* ende = reinterpret_cast<const char*>(this + 1);
+        for (; zeile < ende; zeile += 64) __builtin_prefetch(zeile, 1);
+    }
+    void HoleNamenVor() const {
+        __builtin_prefetch(Dateiname.data());
+        __builtin_prefetch(Dateiname.data() + Dateiname.size());
+    }
+
     // The contract in one line, items joined by ",".
     std::string GetTitelInfo() const;
 

@@ -240,6 +240,30 @@ TEST(Titelliste, KeepsTheOrderOfAdditionAndRefusesAnIdTwice) {
     EXPECT_TRUE(liste.IstLeer());
 }
 
+TEST(Titelliste, FindsTitlesOfAnyIdAmongThoseThatWereRemoved) {
+    const std::int32_t ids[] = {INT32_MIN, -1, 0, 1, 2, 300, (1 << 20) - 1, 1 << 20, INT32_MAX};
+    Titelliste liste;
+    for (const std::int32_t id : ids) EXPECT_EQ(liste.Finde(id), nullptr) << id;
+    for (const std::int32_t id : ids) EXPECT_TRUE(liste.Fuege(Titel(id))) << id;
+    for (const std::int32_t id : ids) {
+        EXPECT_FALSE(liste.Fuege(Titel(id))) << id;
+        ASSERT_NE(liste.Finde(id), nullptr) << id;
+        EXPECT_EQ(liste.Finde(id)->id, id);
+        EXPECT_EQ(liste.FindeZeiger(id).get(), liste.Finde(id));
+    }
+    for (const std::int32_t id : {-1, 1, 1 << 20}) {
+        EXPECT_TRUE(liste.Entferne(id)) << id;
+        EXPECT_EQ(liste.Finde(id), nullptr) << id;
+        EXPECT_FALSE(liste.Entferne(id)) << id;
+        EXPECT_TRUE(liste.Fuege(Titel(id))) << id;
+    }
+    EXPECT_EQ(liste.Anzahl(), std::size(ids));
+    EXPECT_EQ(liste.Finde(299), nullptr);
+    EXPECT_EQ(liste.Finde(301), nullptr);
+    liste.Leere();
+    for (const std::int32_t id : ids) EXPECT_EQ(liste.Finde(id), nullptr) << id;
+}
+
 TEST(Katalogliste, KeepsTheFirstSpelling) {
     Katalogliste liste;
     EXPECT_TRUE(liste.Fuege("Aktien"));
