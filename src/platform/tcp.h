@@ -15,7 +15,8 @@ class TcpEmpfaenger {
 public:
     virtual ~TcpEmpfaenger() = default;
     virtual void TcpVerbunden() = 0;
-    // Bytes are waiting; fetch them with Lies. Comes again as long as bytes are left.
+    // Bytes are waiting; fetch them with Lies. Comes again as long as bytes are left, and may come without any just
+    // before the end of the connection.
     virtual void TcpLesbar() = 0;
     // The other side closed in order and every byte it had sent has been read.
     virtual void TcpGeschlossen() = 0;

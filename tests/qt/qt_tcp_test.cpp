@@ -142,6 +142,22 @@ TEST_F(QtTcp, ACloseInOrderIsAClose) {
     EXPECT_FALSE(client.Sende("nobody there"));
 }
 
+TEST_F(QtTcp, TheEndAndABreakAreToldAlsoToOneWhoDoesNotRead) {
+    for (const bool bruch : {false, true}) {
+        client = Seite();
+        server = Seite();
+        client.LiestHoechstens = 0;
+        Verbinde();
+        if (bruch)
+            server.Leitung->BrichAb();
+        else
+            server.Leitung->Schliesse();
+        ASSERT_TRUE(Bis([&] { return client.Zu(); }));
+        Nachlauf();
+        EXPECT_EQ(client.Verlauf, bruch ? "verbunden " + Abgebrochen : "verbunden geschlossen");
+    }
+}
+
 TEST_F(QtTcp, AResetIsAnError) {
     Verbinde();
     server.Leitung->BrichAb();
@@ -295,6 +311,23 @@ TEST_F(QtTcp, ASocketMayBeDestroyedWhenItReads) {
     client.Sende("abc");
     ASSERT_TRUE(Bis([&] { return client.Zu(); }));
     EXPECT_EQ(server.Lesbar, 1);
+}
+
+TEST_F(QtTcp, ASocketMayBeLeftAloneOrConnectedAnewWhenItReadsTheEnd) {
+    Verbinde();
+    int lesungen = 0;
+    client.BeiLesbar = [&] {
+        if (++lesungen == 1)
+            client.Leitung->Verbinde("127.0.0.1", port);
+        else
+            client.Leitung->SetzeEmpfaenger(nullptr);
+    };
+    server.Leitung->Schliesse();
+    ASSERT_TRUE(Bis([&] { return client.Verlauf == "verbunden verbunden"; })) << client.Verlauf;
+    server.Leitung->Schliesse();
+    ASSERT_TRUE(Bis([&] { return lesungen == 2; }));
+    Nachlauf();
+    EXPECT_EQ(client.Verlauf, "verbunden verbunden");
 }
 
 TEST_F(QtTcp, ASocketMayBeDestroyedWhenItCloses) {

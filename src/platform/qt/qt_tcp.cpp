@@ -102,6 +102,7 @@ private:
     void NaechsteAdresse(int bisherigerFehler);
     void BeiVerbunden();
     void BeiLesbar();
+    void PruefeEnde();
     void BeiSchreibbar();
     // False when the connection broke; its error then waits for the next event.
     bool SendeWartendes();
@@ -114,7 +115,8 @@ private:
     Stand stand_ = Stand::Zu;
     TcpEmpfaenger* empfaenger_ = nullptr;
     int griff_ = -1;
-    std::uint64_t runde_ = 0;  // changes with each close: what was planned before concerns nobody
+    std::uint64_t gelesen_ = 0;  // bytes, over all time
+    std::uint64_t runde_ = 0;    // changes with each close: what was planned before concerns nobody
     std::deque<Adresse> adressen_;
     std::unique_ptr<Melder> leser_;
     std::unique_ptr<Melder> schreiber_;
@@ -214,19 +216,29 @@ void Kern::BeiVerbunden() {
 std::size_t Kern::Lies(std::span<char> ziel) {
     if (stand_ != Stand::Steht || ziel.empty()) return 0;
     const ssize_t anzahl = ::recv(griff_, ziel.data(), ziel.size(), 0);
-    if (anzahl >= 0) return static_cast<std::size_t>(anzahl);
-    if (!SpaeterNochmal(errno) && fehler_ == 0) fehler_ = errno;
-    return 0;
+    if (anzahl < 0) {
+        if (!SpaeterNochmal(errno) && fehler_ == 0) fehler_ = errno;
+        return 0;
+    }
+    gelesen_ += static_cast<std::uint64_t>(anzahl);
+    return static_cast<std::size_t>(anzahl);
 }
 
-// Looks first without taking anything: bytes, the end and a break of the connection all arrive as "readable".
+// Bytes, the end and a break of the connection all arrive as "readable". Nearly always they are bytes, so the
+// receiver's own read looks first; only where it finds nothing one more call asks why.
 void Kern::BeiLesbar() {
     const auto halt = shared_from_this();
     if (!empfaenger_) return;
+    const auto runde = runde_;
+    const auto bisher = gelesen_;
+    empfaenger_->TcpLesbar();
+    if (gelesen_ == bisher && runde_ == runde && empfaenger_) PruefeEnde();
+}
+
+void Kern::PruefeEnde() {
     char vorschau = 0;
     const ssize_t anzahl = ::recv(griff_, &vorschau, 1, MSG_PEEK);
-    if (anzahl > 0) return empfaenger_->TcpLesbar();
-    if (anzahl < 0 && SpaeterNochmal(errno)) return;
+    if (anzahl > 0 || (anzahl < 0 && SpaeterNochmal(errno))) return;
     // The system tells the reason of a break once only, and a call may have met it before.
     const int fehler = fehler_ != 0 ? fehler_ : anzahl < 0 ? errno : 0;
     // EPIPE: we wrote to one who had closed in order.
