@@ -1,7 +1,6 @@
 #include "backfill/balken.h"
 
 #include "datafiles/kursart.h"
-#include "feed/abonnement.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -113,25 +112,6 @@ std::string_view Historienart(std::int32_t kursart) {
         default:
             return "TRADES";
     }
-}
-
-tws::Contract Historienkontrakt(const clTitelobjekt& titel) {
-    tws::Contract kontrakt;
-    const Boersenteile teile = TeileBoersenplatz(titel.Börsenplatz);
-    kontrakt.currency = titel.Währung;
-    kontrakt.exchange = teile.Boerse;
-    kontrakt.primaryExchange = teile.Primaerboerse;
-    kontrakt.secType = titel.Typ;
-    if (titel.IstLokalesSymbol) {
-        kontrakt.localSymbol = titel.Symbol;
-        return kontrakt;
-    }
-    kontrakt.symbol = titel.Symbol;
-    kontrakt.lastTradeDateOrContractMonth = titel.Laufzeit;
-    kontrakt.strike = titel.Basispreis;
-    kontrakt.right = titel.Ausübungsrecht;
-    kontrakt.multiplier = titel.Multiplikator;
-    return kontrakt;
 }
 
 bool IstIndextitel(const clTitelobjekt& titel) {

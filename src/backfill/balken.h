@@ -36,9 +36,6 @@ std::string Endzeittext(Datum ende);
 // What to show, by kind: "TRADES", "ASK" or "BID".
 std::string_view Historienart(std::int32_t kursart);
 
-// The contract of a history request.
-tws::Contract Historienkontrakt(const clTitelobjekt& titel);
-
 // True for the security type of an index, in any letter case.
 bool IstIndextitel(const clTitelobjekt& titel);
 

@@ -1,6 +1,7 @@
 #include "backfill/lauf.h"
 
 #include "datafiles/dateinamen.h"
+#include "feed/abonnement.h"
 #include "platform/laufmarke.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
@@ -248,7 +249,7 @@ bool Datenpflegelauf::StelleAnfrage(Serie& serie) {
     serie.Anfragezeit = Jetzt();
     if (serie.Verbindungsversuch > 0 && OhneSitzung()) return true;  // the wait for an answer sees to it
     serie.Verbindungsversuch = 0;
-    const tws::Contract kontrakt = Historienkontrakt(serie.Titel);
+    const tws::Contract kontrakt = KontraktVon(serie.Titel);
     if (serie.Anfragenummer == Historiennummer) ++vertraegeOffen_;
     IBBackfill_->reqContractDetailsEx(serie.Anfragenummer++, kontrakt);
     takt_.Gesendet(schluessel, Jetzt());

@@ -44,6 +44,25 @@ Boersenteile TeileBoersenplatz(std::string_view börsenplatz) {
     return {std::string(börsenplatz.substr(0, trenner)), std::string(rest.substr(0, rest.find('\\')))};
 }
 
+tws::Contract KontraktVon(const clTitelobjekt& titel) {
+    tws::Contract kontrakt;
+    const Boersenteile teile = TeileBoersenplatz(titel.Börsenplatz);
+    kontrakt.currency = titel.Währung;
+    kontrakt.exchange = teile.Boerse;
+    kontrakt.primaryExchange = teile.Primaerboerse;
+    kontrakt.secType = titel.Typ;
+    if (titel.IstLokalesSymbol) {
+        kontrakt.localSymbol = titel.Symbol;
+        return kontrakt;
+    }
+    kontrakt.symbol = titel.Symbol;
+    kontrakt.lastTradeDateOrContractMonth = titel.Laufzeit;
+    kontrakt.strike = titel.Basispreis;
+    kontrakt.right = titel.Ausübungsrecht;
+    kontrakt.multiplier = titel.Multiplikator;
+    return kontrakt;
+}
+
 void TitelmerkmaleAbleiten(clTitelobjekt& titel, const Einstellungen& einstellungen) {
     titel.AufzeichnungspauseVerwenden =
         einstellungen.KursAufzeichnungDeaktivieren && PauseGiltFuer(titel, einstellungen);

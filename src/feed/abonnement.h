@@ -20,6 +20,8 @@ struct Boersenteile {
     std::string Primaerboerse;  // empty without a backslash
 };
 Boersenteile TeileBoersenplatz(std::string_view börsenplatz);
+// The contract of a title, as requests for history and details name it.
+tws::Contract KontraktVon(const clTitelobjekt& titel);
 
 // Sets AufzeichnungspauseVerwenden and TitelBidAskWartetaufLast of a title from the settings. Done when a title is
 // subscribed and when the settings are applied.

@@ -14,6 +14,7 @@
 //   abonnement         a title becomes requests; sendetakt paces them
 //   vorzeichenvolumen  the signed volume; asked for by the append
 //   markttiefe         depth rows, straight to aufzeichnung
+//   vertragsfragen     trading hours, from the contract details of the titles
 //   kontodaten         account values and positions, straight to the append
 //   einfach            numbers of the wire as the singles of the records
 //   zeitvergleich      times of day, compared to the millisecond
@@ -29,6 +30,7 @@
 #include "feed/sendetakt.h"
 #include "feed/tickannahme.h"
 #include "feed/verbindung.h"
+#include "feed/vertragsfragen.h"
 #include "feed/vorzeichenvolumen.h"
 
 #include <cstdint>
@@ -61,8 +63,10 @@ struct Feed {
           Ticks(um.Modul, um.Zeit, Schreiber),
           Tiefe(um.Modul, um.Zeit, Schreiber),
           Konten(um.Modul, um.Zeit, Control, um.Ablage),
+          Vertraege(um.Modul, Control, um.Zeit, um.Wache),
           Sitzung(um.Modul, um.Zeit, Control, Abos, um.Status, um.Anzeige,
-                  {Ticks, Tiefe, Konten, std::move(um.ServerZeit), std::move(um.NeustartWegenFehler), um.Wache}) {}
+                  {Ticks, Tiefe, Konten, Vertraege, std::move(um.ServerZeit), std::move(um.NeustartWegenFehler),
+                   um.Wache}) {}
     Feed(const Feed&) = delete;
     Feed& operator=(const Feed&) = delete;
 
@@ -72,6 +76,7 @@ struct Feed {
     Tickannahme Ticks;
     Markttiefe Tiefe;
     Kontodaten Konten;
+    Vertragsfragen Vertraege;
     Verbindung Sitzung;
 };
 

@@ -78,6 +78,7 @@ void Verbindung::connectionClosed() {
 
 void Verbindung::errMsg(int id, int errorCode, std::string_view errorMsg,
                         std::string_view /*advancedOrderRejectJson*/) {
+    if (Vertragsfragen::IstEigene(id)) return abnehmer_.Vertraege.Ende(id);
     OhneFehler([&] { Melde(Meldungstext(id, errorCode, errorMsg)); });
     if (const clTitelobjekt* titel = id < 1 ? nullptr : modul_.Titelliste.Finde(id))
         Unterrichte([&](Stromwache& wache) { wache.TitelMeldung(*titel, errorCode); });
@@ -198,6 +199,14 @@ void Verbindung::updatePortfolioEx(const tws::Contract& contract, double positio
 
 void Verbindung::updateMktDepth(int id, int position, int operation, int side, double price, double size) {
     OhneFehler([&] { abnehmer_.Tiefe.updateMktDepth(id, position, operation, side, price, size); });
+}
+
+void Verbindung::contractDetailsEx(int reqId, const tws::ContractDetails& details) {
+    OhneFehler([&] { abnehmer_.Vertraege.Details(reqId, details); });
+}
+
+void Verbindung::contractDetailsEnd(int reqId) {
+    abnehmer_.Vertraege.Ende(reqId);
 }
 
 }  // namespace zek

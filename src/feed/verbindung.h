@@ -7,6 +7,7 @@
 #include "feed/kontodaten.h"
 #include "feed/markttiefe.h"
 #include "feed/tickannahme.h"
+#include "feed/vertragsfragen.h"
 #include "modul/rollen.h"
 
 #include <cstdint>
@@ -30,6 +31,7 @@ public:
         Tickannahme& Kurse;
         Markttiefe& Tiefe;
         Kontodaten& Konten;
+        Vertragsfragen& Vertraege;
         // Seconds since 1970 UTC of the server's clock.
         std::function<void(std::int64_t)> ServerZeit;
         // The message's code stands in the restart list.
@@ -62,6 +64,8 @@ public:
                            double averageCost, double unrealizedPNL, double realizedPNL,
                            std::string_view accountName) override;
     void updateMktDepth(int id, int position, int operation, int side, double price, double size) override;
+    void contractDetailsEx(int reqId, const tws::ContractDetails& details) override;
+    void contractDetailsEnd(int reqId) override;
 
 private:
     std::string Meldungstext(int id, int errorCode, std::string_view errorMsg) const;

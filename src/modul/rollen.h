@@ -121,6 +121,8 @@ public:
     // While the connection stands only.
     virtual void Abonniert(const clTitelobjekt& titel) = 0;
     virtual void Abbestellt(const clTitelobjekt& titel) = 0;
+    // The trading hours of a title for the days to come, and the time zone they stand in, as the broker words them.
+    virtual void Boersenstunden(const clTitelobjekt& titel, std::string_view zone, std::string_view stunden) = 0;
 };
 
 // What the start shows, until the working view.

@@ -44,7 +44,7 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
       Aufsicht(um.Modul, um.Plattform.Uhr, um.Status, um.Einstellungen, Neustarter, rundenbruecke_),
       zeitgeber_(um.Plattform.Zeitgeber.Erzeuge(Runde::Intervall, [this] { Aufsicht.Durchlauf(); })),
       tickzaehlerTimer_(um.Plattform.Zeitgeber.Erzeuge(Titelinfo::Intervall, [this] { Sekundentakt(); })),
-      lueckenTimer_(um.Plattform.Zeitgeber.Erzeuge(Lueckenwache::Intervall, [this] { Luecken.Durchlauf(); })) {
+      lueckenTimer_(um.Plattform.Zeitgeber.Erzeuge(Lueckenwache::Intervall, [this] { Lueckentakt(); })) {
     Atomuhr.SetzeZeitserver(Option(um.Einstellungen, "Zeitserver1"), Option(um.Einstellungen, "Zeitserver2"));
 }
 
@@ -58,6 +58,11 @@ void Zusammenbau::Sekundentakt() {
     um_.Plattform.MeldeVerwalter("WATCHDOG=1");
     OhneFehler([this] { Info.TitelInfoAktualisieren(true); });
     OhneFehler([this] { um_.Einstellungen.SchreibeWartendes(); });
+}
+
+void Zusammenbau::Lueckentakt() {
+    Luecken.Durchlauf();
+    OhneFehler([this] { Marktdaten.Vertraege.Durchlauf(); });
 }
 
 void Zusammenbau::HalteAn() {

@@ -50,6 +50,8 @@ struct Zusammenbau {
 private:
     // A sign of life, the tick rate, and settings that another instance has kept from the store.
     void Sekundentakt();
+    // The watch over gaps, and what it has to know of markets.
+    void Lueckentakt();
 
     Umgebung um_;
     Neustartbruecke neustartbruecke_;

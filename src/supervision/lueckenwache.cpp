@@ -32,6 +32,7 @@ Lueckenwache::Lueckenwache(IBModul& modul, Dateisystem& dateien, const Uhr& uhr,
       farm_(modul, offen_, titel_),
       uhrluecken_(uhr, offen_),
       pause_(modul, offen_),
+      handel_(offen_, uhr),
       dateiluecken_(offen_, status),
       pflege_(buch_, uhr),
       lebenszeichen_(modul, dateien, buch_) {}
@@ -65,7 +66,7 @@ void Lueckenwache::Beende() {
     vorleben_.SchreibeStart();
     farm_.VergissAlle(jetzt);
     titel_.Beende(jetzt);
-    offen_.SchliesseAlleAusser({ursache::TitelAktiv, ursache::TitelNichtAktiv}, jetzt);
+    offen_.SchliesseAlleAusser({ursache::TitelAktiv, ursache::TitelNichtAktiv, ursache::Handelszeiten}, jetzt);
     offen_.Oeffne(AlleTitel, ursache::ProgrammBeendet, jetzt);
     laeuft_ = false;
     buch_.HalteZurueck(false);
@@ -111,6 +112,11 @@ void Lueckenwache::Abbestellt(const clTitelobjekt& titel) {
     if (!laeuft_) return;
     farm_.Vergiss(titel.id, uhr_.Jetzt());
     titel_.Abbestellt(titel, uhr_.Jetzt());
+}
+
+void Lueckenwache::Boersenstunden(const clTitelobjekt& titel, std::string_view zone, std::string_view stunden) {
+    if (const std::string* name = laeuft_ ? titel_.Name(titel.id) : nullptr)
+        handel_.Stunden(*name, zone, stunden, uhr_.Jetzt());
 }
 
 void Lueckenwache::TitelMeldung(const clTitelobjekt& titel, int code) {
@@ -169,6 +175,7 @@ void Lueckenwache::Durchlauf() {
     OhneFehler([&] { farm_.Pruefe(jetzt); });
     OhneFehler([&] { strom_.Pruefe(jetzt, titel_.Lage()); });
     OhneFehler([&] { pause_.Pruefe(jetzt, zuletzt); });
+    OhneFehler([&] { handel_.Pruefe(jetzt); });
     OhneFehler([&] { dateiluecken_.Pruefe(jetzt); });
     OhneFehler([&] { lebenszeichen_.Pruefe(jetzt); });
     if (++durchlaeufe_ % NachholenJede == 0) OhneFehler([&] { PflegeBuch(jetzt); });

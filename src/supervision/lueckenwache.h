@@ -5,6 +5,7 @@
 //   offeneluecken   what is open, and the way into the book
 //   stromluecken    by the connection          titelluecken   by a title          farmluecken    by a data farm
 //   uhrluecken      by the clock               pausenluecken  by the pause        dateiluecken   by a file
+//   handelsluecken by the market's hours
 //   pflegeluecken   what backfills did to them
 //   vorleben        what an earlier run has left
 //   lebenszeichengeber   brings data to the disk, and says until when all is well
@@ -16,6 +17,7 @@
 #include "platform/uhr.h"
 #include "supervision/dateiluecken.h"
 #include "supervision/farmluecken.h"
+#include "supervision/handelsluecken.h"
 #include "supervision/lebenszeichengeber.h"
 #include "supervision/offeneluecken.h"
 #include "supervision/pausenluecken.h"
@@ -59,6 +61,7 @@ public:
     void TitelMeldung(const clTitelobjekt& titel, int code) override;
     void Abonniert(const clTitelobjekt& titel) override;
     void Abbestellt(const clTitelobjekt& titel) override;
+    void Boersenstunden(const clTitelobjekt& titel, std::string_view zone, std::string_view stunden) override;
     void SpeichernGescheitert(const clTitelobjekt& titel, std::int32_t kursart, int systemfehler) override;
     void DateiBeschaedigt(const clTitelobjekt& titel, std::int32_t kursart) override;
     void WiederGespeichert(const clTitelobjekt& titel, std::int32_t kursart) override;
@@ -91,6 +94,7 @@ private:
     Farmluecken farm_;
     Uhrluecken uhrluecken_;
     Pausenluecken pause_;
+    Handelsluecken handel_;
     Dateiluecken dateiluecken_;
     Pflegeluecken pflege_;
     Lebenszeichengeber lebenszeichen_;

@@ -42,7 +42,8 @@ void Vorleben::Uebernimm(Datum letztesEnde, Datum start) {
     if (zeichen_) ende = std::max(ende, Zeitspannen::AlsDatum(zeichen_->Moment));
     bool ordentlich = false;
     for (const Lueckenzeile& zeile : stand.Offen.Alle()) {
-        if (zeile.Ursache == ursache::TitelNichtAktiv || zeile.Ursache == ursache::TitelAktiv)
+        if (zeile.Ursache == ursache::TitelNichtAktiv || zeile.Ursache == ursache::TitelAktiv ||
+            zeile.Ursache == ursache::Handelszeiten)
             if (offen_.Uebernimm(zeile)) continue;
         const bool beendet = zeile.Ursache == ursache::ProgrammBeendet;
         ordentlich = ordentlich || beendet;

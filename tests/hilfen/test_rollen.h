@@ -81,6 +81,9 @@ public:
     }
     void Abonniert(const clTitelobjekt& titel) override { Zeilen.push_back("Abonniert " + titel.Symbol); }
     void Abbestellt(const clTitelobjekt& titel) override { Zeilen.push_back("Abbestellt " + titel.Symbol); }
+    void Boersenstunden(const clTitelobjekt& titel, std::string_view zone, std::string_view stunden) override {
+        Zeilen.push_back("Boersenstunden " + titel.Symbol + " " + std::string(zone) + " " + std::string(stunden));
+    }
 
     std::vector<std::string> Zeilen;
 };

@@ -971,5 +971,82 @@ TEST_F(LueckenwacheTest, WhatCouldNotBeWrittenFollowsWithinSeconds) {
     EXPECT_EQ(Zeilen().front().substr(0, 24), "12:00:05 12:00:08 * TWS ") << "and the stream went on";
 }
 
+// ---- the market's hours
+
+class HandelszeitenwacheTest : public LueckenwacheTest {
+protected:
+    HandelszeitenwacheTest() { Laeuft(); }
+    void Stunden(const std::string& liste) { wache->Boersenstunden(*titel, "MET", liste); }
+    std::vector<std::string> Handel() {
+        std::vector<std::string> zeilen;
+        for (const auto& zeile : Zeilen(Wertung::Hinweis))
+            if (zeile.find("Handels") != std::string::npos) zeilen.push_back(zeile);
+        return zeilen;
+    }
+    static std::string Woche(const std::string& montag) { return ": " + montag + ", Di 00:00-Fr 24:00"; }
+};
+
+TEST_F(HandelszeitenwacheTest, AWeekIsWrittenOnceAndAnewWhenItChanges) {
+    Stunden("20261116:0900-1730");
+    EXPECT_THAT(Handel(), ElementsAre("12:00:05 ... ES Handelszeiten" + Woche("Mo 09:00-17:30")));
+    welt.Laufe(10);
+    Stunden("20261116:0900-1730");
+    Stunden("unreadable");
+    EXPECT_EQ(Handel().size(), 1U);
+    Stunden("20261116:0900-2200");
+    EXPECT_THAT(Handel(), ElementsAre("12:00:05 12:00:15 ES Handelszeiten" + Woche("Mo 09:00-17:30"),
+                                      "12:00:15 ... ES Handelszeiten" + Woche("Mo 09:00-22:00")));
+}
+
+TEST_F(HandelszeitenwacheTest, TheWeekIsRememberedOverEndsAndCrashes) {
+    Stunden("20261116:0900-1730");
+    wache->Beende();
+    welt.Laufe(60);
+    Beginne();
+    wache->TitelGeladen();
+    welt.Laufe(5);
+    Absturz();
+    Beginne();
+    wache->TitelGeladen();
+    Stunden("20261116:0900-1730");
+    EXPECT_THAT(Handel(), ElementsAre("12:00:05 ... ES Handelszeiten" + Woche("Mo 09:00-17:30")));
+}
+
+TEST_F(HandelszeitenwacheTest, ADayThatIsShorterThanItsWeekIsFreeFromItsEndOn) {
+    Stunden("20261116:0900-1730");
+    Stunden("20261116:0900-1201");
+    welt.Laufe(50);
+    EXPECT_EQ(Handel().size(), 1U) << "not before it is so";
+    welt.Laufe(10);
+    EXPECT_EQ(Handel().back(), "12:01:00 ... ES Handelsfrei");
+    Stunden("20261116:0900-1201");
+    welt.Laufe(5.5 * 3600);
+    EXPECT_EQ(Handel().back(), "12:01:00 17:30:00 ES Handelsfrei");
+}
+
+TEST_F(HandelszeitenwacheTest, AHolidayThatIsGoingOnIsFreeFromTheMomentAtWhichSomebodySaysSo) {
+    Stunden("20261116:0900-1730");
+    welt.Laufe(1);
+    Stunden("20261116:CLOSED");
+    EXPECT_EQ(Handel().back(), "12:00:06 ... ES Handelsfrei");
+    wache->Beende();
+    EXPECT_EQ(Handel().back(), "12:00:06 12:00:06 ES Handelsfrei");
+}
+
+TEST_F(HandelszeitenwacheTest, ADayThatIsOpenAfterAllIsNoLongerFree) {
+    Stunden("20261116:0900-1730");
+    welt.Laufe(1);
+    Stunden("20261116:CLOSED");
+    welt.Laufe(10);
+    Stunden("20261116:0900-1730");
+    EXPECT_EQ(Handel().back(), "12:00:06 12:00:16 ES Handelsfrei");
+}
+
+TEST_F(HandelszeitenwacheTest, OfATitleThatNobodyLooksAfterNothingIsWritten) {
+    const auto doppelt = Titel("ES");
+    wache->Boersenstunden(*doppelt, "MET", "20261116:0900-1730");
+    EXPECT_THAT(Handel(), IsEmpty());
+}
+
 }  // namespace
 }  // namespace zek

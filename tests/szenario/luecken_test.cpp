@@ -225,6 +225,27 @@ TEST_P(VollePlatte, TheEvidenceOfAFullDiskSurvivesTheEndOnIt) {
 }
 INSTANTIATE_TEST_SUITE_P(EndedOrKilled, VollePlatte, testing::Bool());
 
+TEST(LueckenTest, TheHoursOfAMarketComeFromTheBrokerOnceAndOnTheRecordersClock) {
+    Rekorderwelt w(Morgen, Boersentag(1));
+    const clTitelobjekt& es = w.Future();
+    const clTitelobjekt& aapl = w.Aktie();
+    ASSERT_TRUE(w.Starte());
+    w.Bis(9, 5);
+    w.Beende();
+    w.welt.Laufe(30);
+    ASSERT_TRUE(w.Starte());
+    w.Bis(9, 15);
+    for (const clTitelobjekt* titel : {&es, &aapl}) {
+        std::vector<std::string> wochen;
+        for (const Lueckenzeile& zeile : Buch(w))
+            if (zeile.Titel == titel->Dateiname && zeile.Ursache == ursache::Handelszeiten)
+                wochen.push_back(zeile.Ergaenzung);
+        EXPECT_THAT(wochen, testing::ElementsAre("Mo 09:00-17:30, Di 09:00-17:30, Mi 09:00-17:30, Do 09:00-17:30, "
+                                                 "Fr 09:00-17:30"));
+    }
+    w.Beende();
+}
+
 TEST(LueckenTest, WhatBackfillsFilledIsNotMissing) {
     Rekorderwelt w(DatumAus(2026, 11, 16, 9, 40, 0), Boersentag(1));
     w.Future();
