@@ -11,6 +11,7 @@ namespace {
 constexpr std::uint32_t NachholenJede = 10;  // seconds
 // A start has to read no more of the book than this, and what the last day brought.
 constexpr std::uint64_t HoechstensNachzulesen = 1024 * 1024;
+constexpr std::uint32_t VerdichtenNach = 60;  // seconds from the start on
 constexpr std::size_t ReservezeilenJeTitel = 8;
 
 // News that are like 1100.
@@ -35,7 +36,8 @@ Lueckenwache::Lueckenwache(IBModul& modul, Dateisystem& dateien, const Uhr& uhr,
       handel_(offen_, uhr),
       dateiluecken_(offen_, status),
       pflege_(buch_, uhr),
-      lebenszeichen_(modul, dateien, buch_) {}
+      lebenszeichen_(modul, dateien, buch_),
+      verdichtung_(dateien) {}
 
 // ---- start and end
 
@@ -179,6 +181,7 @@ void Lueckenwache::Durchlauf() {
     OhneFehler([&] { dateiluecken_.Pruefe(jetzt); });
     OhneFehler([&] { lebenszeichen_.Pruefe(jetzt); });
     if (++durchlaeufe_ % NachholenJede == 0) OhneFehler([&] { PflegeBuch(jetzt); });
+    if (durchlaeufe_ > VerdichtenNach) OhneFehler([&] { VerdichteBuch(jetzt); });
 }
 
 // A checkpoint each day, and when the book has grown by much.
@@ -191,6 +194,16 @@ void Lueckenwache::PflegeBuch(Datum jetzt) {
     const std::string ordner = Lueckenpfad(modul_.Datenordner);
     const Zwischenlesung lesung = LiesZwischenstand(dateien_, ordner, Zeitspannen::Aus(jetzt));
     if (lesung.Lesbar) SchreibeZwischenstand(dateien_, ordner, lesung.Stand);
+    verdichten_ = lesung.Lesbar;
+}
+
+// Month by month, a day of it a second.
+void Lueckenwache::VerdichteBuch(Datum jetzt) {
+    const Zeit zeit = Zeitspannen::Aus(jetzt);
+    if (verdichtung_.Laeuft())
+        verdichtung_.Schritt(zeit);
+    else if (verdichten_)
+        verdichten_ = verdichtung_.Beginne(Lueckenpfad(modul_.Datenordner), zeit);
 }
 
 }  // namespace zek

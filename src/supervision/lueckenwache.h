@@ -11,6 +11,7 @@
 //   lebenszeichengeber   brings data to the disk, and says until when all is well
 #pragma once
 
+#include "luecken/verdichtung.h"
 #include "modul/ibmodul.h"
 #include "modul/rollen.h"
 #include "platform/dateisystem.h"
@@ -82,6 +83,7 @@ public:
 
 private:
     void PflegeBuch(Datum jetzt);
+    void VerdichteBuch(Datum jetzt);
 
     IBModul& modul_;
     Dateisystem& dateien_;
@@ -98,12 +100,14 @@ private:
     Dateiluecken dateiluecken_;
     Pflegeluecken pflege_;
     Lebenszeichengeber lebenszeichen_;
+    Buchverdichtung verdichtung_;
     bool laeuft_ = false;
     bool titelGeladen_ = false;
     Datum start_ = 0;
     std::uint32_t durchlaeufe_ = 0;
     Datum standVom_ = 0;          // day of the last checkpoint
     std::uint64_t standBei_ = 0;  // bytes of the book at it
+    bool verdichten_ = false;     // months of the past may be put together
 };
 
 }  // namespace zek
