@@ -1,0 +1,83 @@
+// What a start has to read of a year of evidence: bench_lueckenstart [TITLES] [LINES_PER_TITLE_AND_DAY]
+//
+// Writes a book of 365 days into a folder of its own, with a line open for each title, and measures what a start does
+// with it: reading its state, and writing the checkpoint anew. Then one month is put together, and its longest step
+// measured.
+#include "luecken/lueckenbuch.h"
+#include "luecken/verdichtung.h"
+#include "luecken/zwischenstand.h"
+#include "platform/dateisystem_posix.h"
+#include "platform/datum.h"
+#include "platform/text.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+using namespace zek;
+namespace fs = std::filesystem;
+
+constexpr double Hoechstens = 50;  // ms
+const Datum Ende = DatumAus(2026, 11, 16);
+
+template <typename Tun>
+double Millisekunden(Tun tun) {
+    const auto beginn = std::chrono::steady_clock::now();
+    tun();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - beginn).count();
+}
+
+void SchreibeJahr(const fs::path& ordner, int titel, int zeilen) {
+    for (int tag = 365; tag > 0; --tag) {
+        const Datum datum = Ende - tag;
+        std::ofstream datei(ordner / (Felderstempel(datum, '-').substr(0, 10) + ".txt"), std::ios::binary);
+        for (int i = 0; i < titel; ++i) {
+            const std::string name = "TITEL" + std::to_string(i) + "@SMART_STK_USD";
+            if (tag == 365) datei << Zeilentext({datum, 0, name, "Titel aktiv", "Bezahlt, Brief, Geld, BAVolume"});
+            for (int z = 0; z < zeilen; ++z) {
+                const Datum von = datum + (z + 1) / 24.0;
+                if (z % 2 == 0) datei << Zeilentext({von, 0, name, "Noch keine Kurse", ""});
+                datei << Zeilentext({von, von + 5 * EineSekunde, name, "Noch keine Kurse", ""});
+            }
+        }
+    }
+}
+
+}  // namespace
+
+int main(int anzahl, char** argumente) {
+    const int titel = anzahl > 1 ? static_cast<int>(Zahlwert(argumente[1])) : 1000;
+    const int zeilen = anzahl > 2 ? static_cast<int>(Zahlwert(argumente[2])) : 4;
+    std::string muster = (fs::temp_directory_path() / "zek-buch-XXXXXX").string();
+    if (::mkdtemp(muster.data()) == nullptr) return 2;
+    const fs::path wurzel = muster;
+    const std::string ordner = Lueckenpfad(wurzel.string());
+    fs::create_directories(ordner);
+    SchreibeJahr(ordner, titel, zeilen);
+    PosixDateisystem dateien;
+    const Zeit jetzt = Zeitspannen::Aus(Ende);
+    Zwischenlesung ganz, kurz;
+    const double alles = Millisekunden([&] { ganz = LiesZwischenstand(dateien, ordner, jetzt); });
+    double schreiben = 0, lesen = 0;
+    for (int i = 0; i < 5; ++i) {
+        const double s = Millisekunden([&] { SchreibeZwischenstand(dateien, ordner, ganz.Stand); });
+        const double l = Millisekunden([&] { kurz = LiesZwischenstand(dateien, ordner, jetzt); });
+        schreiben = i == 0 ? s : std::min(schreiben, s);
+        lesen = i == 0 ? l : std::min(lesen, l);
+    }
+    std::printf("%d titles, %.1f MB: whole book %.0f ms; start %.1f ms (%lld bytes of the book), checkpoint %.1f ms\n",
+                titel, static_cast<double>(ganz.Bytes) / 1e6, alles, lesen, static_cast<long long>(kurz.Bytes),
+                schreiben);
+    Buchverdichtung verdichtung(dateien);
+    double laengster = Millisekunden([&] { verdichtung.Beginne(ordner, jetzt); });
+    int schritte = 0;
+    for (; verdichtung.Laeuft(); ++schritte)
+        laengster = std::max(laengster, Millisekunden([&] { verdichtung.Schritt(jetzt); }));
+    std::printf("a month put together: %d steps, the longest %.1f ms\n", schritte, laengster);
+    fs::remove_all(wurzel);
+    return lesen + schreiben <= Hoechstens ? 0 : 1;
+}
