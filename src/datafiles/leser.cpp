@@ -1,5 +1,7 @@
 #include "datafiles/leser.h"
 
+#include "platform/datum.h"
+
 #include <algorithm>
 
 namespace zek {
@@ -73,6 +75,19 @@ std::optional<KursDatensatz> Dateileser::Satz(std::int64_t nummer) {
 
 namespace {
 
+constexpr double Stunde = 1.0 / 24;
+
+// At the end of summer time the hour from 2 to 3 o'clock of October's last Sunday comes twice. The times of a title may
+// be corrected by up to a day; then a leap back by most of an hour is known by its length alone.
+bool IstUmstellung(double vorher, double danach) {
+    const int jahr = Zerlege(danach).Jahr;
+    const Datum letzter = DatumAus(jahr, 10, 31);
+    const double ab = letzter - Wochentag(letzter) % 7 + 2 * Stunde, bis = ab + Stunde;
+    if (danach >= ab && vorher <= bis) return true;
+    const double sprung = vorher - danach;
+    return sprung >= Stunde / 2 && sprung <= Stunde && danach >= ab - 1 && danach <= bis + 1;
+}
+
 // Follows the records of a file from the first to the last.
 class Satzpruefung {
 public:
@@ -88,16 +103,25 @@ public:
         befund_.NullsaetzeInnen += befund_.NullsaetzeAmEnde;
         befund_.NullsaetzeAmEnde = 0;
         if (!begonnen_) befund_.Erstes = satz.Datum;
-        if (begonnen_ && satz.Datum < befund_.Letztes) {
-            if (befund_.Rueckspruenge++ == 0) befund_.ErsterRuecksprung = nummer;
-        }
+        if (begonnen_ && satz.Datum < befund_.Letztes) NimmRuecksprung(satz.Datum, nummer);
         begonnen_ = true;
         befund_.Letztes = satz.Datum;
     }
 
 private:
+    // Once a year the clock is set back.
+    void NimmRuecksprung(double danach, std::int64_t nummer) {
+        const int jahr = Zerlege(danach).Jahr;
+        if (jahr != umgestelltIm_ && IstUmstellung(befund_.Letztes, danach)) {
+            umgestelltIm_ = jahr;
+            return;
+        }
+        if (befund_.Rueckspruenge++ == 0) befund_.ErsterRuecksprung = nummer;
+    }
+
     Dateibefund& befund_;
     bool begonnen_ = false;
+    int umgestelltIm_ = 0;
 };
 
 }  // namespace

@@ -65,7 +65,8 @@ struct Dateibefund {
     int RestBytes = 0;        // bytes of a torn record at the end
     std::int64_t NullsaetzeAmEnde = 0;
     std::int64_t NullsaetzeInnen = 0;
-    std::int64_t Rueckspruenge = 0;       // records older than the one before
+    // Records older than the one before; the hour that the end of summer time repeats is none.
+    std::int64_t Rueckspruenge = 0;
     std::int64_t ErsterRuecksprung = -1;  // number of the first such record, from 0
     double Erstes = 0;                    // Datum of the first and last record that isn't a zero record; 0 without any
     double Letztes = 0;

@@ -33,6 +33,7 @@ struct Wunsch {
     std::vector<std::string> Pfade;
     std::string Datei;
     Zeitform Zeit = Zeitform::Deutsch;
+    bool Alles = false;
     Lueckenfrage Luecken;
     std::function<int()> Befehl;
 };
@@ -48,10 +49,13 @@ public:
         app_.footer(
             "Die Dateien werden nur gelesen, auch während sie geschrieben werden.\nMehr zu einem Befehl: zek "
             "BEFEHL --hilfe");
-        Liste("info", "Kopf, Datensätze, Zeitraum und Zustand jeder Datei", werkzeug::Info);
-        Liste("tabelle", "eine Zeile je Datei, mit dem letzten Kurs", werkzeug::Tabelle);
+        Alles(Liste("info", "Kopf, Datensätze, Zeitraum und Zustand jeder Datei; von vielen die Summen",
+                    [this](auto&&... was) { return werkzeug::Info(wunsch_.Pfade, wunsch_.Alles, was...); }));
+        Alles(Liste("tabelle", "eine Zeile je Datei, mit dem letzten Kurs; von vielen die Summen",
+                    [this](auto&&... was) { return werkzeug::Tabelle(wunsch_.Pfade, wunsch_.Alles, was...); }));
         Csv();
-        Liste("pruefe", "alle Dateien *.ZEK unterhalb der Ordner prüfen", werkzeug::Check)
+        Liste("pruefe", "alle Dateien *.ZEK unterhalb der Ordner prüfen",
+              [this](auto&&... was) { return werkzeug::Check(wunsch_.Pfade, was...); })
             ->alias("check")
             ->alias("prüfe")
             ->footer(HinweisePruefe);
@@ -75,7 +79,9 @@ public:
     }
 
 private:
-    using Listenbefehl = int (*)(std::span<const std::string>, Dateisystem&, std::ostream&, std::ostream&);
+    using Listenbefehl = std::function<int(Dateisystem&, std::ostream&, std::ostream&)>;
+
+    void Alles(CLI::App* befehl) { befehl->add_flag("--alles", wunsch_.Alles, "jede Datei, so viele es sind"); }
 
     CLI::App* Befehl(const char* name, const char* hilfe, std::function<int()> was) {
         CLI::App* befehl = app_.add_subcommand(name, hilfe);
@@ -86,7 +92,8 @@ private:
     }
 
     CLI::App* Liste(const char* name, const char* hilfe, Listenbefehl was) {
-        CLI::App* befehl = Befehl(name, hilfe, [this, was] { return was(wunsch_.Pfade, dateien_, ausgabe_, fehler_); });
+        CLI::App* befehl =
+            Befehl(name, hilfe, [this, was = std::move(was)] { return was(dateien_, ausgabe_, fehler_); });
         befehl->add_option("DATEI|ORDNER", wunsch_.Pfade, "Datendateien, oder Ordner mit allen darunter")
             ->required()
             ->type_name("");

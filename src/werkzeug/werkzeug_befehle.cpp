@@ -3,6 +3,7 @@
 #include "datafiles/dateinamen.h"
 #include "platform/datum.h"
 #include "platform/text.h"
+#include "werkzeug/uebersicht.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -16,6 +17,7 @@ namespace {
 
 using Ergebnis = Dateileser::Ergebnis;
 
+constexpr std::size_t EinzelneInfo = 2;
 constexpr int MaxOrdnertiefe = 16;  // a link back up must not lead round and round
 constexpr double MillisekundenProTag = SekundenProTag * 1000;
 constexpr Datum JahrHundert = -657434;  // 0100-01-01
@@ -34,16 +36,23 @@ std::string Fehlertext(int nummer) {
     }
 }
 
-std::string Anzahl(std::int64_t anzahl, const char* eins, const char* viele) {
-    return MitTausenderpunkten(static_cast<double>(anzahl)) + " " + (anzahl == 1 ? eins : viele);
-}
-
 std::string Dateiname(const std::string& pfad) {
     const std::size_t strich = pfad.rfind('/');
     return strich == std::string::npos ? pfad : pfad.substr(strich + 1);
 }
 
 }  // namespace
+
+std::string Anzahl(std::int64_t anzahl, const char* eins, const char* viele) {
+    return MitTausenderpunkten(static_cast<double>(anzahl)) + " " + (anzahl == 1 ? eins : viele);
+}
+
+std::string Zustand(const std::vector<std::string>& maengel) {
+    if (maengel.empty()) return "in Ordnung";
+    std::string text = "beschädigt: ";
+    for (std::size_t i = 0; i < maengel.size(); ++i) text += (i > 0 ? ", " : "") + maengel[i];
+    return text;
+}
 
 std::string Kursarttext(const DatenDateikopf& kopf, const std::string& pfad) {
     if (std::string name = FeldText(kopf.Kursartname); !name.empty()) return name;
@@ -65,13 +74,6 @@ std::string LetztePflege(const DatenDateikopf& kopf) {
 std::string Einzeilig(std::string text) {
     std::erase(text, '\r');
     std::ranges::replace(text, '\n', ' ');
-    return text;
-}
-
-std::string Zustand(const std::vector<std::string>& maengel) {
-    if (maengel.empty()) return "in Ordnung";
-    std::string text = "beschädigt: ";
-    for (std::size_t i = 0; i < maengel.size(); ++i) text += (i > 0 ? ", " : "") + maengel[i];
     return text;
 }
 
@@ -231,9 +233,11 @@ void CsvZeileAnhaengen(const KursDatensatz& satz, Zeitform form, std::string& zi
     ziel += '\n';
 }
 
-int Info(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler) {
+int Info(std::span<const std::string> pfade, bool alles, Dateisystem& dateien, std::ostream& ausgabe,
+         std::ostream& fehler) {
     std::vector<std::string> gefunden;
     int ergebnis = Sammle(pfade, dateien, fehler, gefunden) ? Gut : Fehlgeschlagen;
+    if (!alles && gefunden.size() > EinzelneInfo) return std::max(ergebnis, Infouebersicht(gefunden, dateien, ausgabe));
     bool erste = true;
     for (const std::string& pfad : gefunden) {
         const Dateibefund befund = PruefeDatei(dateien, pfad);

@@ -15,9 +15,12 @@ namespace zek::werkzeug {
 
 enum class Zeitform { Deutsch, Iso };
 
-int Info(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
-// One line for each file: name, kind, records, first and last time stamp, last price, size.
-int Tabelle(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
+// Each file whole; many of them are added up by folder and kind, unless `alles`.
+int Info(std::span<const std::string> pfade, bool alles, Dateisystem& dateien, std::ostream& ausgabe,
+         std::ostream& fehler);
+// One line for each file: name, kind, records, first and last time stamp, last price, size. Many as with Info.
+int Tabelle(std::span<const std::string> pfade, bool alles, Dateisystem& dateien, std::ostream& ausgabe,
+            std::ostream& fehler);
 int Csv(const std::string& pfad, Zeitform form, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
 int Check(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler);
 
@@ -32,6 +35,10 @@ bool Oeffne(Dateileser& leser, const std::string& pfad, std::ostream& fehler);
 // The kind as the header names it; depth files have only their name to tell it.
 std::string Kursarttext(const DatenDateikopf& kopf, const std::string& pfad);
 
+// "beschädigt: ..." or "in Ordnung".
+std::string Zustand(const std::vector<std::string>& maengel);
+// "1.200 Dateien".
+std::string Anzahl(std::int64_t anzahl, const char* eins, const char* viele);
 // What is wrong with a file, as German phrases; empty when it is sound.
 std::vector<std::string> Maengel(const Dateibefund& befund);
 

@@ -84,6 +84,32 @@ TEST_F(WerkzeugTest, InfoOfAFolderTellsDepthFilesByTheirNameAndDamage) {
     EXPECT_EQ(Aus(), "Keine Datendateien gefunden.\n");
 }
 
+TEST_F(WerkzeugTest, AFolderOfManyFilesIsAddedUpByCatalogAndKind) {
+    std::string brief = DaxDatei(3);
+    brief.replace(674, 12, "Brief       ");
+    for (int i = 0; i < 30; ++i) {
+        ram.LegeDateiAn("/d/Futures/F" + std::to_string(i) + ".ZEK", DaxDatei(2));
+        ram.LegeDateiAn("/d/Futures/F" + std::to_string(i) + "-ASK.ZEK", brief);
+    }
+    ram.LegeDateiAn("/d/US/X.ZEK", DaxKopf() + "x");
+    const std::string summen =
+        R"(Ordner   Kursart  Dateien  Datensätze  von                      bis                       Bytes
+Futures  Bezahlt       30          60  09.12.2025 00:00:00,000  09.12.2025 00:00:01,000  26.640
+Futures  Brief         30          90  09.12.2025 00:00:00,000  09.12.2025 00:00:02,000  27.120
+US       Bezahlt        1           0                                                       857
+)";
+    EXPECT_EQ(Zek({"info", "/d"}), 1);
+    EXPECT_EQ(Aus(), summen +
+                         "\n/d/US/X.ZEK: beschädigt: abgerissenes Ende (1 Byte)\n"
+                         "61 Dateien, 1 beanstandet. Jede einzelne: zek info --alles\n");
+    EXPECT_EQ(Zek({"tabelle", "/d"}), 0);
+    EXPECT_EQ(Aus(), summen + "\n61 Dateien. Jede einzelne: zek tabelle --alles\n");
+    EXPECT_EQ(Zek({"tabelle", "--alles", "/d"}), 0);
+    EXPECT_EQ(std::ranges::count(Aus(), '\n'), 62);
+    EXPECT_EQ(Zek({"info", "--alles", "/d"}), 1);
+    EXPECT_TRUE(Enthaelt("/d/Futures/F7.ZEK\n  Name:"));
+}
+
 TEST_F(WerkzeugTest, CsvPrintsRecordsInGermanAndIsoForm) {
     ram.LegeDateiAn("/d/x.ZEK", DaxKopf() + Satzbytes(DatumAus(2026, 11, 15, 18, 21, 53.25), 5012.25F, 3) + Nullen(16) +
                                     Satzbytes(DatumAus(2026, 11, 15, 18, 21, 53.9996), 0.1F, -2));
@@ -111,6 +137,25 @@ TEST_F(WerkzeugTest, CsvStreamsFilesOfManyBlocks) {
     EXPECT_EQ(Zek({"csv", "/d/x.ZEK"}), 0);
     const std::string text = Aus();
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 9001);
+}
+
+TEST_F(WerkzeugTest, TheHourThatAutumnRepeatsIsNoDamage) {
+    const auto Am = [](int tag, int stunde, int minute, double sekunde = 0) {
+        return DatumAus(2026, 10, tag, stunde, minute, sekunde);
+    };
+    const auto Datei = [&](std::vector<Datum> zeiten) {
+        std::string bytes = DaxKopf();
+        for (const Datum zeit : zeiten) bytes += Satzbytes(zeit, 1, 1);
+        ram.LegeDateiAn("/d/x.ZEK", bytes);
+        return Zek({"check", "/d"});
+    };
+    EXPECT_EQ(Datei({Am(25, 2, 0), Am(25, 2, 59, 59.9), Am(25, 2, 0, 0.1), Am(25, 2, 59, 58)}), 0) << Aus();
+    EXPECT_EQ(Datei({Am(25, 2, 20), Am(25, 2, 10)}), 0) << "a quiet title";
+    EXPECT_EQ(Datei({Am(25, 8, 59, 59), Am(25, 8, 0, 1)}), 0) << "one whose times are corrected";
+    EXPECT_EQ(Datei({Am(25, 2, 50), Am(25, 2, 1), Am(25, 2, 50), Am(25, 2, 1)}), 1) << "but once";
+    EXPECT_EQ(Datei({Am(25, 2, 10), Am(25, 1, 59)}), 1);
+    EXPECT_EQ(Datei({Am(25, 8, 20), Am(25, 8, 10)}), 1);
+    EXPECT_EQ(Datei({Am(18, 2, 59, 59), Am(18, 2, 0, 1)}), 1) << "another Sunday";
 }
 
 TEST_F(WerkzeugTest, CheckCountsFilesAndNamesTheDamage) {
