@@ -16,15 +16,17 @@ constexpr int MindestTimeout = 10;            // seconds
 constexpr int MindestSekundenOhneKurse = 10;  // seconds
 
 constexpr Einstellungszeile Option(std::string_view schluessel, Einstellungsform form, std::string_view vorgabe,
-                                   Einstellungszeile::Feld ziel, std::string_view bedeutung,
-                                   int mindestens = Einstellungszeile::Unbegrenzt,
+                                   Einstellungszeile::Feld ziel, std::string_view steuerelement,
+                                   std::string_view bedeutung, int mindestens = Einstellungszeile::Unbegrenzt,
                                    Einstellungsschreiber schreiber = Einstellungsschreiber::Alle) {
-    return {abschnitt::Optionen, schluessel, form, vorgabe, ziel, bedeutung, mindestens, schreiber};
+    return {abschnitt::Optionen, schluessel, form, vorgabe, ziel, steuerelement, bedeutung, mindestens, schreiber};
 }
 
-constexpr Einstellungszeile Schalter(std::string_view schluessel, bool E::*ziel, std::string_view bedeutung,
+constexpr Einstellungszeile Schalter(std::string_view schluessel, bool E::*ziel, std::string_view steuerelement,
+                                     std::string_view bedeutung,
                                      Einstellungsschreiber schreiber = Einstellungsschreiber::Alle) {
-    return Option(schluessel, Wahrheitswert, "0", ziel, bedeutung, Einstellungszeile::Unbegrenzt, schreiber);
+    return Option(schluessel, Wahrheitswert, "0", ziel, steuerelement, bedeutung, Einstellungszeile::Unbegrenzt,
+                  schreiber);
 }
 
 constexpr Einstellungszeile Verbindung(std::string_view schluessel, Einstellungsform form, std::string_view vorgabe,
@@ -34,43 +36,54 @@ constexpr Einstellungszeile Verbindung(std::string_view schluessel, Einstellungs
             form,
             vorgabe,
             ziel,
+            "",
             bedeutung,
             Einstellungszeile::Unbegrenzt,
             Einstellungsschreiber::AlleUndVerbindung};
 }
 
 constexpr std::array Tabelle = {
-    Option("LokalSettings", Wahrheitswert, "0", {}, "Einstellungen in der lokalen Datei; steht immer in dieser",
+    Option("LokalSettings", Wahrheitswert, "0", {}, "", "Einstellungen in der lokalen Datei; steht immer in dieser",
            Einstellungszeile::Unbegrenzt, Einstellungsschreiber::BeiAenderung),
-    Schalter("UseGesamtvolumen", &E::UseGesamtvolumen, "Umsatz von Bezahlt-Kursen aus dem Gesamtvolumen"),
-    Einstellungszeile{abschnitt::UmsatzFilter, "IBBezahlt", Wahrheitswert, "0", &E::IBBezahlt,
+    Schalter("UseGesamtvolumen", &E::UseGesamtvolumen, "optUseGesamtvolumen",
+             "Umsatz von Bezahlt-Kursen aus dem Gesamtvolumen"),
+    Einstellungszeile{abschnitt::UmsatzFilter, "IBBezahlt", Wahrheitswert, "0", &E::IBBezahlt, "optUmsatzfilter(0)",
                       "Bezahlt-Kurse ohne Umsatz nicht aufzeichnen"},
-    Einstellungszeile{abschnitt::UmsatzFilter, "IBAndere", Wahrheitswert, "0", &E::IBAndere,
+    Einstellungszeile{abschnitt::UmsatzFilter, "IBAndere", Wahrheitswert, "0", &E::IBAndere, "optUmsatzfilter(1)",
                       "andere Kursarten ohne Umsatz nicht aufzeichnen"},
-    Schalter("AutoDatenpflege", &E::AutoDatenpflege, "Datenpflege automatisch starten"),
-    Schalter("KontenDatenAufzeichnen", &E::KontenDatenAufzeichnen, "Konto-Daten aufzeichnen"),
-    Schalter("PortfolioAufzeichnen", &E::PortfolioAufzeichnen, "auch Portfolio-Positionen aufzeichnen"),
-    Schalter("KontenDatenUseNoKontoName", &E::KontenDatenUseNoKontoName, "Titelnamen ohne Kontoangabe"),
-    Option("KontenDatenKontoName", Text, "", &E::KontenDatenKontoName, "Konten, durch Kommas getrennt"),
-    Option("KontenDatenSpeicherOrdner", Ordner, "", &E::KontenDatenSpeicherOrdner, "Ordner der Konto-Daten"),
-    Option("BFTimeOut", Ganzzahl, "60", &E::BFTimeOut, "Backfill-Timeout in Sekunden", MindestTimeout),
-    Schalter("BidAskWartetLast", &E::BidAskWartetLast, "Bid/Ask wartet auf ersten Last-Kurs"),
-    Schalter("NeuStartbeiUhrzeit", &E::NeuStartbeiUhrzeit, "täglicher Neustart"),
-    Option("NeustartUhrzeit", Tageszeit, "06:30:00", &E::NeustartUhrzeit, "Uhrzeit des täglichen Neustarts"),
-    Option("NeustartFehlernummern", Liste, "", &E::NeustartFehlernummern,
+    Schalter("AutoDatenpflege", &E::AutoDatenpflege, "optDatenpflege", "Datenpflege automatisch starten"),
+    Schalter("KontenDatenAufzeichnen", &E::KontenDatenAufzeichnen, "optKontodatenAufzeichnen",
+             "Konto-Daten aufzeichnen"),
+    Schalter("PortfolioAufzeichnen", &E::PortfolioAufzeichnen, "optPortfoliopositionen",
+             "auch Portfolio-Positionen aufzeichnen"),
+    Schalter("KontenDatenUseNoKontoName", &E::KontenDatenUseNoKontoName, "optKeinKontonameVerwenden",
+             "Titelnamen ohne Kontoangabe"),
+    Option("KontenDatenKontoName", Text, "", &E::KontenDatenKontoName, "txtKontoname", "Konten, durch Kommas getrennt"),
+    Option("KontenDatenSpeicherOrdner", Ordner, "", &E::KontenDatenSpeicherOrdner, "txtKontoSpeicherOrdner",
+           "Ordner der Konto-Daten"),
+    Option("BFTimeOut", Ganzzahl, "60", &E::BFTimeOut, "txtBFTimeout", "Backfill-Timeout in Sekunden", MindestTimeout),
+    Schalter("BidAskWartetLast", &E::BidAskWartetLast, "optBidAskNachLast", "Bid/Ask wartet auf ersten Last-Kurs"),
+    Schalter("NeuStartbeiUhrzeit", &E::NeuStartbeiUhrzeit, "optNeustartBeiUhrzeit", "täglicher Neustart"),
+    Option("NeustartUhrzeit", Tageszeit, "06:30:00", &E::NeustartUhrzeit, "NeustartUhrzeit",
+           "Uhrzeit des täglichen Neustarts"),
+    Option("NeustartFehlernummern", Liste, "", &E::NeustartFehlernummern, "txtNeustartFehlernummern",
            "Fehlernummern, die neu starten, durch Kommas getrennt"),
-    Schalter("NeuStartBeiFehlendenKursen", &E::NeuStartBeiFehlendenKursen, "Neustart, wenn keine Kurse eintreffen"),
+    Schalter("NeuStartBeiFehlendenKursen", &E::NeuStartBeiFehlendenKursen, "optNeustartWennKeineKurse",
+             "Neustart, wenn keine Kurse eintreffen"),
     Option("NeuStartBeiFehlendenKursenSekunden", Ganzzahl, "90", &E::NeuStartBeiFehlendenKursenSekunden,
-           "Sekunden ohne Kurse bis zum Neustart", MindestSekundenOhneKurse),
-    Schalter("KursAufzeichnungDeaktivieren", &E::KursAufzeichnungDeaktivieren, "tägliche Aufzeichnungspause"),
-    Option("KeineAufzeichungStart", Tageszeit, "05:00:00", &E::KeineAufzeichungStart, "Beginn der Pause"),
-    Option("KeineAufzeichungEnde", Tageszeit, "06:00:00", &E::KeineAufzeichungEnde, "Ende der Pause"),
-    Option("AufzeichnungsPauseBoersen", Liste, "", &E::AufzeichnungsPauseBoersen,
+           "txtNeustartWennkeineKurseSekunden", "Sekunden ohne Kurse bis zum Neustart", MindestSekundenOhneKurse),
+    Schalter("KursAufzeichnungDeaktivieren", &E::KursAufzeichnungDeaktivieren, "optKursaufzeichnungDeaktivieren",
+             "tägliche Aufzeichnungspause"),
+    Option("KeineAufzeichungStart", Tageszeit, "05:00:00", &E::KeineAufzeichungStart, "KursAufzeichnungDeaktivStart",
+           "Beginn der Pause"),
+    Option("KeineAufzeichungEnde", Tageszeit, "06:00:00", &E::KeineAufzeichungEnde, "KursAufzeichnungDeaktivEnde",
+           "Ende der Pause"),
+    Option("AufzeichnungsPauseBoersen", Liste, "", &E::AufzeichnungsPauseBoersen, "txtAufzeichnungsPauseBoersen",
            "Börsenplätze, für die die Pause gilt, durch Kommas getrennt; leer: alle"),
-    Schalter("AutoUhrzeitStellen", &E::AutoUhrzeitStellen, "Systemuhr mit Atomuhr abgleichen"),
-    Schalter("KomprimierteAnsicht", &E::KomprimierteAnsicht, "platzsparende Oberfläche",
+    Schalter("AutoUhrzeitStellen", &E::AutoUhrzeitStellen, "optSystemzeitStellen", "Systemuhr mit Atomuhr abgleichen"),
+    Schalter("KomprimierteAnsicht", &E::KomprimierteAnsicht, "", "platzsparende Oberfläche",
              Einstellungsschreiber::BeiAenderung),
-    Option("LetzterNeustartFehler", Zeitpunkt, "0", {}, "letzter Neustart wegen einer Fehlernummer",
+    Option("LetzterNeustartFehler", Zeitpunkt, "0", {}, "", "letzter Neustart wegen einer Fehlernummer",
            Einstellungszeile::Unbegrenzt, Einstellungsschreiber::BeiAenderung),
     Verbindung("IBIPAdr", Text, "", &E::IBIPAdr, "Adresse der TWS; leer: dieser Rechner"),
     Verbindung("IBPort", Ganzzahl, "", &E::IBPort, "Port der TWS, 1 bis 65535"),
@@ -90,11 +103,6 @@ Datum NurTageszeit(Datum wert) {
 int InGrenzen(int wert, const Einstellungszeile& zeile) {
     return std::max(wert, zeile.Mindestens);
 }
-
-template <typename... Faelle>
-struct JeNachFeld : Faelle... {
-    using Faelle::operator()...;
-};
 
 }  // namespace
 

@@ -1,5 +1,6 @@
-// The main settings as one table: where each is stored, what it means, its form, its default, its bounds, who writes
-// it. Reading, saving, bounding and the manual walk it; a new setting is a new row and a new field.
+// The main settings as one table: where each is stored, what it means, its form, its default, its bounds, its control,
+// who writes it. Reading, saving, bounding, the settings dialog and the manual walk it; a new setting is a new row, a
+// new field and, where a person sets it, a new control.
 #pragma once
 
 #include "modul/einstellungen.h"
@@ -43,9 +44,16 @@ struct Einstellungszeile {
     Einstellungsform Form;
     std::string_view Vorgabe;
     Feld Ziel;
-    std::string_view Bedeutung;  // German, for the manual
+    std::string_view Steuerelement;  // its control in the settings dialog; "": it has none there
+    std::string_view Bedeutung;      // German, for the manual
     int Mindestens = Unbegrenzt;
     Einstellungsschreiber Schreiber = Einstellungsschreiber::Alle;
+};
+
+// One function for each kind of field, for std::visit.
+template <typename... Faelle>
+struct JeNachFeld : Faelle... {
+    using Faelle::operator()...;
 };
 
 // In the order in which they are read at the start.

@@ -3,6 +3,7 @@
 #include "fensterwerk/felder.h"
 #include "fensterwerk/hilfe.h"
 #include "fensterwerk/ordnerfeld.h"
+#include "modul/einstellungstabelle.h"
 #include "platform/text.h"
 
 #include <QCheckBox>
@@ -39,14 +40,10 @@ std::string Getrimmter(const QLineEdit* feld) {
     return feld->text().trimmed().toStdString();
 }
 
-// What the check has accepted, "1.000" also: whole seconds.
-int Timeout(const QLineEdit* feld) {
-    const double sekunden = ZahlAusDeutsch(Getrimmter(feld)).value_or(KleinstesTimeout);
-    return static_cast<int>(std::clamp(sekunden, 1.0 * KleinstesTimeout, 1.0 * GroesstesTimeout));
-}
-
-int Sekunden(const QLineEdit* feld) {
-    return static_cast<int>(std::clamp(Zahlwert(Getrimmter(feld)), 0.0, 1e9));
+// Whole numbers, "1.000" also.
+int AlsZahl(const QLineEdit* feld) {
+    const std::string text = Getrimmter(feld);
+    return static_cast<int>(std::clamp(ZahlAusDeutsch(text).value_or(Zahlwert(text)), 0.0, 1e9));
 }
 
 }  // namespace
@@ -78,23 +75,23 @@ frmZEKEinstellungen::frmZEKEinstellungen(QWidget* eltern, Umfeld umfeld, Hilfeoe
 }
 
 QGroupBox* frmZEKEinstellungen::GruppeGesamtvolumen() {
-    optUseGesamtvolumen_ =
+    auto* gesamtvolumen =
         Schalter("optUseGesamtvolumen", "Gesamtvolumen verwenden",
                  "Wenn aktiviert, wird zur Aufzeichnung des Last-Volumens das Gesamtvolumen verwendet");
     auto* gruppe = new QGroupBox("Umsatz von Bezahlt-Kursen");
-    (new QVBoxLayout(gruppe))->addWidget(optUseGesamtvolumen_);
+    (new QVBoxLayout(gruppe))->addWidget(gesamtvolumen);
     return gruppe;
 }
 
 QGroupBox* frmZEKEinstellungen::GruppeOhneUmsatz() {
-    optUmsatzfilter_[0] = Schalter("optUmsatzfilter(0)", " &Bezahlt-Kurse nicht aufzeichnen",
-                                   "Wenn aktiviert, werden Bezahlt-Kurse ohne Umsatz nicht aufgezeichnet");
-    optUmsatzfilter_[1] = Schalter("optUmsatzfilter(1)", " &Andere Kursarten nicht aufzeichnen",
-                                   "Wenn aktiviert, werden Geld/Brief/OpenInt-Kurse ohne Umsatz nicht aufgezeichnet");
+    auto* bezahlt = Schalter("optUmsatzfilter(0)", " &Bezahlt-Kurse nicht aufzeichnen",
+                             "Wenn aktiviert, werden Bezahlt-Kurse ohne Umsatz nicht aufgezeichnet");
+    auto* andere = Schalter("optUmsatzfilter(1)", " &Andere Kursarten nicht aufzeichnen",
+                            "Wenn aktiviert, werden Geld/Brief/OpenInt-Kurse ohne Umsatz nicht aufgezeichnet");
     auto* gruppe = new QGroupBox("Bei Kursen ohne Umsatz");
     auto* aufbau = new QVBoxLayout(gruppe);
-    aufbau->addWidget(optUmsatzfilter_[0]);
-    aufbau->addWidget(optUmsatzfilter_[1]);
+    aufbau->addWidget(bezahlt);
+    aufbau->addWidget(andere);
     return gruppe;
 }
 
@@ -148,9 +145,9 @@ QGroupBox* frmZEKEinstellungen::GruppeNeustart() {
 }
 
 QGroupBox* frmZEKEinstellungen::GruppeOptionen() {
-    optSystemzeitStellen_ = Schalter("optSystemzeitStellen", " &Systemuhr mit Atomuhr abgleichen",
-                                     "Wenn aktiviert, wird die Systemzeit des Computers von ZEK nach der Uhrzeit der "
-                                     "Atomuhr der Physikalisch-Technischen Bundesanstalt gestellt");
+    auto* systemzeit = Schalter("optSystemzeitStellen", " &Systemuhr mit Atomuhr abgleichen",
+                                "Wenn aktiviert, wird die Systemzeit des Computers von ZEK nach der Uhrzeit der "
+                                "Atomuhr der Physikalisch-Technischen Bundesanstalt gestellt");
     optKontodatenAufzeichnen_ =
         Schalter("optKontodatenAufzeichnen", " &Konto-Daten aufzeichnen",
                  "Wenn aktiviert, werden Konto-Daten wie P/L usw. als ZEK-Dateien aufgezeichnet");
@@ -168,17 +165,17 @@ QGroupBox* frmZEKEinstellungen::GruppeOptionen() {
                                   "Kontodaten gespeichert werden sollen",
                                   "Spezieller Speicherordner", umfeld_.dateiwahl);
     txtKontoSpeicherOrdner_ = Kontoordner_->Feld();
-    optBidAskNachLast_ = Schalter("optBidAskNachLast", " &Bid/Ask wartet auf ersten Last-Kurs",
-                                  "Wenn aktiviert, beginnt die B/A-Aufzeichnung erst nach dem ersten Last-Kurs des "
-                                  "Tages (filtert Fehlticks)");
+    auto* bidAsk = Schalter("optBidAskNachLast", " &Bid/Ask wartet auf ersten Last-Kurs",
+                            "Wenn aktiviert, beginnt die B/A-Aufzeichnung erst nach dem ersten Last-Kurs des "
+                            "Tages (filtert Fehlticks)");
     txtBFTimeout_ =
         Zahlenfeld("txtBFTimeout",
                    "Gibt an, nach wieviel Sekunden der Backfill eines Titels abbricht, wenn keine neue Daten "
                    "mehr eintreffen");
     MarkiereBeiEintritt(txtBFTimeout_);
-    optDatenpflege_ = Schalter("optDatenpflege", " Datenpflege automatisch &starten",
-                               "Startet beim Programmstart und nach Unterbrechungen der Verbindung automatisch die "
-                               "Datenpflege für alle aktivierten Titel");
+    auto* datenpflege = Schalter("optDatenpflege", " Datenpflege automatisch &starten",
+                                 "Startet beim Programmstart und nach Unterbrechungen der Verbindung automatisch die "
+                                 "Datenpflege für alle aktivierten Titel");
     auto* konten = new QFormLayout;
     konten->setContentsMargins(Einzug, 0, 0, 0);
     konten->setRowWrapPolicy(QFormLayout::WrapAllRows);
@@ -188,67 +185,49 @@ QGroupBox* frmZEKEinstellungen::GruppeOptionen() {
     konten->addRow(Beschriftung("&Spezieller Speicherordner", txtKontoSpeicherOrdner_), Kontoordner_);
     auto* gruppe = new QGroupBox("Optionen");
     auto* aufbau = new QVBoxLayout(gruppe);
-    aufbau->addWidget(optSystemzeitStellen_);
+    aufbau->addWidget(systemzeit);
     aufbau->addWidget(optKontodatenAufzeichnen_);
     aufbau->addLayout(konten);
-    aufbau->addWidget(optBidAskNachLast_);
-    aufbau->addWidget(optDatenpflege_);
+    aufbau->addWidget(bidAsk);
+    aufbau->addWidget(datenpflege);
     aufbau->addLayout(Reihe({Beschriftung("Backfill-Time&out", txtBFTimeout_), txtBFTimeout_, new QLabel("Sekunden")}));
     return gruppe;
 }
 
+// Calls `mit` with the control of every setting that has one, and with the setting's field.
+template <typename Mit>
+void frmZEKEinstellungen::JedesSteuerelement(Mit mit) const {
+    for (const Einstellungszeile& zeile : Einstellungstabelle()) {
+        if (zeile.Steuerelement.empty()) continue;
+        auto* feld = findChild<QWidget*>(Q(zeile.Steuerelement));
+        std::visit([&](auto ziel) { mit(feld, ziel); }, zeile.Ziel);
+    }
+}
+
 void frmZEKEinstellungen::Fuelle(const Einstellungen& e) {
-    optUseGesamtvolumen_->setChecked(e.UseGesamtvolumen);
-    optUmsatzfilter_[0]->setChecked(e.IBBezahlt);
-    optUmsatzfilter_[1]->setChecked(e.IBAndere);
-    optKursaufzeichnungDeaktivieren_->setChecked(e.KursAufzeichnungDeaktivieren);
-    KursAufzeichnungDeaktivStart_->setTime(AlsZeit(e.KeineAufzeichungStart));
-    KursAufzeichnungDeaktivEnde_->setTime(AlsZeit(e.KeineAufzeichungEnde));
-    txtAufzeichnungsPauseBoersen_->setText(Q(e.AufzeichnungsPauseBoersen));
-    optNeustartWennKeineKurse_->setChecked(e.NeuStartBeiFehlendenKursen);
-    txtNeustartWennkeineKurseSekunden_->setText(QString::number(e.NeuStartBeiFehlendenKursenSekunden));
-    txtNeustartFehlernummern_->setText(Q(e.NeustartFehlernummern));
-    optNeustartBeiUhrzeit_->setChecked(e.NeuStartbeiUhrzeit);
-    NeustartUhrzeit_->setTime(AlsZeit(e.NeustartUhrzeit));
-    optSystemzeitStellen_->setChecked(e.AutoUhrzeitStellen);
-    optKontodatenAufzeichnen_->setChecked(e.KontenDatenAufzeichnen);
-    optPortfoliopositionen_->setChecked(e.PortfolioAufzeichnen);
-    txtKontoname_->setText(Q(e.KontenDatenKontoName));
-    optKeinKontonameVerwenden_->setChecked(e.KontenDatenUseNoKontoName);
-    txtKontoSpeicherOrdner_->setText(Q(e.KontenDatenSpeicherOrdner));
-    optBidAskNachLast_->setChecked(e.BidAskWartetLast);
-    txtBFTimeout_->setText(QString::number(e.BFTimeOut));
-    optDatenpflege_->setChecked(e.AutoDatenpflege);
+    JedesSteuerelement(JeNachFeld{
+        [](QWidget*, std::monostate) {},
+        [&](QWidget* feld, bool Einstellungen::*ziel) { static_cast<QCheckBox*>(feld)->setChecked(e.*ziel); },
+        [&](QWidget* feld, int Einstellungen::*ziel) {
+            static_cast<QLineEdit*>(feld)->setText(QString::number(e.*ziel));
+        },
+        [&](QWidget* feld, Datum Einstellungen::*ziel) { static_cast<QTimeEdit*>(feld)->setTime(AlsZeit(e.*ziel)); },
+        [&](QWidget* feld, std::string Einstellungen::*ziel) { static_cast<QLineEdit*>(feld)->setText(Q(e.*ziel)); },
+    });
 }
 
 Einstellungen frmZEKEinstellungen::Ergebnis() const {
     Einstellungen e = vorher_;
-    e.UseGesamtvolumen = optUseGesamtvolumen_->isChecked();
-    e.IBBezahlt = optUmsatzfilter_[0]->isChecked();
-    e.IBAndere = optUmsatzfilter_[1]->isChecked();
-    e.KursAufzeichnungDeaktivieren = optKursaufzeichnungDeaktivieren_->isChecked();
-    e.KeineAufzeichungStart = AlsDatum(KursAufzeichnungDeaktivStart_);
-    e.KeineAufzeichungEnde = AlsDatum(KursAufzeichnungDeaktivEnde_);
-    e.AufzeichnungsPauseBoersen = Getrimmter(txtAufzeichnungsPauseBoersen_);
-    e.NeuStartBeiFehlendenKursen = optNeustartWennKeineKurse_->isChecked();
-    if (e.NeuStartBeiFehlendenKursen)
-        e.NeuStartBeiFehlendenKursenSekunden = Sekunden(txtNeustartWennkeineKurseSekunden_);
-    e.NeustartFehlernummern = Getrimmter(txtNeustartFehlernummern_);
-    e.NeustartFehlerliste =
-        e.NeustartFehlernummern.empty() ? std::vector<std::string>{} : Teile(e.NeustartFehlernummern, ',');
-    e.NeuStartbeiUhrzeit = optNeustartBeiUhrzeit_->isChecked();
-    e.NeustartUhrzeit = AlsDatum(NeustartUhrzeit_);
-    e.AutoUhrzeitStellen = optSystemzeitStellen_->isChecked();
-    e.KontenDatenAufzeichnen = optKontodatenAufzeichnen_->isChecked();
-    e.PortfolioAufzeichnen = optPortfoliopositionen_->isChecked();
-    e.KontenDatenKontoName = Getrimmter(txtKontoname_);
-    e.KontenDatenUseNoKontoName = optKeinKontonameVerwenden_->isChecked();
-    e.KontenDatenSpeicherOrdner = Getrimmter(txtKontoSpeicherOrdner_);
-    if (!e.KontenDatenSpeicherOrdner.empty() && !e.KontenDatenSpeicherOrdner.ends_with('/'))
-        e.KontenDatenSpeicherOrdner += '/';
-    e.BidAskWartetLast = optBidAskNachLast_->isChecked();
-    e.BFTimeOut = Timeout(txtBFTimeout_);
-    e.AutoDatenpflege = optDatenpflege_->isChecked();
+    JedesSteuerelement(JeNachFeld{
+        [](QWidget*, std::monostate) {},
+        [&](QWidget* feld, bool Einstellungen::*ziel) { e.*ziel = static_cast<QCheckBox*>(feld)->isChecked(); },
+        [&](QWidget* feld, int Einstellungen::*ziel) { e.*ziel = AlsZahl(static_cast<QLineEdit*>(feld)); },
+        [&](QWidget* feld, Datum Einstellungen::*ziel) { e.*ziel = AlsDatum(static_cast<QTimeEdit*>(feld)); },
+        [&](QWidget* feld, std::string Einstellungen::*ziel) { e.*ziel = Getrimmter(static_cast<QLineEdit*>(feld)); },
+    });
+    if (!e.NeuStartBeiFehlendenKursen)
+        e.NeuStartBeiFehlendenKursenSekunden = vorher_.NeuStartBeiFehlendenKursenSekunden;
+    Begrenze(e);
     return e;
 }
 
@@ -287,7 +266,7 @@ bool frmZEKEinstellungen::PruefeNeustart() {
             "können.",
             txtNeustartFehlernummern_);
     if (!optNeustartWennKeineKurse_->isChecked()) return true;
-    const int sekunden = Sekunden(txtNeustartWennkeineKurseSekunden_);
+    const int sekunden = AlsZahl(txtNeustartWennkeineKurseSekunden_);
     if (sekunden < KleinsteStille)
         return Ablehnen(
             "Geben Sie für den Neustart bei fehlenden Kursen bitte mindestens 15 Sekunden an (empfohlen "

@@ -40,6 +40,8 @@ private:
     QGroupBox* GruppeEinschraenken();
     QGroupBox* GruppeNeustart();
     QGroupBox* GruppeOptionen();
+    template <typename Mit>
+    void JedesSteuerelement(Mit mit) const;
     void Fuelle(const Einstellungen& einstellungen);
     void SchalteAbhaengige();
     bool PruefeNeustart();
@@ -49,8 +51,6 @@ private:
 
     Umfeld umfeld_;
     Einstellungen vorher_;
-    QCheckBox* optUseGesamtvolumen_;
-    QCheckBox* optUmsatzfilter_[2];
     QCheckBox* optKursaufzeichnungDeaktivieren_;
     QTimeEdit* KursAufzeichnungDeaktivStart_;
     QTimeEdit* KursAufzeichnungDeaktivEnde_;
@@ -60,16 +60,13 @@ private:
     QLineEdit* txtNeustartFehlernummern_;
     QCheckBox* optNeustartBeiUhrzeit_;
     QTimeEdit* NeustartUhrzeit_;
-    QCheckBox* optSystemzeitStellen_;
     QCheckBox* optKontodatenAufzeichnen_;
     QCheckBox* optPortfoliopositionen_;
     QLineEdit* txtKontoname_;
     QCheckBox* optKeinKontonameVerwenden_;
     Ordnerfeld* Kontoordner_;
     QLineEdit* txtKontoSpeicherOrdner_;
-    QCheckBox* optBidAskNachLast_;
     QLineEdit* txtBFTimeout_;
-    QCheckBox* optDatenpflege_;
 };
 
 }  // namespace zek
