@@ -30,6 +30,8 @@ TEST(BeispieltitelTest, TheFuturesGetTheQuarterThirtyDaysAhead) {
     EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 12, 1, 23, 59, 59)), "202612") << "31 December is still the quarter";
     EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 12, 2)), "202703");
     EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 3, 1)), "202603");
+    EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 8, 1)), "202609");
+    EXPECT_EQ(Quartalslaufzeit(DatumAus(812, 1, 1)), "081203") << "the year has four digits";
     EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 3, 2)), "202606");
 }
 
@@ -66,6 +68,10 @@ TEST(BeispieltitelTest, OnlyTheChosenAreasAreAdded) {
     EXPECT_THAT(symbole, ElementsAre("DAX", "Tick-Nyse"));
     EXPECT_TRUE((Beispielbereiche{false, false, false, false}.Keiner()));
     EXPECT_FALSE(Beispielbereiche{}.Keiner());
+    EXPECT_FALSE((Beispielbereiche{true, false, false, false}.Keiner()));
+    EXPECT_FALSE((Beispielbereiche{false, true, false, false}.Keiner()));
+    EXPECT_FALSE((Beispielbereiche{false, false, true, false}.Keiner()));
+    EXPECT_FALSE((Beispielbereiche{false, false, false, true}.Keiner()));
     EXPECT_EQ(BeispieltitelListe({}, Heute).size(), 35u);
 }
 

@@ -40,7 +40,9 @@ struct EinstellungenTest : testing::Test {
         return modul.Einstellungen;
     }
     bool Umschalten() {
-        return speicher.LokalSpeichernUmschalten(meldungen, [this](bool an) { marken.push_back(an); });
+        const bool lokal = speicher.LokalSpeichernUmschalten(meldungen, [this](bool an) { marken.push_back(an); });
+        for (const auto& meldung : meldungen.Gezeigt) EXPECT_EQ(meldung.Sekunden, 0) << "each waits for its answer";
+        return lokal;
     }
 };
 

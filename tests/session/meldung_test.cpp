@@ -205,6 +205,8 @@ TEST(DienstgesichtTest, TheOfflineWarningIsRememberedLikeOnAScreen) {
     EXPECT_TRUE(gesicht.OfflinewarnungSichtbar());
     gesicht.VerbergeOfflinewarnung();
     EXPECT_FALSE(gesicht.OfflinewarnungSichtbar());
+    gesicht.ZeigeOfflinewarnung();
+    EXPECT_TRUE(gesicht.OfflinewarnungSichtbar());
 }
 
 }  // namespace

@@ -71,6 +71,14 @@ TEST_F(SitzungTest, TheShutdownGoesThroughItsStepsInOrder) {
     EXPECT_EQ(enden, 1);
 }
 
+TEST_F(SitzungTest, EventsRunOnceMoreAtTheEnd) {
+    ASSERT_TRUE(Starte());
+    bool lief = false;
+    welt.Plane(0, [&] { lief = true; });
+    sitzung->Beende();
+    EXPECT_TRUE(lief);
+}
+
 TEST_F(SitzungTest, TheEndWritesTheSettingsOnceAndWaitsForAnotherWriter) {
     ASSERT_TRUE(Starte());
     welt.Laufe(15);
@@ -266,6 +274,23 @@ TEST_F(SitzungTest, TheBrokersClockIsComparedWithThatOfTheComputer) {
     EXPECT_THAT(Log(), HasSubstr("System-Uhrzeit überprüfen - Abweichung>12h zu TWS-Zeit"));
 }
 
+TEST_F(SitzungTest, TheBrokersClockIsAskedForOnceAMinute) {
+    ASSERT_TRUE(Starte());
+    const std::size_t vorher = Zeilen("reqCurrentTime");
+    welt.Laufe(130);
+    EXPECT_EQ(Zeilen("reqCurrentTime"), vorher + 3);
+}
+
+TEST_F(SitzungTest, TheEvidenceOfGapsBeginsWhereTheLastSessionEnded) {
+    MitTiteln(2);
+    Setze("Datenpflege", "IBLastEnd", ZahltextPunkt(Mittag - 3 * 3600 * EineSekunde));
+    ASSERT_TRUE(Starte());
+    std::string luecken;
+    for (const std::string& pfad : dateien.Dateien())
+        if (pfad.ends_with("/2026-11-16.txt")) luecken = dateien.Inhalt(pfad);
+    EXPECT_THAT(luecken, HasSubstr("16.11.2026 09:00:00,000\t"));
+}
+
 TEST_F(SitzungTest, LastEndIsWrittenOnceAMinute) {
     ASSERT_TRUE(Starte());
     DatenKamen();
@@ -359,6 +384,7 @@ TEST_F(SitzungTest, TheClosingQuestionIsAskedUnlessKForbidsIt) {
     EXPECT_TRUE(DarfSchliessen(sitzung->Modul(), gesicht, "Tessaron ZEK für Interactive Brokers"));
     EXPECT_EQ(gesicht.Fragen.Gezeigt[0].Text, "Möchten Sie Tessaron ZEK für Interactive Brokers beenden?");
     EXPECT_EQ(gesicht.Fragen.Gezeigt[0].Flags, meldung::JaNein);
+    EXPECT_EQ(gesicht.Fragen.Gezeigt[0].Sekunden, 0) << "it waits for its answer";
     sitzung->Modul().KeineBeendenFrage = true;
     EXPECT_TRUE(DarfSchliessen(sitzung->Modul(), gesicht, "X"));
     EXPECT_EQ(gesicht.Fragen.Gezeigt.size(), 2u);
@@ -482,6 +508,19 @@ TEST_F(DienstTest, AnEndInsideTheBackfillOfTheCommandLineEndsTheProgram) {
     EXPECT_LT(welt.Sekunden(), 40);
     EXPECT_EQ(dienst->Rueckgabe(), 0);
     EXPECT_THAT(Log(), HasSubstr("Datenpflege - Titel: T1\r\n"));
+    EXPECT_THAT(Log(), Not(HasSubstr("Datenpflege nicht möglich")));
+}
+
+TEST_F(DienstTest, ABackfillThatCannotRunBesideAnotherIsNamed) {
+    MitTiteln(2);
+    tws.BeiErzeugen = [this](hilfen::TestTws& control) {
+        control.BeiConnect = [this](hilfen::TestTws& c) {
+            c.Ereignisse().nextValidId(1);
+            dienst->Sitzung().Modul().DatenpflegeLaeuft = true;
+        };
+    };
+    EXPECT_TRUE(Starte({"--datenpflege", "15.11.2026", "Bezahlt"}));
+    EXPECT_THAT(Log(), HasSubstr("Datenpflege nicht möglich (läuft bereits)"));
 }
 
 TEST_F(DienstTest, ARefusedStartSaysWhy) {
@@ -508,7 +547,7 @@ TEST(DienstoptionenTest, OptionsAndClassicSwitchesStandSideBySide) {
     EXPECT_EQ(o.Befehlszeile, "--ausgabe /W5 --beispieltitel /K");
     for (const char* schalter : {"--hilfe", "--help", "-h"}) EXPECT_TRUE(LiesDienstoptionen({schalter}).Hilfe);
     for (const char* wort : {"Aufruf: TessaronZEKDienst [SCHALTER]", "--ausgabe", "--datenpflege VON [BIS] [ARTEN]",
-                             "/Quit", "ZEK_PROGRAMMORDNER", "Rückgabewert"})
+                             "/Quit", "ZEK_PROGRAMMORDNER", "Rückgabewert", "Fragen gelten als nicht beantwortet.\n"})
         EXPECT_THAT(Dienstauskunft(), HasSubstr(wort));
     for (const char* fremd : {"Usage", "Option:", "Options:", "REQUIRED", "TEXT"})
         EXPECT_THAT(Dienstauskunft(), Not(HasSubstr(fremd)));

@@ -56,6 +56,7 @@ struct StartTest : testing::Test, Startfolge::Rekorder {
     Einstellungsspeicher einstellungen{modul, registry, lokal};
     std::vector<std::string> schritte;
     std::function<void()> beimVerbinden;
+    std::function<void()> beimTitelladen;
     std::function<void()> beiAtomzeit;
     bool ende = false;
 
@@ -86,7 +87,10 @@ struct StartTest : testing::Test, Startfolge::Rekorder {
         schritte.push_back("Atomzeit");
         if (beiAtomzeit) beiAtomzeit();
     }
-    void Titelladen() override { schritte.push_back("Titelladen"); }
+    void Titelladen() override {
+        schritte.push_back("Titelladen");
+        if (beimTitelladen) beimTitelladen();
+    }
     void ErsteDatenpflegeVormerken() override { schritte.push_back("Datenpflege"); }
     bool EndeVerlangt() const override { return ende; }
 };
@@ -268,6 +272,8 @@ TEST_F(StartTest, TheDriveOfTheProgramIsTestedAndNotThatOfTheData) {
         Startfolge(zwei, modul, einstellungen, gesicht, *this, {}).Main();
         EXPECT_EQ(gesicht.Fragen.Gezeigt.size(), programmVoll ? 1u : 0u);
     }
+    laufwerke.programm = 0;
+    EXPECT_FALSE(Startfolge(zwei, modul, einstellungen, gesicht, *this, {}).FreierSpeicherReicht(1));
     laufwerke.programm = -5;
     EXPECT_TRUE(Startfolge(zwei, modul, einstellungen, gesicht, *this, {}).FreierSpeicherReicht(1e9))
         << "a failed query counts as enough";
@@ -350,6 +356,21 @@ TEST_F(StartTest, APortInTheForeignFileAsksForNoneEvenWhereNoneIsStored) {
     EXPECT_THAT(schritte, Contains("Verbinden :4002"));
 }
 
+TEST_F(StartTest, OfTheForeignFiles254CharactersCount) {
+    port.Setze("ZEK_IB", "IBPort", std::string(250, '0') + "4002");
+    Starte();
+    EXPECT_THAT(schritte, Contains("Verbinden :4002"));
+    port.Setze("ZEK_IB", "IBPort", std::string(251, '0') + "4002");
+    Starte();
+    EXPECT_THAT(schritte, Contains("Verbinden :400"));
+}
+
+TEST_F(StartTest, TheConnectionOfTheMomentIsUsed) {
+    welt.Plane(1, [this] { Setze("IBConnect", "IBPort", "7497"); });
+    Starte("/W3");
+    EXPECT_THAT(schritte, Contains("Verbinden :7497"));
+}
+
 TEST_F(StartTest, AForeignPortOfZeroDoesNotCount) {
     port.Setze("ZEK_IB", "IBPort", "0");
     Starte();
@@ -389,6 +410,16 @@ TEST_F(StartTest, AFailingControlAsksWhetherToGoOnWithoutAConnection) {
     EXPECT_THAT(schritte, Not(Contains("Titelladen")));
     EXPECT_EQ(Starte(), Startergebnis::Laeuft);
     EXPECT_THAT(schritte, Contains("Titelladen"));
+}
+
+TEST_F(StartTest, AnErrorOfTheStartDropsTheBackfillsThatWait) {
+    beimTitelladen = [this] {
+        modul.Datenpflegewarteschlange.push_back({});
+        throw std::runtime_error("mittendrin");
+    };
+    EXPECT_EQ(Starte(), Startergebnis::Gescheitert);
+    EXPECT_EQ(ErsteMeldung(), "Fehler beim Starten aufgetreten: mittendrin");
+    EXPECT_THAT(modul.Datenpflegewarteschlange, IsEmpty());
 }
 
 TEST_F(StartTest, AnErrorOfTheStartIsShownAndEndsIt) {
