@@ -58,6 +58,10 @@ TEST(MeldungTest, OnlyAMessageWithoutTimeLimitIsLeftToTheSystemWhileTheWindowIsM
     EXPECT_FALSE(AlsSystemmeldung(0, false));
 }
 
+TEST(MeldungTest, EachMessageBearsTheProgramsName) {
+    EXPECT_EQ(Meldungstitel, "Tessaron ZEK");
+}
+
 TEST(MeldungTest, ALongTextWrapsAt500Pixels) {
     EXPECT_EQ(Labelbreite(499), 499);
     EXPECT_EQ(Labelbreite(500), 500);

@@ -395,6 +395,7 @@ TEST_F(SitzungTest, SampleTitlesAreAddedOnceSubscribedAndSaved) {
     sitzung->Teile().BeispieltitelAnlegen({false, false, true, false});
     sitzung->Teile().BeispieltitelAnlegen({false, false, true, true});
     EXPECT_EQ(sitzung->Modul().Titelliste.Anzahl(), 10u);
+    EXPECT_EQ(gesicht.TitelInfoText.substr(0, 37), "10 Titel aktiviert, 10 mit Geld/Brief");
     EXPECT_EQ(Zeilen("reqMktData("), 10u);
     EXPECT_EQ(LiesTiteldatei(dateien, "/zek/").Ergebnis, Titeldatei::Zustand::Gelesen);
     EXPECT_THAT(sitzung->Modul().Katalogliste.Namen(), ElementsAre("Indizes", "US-Aktien"));
