@@ -35,12 +35,6 @@ std::string Kursartzusatz(std::int32_t kursart) {
     return kursart == kursart::Bezahlt ? std::string() : " (" + Kursartwort(kursart) + ")";
 }
 
-// Timer reading of the last tick that could be a record of the series.
-double LetzterTick(const clTitelobjekt& titel, std::int32_t kursart) {
-    if (kursart == kursart::Bezahlt) return titel.LastPriceVolTimer;
-    return kursart == kursart::Brief ? titel.LastAskVolTimer : titel.LastBidVolTimer;
-}
-
 struct Dateischluss {
     Dateisystem& Dateien;
     Dateihandle Handle;
@@ -410,19 +404,20 @@ void Datenpflegelauf::MerkeBeantwortet(Serie& serie, Datum altesEnde) {
 // Why the series isn't in the file, or "".
 std::string Datenpflegelauf::Speichere(Serie& serie) {
     Statuslabel("Status: Daten speichern" + Kursartzusatz(serie.Kursart));
-    const auto saetze = gesamt_.Abgeben(serie.Titel.ZeitKorrektur);
-    const Datum beginn = Jetzt();
-    const double tickVorher = LetzterTick(serie.Titel, serie.Kursart);
+    const double korrektur = serie.Titel.ZeitKorrektur;
+    const auto saetze = gesamt_.Abgeben(korrektur);
+    if (um_.BeiMergebeginn)
+        OhneFehler([&] {
+            um_.BeiMergebeginn(serie.Titel, serie.Kursart, saetze.front().Datum - korrektur,
+                               saetze.back().Datum - korrektur);
+        });
     const bool gespeichert = einarbeiter_.DatenEinarbeiten(*this, serie.Titel, saetze, serie.Kursart) != 0;
-    const bool tickVerloren = LetzterTick(serie.Titel, serie.Kursart) != tickVorher;
-    const Datum verlustAb = einarbeiter_.VerlustAb() > 0 ? einarbeiter_.VerlustAb() : tickVerloren ? beginn : 0;
-    if (um_.BeiVerlust && verlustAb > 0)
-        OhneFehler([&] { um_.BeiVerlust(serie.Titel, serie.Kursart, verlustAb, Jetzt()); });
+    if (um_.BeiMergeende) OhneFehler([&] { um_.BeiMergeende(serie.Titel, serie.Kursart); });
     if (gespeichert) return {};
     WarneNichtsGespeichert();
     const Einstellungen& e = um_.Modul.Einstellungen;
     const bool filter = serie.Kursart == kursart::Bezahlt ? e.IBBezahlt : e.IBAndere;
-    return filter && verlustAb == 0 ? "Umsatzfilter" : "Fehler beim Einarbeiten";
+    return filter && !einarbeiter_.Gescheitert() ? "Umsatzfilter" : "Fehler beim Einarbeiten";
 }
 
 void Datenpflegelauf::WarneNichtsGespeichert() {

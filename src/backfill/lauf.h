@@ -75,9 +75,10 @@ struct Datenpflegeumgebung {
     Datenpflegefenster& Fenster;
     tws::TwsFabrik Fabrik;
     std::function<void(const Datenpflegeergebnis&)> BeiErgebnis = {};  // may be empty
-    // Records of a series were lost to its merge: live ticks that came meanwhile, or all that a write error could have
-    // cost. May be empty.
-    std::function<void(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis)> BeiVerlust = {};
+    // A merge is about to change the title's file between these times of the recorder's clock; and it has ended,
+    // however it came out. Both may be empty.
+    std::function<void(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis)> BeiMergebeginn = {};
+    std::function<void(const clTitelobjekt& titel, std::int32_t kursart)> BeiMergeende = {};
 };
 
 // The start of a run without a given one: the time of the last record of the title's traded file. True when the file

@@ -2,6 +2,7 @@
 
 #include "datafiles/dateikopf.h"
 #include "datafiles/dateinamen.h"
+#include "datafiles/einarbeitungsjournal.h"
 #include "platform/ohnefehler.h"
 
 #include <algorithm>
@@ -174,6 +175,7 @@ void Datensatzschreiber::Oeffne(clTitelobjekt& titel, std::int32_t kursart, bool
 Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs,
                                                           float volume, Datum jetzt) {
     std::int64_t groesse = datei_.FileSize().Bytes();
+    if (groesse != 0 && !titel.KonsistenzGecheckt(kursart)) groesse = NachUnterbrochenerEinarbeitung(groesse);
     if (groesse == 0) {
         LegeKopfAn(titel, kursart);
         groesse = DateikopfBytes;
@@ -190,6 +192,13 @@ Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, 
     NimmZurueck(datei_, groesse);
     systemfehler_ = ENOSPC;  // what a short write means
     return Ausgang::Gescheitert;
+}
+
+// A merge that was broken off is finished before the first write of a run; one that is going on takes the record along.
+std::int64_t Datensatzschreiber::NachUnterbrochenerEinarbeitung(std::int64_t groesse) {
+    const Journalstand stand = SchliesseEinarbeitungAb(dateien_, datei_.FileName());
+    const bool geaendert = stand == Journalstand::Abgeschlossen || stand == Journalstand::Verworfen;
+    return geaendert ? datei_.FileSize().Bytes() : groesse;
 }
 
 // The check at the first write of a run; returns the size to go on with.

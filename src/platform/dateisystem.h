@@ -63,6 +63,10 @@ public:
     // 0 or -errno. Flushes the file's buffers to the disk.
     virtual int Leere(Dateihandle handle) = 0;
 
+    // Takes the file for this handle alone until it is closed, be it by the death of the process. It keeps only those
+    // out who ask as well. 0, -EWOULDBLOCK when somebody has it, or -errno; 0 too where the system knows no locks.
+    virtual int Sperre(Dateihandle /*handle*/) { return 0; }
+
     virtual bool DateiExistiert(const std::string& pfad) = 0;
     // It is there and this user may execute it.
     virtual bool Ausfuehrbar(const std::string& pfad) { return DateiExistiert(pfad); }

@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -96,6 +97,11 @@ int PosixDateisystem::SetzeLaenge(Dateihandle handle, std::int64_t laenge) {
 
 int PosixDateisystem::Leere(Dateihandle handle) {
     return Wiederholt([&] { return ::fsync(handle); });
+}
+
+int PosixDateisystem::Sperre(Dateihandle handle) {
+    const int ergebnis = Wiederholt([&] { return ::flock(handle, LOCK_EX | LOCK_NB); });
+    return ergebnis == -ENOLCK || ergebnis == -EOPNOTSUPP ? 0 : ergebnis;
 }
 
 bool PosixDateisystem::DateiExistiert(const std::string& pfad) {

@@ -21,6 +21,7 @@ public:
     std::int64_t Groesse(Dateihandle handle) override;
     int SetzeLaenge(Dateihandle handle, std::int64_t laenge) override;
     int Leere(Dateihandle handle) override;
+    int Sperre(Dateihandle handle) override;
     bool DateiExistiert(const std::string& pfad) override;
     bool Ausfuehrbar(const std::string& pfad) override;
     bool OrdnerExistiert(const std::string& pfad) override;

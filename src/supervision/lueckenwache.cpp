@@ -51,6 +51,10 @@ void Lueckenwache::Beginne(Datum letztesEnde) {
     strom_.Beginne(start_);
 }
 
+void Lueckenwache::DateiGeprueft(const std::string& dateiname, std::int32_t kursart, const std::string& text) {
+    offen_.Schreibe(start_, start_, dateiname, MitZusatz(ursache::DateiGeprueft, Kursartzusatz(kursart)), text);
+}
+
 void Lueckenwache::TitelGeladen() {
     if (!laeuft_ || titelGeladen_) return;
     titelGeladen_ = true;
@@ -155,10 +159,6 @@ void Lueckenwache::BeimEinarbeitenBeendet(const clTitelobjekt& titel, std::int32
 
 void Lueckenwache::DatenpflegeErgebnis(const Datenpflegeergebnis& ergebnis) {
     pflege_.Ergebnis(ergebnis);
-}
-
-void Lueckenwache::BeimEinarbeitenVerloren(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
-    pflege_.EinarbeitenVerlor(titel, kursart, von, bis);
 }
 
 // ---- once a second

@@ -46,6 +46,10 @@ public:
     // The program starts, and isn't connected. `letztesEnde`: when data last arrived in an earlier run, 0 unknown. From
     // here on events count; nothing goes to the disk yet.
     void Beginne(Datum letztesEnde);
+    // The earlier run died, or left no word. Known behind Beginne.
+    bool EndeOhneOrdnung() const { return vorleben_.OhneOrdnung(); }
+    // What the start has found in a data file, in German words.
+    void DateiGeprueft(const std::string& dateiname, std::int32_t kursart, const std::string& text);
     // The titles are in the list, and those that are active were subscribed if the connection stands. Writes what has
     // come about since the start. The end of an earlier run that crashed is taken from its last records.
     void TitelGeladen();
@@ -72,7 +76,6 @@ public:
     void BeimEinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
     void BeimEinarbeitenBeendet(const clTitelobjekt& titel, std::int32_t kursart);
     void DatenpflegeErgebnis(const Datenpflegeergebnis& ergebnis);
-    void BeimEinarbeitenVerloren(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
 
     // How far what came until `zeit` has reached files: not beyond the last record that any file took, while some fail.
     Datum GespeichertBis(Datum zeit) const { return dateiluecken_.GespeichertBis(zeit); }

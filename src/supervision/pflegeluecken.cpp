@@ -25,12 +25,6 @@ void Pflegeluecken::Ergebnis(const Datenpflegeergebnis& ergebnis) {
                     MitZusatz(ursache::Datenpflege, art), std::move(text)});
 }
 
-void Pflegeluecken::EinarbeitenVerlor(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
-    if (titel.Dateiname.empty()) return;
-    buch_.Schreibe(
-        {von, std::max(von, bis), titel.Dateiname, MitZusatz(ursache::Einarbeiten, Kursartzusatz(kursart)), {}});
-}
-
 void Pflegeluecken::EinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
     if (titel.Dateiname.empty()) return;
     Lueckenzeile zeile{AufMillisekunde(uhr_.Jetzt()), 0, titel.Dateiname,

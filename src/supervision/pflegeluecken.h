@@ -17,7 +17,6 @@ public:
     Pflegeluecken(Lueckenbuch& buch, const Uhr& uhr) : buch_(buch), uhr_(uhr) {}
 
     void Ergebnis(const Datenpflegeergebnis& ergebnis);
-    void EinarbeitenVerlor(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
     void EinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
     void EinarbeitenBeendet(const clTitelobjekt& titel, std::int32_t kursart);
 

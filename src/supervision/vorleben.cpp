@@ -40,16 +40,15 @@ void Vorleben::Uebernimm(Datum letztesEnde, Datum start) {
     if (letztesEnde <= start && letztesEnde >= FruehsterBeginn) datenSpur_ = letztesEnde;
     Datum ende = std::max(buchSpur_, datenSpur_);
     if (zeichen_) ende = std::max(ende, Zeitspannen::AlsDatum(zeichen_->Moment));
-    bool ordentlich = false;
     for (const Lueckenzeile& zeile : stand.Offen.Alle()) {
         if (zeile.Ursache == ursache::TitelNichtAktiv || zeile.Ursache == ursache::TitelAktiv ||
             zeile.Ursache == ursache::Handelszeiten)
             if (offen_.Uebernimm(zeile)) continue;
         const bool beendet = zeile.Ursache == ursache::ProgrammBeendet;
-        ordentlich = ordentlich || beendet;
+        ordentlich_ = ordentlich_ || beendet;
         offen_.Schreibe(zeile.Von, beendet ? start : ende, zeile.Titel, zeile.Ursache, zeile.Ergaenzung);
     }
-    gestorben_ = !ordentlich && ende < start && (ende > 0 || letztesEnde > 0);
+    gestorben_ = !ordentlich_ && ende < start && (ende > 0 || letztesEnde > 0);
 }
 
 void Vorleben::SchreibeStart() {

@@ -21,6 +21,8 @@ public:
     // and all that was open then ends with its last sign of life. `letztesEnde`: when data last arrived, as the
     // settings have it; 0 unknown.
     void Uebernimm(Datum letztesEnde, Datum start);
+    // It died, or left no word.
+    bool OhneOrdnung() const { return !ordentlich_; }
     // The titles are known: writes when the earlier run died, and that this one has started. Once.
     void SchreibeStart();
 
@@ -39,6 +41,7 @@ private:
     Datum start_ = 0;
     Datum buchSpur_ = 0;   // the latest moment that the book knows; 0 for none
     Datum datenSpur_ = 0;  // the same of the settings
+    bool ordentlich_ = false;
     bool gestorben_ = false;
     bool geschrieben_ = false;
 };

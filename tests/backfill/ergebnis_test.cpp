@@ -36,9 +36,11 @@ protected:
                              spanne(e.Von, e.Bis) +
                              (e.Ergaenzt ? " ergänzt " + std::to_string(e.Kurse) : " nicht: " + e.Grund));
         };
-        umgebung.BeiVerlust = [&](const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
-            texte_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " verloren " +
-                             spanne(von, bis));
+        umgebung.BeiMergebeginn = [&](const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+            merges_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " " + spanne(von, bis));
+        };
+        umgebung.BeiMergeende = [&](const clTitelobjekt& titel, std::int32_t kursart) {
+            merges_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " Ende");
         };
         Datenpflegelauf lauf(umgebung, takt_);
         lauf_ = &lauf;
@@ -55,7 +57,7 @@ protected:
     Lauschendes dateien_{p_.Ram};
     Anfragetakt takt_;
     Datenpflegelauf* lauf_ = nullptr;
-    std::vector<std::string> texte_;
+    std::vector<std::string> texte_, merges_;
     std::function<void(clTitelobjekt&)> BeiStart;
     std::function<void(Datenpflegelauf&)> Einrichtung;
     // By hand up to the present, over as many seconds.
@@ -193,28 +195,34 @@ TEST_F(ErgebnisTest, ASeriesThatTheTurnoverFilterTookWholeIsNotFilled) {
                                        "ES Geld -100..0 nicht: Umsatzfilter"));
 }
 
-TEST_F(ErgebnisTest, AMergeThatFailsMayHaveLostAllFromItsBlockOn) {
+TEST_F(ErgebnisTest, AMergeThatFailsFillsNothing) {
     p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes({{p_.Jetzt() - Sekunden(50), 1, 1}, {p_.Jetzt(), 1, 1}}));
     dateien_.StoereArt(hilfen::Dateiaufruf::Schreibe, ENOSPC);
-    const auto texte = Lauf(100);
-    ASSERT_EQ(texte.size(), 2u);
-    EXPECT_TRUE(texte[0].starts_with("ES Bezahlt verloren -100..")) << texte[0];
-    EXPECT_EQ(texte[1], "ES Bezahlt -100..0 nicht: Fehler beim Einarbeiten");
+    EXPECT_THAT(Lauf(100), ElementsAre("ES Bezahlt -100..0 nicht: Fehler beim Einarbeiten"));
+    EXPECT_THAT(merges_, ElementsAre("ES Bezahlt -100..0", "ES Bezahlt Ende"));
 }
 
-TEST_F(ErgebnisTest, AMergeThatTouchedNothingLostNothing) {
+TEST_F(ErgebnisTest, AMergeThatFailsIsntTakenForTheFilters) {
+    p_.Modul.Einstellungen.IBBezahlt = true;
     dateien_.StoereArt(hilfen::Dateiaufruf::Schreibe, ENOSPC);
     EXPECT_THAT(Lauf(100), ElementsAre("ES Bezahlt -100..0 nicht: Fehler beim Einarbeiten"));
 }
 
-TEST_F(ErgebnisTest, ATickDuringTheMergeIsLost) {
-    BeiStart = [this](clTitelobjekt& titel) {
-        dateien_.BeiOeffnen = [this, &titel] { p_.Welt.Plane(0, [&titel] { titel.LastPriceVolTimer += 1; }); };
+TEST_F(ErgebnisTest, EachMergeIsAnnouncedByTheClockOfTheRecorderBeforeItTouchesAFile) {
+    BeiStart = [](clTitelobjekt& titel) {
+        titel.BidAsk = true;
+        titel.ZeitKorrektur = 0.25;
     };
-    const auto texte = Lauf(100);
-    ASSERT_EQ(texte.size(), 2u);
-    EXPECT_TRUE(texte[0].starts_with("ES Bezahlt verloren ")) << texte[0];
-    EXPECT_EQ(texte[1], "ES Bezahlt -100..0 ergänzt 101");
+    dateien_.BeiOeffnen = [this] { EXPECT_EQ(merges_.size() % 2, 1u); };
+    Lauf(100);
+    EXPECT_THAT(merges_, ElementsAre("ES Bezahlt -100..0", "ES Bezahlt Ende", "ES Brief -100..0", "ES Brief Ende",
+                                     "ES Geld -100..0", "ES Geld Ende"));
+}
+
+TEST_F(ErgebnisTest, WithoutBarsThereIsNoMerge) {
+    p_.Historie.Leer = true;
+    Lauf(100);
+    EXPECT_TRUE(merges_.empty());
 }
 
 }  // namespace

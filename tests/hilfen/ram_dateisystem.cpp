@@ -64,7 +64,7 @@ Dateihandle RamDateisystem::Oeffne(const std::string& pfad, Oeffnen art) {
     } else if (schreibbar && IstGeschuetzt(normal)) {
         return -EACCES;
     }
-    offen_[naechstes_] = {stelle->second, 0, schreibbar};
+    offen_[naechstes_] = {stelle->second, 0, schreibbar, false};
     return naechstes_++;
 }
 
@@ -132,6 +132,15 @@ int RamDateisystem::SetzeLaenge(Dateihandle handle, std::int64_t laenge) {
 
 int RamDateisystem::Leere(Dateihandle handle) {
     return Finde(handle) ? 0 : -EBADF;
+}
+
+int RamDateisystem::Sperre(Dateihandle handle) {
+    Offen* offen = Finde(handle);
+    if (!offen) return -EBADF;
+    for (const auto& [anderes, andere] : offen_)
+        if (anderes != handle && andere.Datei == offen->Datei && andere.Gesperrt) return -EWOULDBLOCK;
+    offen->Gesperrt = true;
+    return 0;
 }
 
 bool RamDateisystem::DateiExistiert(const std::string& pfad) {

@@ -6,11 +6,10 @@
 namespace zek::hilfen {
 
 std::string_view Name(Dateiaufruf art) {
-    static constexpr std::array<std::string_view, 16> Namen{
-        "Oeffne",         "Schliesse",       "Lies",         "Schreibe",
-        "Suche",          "Groesse",         "SetzeLaenge",  "Leere",
-        "DateiExistiert", "OrdnerExistiert", "LegeOrdnerAn", "Loesche",
-        "BenenneUm",      "FreierPlatz",     "Ordnerstand",  "Liste"};
+    static constexpr std::array<std::string_view, 17> Namen{
+        "Oeffne",      "Schliesse",   "Lies",           "Schreibe",        "Suche",        "Groesse",
+        "SetzeLaenge", "Leere",       "DateiExistiert", "OrdnerExistiert", "LegeOrdnerAn", "Loesche",
+        "BenenneUm",   "FreierPlatz", "Ordnerstand",    "Liste",           "Sperre"};
     return Namen[static_cast<std::size_t>(art)];
 }
 
@@ -138,6 +137,11 @@ int StoerDateisystem::SetzeLaenge(Dateihandle handle, std::int64_t laenge) {
 int StoerDateisystem::Leere(Dateihandle handle) {
     return static_cast<int>(
         Fuehre(Dateiaufruf::Leere, PfadVon(handle), [&]() -> std::int64_t { return darunter_.Leere(handle); }));
+}
+
+int StoerDateisystem::Sperre(Dateihandle handle) {
+    return static_cast<int>(
+        Fuehre(Dateiaufruf::Sperre, PfadVon(handle), [&]() -> std::int64_t { return darunter_.Sperre(handle); }));
 }
 
 bool StoerDateisystem::DateiExistiert(const std::string& pfad) {

@@ -29,6 +29,7 @@ enum class Dateiaufruf {
     FreierPlatz,
     Ordnerstand,
     Liste,
+    Sperre,
 };
 
 std::string_view Name(Dateiaufruf art);
@@ -65,6 +66,7 @@ public:
     std::int64_t Groesse(Dateihandle handle) override;
     int SetzeLaenge(Dateihandle handle, std::int64_t laenge) override;
     int Leere(Dateihandle handle) override;
+    int Sperre(Dateihandle handle) override;
     bool DateiExistiert(const std::string& pfad) override;
     bool OrdnerExistiert(const std::string& pfad) override;
     int LegeOrdnerAn(const std::string& pfad) override;

@@ -936,13 +936,12 @@ TEST_F(LueckenwacheTest, ABackfillTellsItsSpanAndWhatItBroughtAlsoBehindTheEnd) 
     wache->DatenpflegeErgebnis(e);
     e.Ergaenzt = false, e.Grund = "Zeitüberschreitung", e.Titel = nullptr;
     wache->DatenpflegeErgebnis(e);
-    wache->BeimEinarbeitenVerloren(*titel, kursart::Geld, Um(11, 31), Um(11, 31, 1));
     EXPECT_THAT(Zeilen(),
                 ElementsAre("11:00:00 11:30:00 * Datenpflege: nicht ergänzt: Zeitüberschreitung",
                             "11:00:00 11:30:00 ES Datenpflege Brief: ergänzt: 1.800 Sekundenkurse",
                             "11:00:00 11:30:00 ES Datenpflege Brief: nicht ergänzt: nur die regulären Handelszeiten "
                             "abgefragt (1.800 Sekundenkurse)",
-                            "11:31:00 11:31:01 ES Einarbeiten Geld", "12:00:05 ... * Programm beendet"));
+                            "12:00:05 ... * Programm beendet"));
 }
 
 TEST_F(LueckenwacheTest, AnHourWithoutRecordsTouchesNoFileButTheSignOfLifeOnceAMinute) {

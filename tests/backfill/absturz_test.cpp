@@ -1,0 +1,186 @@
+// The process dies at any call inside a merge, with live ticks coming all the while. Whoever opens the file next finds
+// every record once: those before, the merged block or what it would have replaced, and each tick that was stored.
+#include "backfill/einarbeiten_modell.h"
+#include "backfill/pflegewelt.h"
+
+#include <gmock/gmock.h>
+
+namespace zek::pflege {
+namespace {
+
+constexpr Datum Tag = 46000;
+constexpr const char* Pfad = "/d/K/T-ASK.ZEK";
+
+Saetze Reihe(int von, int bis, float kurs) {
+    Saetze saetze;
+    for (int s = von; s <= bis; ++s) saetze.push_back({Tag + s / 86400.0, kurs, 1});
+    return saetze;
+}
+
+struct Fall {
+    const char* Name;
+    Saetze Datei, Block;
+    int TicksJePumpe = 1;
+};
+
+// Portions of few records, so that each step takes several.
+constexpr std::int64_t Portion = 20 * 16;
+
+std::vector<Fall> Faelle() {
+    return {
+        {"shorter", Reihe(1, 200, 1), {{Tag + 50.0 / 86400, 7, 1}, {Tag + 120.0 / 86400, 7, 1}}},
+        {"longer", Reihe(100, 160, 1), Reihe(20, 110, 7)},
+        {"muchLonger", Reihe(100, 110, 1), Reihe(1, 99, 7), 3},
+        {"sameLength", Reihe(1, 200, 1), Reihe(50, 119, 7)},
+        {"appended", Reihe(1, 30, 1), Reihe(40, 120, 7)},
+        {"newFile", {}, Reihe(1, 90, 7)},
+        {"onlyRecord", Reihe(5, 5, 1), Reihe(5, 5, 7), 15},
+        {"shorterWithManyTicks", Reihe(1, 60, 1), {{Tag + 3.0 / 86400, 7, 1}, {Tag + 20.0 / 86400, 7, 1}}, 9},
+    };
+}
+
+// Ticks wait each time that events run.
+struct Tickpumpe : Pumpe {
+    Tickpumpe(hilfen::VirtuelleWelt& welt, std::function<void()> tick) : Welt(welt), Tick(std::move(tick)) {}
+    void Ereignisse() override {
+        Welt.Warte(std::chrono::milliseconds(1));
+        Tick();
+    }
+    void Warte(std::chrono::milliseconds dauer) override { Welt.Warte(dauer); }
+    hilfen::VirtuelleWelt& Welt;
+    std::function<void()> Tick;
+};
+
+class Absturz : public testing::TestWithParam<Fall> {
+protected:
+    // Runs the merge; the n-th file call is the last one of the process (0: none). Each run of the pump brings ticks.
+    void Merge(std::uint64_t n, std::size_t angerissen = 0) {
+        p_ = std::make_unique<Pflegewelt>();
+        ticks_.clear();
+        if (!GetParam().Datei.empty()) p_->Ram.LegeDateiAn(Pfad, Kopf() + Bytes(GetParam().Datei));
+        Titel titel;
+        Datensatzschreiber schreiber(p_->Modul, p_->Dateien, p_->Status, {});
+        Tickpumpe pumpe(p_->Welt, [&] { Ticke(schreiber, titel); });
+        if (n > 0) p_->Dateien.StuerzeAb(n, angerissen);
+        Einarbeiter einarbeiter(p_->Modul, p_->Dateien, p_->Welt, pumpe, p_->Status, Portion);
+        einarbeiter.DatenEinarbeiten(form_, titel, GetParam().Block, kursart::Brief);
+        aufrufe_ = p_->Dateien.Anzahl();
+        p_->Dateien.Heile();
+    }
+    void Ticke(Datensatzschreiber& schreiber, clTitelobjekt& titel) {
+        for (int i = 0; i < GetParam().TicksJePumpe; ++i) {
+            const auto vorher = p_->Status.Eintraege.size();
+            const bool lebt = !p_->Dateien.Abgestuerzt();
+            const KursDatensatz satz{p_->Welt.Jetzt(), static_cast<float>(1000 + ticks_.size()), 1};
+            schreiber.DatensatzAnhaengen(titel, kursart::Brief, satz.Kurs, 1, false, satz.Datum);
+            // Stored is what was written whole before the death.
+            if (lebt && p_->Status.Eintraege.size() == vorher && TickSteht()) ticks_.push_back(satz);
+        }
+    }
+    // The death may lie behind the write of a tick, as at its close.
+    bool TickSteht() const {
+        const auto& protokoll = p_->Dateien.Protokoll();
+        for (auto eintrag = protokoll.rbegin(); eintrag != protokoll.rend(); ++eintrag)
+            if (eintrag->Art == hilfen::Dateiaufruf::Schreibe) return !eintrag->Gestoert;
+        return false;
+    }
+    struct Titel : clTitelobjekt {
+        Titel() { Dateiname = "T", Katalog = "K"; }
+    };
+    Saetze Alt() const { return GetParam().Datei; }
+    Saetze Neu() const { return Alt().empty() ? GetParam().Block : Ersetzt(Alt(), GetParam().Block, false); }
+    Saetze MitTicks(Saetze saetze) const {
+        saetze.insert(saetze.end(), ticks_.begin(), ticks_.end());
+        return saetze;
+    }
+    // What the file holds must be one of the two; true for the merged one.
+    bool PruefeDatei(std::uint64_t n) {
+        const Saetze ist = SaetzeAus(p_->Ram.Inhalt(Pfad));
+        const bool neu = ist == MitTicks(Neu()), alt = ist == MitTicks(Alt());
+        EXPECT_TRUE(neu || alt) << "call " << n << ": " << ist.size() << " records, " << ticks_.size() << " ticks";
+        EXPECT_EQ(p_->Ram.Dateien(), std::vector<std::string>{Pfad}) << "call " << n;
+        EXPECT_EQ(p_->Ram.OffeneHandles(), 0u) << "call " << n;
+        return neu;
+    }
+
+    std::unique_ptr<Pflegewelt> p_;
+    TestForm form_;
+    Saetze ticks_;
+    std::uint64_t aufrufe_ = 0;
+};
+
+TEST_P(Absturz, WithoutOneAllTicksStandBehindTheMerge) {
+    Merge(0);
+    EXPECT_TRUE(PruefeDatei(0));
+    EXPECT_GT(ticks_.size(), 2u);
+    EXPECT_TRUE(p_->Status.Eintraege.empty());
+}
+
+TEST_P(Absturz, AtAnyCallTheNextOpeningFindsEachRecordOnce) {
+    Merge(0);
+    const std::uint64_t aufrufe = aufrufe_;
+    bool wurdeNeu = false;
+    for (std::uint64_t n = 1; n <= aufrufe; ++n) {
+        Merge(n, n % 3 == 0 ? 8 : 0);
+        if (!p_->Ram.DateiExistiert(Pfad)) continue;
+        SchliesseEinarbeitungAb(p_->Dateien, Pfad);
+        if (p_->Ram.Inhalt(Pfad).size() < 856) continue;  // died at the header of a new file
+        wurdeNeu = PruefeDatei(n);
+        if (HasFailure()) return;
+    }
+    EXPECT_TRUE(wurdeNeu);
+}
+
+TEST_P(Absturz, TheAppendOfTheNextRunFinishesTheWorkFirst) {
+    Merge(0);
+    const std::uint64_t aufrufe = aufrufe_;
+    for (std::uint64_t n = aufrufe; n >= 1; n -= std::min<std::uint64_t>(n, 5)) {
+        Merge(n);
+        if (p_->Ram.Inhalt(Pfad).size() < 856) continue;
+        Titel titel;
+        Datensatzschreiber schreiber(p_->Modul, p_->Dateien, p_->Status, {});
+        const KursDatensatz satz{p_->Welt.Jetzt() + 1, 5000, 1};
+        schreiber.DatensatzAnhaengen(titel, kursart::Brief, satz.Kurs, 1, false, satz.Datum);
+        ticks_.push_back(satz);
+        PruefeDatei(n);
+        if (HasFailure()) return;
+    }
+}
+
+TEST_P(Absturz, ASecondOneWhileTheWorkIsFinishedLosesNothingEither) {
+    Merge(0);
+    const std::uint64_t aufrufe = aufrufe_;
+    for (std::uint64_t n = 1; n <= aufrufe; n += 7) {
+        for (std::uint64_t m = 1; m < 60; m += 3) {
+            Merge(n);
+            p_->Dateien.StuerzeAb(m, 24);
+            SchliesseEinarbeitungAb(p_->Dateien, Pfad);
+            const bool fertig = !p_->Dateien.Abgestuerzt();
+            p_->Dateien.Heile();
+            SchliesseEinarbeitungAb(p_->Dateien, Pfad);
+            if (p_->Ram.Inhalt(Pfad).size() >= 856) PruefeDatei(n);
+            if (HasFailure()) FAIL() << "second death at call " << m;
+            if (fertig) break;
+        }
+    }
+}
+
+TEST_P(Absturz, OnADiskThatIsFullByThenNothingIsLost) {
+    Merge(0);
+    const std::uint64_t aufrufe = aufrufe_;
+    for (std::uint64_t n = 1; n <= aufrufe; ++n) {
+        Merge(n, n % 3 == 0 ? 8 : 0);
+        p_->Ram.SetzeFreienPlatz(0);
+        SchliesseEinarbeitungAb(p_->Dateien, Pfad);
+        p_->Ram.SetzeFreienPlatz(1 << 20);
+        SchliesseEinarbeitungAb(p_->Dateien, Pfad);
+        if (p_->Ram.Inhalt(Pfad).size() >= 856) PruefeDatei(n);
+        if (HasFailure()) return;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, Absturz, testing::ValuesIn(Faelle()),
+                         [](const auto& info) { return std::string(info.param.Name); });
+
+}  // namespace
+}  // namespace zek::pflege
