@@ -36,6 +36,7 @@ constexpr std::array Tabelle{
     Ursachenangabe{ursache::Sommerzeit, Wertung::Hinweis},
     Ursachenangabe{ursache::Winterzeit, Wertung::Hinweis},
     Ursachenangabe{ursache::EinarbeitungBegonnen, Wertung::Hinweis},
+    Ursachenangabe{ursache::DateiGeprueft, Wertung::Hinweis},
     Ursachenangabe{ursache::TitelAktiv, Wertung::Angabe},
     Ursachenangabe{ursache::Handelszeiten, Wertung::Angabe},
     Ursachenangabe{ursache::Handelsfrei, Wertung::Ruhe},

@@ -51,6 +51,8 @@ inline constexpr std::string_view Sommerzeit = "Beginn der Sommerzeit";  // thes
 inline constexpr std::string_view Winterzeit = "Ende der Sommerzeit";    // these times come twice
 // A backfill is being merged into a file; the kind stands behind it, the span in the supplement.
 inline constexpr std::string_view EinarbeitungBegonnen = "Einarbeitung begonnen";
+// What the start found in a data file and did about it; the kind stands behind it, the words in the supplement.
+inline constexpr std::string_view DateiGeprueft = "Datendatei geprüft";
 // The title is being recorded; the supplement tells how (Aufzeichnungsweise).
 inline constexpr std::string_view TitelAktiv = "Titel aktiv";
 // When the title's market is open; the supplement holds a week (Handelszeiten).

@@ -47,6 +47,7 @@ void Sitzung::BaueZusammen() {
     modul_.Startzeitpunkt = plattform_.Uhr.Jetzt();
     const std::string ende = einstellungen_.LeseEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd", "0");
     OhneFehler([&] { teile_->Luecken.Beginne(Zahlwert(ende)); });
+    OhneFehler([this] { teile_->StelleBestandWiederHer(); });
     teile_->StarteZeitgeber();
     plattform_.MeldeVerwalter("READY=1");
 }

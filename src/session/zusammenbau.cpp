@@ -1,6 +1,11 @@
 #include "session/zusammenbau.h"
 
+#include "datafiles/dateinamen.h"
+#include "datafiles/reparatur.h"
 #include "platform/ohnefehler.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace zek {
 
@@ -35,7 +40,10 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
                     datenpflegebruecke_, um.Plattform.Tws,
                     [this](const Datenpflegeergebnis& ergebnis) { Luecken.DatenpflegeErgebnis(ergebnis); },
                     [this](const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
-                        Luecken.BeimEinarbeitenVerloren(titel, kursart, von, bis);
+                        Luecken.BeimEinarbeitenBegonnen(titel, kursart, von, bis);
+                    },
+                    [this](const clTitelobjekt& titel, std::int32_t kursart) {
+                        Luecken.BeimEinarbeitenBeendet(titel, kursart);
                     }},
                    um.Plattform.Zeitgeber,
                    um.Einstellungen,
@@ -46,6 +54,20 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
       tickzaehlerTimer_(um.Plattform.Zeitgeber.Erzeuge(Titelinfo::Intervall, [this] { Sekundentakt(); })),
       lueckenTimer_(um.Plattform.Zeitgeber.Erzeuge(Lueckenwache::Intervall, [this] { Lueckentakt(); })) {
     Atomuhr.SetzeZeitserver(Option(um.Einstellungen, "Zeitserver1"), Option(um.Einstellungen, "Zeitserver2"));
+}
+
+void Zusammenbau::StelleBestandWiederHer() {
+    auto& dateien = um_.Plattform.Dateien;
+    const bool nachAbsturz = Luecken.EndeOhneOrdnung();
+    auto befunde = zek::StelleBestandWiederHer(dateien, um_.Modul.Datenordner, nachAbsturz);
+    if (const auto konten = Kontodatenordner(um_.Modul); !konten.empty())
+        std::ranges::move(zek::StelleBestandWiederHer(dateien, std::string(konten), nachAbsturz),
+                          std::back_inserter(befunde));
+    for (const auto& befund : befunde) {
+        um_.Status.Statusmeldung("Datendatei " + befund.Pfad + ": " + befund.Text, !befund.Gut);
+        if (const auto teile = ZerlegeDateiname(befund.Pfad.substr(befund.Pfad.rfind('/') + 1)))
+            Luecken.DateiGeprueft(teile->Basisname, teile->Kursart, befund.Text);
+    }
 }
 
 void Zusammenbau::StarteZeitgeber() {

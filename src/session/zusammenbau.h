@@ -35,6 +35,8 @@ struct Zusammenbau {
     Zusammenbau(const Zusammenbau&) = delete;
     Zusammenbau& operator=(const Zusammenbau&) = delete;
 
+    // Puts right what the end of the earlier run has left in data files. To be called before the first tick.
+    void StelleBestandWiederHer();
     // The timers of the main window: supervision round, tick counter and the watch over gaps.
     void StarteZeitgeber();
     // For the shutdown: no timer, no round and no waiting backfill any more; a run that is going stops.

@@ -4,6 +4,7 @@
 #include "platform/datum.h"
 #include "werkzeug/werkzeug_befehle.h"
 #include "werkzeug/werkzeug_luecken.h"
+#include "werkzeug/werkzeug_reparatur.h"
 
 #include <algorithm>
 #include <functional>
@@ -23,6 +24,9 @@ constexpr const char* HinweiseCsv = R"(Beispiele einer Zeile:
   --zeit iso:     2026-11-15T18:21:53.250,5012.25,3)";
 constexpr const char* HinweisePruefe =
     "Rückgabewert 0: alles in Ordnung; 1: beschädigte Dateien; 2: falscher Aufruf oder nicht lesbar.";
+constexpr const char* HinweiseRepariere =
+    R"(Was am Ende einer Datei kein Datensatz ist, wird abgeschnitten und daneben in DATEI.abgeschnitten aufgehoben.
+Rückgabewert 0: alle Dateien sind in Ordnung; 1: eine hat andere Schäden; 2: falscher Aufruf oder nicht lesbar.)";
 constexpr const char* HinweiseLuecken =
     R"(Zeigt Anteile je Titel und Tag, alle Lücken mit Ursache und ein Urteil je Woche, nach dem Lückennachweis, den das
 Programm neben den Daten führt.
@@ -47,7 +51,8 @@ public:
         app_.add_flag("--version", version_, "die Version");
         app_.require_subcommand(0, 1);
         app_.footer(
-            "Die Dateien werden nur gelesen, auch während sie geschrieben werden.\nMehr zu einem Befehl: zek "
+            "Nur repariere ändert Dateien; die anderen Befehle lesen sie, auch während sie geschrieben werden. Wurde eine "
+            "Datenpflege mitten im Einarbeiten abgebrochen, so schließt jeder Befehl das zuerst ab.\nMehr zu einem Befehl: zek "
             "BEFEHL --hilfe");
         Alles(Liste("info", "Kopf, Datensätze, Zeitraum und Zustand jeder Datei; von vielen die Summen",
                     [this](auto&&... was) { return werkzeug::Info(wunsch_.Pfade, wunsch_.Alles, was...); }));
@@ -59,6 +64,8 @@ public:
             ->alias("check")
             ->alias("prüfe")
             ->footer(HinweisePruefe);
+        Liste("repariere", "abgerissene und leere Enden von Dateien abschneiden", werkzeug::Repariere)
+            ->footer(HinweiseRepariere);
         Luecken();
     }
 

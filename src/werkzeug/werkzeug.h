@@ -4,6 +4,7 @@
 //   zek tabelle FILE|DIR...                    one line for each file, its last price with it
 //   zek csv [--zeit deutsch|iso] FILE          all records as CSV
 //   zek pruefe DIR...                          damage of every file below the folders; also "check"
+//   zek repariere FILE|DIR...                  cuts off what isn't a record at the ends of files
 //   zek luecken [--csv] [--alles] [--von D] [--bis D] [--titel PATTERN] [--programm DIR] DIR
 //                                              what is recorded, filled and missing, and why; also "gaps"
 //   zek [COMMAND] --hilfe, zek --version

@@ -4,6 +4,7 @@
 #include "platform/datum.h"
 #include "platform/text.h"
 #include "werkzeug/uebersicht.h"
+#include "werkzeug/werkzeug_reparatur.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -111,7 +112,10 @@ bool Sammle(std::span<const std::string> pfade, Dateisystem& dateien, std::ostre
             alle = false;
             continue;
         }
-        std::ranges::move(Datendateien(dateien, pfad), std::back_inserter(gefunden));
+        for (std::string& datei : Datendateien(dateien, pfad)) {
+            if (!HoleEinarbeitungNach(dateien, datei, fehler)) alle = false;
+            gefunden.push_back(std::move(datei));
+        }
     }
     return alle;
 }
@@ -253,6 +257,7 @@ int Info(std::span<const std::string> pfade, bool alles, Dateisystem& dateien, s
 
 int Csv(const std::string& pfad, Zeitform form, Dateisystem& dateien, std::ostream& ausgabe, std::ostream& fehler) {
     Dateileser leser(dateien);
+    HoleEinarbeitungNach(dateien, pfad, fehler);
     if (!Oeffne(leser, pfad, fehler)) return Fehlgeschlagen;
     ausgabe << (form == Zeitform::Iso ? "zeit,kurs,volume\n" : "Zeit;Kurs;Volume\n");
     std::string zeilen;
@@ -275,7 +280,8 @@ int Check(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream
     std::int64_t schlecht = 0;
     for (const std::string& pfad : gefunden) {
         const Dateibefund befund = PruefeDatei(dateien, pfad);
-        if (!befund.IstBeschaedigt()) continue;
+        // In the middle of a merge a file may look damaged.
+        if (!befund.IstBeschaedigt() || SchliesseEinarbeitungAb(dateien, pfad) == Journalstand::Belegt) continue;
         ++schlecht;
         ausgabe << pfad << ": " << Zustand(Maengel(befund)) << "\n";
         ergebnis = std::max(ergebnis, befund.Fehlernummer != 0 ? Fehlgeschlagen : Beanstandet);

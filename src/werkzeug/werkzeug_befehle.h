@@ -27,7 +27,8 @@ int Check(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream
 // All data files below a folder, sorted; a file is given as it stands.
 std::vector<std::string> Datendateien(Dateisystem& dateien, const std::string& pfad);
 
-// The files of all paths; reports paths that aren't there and gives false for them.
+// The files of all paths; reports paths that aren't there and gives false for them. Merges that were broken off are
+// finished first.
 bool Sammle(std::span<const std::string> pfade, Dateisystem& dateien, std::ostream& fehler,
             std::vector<std::string>& gefunden);
 // Reports a file that can't be read as a data file; true when it was one.

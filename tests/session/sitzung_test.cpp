@@ -1,4 +1,5 @@
 // The session as a whole over a scripted control: bringing up, ending in every situation, and the shutdown order.
+#include "datafiles/einarbeitungsjournal.h"
 #include "hilfen/test_gesicht.h"
 #include "platform/datum.h"
 #include "platform/text.h"
@@ -8,6 +9,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cstring>
 
 namespace zek {
 namespace {
@@ -45,6 +48,71 @@ TEST_F(SitzungTest, TheStartConnectsAndSubscribesTheActiveTitles) {
 TEST_F(SitzungTest, TheSecondSettingOfTheStartTimeCounts) {
     ASSERT_TRUE(Starte("/W5"));
     EXPECT_NEAR((sitzung->Modul().Startzeitpunkt - Mittag) * SekundenProTag, 5, 0.2);
+}
+
+// ---- what an end without order has left
+
+struct WiederherstellungTest : SitzungTest {
+    WiederherstellungTest() {
+        MitTiteln(2);
+        kopf = "VQL ZeitstromKit-Datei Version 01.00" + std::string(820, ' ');
+        dateien.LegeDateiAn(pfad, kopf + std::string(4096 - 856, 'x'));
+    }
+    std::string Nachweis() { return dateien.Inhalt("/zek/RealtimeData/Lücken/2026-11-16.txt"); }
+    const std::string pfad = "/zek/RealtimeData/T1-ASK.ZEK";
+    std::string kopf;
+};
+
+TEST_F(WiederherstellungTest, AFileThatAPowerFailureToreIsCutWithALineInLogAndEvidence) {
+    ASSERT_TRUE(Starte());
+    EXPECT_EQ(dateien.Inhalt(pfad), kopf + std::string(202 * 16, 'x'));
+    EXPECT_THAT(Log(), HasSubstr("Datendatei " + pfad + ": 8 Bytes am Ende abgeschnitten\r\n"));
+    EXPECT_THAT(Nachweis(),
+                HasSubstr("16.11.2026 12:00:00,000\t16.11.2026 12:00:00,000\tT1\tDatendatei geprüft Brief\t8 "
+                          "Bytes am Ende abgeschnitten\n"));
+}
+
+TEST_F(WiederherstellungTest, AfterAnOrderlyEndFilesStayAsTheyAre) {
+    ASSERT_TRUE(Starte());
+    sitzung->Beende();
+    sitzung.reset();
+    dateien.LegeDateiAn(pfad, kopf + std::string(4096 - 856, 'x'));
+    ASSERT_TRUE(Starte());
+    EXPECT_EQ(dateien.Inhalt(pfad).size(), 4096u);
+}
+
+TEST_F(WiederherstellungTest, AnyOtherTornFileIsNamedInLogAndEvidenceAndStays) {
+    dateien.LegeDateiAn(pfad, kopf + "1234567");
+    ASSERT_TRUE(Starte());
+    EXPECT_EQ(dateien.Inhalt(pfad), kopf + "1234567");
+    const std::string text = "beschädigt (abgerissenes Ende), nimmt keine Kurse an; mit zek repariere zu beheben";
+    EXPECT_THAT(Log(), HasSubstr("Datendatei " + pfad + ": " + text + "\r\n"));
+    EXPECT_THAT(Nachweis(), HasSubstr("\tT1\tDatendatei geprüft Brief\t" + text + "\n"));
+}
+
+TEST_F(WiederherstellungTest, AMergeThatWasBrokenOffIsFinishedAlsoAfterAnOrderlyEnd) {
+    ASSERT_TRUE(Starte());
+    sitzung->Beende();
+    sitzung.reset();
+    {
+        Einarbeitungsjournal journal(dateien);
+        journal.Beginne(pfad);
+        journal.Schreibe(std::vector<KursDatensatz>{{46000, 77, 5}});
+        DatenDateikopf neu;
+        std::memcpy(&neu, kopf.data(), sizeof neu);
+        journal.MacheFest(856, 856 + 202 * 16, false, neu);
+    }
+    ASSERT_TRUE(Starte());
+    EXPECT_EQ(dateien.Inhalt(pfad).size(), 856u + 16);
+    EXPECT_THAT(Log(), HasSubstr("Datendatei " + pfad + ": unterbrochene Einarbeitung abgeschlossen\r\n"));
+    EXPECT_THAT(Nachweis(), HasSubstr("\tT1\tDatendatei geprüft Brief\tunterbrochene Einarbeitung abgeschlossen\n"));
+}
+
+TEST_F(WiederherstellungTest, FilesOfAccountDataAreLookedAtToo) {
+    Setze("Optionen", "KontenDatenSpeicherOrdner", "/konten");
+    dateien.LegeDateiAn("/konten/T9.ZEK", kopf + std::string(4096 - 856, 'x'));
+    ASSERT_TRUE(Starte());
+    EXPECT_EQ(dateien.Inhalt("/konten/T9.ZEK").size(), 4096u - 8);
 }
 
 TEST_F(SitzungTest, TheShutdownGoesThroughItsStepsInOrder) {

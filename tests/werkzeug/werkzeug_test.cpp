@@ -1,5 +1,6 @@
 #include "werkzeug/werkzeug.h"
 
+#include "datafiles/einarbeitungsjournal.h"
 #include "datafiles/vokabular.h"
 #include "hilfen/quellen.h"
 #include "platform/dateisystem_posix.h"
@@ -292,6 +293,114 @@ TEST(Dateiformat, ThePythonReaderOfTheDocumentReadsADataFileAndSkipsItsPadding) 
     std::ifstream aus(ordner / "aus.txt");
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(aus), {}), "46342.5 5012.25 3.0\n46342.75 -0.5 7.0\n");
     std::filesystem::remove_all(ordner);
+}
+
+// ---- repairs
+
+TEST_F(WerkzeugTest, RepairCutsATornEndAndKeepsItsBytesBesideTheFile) {
+    ram.LegeDateiAn("/d/a.ZEK", DaxDatei(3) + Nullen(32) + "1234567");
+    ram.LegeDateiAn("/d/gut.ZEK", DaxDatei(3));
+    EXPECT_EQ(Zek({"repariere", "/d"}), 0);
+    EXPECT_EQ(Aus(), "/d/a.ZEK: 7 Bytes und 2 leere Datensätze abgeschnitten, aufgehoben in /d/a.ZEK.abgeschnitten\n");
+    EXPECT_EQ(ram.Inhalt("/d/a.ZEK"), DaxDatei(3));
+    EXPECT_EQ(ram.Inhalt("/d/a.ZEK.abgeschnitten"), Nullen(32) + "1234567");
+    EXPECT_EQ(Zek({"check", "/d"}), 0);
+    EXPECT_EQ(Zek({"repariere", "/d"}), 0);
+    EXPECT_EQ(Aus(), "");
+}
+
+TEST_F(WerkzeugTest, RepairOverwritesNothingThatWasKeptBefore) {
+    ram.LegeDateiAn("/d/a.ZEK.abgeschnitten", "alt");
+    for (const char* name : {"/d/a.ZEK.abgeschnitten-2", "/d/a.ZEK.abgeschnitten-3"}) {
+        ram.LegeDateiAn("/d/a.ZEK", DaxDatei(3) + "x");
+        EXPECT_EQ(Zek({"repariere", "/d/a.ZEK"}), 0);
+        EXPECT_EQ(ram.Inhalt(name), "x");
+    }
+    EXPECT_EQ(ram.Inhalt("/d/a.ZEK.abgeschnitten"), "alt");
+}
+
+TEST_F(WerkzeugTest, ATornHeaderMakesAnEmptyFileThatTakesTicksAgain) {
+    ram.LegeDateiAn("/d/a.ZEK", DaxKopf().substr(0, 700));
+    EXPECT_EQ(Zek({"repariere", "/d/a.ZEK"}), 0);
+    EXPECT_EQ(ram.Inhalt("/d/a.ZEK"), "");
+    EXPECT_EQ(ram.Inhalt("/d/a.ZEK.abgeschnitten"), DaxKopf().substr(0, 700));
+}
+
+TEST_F(WerkzeugTest, RepairLeavesForeignFilesAndTellsWhatItCantMend) {
+    const std::string fremd = "kein ZEK, aber lang genug " + std::string(900, 'x');
+    ram.LegeDateiAn("/d/fremd.ZEK", fremd);
+    ram.LegeDateiAn("/d/innen.ZEK", DaxDatei(1) + Nullen(16) + DaxDatei(2).substr(872));
+    EXPECT_EQ(Zek({"repariere", "/d"}), 1);
+    EXPECT_TRUE(Enthaelt("/d/fremd.ZEK: nicht zu beheben: keine Datendatei\n"));
+    EXPECT_TRUE(Enthaelt("/d/innen.ZEK: nicht zu beheben: 1 leerer Datensatz im Inneren\n"));
+    EXPECT_EQ(ram.Inhalt("/d/fremd.ZEK"), fremd);
+    EXPECT_EQ(Zek({"repariere", "/nirgends"}), 2);
+    EXPECT_EQ(Zek({"repariere"}), 2);
+}
+
+TEST_F(WerkzeugTest, NothingIsCutThatCouldntBeKept) {
+    const std::string datei = DaxDatei(3) + "1234567";
+    ram.LegeDateiAn("/d/a.ZEK", datei);
+    ram.SchuetzeVorSchreiben("/d");
+    EXPECT_EQ(Zek({"repariere", "/d"}), 1);
+    EXPECT_EQ(ram.Inhalt("/d/a.ZEK"), datei);
+    EXPECT_FALSE(Fehler().empty());
+    ram.SchuetzeVorSchreiben("/d", false);
+    for (std::uint64_t n = 1;; ++n) {
+        ram.LegeDateiAn("/d/a.ZEK", datei);
+        ram.Loesche("/d/a.ZEK.abgeschnitten");
+        dateien.Heile();
+        dateien.StoereNten(n, EIO);
+        const int ergebnis = Zek({"repariere", "/d/a.ZEK"});
+        const bool ganz = ram.Inhalt("/d/a.ZEK") == datei;
+        EXPECT_TRUE(ganz || ram.Inhalt("/d/a.ZEK.abgeschnitten") == "1234567") << "call " << n;
+        if (ergebnis == 0 && !ganz && n > 30) break;
+        ASSERT_LT(n, 100u);
+    }
+}
+
+// A merge that was broken off behind its journal: the file of three records gets one in place of the second.
+void BrichEinarbeitungAb(Dateisystem& dateien, const std::string& pfad) {
+    Einarbeitungsjournal journal(dateien);
+    journal.Beginne(pfad);
+    journal.Schreibe(std::vector<KursDatensatz>{{46000 + 1 / 86400.0, 77, 5}});
+    DatenDateikopf kopf;
+    std::memcpy(&kopf, DaxKopf().data(), sizeof kopf);
+    journal.MacheFest(872, 856 + 48, true, kopf);
+}
+
+TEST_F(WerkzeugTest, EveryCommandFirstFinishesAMergeThatWasBrokenOff) {
+    const std::string neu = DaxDatei(1) + Satzbytes(46000 + 1 / 86400.0, 77, 5) + DaxDatei(3).substr(856 + 32);
+    for (const char* befehl : {"info", "tabelle", "check", "repariere", "csv"}) {
+        SCOPED_TRACE(befehl);
+        ram.LegeDateiAn("/d/a.ZEK", DaxDatei(3));
+        BrichEinarbeitungAb(ram, "/d/a.ZEK");
+        EXPECT_EQ(Zek({befehl, "/d/a.ZEK"}), 0);
+        EXPECT_EQ(ram.Inhalt("/d/a.ZEK"), neu);
+        EXPECT_EQ(Fehler(), "zek: /d/a.ZEK: unterbrochene Einarbeitung abgeschlossen\n");
+        EXPECT_FALSE(ram.DateiExistiert("/d/a.ZEK.Einarbeitung"));
+    }
+}
+
+TEST_F(WerkzeugTest, AMergeThatCantBeFinishedIsTold) {
+    ram.LegeDateiAn("/d/a.ZEK", DaxDatei(3));
+    BrichEinarbeitungAb(ram, "/d/a.ZEK");
+    ram.SchuetzeVorSchreiben("/d/a.ZEK.Einarbeitung");
+    EXPECT_EQ(Zek({"check", "/d"}), 2);
+    EXPECT_EQ(Fehler(),
+              "zek: /d/a.ZEK: unterbrochene Einarbeitung noch nicht abgeschlossen (kein Zugriff oder "
+              "Schreibfehler)\n");
+}
+
+TEST_F(WerkzeugTest, AFileInTheMiddleOfAMergeIsntJudged) {
+    ram.LegeDateiAn("/d/a.ZEK", DaxDatei(3) + DaxDatei(2).substr(856));
+    EXPECT_EQ(Zek({"check", "/d"}), 1);
+    Einarbeitungsjournal journal(ram);
+    journal.Beginne("/d/a.ZEK");
+    ausgabe.str(""), fehler.str("");
+    EXPECT_EQ(Werkzeug({"check", "/d"}, "1", dateien, ausgabe, fehler), 0);
+    EXPECT_EQ(Fehler(), "zek: /d/a.ZEK: wird gerade eingearbeitet\n");
+    EXPECT_EQ(Aus(), "1 Datei geprüft, 0 beanstandet.\n");
 }
 
 }  // namespace

@@ -1,0 +1,341 @@
+// What a power failure leaves in data files, and what the next start makes of it. By environment: ZEK_FAELLE, the
+// number of random failures (default 3,000), and ZEK_SAAT, the first one.
+#include "datafiles/reparatur.h"
+
+#include "datafiles/kursart.h"
+#include "datafiles/vokabular.h"
+#include "platform/text.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <random>
+
+namespace zek {
+namespace {
+
+using namespace hilfen;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// ---- the journal of a merge, as a crash leaves it
+
+class JournalTest : public testing::Test {
+protected:
+    static constexpr const char* Pfad = "/d/K/DAX.ZEK";
+    static constexpr const char* Journal = "/d/K/DAX.ZEK.Einarbeitung";
+
+    // A file of 40 records; records 10 to 19 are to become three.
+    void LegeAn() {
+        ram.LegeDateiAn(Pfad, DaxDatei(40));
+        Einarbeitungsjournal journal(dateien, 64);
+        journal.Beginne(Pfad);
+        journal.Schreibe(block_);
+        const auto alle = Saetze(DaxDatei(40));
+        journal.Schreibe(std::span(alle).subspan(20));
+        journal.MacheFest(856 + 10 * 16, 856 + 40 * 16, false, KopfVon(DaxDatei(0)));
+    }
+    static DatenDateikopf KopfVon(const std::string& datei) {
+        DatenDateikopf kopf;
+        std::memcpy(&kopf, datei.data(), sizeof kopf);
+        SetzeLetztePflege(kopf, 46000);
+        return kopf;
+    }
+    std::string Fertig() const {
+        std::string datei = DaxDatei(10);
+        for (const auto& satz : block_) datei += Satzbytes(satz.Datum, satz.Kurs, satz.Volume);
+        datei += DaxDatei(40).substr(856 + 20 * 16);
+        return datei.replace(686, 20, "2025#12#09#00#00#00 ");
+    }
+    Journalstand Oeffne() { return SchliesseEinarbeitungAb(dateien, Pfad); }
+
+    const std::vector<KursDatensatz> block_ = {
+        {46000 + 10 / 86400.0, 7, 7}, {46000 + 15 / 86400.0, 8, 8}, {46000 + 19 / 86400.0, 9, 9}};
+    RamDateisystem ram;
+    StoerDateisystem dateien{ram};
+};
+
+TEST_F(JournalTest, AMergeThatWasBrokenOffIsFinishedAtTheNextOpening) {
+    LegeAn();
+    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
+    EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
+    EXPECT_EQ(ram.Inhalt(Pfad), Fertig());
+    EXPECT_FALSE(ram.DateiExistiert(Journal));
+    EXPECT_EQ(Oeffne(), Journalstand::Keines);
+    EXPECT_EQ(ram.OffeneHandles(), 0u);
+}
+
+TEST_F(JournalTest, WithoutAJournalALookCostsOneCall) {
+    ram.LegeDateiAn(Pfad, DaxDatei(40));
+    EXPECT_EQ(Oeffne(), Journalstand::Keines);
+    EXPECT_EQ(dateien.Muster(), "Oeffne");
+}
+
+TEST_F(JournalTest, RecordsThatWereAppendedMeanwhileStandBehindTheMerge) {
+    LegeAn();
+    ram.LegeDateiAn(Pfad, DaxDatei(42) + "torn");
+    EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
+    EXPECT_EQ(ram.Inhalt(Pfad), Fertig() + DaxDatei(42).substr(856 + 40 * 16));
+}
+
+TEST_F(JournalTest, OneThatSomebodyHasIsLeftAlone) {
+    LegeAn();
+    const auto handle = ram.Oeffne(Journal, Oeffnen::LesenSchreiben);
+    ASSERT_EQ(ram.Sperre(handle), 0);
+    EXPECT_EQ(Oeffne(), Journalstand::Belegt);
+    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
+    ram.Schliesse(handle);
+    EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
+}
+
+TEST_F(JournalTest, OneThatWasntMadeFastIsThrownAway) {
+    LegeAn();
+    const std::string ganz = ram.Inhalt(Journal);
+    for (const std::size_t laenge : {0u, 8u, 500u, 1024u, 1400u}) {
+        std::string halb = ganz.substr(0, laenge);
+        if (laenge > 928) halb.replace(928, 8, Nullen(8));
+        ram.LegeDateiAn(Journal, halb);
+        EXPECT_EQ(Oeffne(), Journalstand::Verworfen) << laenge;
+        EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
+        EXPECT_FALSE(ram.DateiExistiert(Journal));
+    }
+}
+
+TEST_F(JournalTest, ADamagedOneIsPutAsideAndTheFileStays) {
+    LegeAn();
+    const std::string ganz = ram.Inhalt(Journal);
+    for (const std::size_t stelle : {0u, 35u, 100u, 928u, 1024u, 1090u}) {
+        std::string schlecht = ganz;
+        schlecht[stelle] = static_cast<char>(schlecht[stelle] + 1);
+        ram.LegeDateiAn(Journal, schlecht);
+        EXPECT_EQ(Oeffne(), Journalstand::Unlesbar) << stelle;
+        EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
+        EXPECT_EQ(ram.Inhalt(std::string(Journal) + ".defekt"), schlecht);
+        EXPECT_FALSE(ram.DateiExistiert(Journal));
+    }
+}
+
+TEST_F(JournalTest, TheJournalOfADeletedFileGoes) {
+    LegeAn();
+    ram.Loesche(Pfad);
+    EXPECT_EQ(Oeffne(), Journalstand::Verworfen);
+    EXPECT_THAT(ram.Dateien(), IsEmpty());
+}
+
+TEST_F(JournalTest, OneThatDoesntFitToTheFileIsPutAside) {
+    LegeAn();
+    ram.LegeDateiAn(Pfad, DaxDatei(3));
+    EXPECT_EQ(Oeffne(), Journalstand::Unlesbar);
+    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(3));
+}
+
+TEST_F(JournalTest, WithoutTheRightToWriteItStays) {
+    LegeAn();
+    ram.SchuetzeVorSchreiben(Journal);
+    EXPECT_EQ(Oeffne(), Journalstand::Gescheitert);
+    ram.SchuetzeVorSchreiben(Journal, false);
+    EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
+}
+
+// ---- the ends of files
+
+class EndeTest : public testing::Test {
+protected:
+    static constexpr const char* Pfad = "/d/K/DAX.ZEK";
+    // What a start makes of a file: its text, or "" when it says nothing.
+    std::string Starte(const std::string& inhalt, bool nachAbsturz = true) {
+        ram.LegeDateiAn(Pfad, inhalt);
+        const auto befunde = StelleBestandWiederHer(dateien, "/d", nachAbsturz);
+        EXPECT_EQ(ram.OffeneHandles(), 0u);
+        if (befunde.empty()) return {};
+        EXPECT_EQ(befunde.size(), 1u);
+        EXPECT_EQ(befunde[0].Pfad, Pfad);
+        return (befunde[0].Gut ? "" : "! ") + befunde[0].Text;
+    }
+    std::string Inhalt() const { return ram.Inhalt(Pfad); }
+
+    RamDateisystem ram;
+    StoerDateisystem dateien{ram};
+};
+
+// 4096 is 856, 202 records and half a record.
+TEST_F(EndeTest, AFileThatEndsWithABlockIsCutBackToItsLastWholeRecord) {
+    EXPECT_EQ(Starte(DaxDatei(300).substr(0, 4096)), "8 Bytes am Ende abgeschnitten");
+    EXPECT_EQ(Inhalt(), DaxDatei(202));
+    EXPECT_EQ(Starte(DaxDatei(300).substr(0, 1024)), "8 Bytes am Ende abgeschnitten");
+    EXPECT_EQ(Inhalt(), DaxDatei(10));
+}
+
+TEST_F(EndeTest, ThenTheRecordsOfZerosBeforeItGo) {
+    EXPECT_EQ(Starte(DaxDatei(200) + Nullen(40)), "8 Bytes und 2 leere Datensätze am Ende abgeschnitten");
+    EXPECT_EQ(Inhalt(), DaxDatei(200));
+    EXPECT_EQ(Starte(DaxDatei(9000) + Nullen(155648 - 856 - 9000 * 16)),
+              "8 Bytes und 674 leere Datensätze am Ende abgeschnitten");
+    EXPECT_EQ(Inhalt(), DaxDatei(9000));
+}
+
+TEST_F(EndeTest, ARecordThatLostItsSecondHalfToTheSameBlockGoesWithIt) {
+    EXPECT_EQ(Starte(DaxDatei(300).substr(0, 4096) + Nullen(4096)),
+              "8 Bytes und 255 leere Datensätze und ein halber Datensatz am Ende abgeschnitten");
+    EXPECT_EQ(Inhalt(), DaxDatei(202));
+}
+
+TEST_F(EndeTest, ARecordWithoutPriceAndVolumeBesideABlocksEndStays) {
+    const std::string null = Satzbytes(46001, 0, 0);
+    EXPECT_EQ(Starte(DaxDatei(202) + null + null + Nullen(8192 - 4120)),
+              "8 Bytes und 254 leere Datensätze am Ende abgeschnitten");
+    EXPECT_EQ(Inhalt(), DaxDatei(202) + null + null);
+}
+
+TEST_F(EndeTest, AFileOfNothingButZeroRecordsKeepsThemForItsNextAppend) {
+    EXPECT_EQ(Starte(DaxKopf() + Nullen(4096 - 856)), "8 Bytes am Ende abgeschnitten");
+    EXPECT_EQ(Inhalt(), DaxKopf() + Nullen(4096 - 856 - 8));
+}
+
+TEST_F(EndeTest, AHeaderThatWasTornByABlockMakesAnEmptyFile) {
+    EXPECT_EQ(Starte(DaxKopf().substr(0, 512)), "512 Bytes am Ende abgeschnitten");
+    EXPECT_EQ(Inhalt(), "");
+    EXPECT_EQ(Starte(Nullen(512)), "512 Bytes am Ende abgeschnitten");
+    EXPECT_EQ(Inhalt(), "");
+}
+
+TEST_F(EndeTest, AHeaderOfZerosIsOurs) {
+    EXPECT_EQ(Starte(Nullen(856) + DaxDatei(300).substr(856, 4096 - 856)), "8 Bytes am Ende abgeschnitten");
+}
+
+TEST_F(EndeTest, AnyOtherTornFileStaysAndIsNamed) {
+    const std::string text = "! beschädigt (abgerissenes Ende), nimmt keine Kurse an; mit zek repariere zu beheben";
+    std::string fremd = DaxDatei(300).substr(0, 4096);
+    fremd[3] = 'X';
+    for (const std::string& datei : {DaxDatei(202) + "1234567", DaxDatei(5) + "x", DaxKopf().substr(0, 855),
+                                     DaxKopf().substr(0, 100), fremd, std::string("kein ZEK")}) {
+        EXPECT_EQ(Starte(datei), text) << datei.size();
+        EXPECT_EQ(Inhalt(), datei);
+    }
+}
+
+TEST_F(EndeTest, SoundFilesCostALookAtTheirSize) {
+    EXPECT_EQ(Starte(DaxDatei(300)), "");
+    EXPECT_EQ(dateien.Anzahl(Dateiaufruf::Lies), 0u);
+    EXPECT_EQ(Starte(DaxDatei(20) + Nullen(32)), "");  // the next append cuts them
+    EXPECT_EQ(Starte(""), "");
+}
+
+TEST_F(EndeTest, AfterAnOrderlyEndNoFileIsTouched) {
+    const std::string datei = DaxDatei(300).substr(0, 4096);
+    EXPECT_EQ(Starte(datei, false), "");
+    EXPECT_EQ(Inhalt(), datei);
+    EXPECT_EQ(dateien.Anzahl(Dateiaufruf::Oeffne), 0u);
+}
+
+TEST_F(EndeTest, FilesInCatalogsAndInTheFolderItselfAreFound) {
+    const std::string datei = DaxDatei(300).substr(0, 4096);
+    ram.LegeDateiAn("/d/A.zek", datei);
+    ram.LegeDateiAn("/d/K/B.ZEK", datei);
+    ram.LegeDateiAn("/d/K/tief/C.ZEK", datei);
+    ram.LegeDateiAn("/d/K/D.ZEK.defekt", datei);
+    std::vector<std::string> pfade;
+    for (const auto& befund : StelleBestandWiederHer(dateien, "/d/", true)) pfade.push_back(befund.Pfad);
+    EXPECT_THAT(pfade, testing::UnorderedElementsAre("/d/A.zek", "/d/K/B.ZEK"));
+}
+
+TEST_F(EndeTest, AFailingCallLeavesTheFileOrPutsItRight) {
+    const std::string datei = DaxDatei(300).substr(0, 4096);
+    Starte(datei);
+    const auto aufrufe = dateien.Anzahl();
+    for (std::uint64_t n = 1; n <= aufrufe; ++n) {
+        dateien.Heile();
+        dateien.StoereNten(n, EIO);
+        Starte(datei);
+        EXPECT_TRUE(Inhalt() == datei || Inhalt() == DaxDatei(202)) << "call " << n;
+    }
+}
+
+// ---- a power failure: of each file every block of 4 KiB is independently as new or as it was at the last sync, and
+// the size is the true one or the end of a block
+
+constexpr std::size_t Block = 4096;
+
+std::uint64_t Umgebungszahl(const char* name, std::uint64_t vorgabe) {
+    const char* text = std::getenv(name);
+    return text == nullptr ? vorgabe : std::strtoull(text, nullptr, 10);
+}
+
+std::string NachStromausfall(const std::string& alt, const std::string& neu, std::mt19937_64& zufall) {
+    std::size_t groesse = neu.size();
+    if (zufall() % 4 != 0) {
+        const std::size_t erster = (alt.size() + Block - 1) / Block, letzter = neu.size() / Block;
+        if (letzter >= std::max<std::size_t>(erster, 1))
+            groesse = (std::max<std::size_t>(erster, 1) + zufall() % (letzter - std::max<std::size_t>(erster, 1) + 1)) *
+                      Block;
+    }
+    std::string bild(groesse, '\0');
+    for (std::size_t ab = 0; ab < groesse; ab += Block) {
+        const std::string& quelle = zufall() % 3 == 0 ? alt : neu;
+        if (ab < quelle.size()) {
+            const std::string teil = quelle.substr(ab, std::min(Block, groesse - ab));
+            bild.replace(ab, teil.size(), teil);
+        }
+    }
+    return bild;
+}
+
+// What is left: the image without the torn record, the zero records at its end, and half a record before them.
+std::string OhneAusgefallenes(const std::string& bild) {
+    if (bild.size() < 856) return {};
+    std::string datei = bild.substr(0, 856 + (bild.size() - 856) / 16 * 16);
+    const auto letzter = [&](std::size_t ab, std::size_t laenge) {
+        return datei.size() > 856 && datei.substr(datei.size() - 16 + ab, laenge) == Nullen(laenge);
+    };
+    const std::string mitNullen = datei;
+    bool nullen = false;
+    for (; letzter(0, 8); nullen = true) datei.resize(datei.size() - 16);
+    if (datei.size() == 856) return mitNullen;
+    if (nullen && letzter(8, 8) && (datei.size() - 8) % Block == 0) datei.resize(datei.size() - 16);
+    return datei;
+}
+
+TEST(Stromausfall, EachFileTakesTicksAgainAndKeepsWhatTheDiskHasKept) {
+    std::size_t abgerissen = 0;
+    const std::uint64_t saat = Umgebungszahl("ZEK_SAAT", 1), faelle = Umgebungszahl("ZEK_FAELLE", 3000);
+    for (std::uint64_t nummer = saat; nummer < saat + faelle; ++nummer) {
+        SCOPED_TRACE("ZEK_SAAT=" + std::to_string(nummer));
+        std::mt19937_64 zufall(nummer);
+        const int vorher = static_cast<int>(zufall() % 600), seither = static_cast<int>(zufall() % 900);
+        const std::string alt = zufall() % 5 == 0 ? std::string() : DaxDatei(vorher);
+        const std::string bild = NachStromausfall(alt, DaxDatei(vorher + seither), zufall);
+        RamDateisystem ram;
+        StoerDateisystem dateien(ram);
+        const std::string pfad = "/d/K/DAX@EUREX_FUT_201206_EUR.ZEK";
+        ram.LegeDateiAn(pfad, bild);
+        const bool torn = !bild.empty() && (bild.size() < 856 || (bild.size() - 856) % 16 != 0);
+        abgerissen += torn ? 1 : 0;
+        const std::size_t befunde = StelleBestandWiederHer(dateien, "/d", true).size();
+        ASSERT_EQ(befunde, torn ? 1u : 0u);
+        if (torn) ASSERT_EQ(ram.Inhalt(pfad), OhneAusgefallenes(bild));
+
+        IBModul modul;
+        modul.Datenordner = "/d";
+        TestStatus status;
+        clTitelobjekt titel;
+        MacheDax(titel);
+        titel.Katalog = "K";
+        Datensatzschreiber schreiber(modul, dateien, status, {});
+        const std::string davor = ram.Inhalt(pfad);
+        for (const float i : {1.0F, 2.0F})
+            schreiber.DatensatzAnhaengen(titel, kursart::Bezahlt, i, 2, false, 46999 + static_cast<double>(i));
+        const std::string datei = ram.Inhalt(pfad);
+        ASSERT_EQ((datei.size() - 856) % 16, 0u);
+        ASSERT_EQ(datei.substr(datei.size() - 16), Satzbytes(47001, 2, 2));
+        ASSERT_EQ(datei.substr(0, 36), DaxKopf().substr(0, 36));
+        // All records that had a time are there still, at their place.
+        const auto saetze = Saetze(datei);
+        const auto gebliebene = davor.empty() ? std::vector<KursDatensatz>() : Saetze(davor);
+        for (std::size_t i = 0; i < gebliebene.size(); ++i)
+            if (gebliebene[i].Datum != 0.0) ASSERT_EQ(saetze.at(i), gebliebene[i]);
+    }
+    EXPECT_GT(abgerissen, faelle / 3);
+}
+
+}  // namespace
+}  // namespace zek
