@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int64_t Sprung = static_cast<std::int64_t>(Einarbeiter::Blocksaetze) * DatensatzBytes;
 // Records that are read or written in one call.
-constexpr std::size_t Stueck = 16 * Einarbeiter::Blocksaetze;
+constexpr std::size_t Stueck = 64 * Einarbeiter::Blocksaetze;
 
 std::int64_t Bytes(std::size_t saetze) {
     return static_cast<std::int64_t>(saetze) * DatensatzBytes;
@@ -82,22 +82,26 @@ void Einarbeiter::FuehreAus(Merge& merge) {
     if (!LiesKopf(merge)) return;
     if (merge.HatSaetze()) PruefeKonsistenz(merge);
     BestimmeStellen(merge);
-    const auto anzahl = std::ranges::count_if(merge.Saetze, [&](const auto& satz) { return merge.Bleibt(satz); });
-    const bool gleichLang = merge.Schreibstelle + anzahl * DatensatzBytes == merge.SchwanzVon;
-    PruefePlatz(merge, gleichLang);
+    PruefePlatz(merge);
 
     pumpe_.Ereignisse();
     merge.Fenster.AbbruchMoeglich(false);
     merge.Fenster.FortschrittMaximum(static_cast<int>(merge.Saetze.size()));
     merge.Journal.Beginne(merge.Pfad);
     const std::int32_t geschrieben = SchreibeBlock(merge);
-    const bool restBleibt = gleichLang && AllesNeuer(merge);
+    // Where older records lie among the newer ones, what is newer belongs to the content, and the rest is what has come
+    // since.
+    const bool restBleibt = AllesNeuer(merge);
     if (!restBleibt) SchreibeSchwanz(merge);
+    const std::int64_t ersetzt = restBleibt ? merge.SchwanzVon : merge.Ende;
     // No events from here on until the journal is fast: nothing can be appended to the file that it doesn't know of.
-    if (!restBleibt) SchreibeHinzugekommene(merge, merge.Datei.FileSize().Bytes());
+    merge.MerkeGroesse();
+    if (merge.Ende < ersetzt) WirfSystemfehler(-EIO);
     SetzeLetztePflege(merge.Kopf, uhr_.Jetzt());
-    merge.Journal.MacheFest(merge.Schreibstelle, merge.Ende, restBleibt, merge.Kopf);
-    merge.Journal.Uebertrage(merge.Datei.FileHandle(), [this] { pumpe_.Ereignisse(); });
+    merge.Journal.MacheFest(merge.Schreibstelle, ersetzt, merge.Ende, merge.Kopf);
+    merge.Journal.Uebertrage(
+        merge.Datei.FileHandle(), [this] { pumpe_.Ereignisse(); },
+        restBleibt && !merge.Filter ? merge.Saetze : std::span<const KursDatensatz>());
     merge.Anzahl = geschrieben;
     SchreibeKopf(merge);
 }
@@ -196,11 +200,11 @@ void Einarbeiter::BestimmeStellen(Merge& merge) {
 }
 
 // On a full disk the merge isn't begun. It needs room for its journal and for what the file grows by.
-void Einarbeiter::PruefePlatz(const Merge& merge, bool restBleibt) {
-    const std::int64_t schwanz = restBleibt ? 0 : (merge.Ende - merge.SchwanzVon) / DatensatzBytes;
-    const std::int64_t saetze = std::ssize(merge.Saetze) + schwanz;
-    const std::int64_t zuwachs = merge.Schreibstelle + Bytes(merge.Saetze.size()) - merge.SchwanzVon;
-    const std::int64_t bedarf = Einarbeitungsjournal::Platzbedarf(saetze) + std::max<std::int64_t>(zuwachs, 0);
+void Einarbeiter::PruefePlatz(const Merge& merge) {
+    const std::int64_t laenge = Bytes(merge.Saetze.size());
+    const std::int64_t zuwachs = std::max<std::int64_t>(merge.Schreibstelle + laenge - merge.SchwanzVon, 0);
+    const std::int64_t bedarf =
+        Einarbeitungsjournal::Platzbedarf(laenge, merge.Ende - merge.SchwanzVon, journalstueck_) + zuwachs;
     const std::int64_t frei = dateien_.FreierPlatz(merge.Pfad.substr(0, merge.Pfad.rfind('/')));
     if (frei >= 0 && frei < bedarf) WirfSystemfehler(-ENOSPC);
 }
@@ -244,17 +248,6 @@ void Einarbeiter::SchreibeSchwanz(Merge& merge) {
         stelle += Bytes(teil.size());
         const auto rest = std::ranges::remove_if(teil, [&](const auto& satz) { return !merge.IstNeuer(satz); });
         merge.Journal.Schreibe(std::span<const KursDatensatz>(teil.begin(), rest.begin()));
-    }
-}
-
-// Live records since the end of the file was looked up, whatever their time.
-void Einarbeiter::SchreibeHinzugekommene(Merge& merge, std::int64_t groesse) {
-    std::int64_t stelle = merge.Ende;
-    merge.Ende += std::max<std::int64_t>(groesse - merge.Ende, 0) / DatensatzBytes * DatensatzBytes;
-    while (stelle < merge.Ende) {
-        const auto teil = LiesSaetze(merge, stelle, Stueck);
-        merge.Journal.Schreibe(teil);
-        stelle += Bytes(teil.size());
     }
 }
 

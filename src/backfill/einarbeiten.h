@@ -73,11 +73,10 @@ private:
     template <typename Halt>
     std::int64_t LiesWeiter(Merge& merge, std::int64_t ab, Halt halt);
     void BestimmeStellen(Merge& merge);
-    void PruefePlatz(const Merge& merge, bool restBleibt);
+    void PruefePlatz(const Merge& merge);
     std::int32_t SchreibeBlock(Merge& merge);
     bool AllesNeuer(Merge& merge);
     void SchreibeSchwanz(Merge& merge);
-    void SchreibeHinzugekommene(Merge& merge, std::int64_t groesse);
     void SchreibeKopf(Merge& merge);
 
     void Gehe(Merge& merge, std::int64_t stelle);

@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -20,7 +21,6 @@ constexpr std::string_view Kennung("Tessaron ZEK Einarbeitung 01.00\0", 32);
 constexpr std::int64_t KopfPlatz = 1024;
 // Room for additions that is there before the data file is touched.
 constexpr std::int64_t Vorrat = 16384;
-constexpr std::int64_t Waechst = 0, Ueberschreibt = 1;
 constexpr std::int64_t Lesestueck = std::int64_t{1} << 20;
 
 std::int64_t Gelungen(std::int64_t ergebnis) {
@@ -60,24 +60,25 @@ std::uint64_t Summe(std::span<const std::byte> daten) {
 
 struct Kopfsatz {
     std::array<char, 32> Kennung{};
-    std::int64_t Stelle = 0, Laenge = 0, Ende = 0, RestBleibt = 0;
+    std::int64_t Stelle = 0, Laenge = 0, Ersetzt = 0, Ende = 0, Fenster = 0;
     std::uint64_t InhaltSumme = 0;
     std::array<std::byte, sizeof(DatenDateikopf)> Kopf{};
     std::uint64_t KopfSumme = 0;
 };
-static_assert(sizeof(Kopfsatz) == 936);
-static_assert(offsetof(Kopfsatz, Kopf) == 72);
+static_assert(sizeof(Kopfsatz) == 944);
+static_assert(offsetof(Kopfsatz, Kopf) == 80);
 
-struct Nachtragskopf {
-    std::int64_t Grenze = 0, Phase = 0, Anzahl = 0;
+// The head of a window and of an addition.
+struct Teilkopf {
+    std::array<std::int64_t, 3> Werte{};
     std::uint64_t Summe = 0;
 };
-static_assert(sizeof(Nachtragskopf) == 32);
+static_assert(sizeof(Teilkopf) == 32);
+constexpr std::int64_t TeilkopfBytes = sizeof(Teilkopf);
 
-std::uint64_t Nachtragssumme(const Nachtragskopf& kopf, std::span<const KursDatensatz> saetze) {
-    const auto anfang = std::as_bytes(std::span(&kopf, 1)).first(offsetof(Nachtragskopf, Summe));
-    const auto daten = std::as_bytes(saetze);
-    return XXH3_64bits_withSeed(daten.data(), daten.size(), Summe(anfang));
+std::uint64_t Teilsumme(const Teilkopf& kopf, std::span<const std::byte> daten) {
+    const std::uint64_t anfang = Summe(std::as_bytes(std::span(&kopf, 1)).first(offsetof(Teilkopf, Summe)));
+    return XXH3_64bits_withSeed(daten.data(), daten.size(), anfang);
 }
 
 }  // namespace
@@ -101,8 +102,8 @@ Einarbeitungsjournal::~Einarbeitungsjournal() {
     dateien_.Schliesse(handle_);
 }
 
-std::int64_t Einarbeitungsjournal::Platzbedarf(std::int64_t saetze) {
-    return KopfPlatz + saetze * DatensatzBytes + Vorrat;
+std::int64_t Einarbeitungsjournal::Platzbedarf(std::int64_t laenge, std::int64_t rest, std::int64_t stueck) {
+    return KopfPlatz + laenge + 2 * (TeilkopfBytes + std::min(rest, stueck)) + Vorrat;
 }
 
 // ---- a merge
@@ -130,47 +131,56 @@ void Einarbeitungsjournal::Schreibe(std::span<const KursDatensatz> saetze) {
     ungesichert_ = 0;
 }
 
-void Einarbeitungsjournal::MacheFest(std::int64_t stelle, std::int64_t ende, bool restBleibt,
+void Einarbeitungsjournal::MacheFest(std::int64_t stelle, std::int64_t ersetzt, std::int64_t ende,
                                      const DatenDateikopf& kopf) {
-    nachtragsstelle_ = KopfPlatz + laenge_;
-    const std::vector<std::byte> nullen(Vorrat);
-    SchreibeAn(dateien_, handle_, nachtragsstelle_, nullen);
     Kopfsatz satz;
     std::ranges::copy(Kennung, satz.Kennung.begin());
     satz.Stelle = stelle_ = stelle;
     satz.Laenge = laenge_;
+    satz.Ersetzt = ersetzt_ = ersetzt;
     satz.Ende = ende_ = grenze_ = ende;
-    satz.RestBleibt = restBleibt ? 1 : 0;
-    restBleibt_ = restBleibt;
+    satz.Fenster = fenster_ = std::min(stueck_, std::max(ende - ersetzt, DatensatzBytes));
     satz.InhaltSumme = summe_->Wert();
     kopf_ = kopf;
     std::ranges::copy(KopfBytes(kopf), satz.Kopf.begin());
+    phase_ = Anfangsphase();
+    nachtragsstelle_ = KopfPlatz + laenge_ + Fensterplatz();
+    // All room that later steps need is there before the data file is touched.
+    const std::vector<std::byte> nullen(static_cast<std::size_t>(Fensterplatz() + Vorrat));
+    SchreibeAn(dateien_, handle_, KopfPlatz + laenge_, nullen);
     const auto bytes = std::as_bytes(std::span(&satz, 1));
     satz.KopfSumme = Summe(bytes.first(offsetof(Kopfsatz, KopfSumme)));
     SchreibeAn(dateien_, handle_, 0, bytes);
     Gelungen(dateien_.Leere(handle_));
     fest_ = true;
-    phase_ = !restBleibt_ && NeuesEnde() > ende_ ? Waechst : Ueberschreibt;
 }
 
 std::int64_t Einarbeitungsjournal::NeuesEnde() const {
-    return stelle_ + laenge_ + Bytes(angehaengte_.size());
+    return ende_ + Schub() + Bytes(angehaengte_.size());
 }
 
-void Einarbeitungsjournal::Uebertrage(Dateihandle datei, const Pause& pause) {
+Einarbeitungsjournal::Phase Einarbeitungsjournal::Anfangsphase() const {
+    if (Schub() > 0) return Phase::Waechst;
+    return Schub() < 0 && ersetzt_ < ende_ ? Phase::Verschiebt : Phase::Schreibt;
+}
+
+bool Einarbeitungsjournal::FensterMitDaten() const {
+    return std::abs(Schub()) < fenster_;
+}
+
+std::int64_t Einarbeitungsjournal::Fensterplatz() const {
+    if (Schub() == 0 || ersetzt_ == ende_) return 0;
+    return 2 * (TeilkopfBytes + (FensterMitDaten() ? fenster_ : 0));
+}
+
+void Einarbeitungsjournal::Uebertrage(Dateihandle datei, const Pause& pause, std::span<const KursDatensatz> inhalt) {
+    if (std::ssize(std::as_bytes(inhalt)) == laenge_) inhalt_ = std::as_bytes(inhalt);
     const std::int64_t groesse = Gelungen(dateien_.Groesse(datei));
     if (GanzeSaetze(groesse) != groesse) Gelungen(dateien_.SetzeLaenge(datei, GanzeSaetze(groesse)));
-    if (phase_ == Waechst) Wachse(datei, pause);
-    const std::int64_t bis = std::min(ende_, NeuesEnde());
-    for (std::int64_t stelle = stelle_; stelle < bis;) {
-        const std::int64_t naechste = std::min(stelle + stueck_, bis);
-        UebertrageStueck(datei, stelle, naechste);
-        stelle = naechste;
-        if (stelle == bis) break;
-        Gelungen(dateien_.Leere(datei));
-        if (pause) pause();
-    }
-    if (!restBleibt_) SchneideAb(datei);
+    if (phase_ == Phase::Waechst) Wachse(datei, pause);
+    if (phase_ == Phase::Verschiebt) Verschiebe(datei, pause);
+    SchreibeInhalt(datei, pause);
+    SchneideAb(datei);
     Gelungen(dateien_.Leere(datei));
 }
 
@@ -179,17 +189,17 @@ void Einarbeitungsjournal::Wachse(Dateihandle datei, const Pause& pause) {
     try {
         std::vector<KursDatensatz> neue;
         for (std::int64_t hier = ende_; hier < NeuesEnde();) {
-            const std::int64_t bis = std::min(std::max(hier + stueck_, hier + Bytes(neue.size())), NeuesEnde());
-            TrageNach(bis, Waechst, neue);
+            const std::int64_t bis = std::min(hier + std::max(stueck_, Bytes(neue.size())), NeuesEnde());
+            TrageNach(bis, Phase::Waechst, neue);
             UebertrageStueck(datei, hier, bis);
+            Gelungen(dateien_.Leere(datei));
             hier = bis;
             if (hier == NeuesEnde()) break;
-            Gelungen(dateien_.Leere(datei));
             if (pause) pause();
             neue = LiesAngehaengte(datei);
             angehaengte_.insert(angehaengte_.end(), neue.begin(), neue.end());
         }
-        if (stelle_ < ende_) TrageNach(grenze_, Ueberschreibt, {});
+        if (stelle_ < ende_) TrageNach(grenze_, stelle_ + laenge_ < ende_ ? Phase::Verschiebt : Phase::Schreibt, {});
     } catch (const Journalfehler&) {
         NimmWachstumZurueck(datei);
         throw;
@@ -197,9 +207,65 @@ void Einarbeitungsjournal::Wachse(Dateihandle datei, const Pause& pause) {
 }
 
 void Einarbeitungsjournal::NimmWachstumZurueck(Dateihandle datei) {
+    try {
+        TrageNach(grenze_, Phase::Waechst, {});  // over an addition of the next phase that failed half way
+    } catch (const Journalfehler&) {
+        // Then there is none either.
+    }
     Gelungen(dateien_.SetzeLaenge(datei, ende_));
     SchreibeAn(dateien_, datei, ende_, std::as_bytes(std::span<const KursDatensatz>(angehaengte_)));
     Loesche();
+}
+
+// Up: from the end on, as far as the file was before it grew. Down: from the beginning on.
+void Einarbeitungsjournal::Verschiebe(Dateihandle datei, const Pause& pause) {
+    const bool auf = Schub() > 0;
+    const std::int64_t anfang = stelle_ + laenge_, ende = auf ? ende_ : ende_ + Schub();
+    std::int64_t hier = auf ? ende : anfang;
+    if (letztes_.Nummer > 0) hier = auf ? letztes_.Dort : letztes_.Dort + letztes_.Laenge;
+    while (auf ? hier > anfang : hier < ende) {
+        const std::int64_t laenge = std::min(fenster_, auf ? hier - anfang : ende - hier);
+        letztes_ = {letztes_.Nummer + 1, auf ? hier - laenge : hier, laenge};
+        VerschiebeFenster(datei, letztes_, true);
+        // A window is made fast before the next one overwrites its source.
+        Gelungen(dateien_.Leere(datei));
+        hier = auf ? letztes_.Dort : letztes_.Dort + laenge;
+        if (pause) pause();
+    }
+    TrageNach(grenze_, Phase::Schreibt, {});
+}
+
+// `merken`: into the journal first.
+void Einarbeitungsjournal::VerschiebeFenster(Dateihandle datei, const Fensterstand& fenster, bool merken) {
+    const std::int64_t hier =
+        KopfPlatz + laenge_ + (fenster.Nummer % 2) * (TeilkopfBytes + (FensterMitDaten() ? fenster_ : 0));
+    const std::int64_t quelle = fenster.Dort - Schub();
+    if (merken) {
+        std::vector<std::byte> daten(FensterMitDaten() ? static_cast<std::size_t>(fenster.Laenge) : 0);
+        if (!LiesAn(dateien_, datei, quelle, daten)) throw Journalfehler(-EIO);
+        Teilkopf kopf{{fenster.Nummer, fenster.Dort, fenster.Laenge}};
+        kopf.Summe = Teilsumme(kopf, daten);
+        SchreibeAn(dateien_, handle_, hier + TeilkopfBytes, daten);
+        SchreibeAn(dateien_, handle_, hier, std::as_bytes(std::span(&kopf, 1)));
+        Gelungen(dateien_.Leere(handle_));
+    }
+    if (FensterMitDaten())
+        Kopiere(handle_, hier + TeilkopfBytes, datei, fenster.Dort, fenster.Laenge);
+    else
+        Kopiere(datei, quelle, datei, fenster.Dort, fenster.Laenge);
+}
+
+void Einarbeitungsjournal::SchreibeInhalt(Dateihandle datei, const Pause& pause) {
+    // Behind the old end the growth has written it.
+    const std::int64_t bis = std::min(ende_, stelle_ + laenge_);
+    for (std::int64_t stelle = stelle_; stelle < bis;) {
+        const std::int64_t naechste = std::min(stelle + stueck_, bis);
+        UebertrageStueck(datei, stelle, naechste);
+        stelle = naechste;
+        if (stelle == bis) break;
+        Gelungen(dateien_.Leere(datei));
+        if (pause) pause();
+    }
 }
 
 // What has been appended since the file was as long as the journal knows.
@@ -215,36 +281,51 @@ void Einarbeitungsjournal::SchneideAb(Dateihandle datei) {
     const auto neue = LiesAngehaengte(datei);
     if (!neue.empty()) {
         const std::int64_t hierhin = NeuesEnde();
-        TrageNach(grenze_ + Bytes(neue.size()), Ueberschreibt, neue);
+        TrageNach(grenze_ + Bytes(neue.size()), Phase::Schreibt, neue);
         angehaengte_.insert(angehaengte_.end(), neue.begin(), neue.end());
         SchreibeAn(dateien_, datei, hierhin, std::as_bytes(std::span(neue)));
     }
     Gelungen(dateien_.SetzeLaenge(datei, NeuesEnde()));
     // From here on the next record is appended before the old limit.
-    TrageNach(NeuesEnde(), Ueberschreibt, {});
+    TrageNach(NeuesEnde(), Phase::Schreibt, {});
 }
 
-// Content and, behind it, the live records that were taken over; places in the data file.
+// The new bytes of some places of the data file: content, the rest from where it still stands, the live records that
+// were taken over.
 void Einarbeitungsjournal::UebertrageStueck(Dateihandle datei, std::int64_t von, std::int64_t bis) {
-    const std::int64_t inhaltsende = stelle_ + laenge_;
-    puffer_.resize(static_cast<std::size_t>(Lesestueck));
-    for (std::int64_t stelle = von; stelle < std::min(bis, inhaltsende);) {
-        const auto anzahl = static_cast<std::size_t>(std::min({Lesestueck, bis - stelle, inhaltsende - stelle}));
-        const auto teil = std::span(puffer_).first(anzahl);
-        if (!LiesAn(dateien_, handle_, KopfPlatz + stelle - stelle_, teil)) throw Journalfehler(-EIO);
-        SchreibeAn(dateien_, datei, stelle, teil);
-        stelle += std::ssize(teil);
+    const std::int64_t inhaltsende = stelle_ + laenge_, restende = ende_ + Schub();
+    if (const std::int64_t ende = std::min(bis, inhaltsende); von < ende) {
+        if (inhalt_.empty())
+            Kopiere(handle_, KopfPlatz + von - stelle_, datei, von, ende - von);
+        else
+            SchreibeAn(dateien_, datei, von,
+                       inhalt_.subspan(static_cast<std::size_t>(von - stelle_), static_cast<std::size_t>(ende - von)));
+        von = ende;
     }
-    const std::int64_t ab = std::max(von, inhaltsende);
-    if (ab >= bis) return;
-    SchreibeAn(dateien_, datei, ab,
-               std::as_bytes(std::span<const KursDatensatz>(angehaengte_))
-                   .subspan(static_cast<std::size_t>(ab - inhaltsende), static_cast<std::size_t>(bis - ab)));
+    if (const std::int64_t ende = std::min(bis, restende); von < ende) {
+        Kopiere(datei, von - Schub(), datei, von, ende - von);
+        von = ende;
+    }
+    if (von >= bis) return;
+    const auto angehaengt = std::as_bytes(std::span<const KursDatensatz>(angehaengte_));
+    SchreibeAn(dateien_, datei, von,
+               angehaengt.subspan(static_cast<std::size_t>(von - restende), static_cast<std::size_t>(bis - von)));
 }
 
-void Einarbeitungsjournal::TrageNach(std::int64_t grenze, std::int64_t phase, std::span<const KursDatensatz> saetze) {
-    Nachtragskopf kopf{grenze, phase, std::ssize(saetze)};
-    kopf.Summe = Nachtragssumme(kopf, saetze);
+void Einarbeitungsjournal::Kopiere(Dateihandle quelle, std::int64_t ab, Dateihandle datei, std::int64_t dort,
+                                   std::int64_t bytes) {
+    puffer_.resize(static_cast<std::size_t>(std::min(bytes, Lesestueck)));
+    for (std::int64_t fertig = 0; fertig < bytes;) {
+        const auto teil = std::span(puffer_).first(static_cast<std::size_t>(std::min(Lesestueck, bytes - fertig)));
+        if (!LiesAn(dateien_, quelle, ab + fertig, teil)) throw Journalfehler(-EIO);
+        SchreibeAn(dateien_, datei, dort + fertig, teil);
+        fertig += std::ssize(teil);
+    }
+}
+
+void Einarbeitungsjournal::TrageNach(std::int64_t grenze, Phase phase, std::span<const KursDatensatz> saetze) {
+    Teilkopf kopf{{grenze, static_cast<std::int64_t>(phase), std::ssize(saetze)}};
+    kopf.Summe = Teilsumme(kopf, std::as_bytes(saetze));
     std::vector<std::byte> bytes(sizeof kopf + saetze.size_bytes());
     std::memcpy(bytes.data(), &kopf, sizeof kopf);
     if (!saetze.empty()) std::memcpy(bytes.data() + sizeof kopf, saetze.data(), saetze.size_bytes());
@@ -280,8 +361,8 @@ Einarbeitungsjournal::Befund Einarbeitungsjournal::Lies() {
     const bool gueltig = std::ranges::equal(satz.Kennung, Kennung) &&
                          satz.KopfSumme == Summe(bytes.first(offsetof(Kopfsatz, KopfSumme)));
     if (!gueltig) return Befund::Unlesbar;
-    stelle_ = satz.Stelle, laenge_ = satz.Laenge, ende_ = grenze_ = satz.Ende;
-    restBleibt_ = satz.RestBleibt != 0;
+    stelle_ = satz.Stelle, laenge_ = satz.Laenge, ersetzt_ = satz.Ersetzt, fenster_ = satz.Fenster;
+    ende_ = grenze_ = satz.Ende;
     std::memcpy(&kopf_, satz.Kopf.data(), sizeof kopf_);
     Pruefsumme summe;
     puffer_.resize(static_cast<std::size_t>(Lesestueck));
@@ -292,8 +373,9 @@ Einarbeitungsjournal::Befund Einarbeitungsjournal::Lies() {
         fertig += std::ssize(teil);
     }
     if (summe.Wert() != satz.InhaltSumme) return Befund::Unlesbar;
-    phase_ = !restBleibt_ && NeuesEnde() > ende_ ? Waechst : Ueberschreibt;
-    nachtragsstelle_ = KopfPlatz + laenge_;
+    phase_ = Anfangsphase();
+    LiesFenster();
+    nachtragsstelle_ = KopfPlatz + laenge_ + Fensterplatz();
     while (LiesNachtrag()) {
     }
     return Befund::Gueltig;
@@ -301,49 +383,66 @@ Einarbeitungsjournal::Befund Einarbeitungsjournal::Lies() {
 
 bool Einarbeitungsjournal::GehoertZu(Dateihandle datei) {
     DatenDateikopf kopf;
-    return Gelungen(dateien_.Groesse(datei)) >= stelle_ && LiesAn(dateien_, datei, 0, KopfBytes(kopf)) &&
-           KennungStimmt(kopf);
+    return Gelungen(dateien_.Groesse(datei)) >= std::min(ende_, ende_ + Schub()) &&
+           LiesAn(dateien_, datei, 0, KopfBytes(kopf)) && KennungStimmt(kopf);
+}
+
+void Einarbeitungsjournal::LiesFenster() {
+    if (Fensterplatz() == 0) return;
+    for (int i = 0; i < 2; ++i) {
+        const std::int64_t hier = KopfPlatz + laenge_ + i * (Fensterplatz() / 2);
+        Teilkopf kopf;
+        if (!LiesAn(dateien_, handle_, hier, std::as_writable_bytes(std::span(&kopf, 1)))) continue;
+        const auto [nummer, dort, laenge] = kopf.Werte;
+        if (nummer <= letztes_.Nummer || laenge <= 0 || laenge > fenster_) continue;
+        std::vector<std::byte> daten(FensterMitDaten() ? static_cast<std::size_t>(laenge) : 0);
+        if (!LiesAn(dateien_, handle_, hier + TeilkopfBytes, daten) || kopf.Summe != Teilsumme(kopf, daten)) continue;
+        letztes_ = {nummer, dort, laenge};
+    }
 }
 
 // False behind the last whole one.
 bool Einarbeitungsjournal::LiesNachtrag() {
-    Nachtragskopf kopf;
+    Teilkopf kopf;
     if (!LiesAn(dateien_, handle_, nachtragsstelle_, std::as_writable_bytes(std::span(&kopf, 1)))) return false;
     const std::int64_t platz = Gelungen(dateien_.Groesse(handle_)) - nachtragsstelle_;
-    if (kopf.Grenze < DateikopfBytes || kopf.Anzahl < 0 || kopf.Anzahl > platz / DatensatzBytes) return false;
-    std::vector<KursDatensatz> saetze(static_cast<std::size_t>(kopf.Anzahl));
-    const std::int64_t stelle = nachtragsstelle_ + static_cast<std::int64_t>(sizeof kopf);
+    const auto [grenze, phase, anzahl] = kopf.Werte;
+    if (grenze < DateikopfBytes || anzahl < 0 || anzahl > platz / DatensatzBytes) return false;
+    std::vector<KursDatensatz> saetze(static_cast<std::size_t>(anzahl));
+    const std::int64_t stelle = nachtragsstelle_ + TeilkopfBytes;
     if (!LiesAn(dateien_, handle_, stelle, std::as_writable_bytes(std::span(saetze)))) return false;
-    if (kopf.Summe != Nachtragssumme(kopf, saetze)) return false;
+    if (kopf.Summe != Teilsumme(kopf, std::as_bytes(std::span(saetze)))) return false;
     angehaengte_.insert(angehaengte_.end(), saetze.begin(), saetze.end());
-    grenze_ = kopf.Grenze;
-    phase_ = kopf.Phase;
+    grenze_ = grenze;
+    phase_ = static_cast<Phase>(phase);
     nachtragsstelle_ = stelle + Bytes(saetze.size());
     return true;
 }
 
 bool Einarbeitungsjournal::Vollende(Dateihandle datei) {
-    if (restBleibt_) {
-        UebertrageStueck(datei, stelle_, stelle_ + laenge_);
-        const std::int64_t groesse = Gelungen(dateien_.Groesse(datei));
-        if (GanzeSaetze(groesse) != groesse) Gelungen(dateien_.SetzeLaenge(datei, GanzeSaetze(groesse)));
-    } else {
-        const auto neue = LiesAngehaengte(datei);
-        const std::int64_t ganz = grenze_ + Bytes(neue.size());
-        angehaengte_.insert(angehaengte_.end(), neue.begin(), neue.end());
-        TrageNach(std::max(ganz, NeuesEnde()), phase_, neue);
-        if (phase_ == Waechst) {
-            try {
-                UebertrageStueck(datei, ende_, NeuesEnde());
-            } catch (const Journalfehler&) {
-                NimmWachstumZurueck(datei);
-                return false;
-            }
-            TrageNach(grenze_, Ueberschreibt, {});
+    const auto neue = LiesAngehaengte(datei);
+    const std::int64_t ganz = grenze_ + Bytes(neue.size());
+    angehaengte_.insert(angehaengte_.end(), neue.begin(), neue.end());
+    TrageNach(std::max(ganz, NeuesEnde()), phase_, neue);
+    if (phase_ == Phase::Waechst) {
+        try {
+            UebertrageStueck(datei, ende_, NeuesEnde());
+            TrageNach(grenze_, Phase::Verschiebt, {});
+        } catch (const Journalfehler&) {
+            NimmWachstumZurueck(datei);
+            return false;
         }
-        UebertrageStueck(datei, stelle_, NeuesEnde());
-        Gelungen(dateien_.SetzeLaenge(datei, NeuesEnde()));
+        letztes_ = {};
+        Gelungen(dateien_.Leere(datei));
     }
+    if (phase_ == Phase::Verschiebt) {
+        if (letztes_.Nummer > 0) VerschiebeFenster(datei, letztes_, false);
+        Gelungen(dateien_.Leere(datei));
+        Verschiebe(datei, {});
+    }
+    UebertrageStueck(datei, stelle_, stelle_ + laenge_);
+    UebertrageStueck(datei, ende_ + Schub(), NeuesEnde());
+    Gelungen(dateien_.SetzeLaenge(datei, NeuesEnde()));
     SchreibeAn(dateien_, datei, 0, KopfBytes(std::as_const(kopf_)));
     Gelungen(dateien_.Leere(datei));
     Loesche();

@@ -10,25 +10,33 @@
 //   0       32    Kennung, "Tessaron ZEK Einarbeitung 01.00" and a NUL
 //   32      8     Stelle: where the content goes in the data file
 //   40      8     Laenge: bytes of the content
-//   48      8     Ende: size of the data file at this moment; what lies behind it was appended later
-//   56      8     Rest: 0 the content replaces all from Stelle to Ende; 1 what follows the content stays as it is
-//   64      8     checksum of the content (XXH3, 64 bits)
-//   72      856   the data file's header as it shall be
-//   928     8     checksum of the bytes before
-//   936     88    zero bytes
+//   48      8     Ersetzt: the end of what it replaces; the rest from here on moves up or down, or stays
+//   56      8     Ende: size of the data file at this moment; what lies behind it was appended later
+//   64      8     Fenster: bytes of the rest that move at a time
+//   72      8     checksum of the content (XXH3, 64 bits)
+//   80      856   the data file's header as it shall be
+//   936     8     checksum of the bytes before
+//   944     80    zero bytes
 //   1024    ...   the content: records
+//   then two windows, used in turns; the valid one with the higher number counts, and is to be moved again:
+//           8     number, from 1
+//           8     Dort: where these bytes of the rest belong
+//           8     how many they are
+//           8     checksum of the window but this field
+//           ...   the bytes themselves, where the rest moves by less than a window: its own move overwrites them
 //   then any number of additions:
 //           8     Grenze: the file was about to be this long; what lies behind it came later and stands in no addition
-//           8     Phase: 0 the file grows, 1 its old part is overwritten
+//           8     Phase: 0 the file grows, 1 the rest moves, 2 the content is written
 //           8     number of records
 //           8     checksum of this addition but this field
-//           ...   live records that lay where the file had to grow; they belong behind the content
+//           ...   live records that lay where the file had to grow; they belong behind the rest
 //
 // The head is written last: a journal without a valid one hasn't touched its file. The work then goes in this order:
-//   1. The file grows to its new length, if it gets longer. On a full disk this fails, and is taken back.
-//   2. The old part is overwritten.
-//   3. The file is cut, if it gets shorter; live records that came meanwhile move down before.
-//   4. Header; the journal goes.
+//   0. The file grows to its new length, if it gets longer. On a full disk this fails, and is taken back.
+//   1. The rest moves, window by window: up from its end on, down from its beginning on, so that what is still to be
+//      moved is never overwritten.
+//   2. The content is written. The file is cut, if it gets shorter; live records that came meanwhile move down before.
+//   3. Header; the journal goes.
 // At each point at which events run the file consists of whole records, so that the append finds it sound.
 #pragma once
 
@@ -60,10 +68,10 @@ public:
     // Where events may run; nothing of the data file is half done then. May be empty.
     using Pause = std::function<void()>;
 
-    // Bytes that are written between two pauses, and made fast at once: whole records.
+    // Bytes that are moved between two pauses, and made fast at once: whole records.
     static constexpr std::int64_t Stueck = std::int64_t{4} << 20;
-    // A journal with room for so many records takes this much of the disk.
-    static std::int64_t Platzbedarf(std::int64_t saetze);
+    // What a journal of so much content takes of the disk, when so many bytes of the rest have to move.
+    static std::int64_t Platzbedarf(std::int64_t laenge, std::int64_t rest, std::int64_t stueck = Stueck);
 
     // `dateien` must outlive the object.
     explicit Einarbeitungsjournal(Dateisystem& dateien, std::int64_t stueck = Stueck);
@@ -78,11 +86,12 @@ public:
     // More content.
     void Schreibe(std::span<const KursDatensatz> saetze);
     std::int64_t Laenge() const { return laenge_; }
-    // From here on a crash doesn't matter. `restBleibt`: the content has the length of what it replaces.
-    void MacheFest(std::int64_t stelle, std::int64_t ende, bool restBleibt, const DatenDateikopf& kopf);
-    // Brings the content into the data file. When it can't grow, all is as it was before and the journal is gone; an
-    // error behind that leaves the journal to the next opening of the file.
-    void Uebertrage(Dateihandle datei, const Pause& pause);
+    // From here on a crash doesn't matter.
+    void MacheFest(std::int64_t stelle, std::int64_t ersetzt, std::int64_t ende, const DatenDateikopf& kopf);
+    // Brings the content into the data file, from memory where it is `inhalt` (may be empty). When it can't grow, all
+    // is as it was before and the journal is gone; an error behind that leaves the journal to the next opening of the
+    // file.
+    void Uebertrage(Dateihandle datei, const Pause& pause, std::span<const KursDatensatz> inhalt = {});
     // The data file is done.
     void Loesche();
 
@@ -102,16 +111,30 @@ public:
 
 private:
     struct Pruefsumme;
+    enum class Phase : std::int64_t { Waechst, Verschiebt, Schreibt };
+    struct Fensterstand {
+        std::int64_t Nummer = 0, Dort = 0, Laenge = 0;
+    };
 
-    // Behind the file's content and all live records known to the journal.
+    // How far the rest moves, in bytes.
+    std::int64_t Schub() const { return stelle_ + laenge_ - ersetzt_; }
+    // Behind the rest and all live records known to the journal.
     std::int64_t NeuesEnde() const;
+    Phase Anfangsphase() const;
+    bool FensterMitDaten() const;
+    std::int64_t Fensterplatz() const;
     void Wachse(Dateihandle datei, const Pause& pause);
     void NimmWachstumZurueck(Dateihandle datei);
+    void Verschiebe(Dateihandle datei, const Pause& pause);
+    void VerschiebeFenster(Dateihandle datei, const Fensterstand& fenster, bool merken);
+    void SchreibeInhalt(Dateihandle datei, const Pause& pause);
     void SchneideAb(Dateihandle datei);
     void UebertrageStueck(Dateihandle datei, std::int64_t von, std::int64_t bis);
+    void Kopiere(Dateihandle quelle, std::int64_t ab, Dateihandle datei, std::int64_t dort, std::int64_t bytes);
     std::vector<KursDatensatz> LiesAngehaengte(Dateihandle datei);
-    void TrageNach(std::int64_t grenze, std::int64_t phase, std::span<const KursDatensatz> saetze);
+    void TrageNach(std::int64_t grenze, Phase phase, std::span<const KursDatensatz> saetze);
     bool LiesNachtrag();
+    void LiesFenster();
 
     Dateisystem& dateien_;
     std::int64_t stueck_;
@@ -121,10 +144,12 @@ private:
     std::unique_ptr<Pruefsumme> summe_;
     std::int64_t ungesichert_ = 0;  // bytes of content since the last sync
     // As in the file.
-    std::int64_t stelle_ = 0, laenge_ = 0, ende_ = 0;
-    bool restBleibt_ = false;
+    std::int64_t stelle_ = 0, laenge_ = 0, ersetzt_ = 0, ende_ = 0, fenster_ = 0;
     DatenDateikopf kopf_;
-    std::int64_t grenze_ = 0, phase_ = 0;
+    std::span<const std::byte> inhalt_;  // the content, while it is in memory
+    Fensterstand letztes_;               // the last window; number 0 for none
+    std::int64_t grenze_ = 0;
+    Phase phase_ = Phase::Waechst;
     std::int64_t nachtragsstelle_ = 0;        // where the next addition goes
     std::vector<KursDatensatz> angehaengte_;  // of all additions
     std::vector<std::byte> puffer_;

@@ -17,6 +17,11 @@ Saetze Reihe(int von, int bis, float kurs) {
     return saetze;
 }
 
+Saetze Mit(Saetze saetze, std::initializer_list<int> weitere) {
+    for (const int s : weitere) saetze.push_back({Tag + s / 86400.0, saetze.back().Kurs, 1});
+    return saetze;
+}
+
 struct Fall {
     const char* Name;
     Saetze Datei, Block;
@@ -31,6 +36,9 @@ std::vector<Fall> Faelle() {
         {"shorter", Reihe(1, 200, 1), {{Tag + 50.0 / 86400, 7, 1}, {Tag + 120.0 / 86400, 7, 1}}},
         {"longer", Reihe(100, 160, 1), Reihe(20, 110, 7)},
         {"muchLonger", Reihe(100, 110, 1), Reihe(1, 99, 7), 3},
+        {"shorterByThree", Reihe(1, 120, 1), Mit(Reihe(50, 55, 7), {59})},
+        {"longerByThree", Reihe(1, 120, 1), Mit(Reihe(40, 49, 7), {49, 49, 49})},
+        {"olderRecordsInTheRest", Mit(Mit(Reihe(1, 70, 1), {10}), {71, 72, 73, 74, 75}), Reihe(30, 49, 7)},
         {"sameLength", Reihe(1, 200, 1), Reihe(50, 119, 7)},
         {"appended", Reihe(1, 30, 1), Reihe(40, 120, 7)},
         {"newFile", {}, Reihe(1, 90, 7)},
@@ -88,7 +96,7 @@ protected:
         Titel() { Dateiname = "T", Katalog = "K"; }
     };
     Saetze Alt() const { return GetParam().Datei; }
-    Saetze Neu() const { return Alt().empty() ? GetParam().Block : Ersetzt(Alt(), GetParam().Block, false); }
+    Saetze Neu() const { return Alt().empty() ? GetParam().Block : SchrittFuerSchritt(Alt(), GetParam().Block, false); }
     Saetze MitTicks(Saetze saetze) const {
         saetze.insert(saetze.end(), ticks_.begin(), ticks_.end());
         return saetze;
@@ -150,8 +158,8 @@ TEST_P(Absturz, TheAppendOfTheNextRunFinishesTheWorkFirst) {
 TEST_P(Absturz, ASecondOneWhileTheWorkIsFinishedLosesNothingEither) {
     Merge(0);
     const std::uint64_t aufrufe = aufrufe_;
-    for (std::uint64_t n = 1; n <= aufrufe; n += 7) {
-        for (std::uint64_t m = 1; m < 60; m += 3) {
+    for (std::uint64_t n = 1; n <= aufrufe; n += 11) {
+        for (std::uint64_t m = 1; m < 60; m += 5) {
             Merge(n);
             p_->Dateien.StuerzeAb(m, 24);
             SchliesseEinarbeitungAb(p_->Dateien, Pfad);

@@ -103,10 +103,7 @@ protected:
         }
         while (!stand_->Gestartet) std::this_thread::yield();
         const auto beginn = Uhrzeiten::now();
-        if (dauer.count() < 0)
-            while (!stand_->Fertig) std::this_thread::yield();
-        else
-            std::this_thread::sleep_for(dauer);
+        while (dauer.count() < 0 ? !stand_->Fertig : Uhrzeiten::now() - beginn < dauer) std::this_thread::yield();
         ::kill(kind, SIGKILL);
         ::waitpid(kind, nullptr, 0);
         return Uhrzeiten::now() - beginn;

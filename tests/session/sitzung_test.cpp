@@ -100,7 +100,7 @@ TEST_F(WiederherstellungTest, AMergeThatWasBrokenOffIsFinishedAlsoAfterAnOrderly
         journal.Schreibe(std::vector<KursDatensatz>{{46000, 77, 5}});
         DatenDateikopf neu;
         std::memcpy(&neu, kopf.data(), sizeof neu);
-        journal.MacheFest(856, 856 + 202 * 16, false, neu);
+        journal.MacheFest(856, 856 + 202 * 16, 856 + 202 * 16, neu);
     }
     ASSERT_TRUE(Starte());
     EXPECT_EQ(dateien.Inhalt(pfad).size(), 856u + 16);

@@ -366,7 +366,7 @@ void BrichEinarbeitungAb(Dateisystem& dateien, const std::string& pfad) {
     journal.Schreibe(std::vector<KursDatensatz>{{46000 + 1 / 86400.0, 77, 5}});
     DatenDateikopf kopf;
     std::memcpy(&kopf, DaxKopf().data(), sizeof kopf);
-    journal.MacheFest(872, 856 + 48, true, kopf);
+    journal.MacheFest(872, 888, 856 + 48, kopf);
 }
 
 TEST_F(WerkzeugTest, EveryCommandFirstFinishesAMergeThatWasBrokenOff) {
