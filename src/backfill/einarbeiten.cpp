@@ -39,8 +39,9 @@ struct Einarbeiter::Merge {
     Einarbeitungsjournal Journal;
     DatenDateikopf Kopf{};
     bool Filter = false;
-    std::int64_t Ende = 0;  // behind the last whole record; a torn one isn't a record
-    std::int32_t Anzahl = 0;
+    std::int64_t Ende = 0;                        // behind the last whole record; a torn one isn't a record
+    std::int32_t ImJournal = 0;                   // records of the block
+    std::int32_t Anzahl = 0;                      // in the file
     std::int64_t Stand = -1;                      // position of the handle; below 0 it isn't known
     std::int64_t Schreibstelle = DateikopfBytes;  // where the block goes
     std::int64_t SchwanzVon = 0;                  // the records newer than the block, from here to Ende
@@ -65,6 +66,18 @@ std::int32_t Einarbeiter::DatenEinarbeiten(Form& form, clTitelobjekt& titel, std
                                            std::int32_t kursart) {
     gescheitert_ = false;
     if (saetze.empty()) return 0;
+    const Ergebnis ergebnis = Versuche(form, titel, saetze, kursart);
+    form.AbbruchMoeglich(true);
+    if (!ergebnis.JournalBleibt) return ergebnis.Anzahl;
+    // Where the fault has passed, the journal finishes the work at once; otherwise it waits for the next opening.
+    if (SchliesseEinarbeitungAb(dateien_, ergebnis.Pfad, Anderswo::Keine) != Journalstand::Abgeschlossen)
+        return ergebnis.Anzahl;
+    gescheitert_ = false;
+    return ergebnis.ImJournal;
+}
+
+Einarbeiter::Ergebnis Einarbeiter::Versuche(Form& form, clTitelobjekt& titel, std::span<const KursDatensatz> saetze,
+                                            std::int32_t kursart) {
     Merge merge{form, titel, saetze, kursart, {}, clDateiIO(dateien_), Einarbeitungsjournal(dateien_, journalstueck_)};
     merge.Filter = kursart == kursart::Bezahlt ? modul_.Einstellungen.IBBezahlt : modul_.Einstellungen.IBAndere;
     try {
@@ -73,8 +86,7 @@ std::int32_t Einarbeiter::DatenEinarbeiten(Form& form, clTitelobjekt& titel, std
         gescheitert_ = true;
         status_.Statusmeldung("Fehler beim Einarbeiten von Daten aufgetreten: " + Fehlertext(fehler), true);
     }
-    form.AbbruchMoeglich(true);
-    return merge.Anzahl;
+    return {merge.Pfad, merge.Anzahl, merge.ImJournal, merge.Journal.Bleibt()};
 }
 
 void Einarbeiter::FuehreAus(Merge& merge) {
@@ -88,7 +100,7 @@ void Einarbeiter::FuehreAus(Merge& merge) {
     merge.Fenster.AbbruchMoeglich(false);
     merge.Fenster.FortschrittMaximum(static_cast<int>(merge.Saetze.size()));
     merge.Journal.Beginne(merge.Pfad);
-    const std::int32_t geschrieben = SchreibeBlock(merge);
+    merge.ImJournal = SchreibeBlock(merge);
     // Where older records lie among the newer ones, what is newer belongs to the content, and the rest is what has come
     // since.
     const bool restBleibt = AllesNeuer(merge);
@@ -97,12 +109,14 @@ void Einarbeiter::FuehreAus(Merge& merge) {
     // No events from here on until the journal is fast: nothing can be appended to the file that it doesn't know of.
     merge.MerkeGroesse();
     if (merge.Ende < ersetzt) WirfSystemfehler(-EIO);
+    // What the journal is about to name as the file's end must be there after a power failure too.
+    if (const int fehler = dateien_.Leere(merge.Datei.FileHandle()); fehler < 0) WirfSystemfehler(fehler);
     SetzeLetztePflege(merge.Kopf, uhr_.Jetzt());
     merge.Journal.MacheFest(merge.Schreibstelle, ersetzt, merge.Ende, merge.Kopf);
     merge.Journal.Uebertrage(
         merge.Datei.FileHandle(), [this] { pumpe_.Ereignisse(); },
         restBleibt && !merge.Filter ? merge.Saetze : std::span<const KursDatensatz>());
-    merge.Anzahl = geschrieben;
+    merge.Anzahl = merge.ImJournal;
     SchreibeKopf(merge);
 }
 
@@ -123,7 +137,7 @@ void Einarbeiter::Oeffne(Merge& merge) {
 
 // An earlier merge that was broken off comes first.
 void Einarbeiter::SchliesseVorigeAb(const Merge& merge) {
-    const Journalstand stand = SchliesseEinarbeitungAb(dateien_, merge.Pfad);
+    const Journalstand stand = SchliesseEinarbeitungAb(dateien_, merge.Pfad, Anderswo::Keine);
     if (stand == Journalstand::Belegt || stand == Journalstand::Gescheitert)
         throw std::runtime_error("Error opening '" + merge.Pfad + std::string(Journalendung) + "'.");
 }

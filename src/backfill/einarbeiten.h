@@ -45,12 +45,12 @@ public:
     // `saetze`: ascending by Datum, the title's ZeitKorrektur applied. The file is created when missing; one of a
     // foreign magic stays as it is. Records without volume are left out when the volume filter of the kind is on.
     // Returns the number of block records written; 0 means that nothing of the block reached the file. Errors give
-    // one emphasised status entry; the file then is as before, or its journal finishes the work when it is opened in a
-    // later run. Throws nothing.
+    // one emphasised status entry; the file then is as before, or its journal finishes the work, at once or when the
+    // file is opened in a later run. Throws nothing.
     std::int32_t DatenEinarbeiten(Form& form, clTitelobjekt& titel, std::span<const KursDatensatz> saetze,
                                   std::int32_t kursart);
 
-    // The last call ended in an error.
+    // The last call ended in an error, and not all of it has been made good.
     bool Gescheitert() const { return gescheitert_; }
 
     static constexpr int Oeffnungsversuche = 15;
@@ -60,7 +60,13 @@ public:
 
 private:
     struct Merge;
+    struct Ergebnis {
+        std::string Pfad;
+        std::int32_t Anzahl = 0, ImJournal = 0;
+        bool JournalBleibt = false;
+    };
 
+    Ergebnis Versuche(Form& form, clTitelobjekt& titel, std::span<const KursDatensatz> saetze, std::int32_t kursart);
     void FuehreAus(Merge& merge);
     void Oeffne(Merge& merge);
     void WarteHalbeSekunde();

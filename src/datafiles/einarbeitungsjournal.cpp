@@ -112,7 +112,9 @@ void Einarbeitungsjournal::Beginne(const std::string& dateipfad) {
     pfad_ = dateipfad + std::string(Journalendung);
     handle_ = static_cast<Dateihandle>(Gelungen(dateien_.Oeffne(pfad_, Oeffnen::Anlegen)));
     fest_ = true;  // somebody else's, as long as it isn't locked
-    Gelungen(dateien_.Sperre(handle_));
+    if (const int fehler = dateien_.Sperre(handle_); fehler != -ENOLCK) Gelungen(fehler);
+    // Somebody who finished an older one may have deleted it between the two calls.
+    if (!dateien_.DateiExistiert(pfad_)) throw Journalfehler(-EWOULDBLOCK);
     fest_ = false;
     Gelungen(dateien_.SetzeLaenge(handle_, 0));
     summe_ = std::make_unique<Pruefsumme>();
@@ -214,6 +216,7 @@ void Einarbeitungsjournal::NimmWachstumZurueck(Dateihandle datei) {
     }
     Gelungen(dateien_.SetzeLaenge(datei, ende_));
     SchreibeAn(dateien_, datei, ende_, std::as_bytes(std::span<const KursDatensatz>(angehaengte_)));
+    Gelungen(dateien_.Leere(datei));
     Loesche();
 }
 
@@ -286,6 +289,7 @@ void Einarbeitungsjournal::SchneideAb(Dateihandle datei) {
         SchreibeAn(dateien_, datei, hierhin, std::as_bytes(std::span(neue)));
     }
     Gelungen(dateien_.SetzeLaenge(datei, NeuesEnde()));
+    Gelungen(dateien_.Leere(datei));
     // From here on the next record is appended before the old limit.
     TrageNach(NeuesEnde(), Phase::Schreibt, {});
 }
@@ -344,12 +348,14 @@ void Einarbeitungsjournal::Loesche() {
 
 // ---- the journal that a crash has left
 
-int Einarbeitungsjournal::Uebernimm(const std::string& dateipfad) {
+int Einarbeitungsjournal::Uebernimm(const std::string& dateipfad, Anderswo anderswo) {
     pfad_ = dateipfad + std::string(Journalendung);
     fest_ = true;
     handle_ = dateien_.Oeffne(pfad_, Oeffnen::LesenSchreiben);
     if (handle_ < 0) return handle_;
-    if (const int fehler = dateien_.Sperre(handle_); fehler < 0) return fehler;
+    int fehler = dateien_.Sperre(handle_);
+    if (fehler == -ENOLCK) fehler = anderswo == Anderswo::Keine ? 0 : -EWOULDBLOCK;
+    if (fehler < 0) return fehler;
     return dateien_.DateiExistiert(pfad_) ? 0 : -ENOENT;  // done by somebody else meanwhile
 }
 
@@ -427,13 +433,13 @@ bool Einarbeitungsjournal::Vollende(Dateihandle datei) {
     if (phase_ == Phase::Waechst) {
         try {
             UebertrageStueck(datei, ende_, NeuesEnde());
+            Gelungen(dateien_.Leere(datei));
             TrageNach(grenze_, Phase::Verschiebt, {});
         } catch (const Journalfehler&) {
             NimmWachstumZurueck(datei);
             return false;
         }
         letztes_ = {};
-        Gelungen(dateien_.Leere(datei));
     }
     if (phase_ == Phase::Verschiebt) {
         if (letztes_.Nummer > 0) VerschiebeFenster(datei, letztes_, false);
@@ -461,9 +467,9 @@ struct Dateischluss {
     ~Dateischluss() { Dateien.Schliesse(Handle); }
 };
 
-Journalstand SchliesseAb(Dateisystem& dateien, const std::string& dateipfad) {
+Journalstand SchliesseAb(Dateisystem& dateien, const std::string& dateipfad, Anderswo anderswo) {
     Einarbeitungsjournal journal(dateien);
-    const int ergebnis = journal.Uebernimm(dateipfad);
+    const int ergebnis = journal.Uebernimm(dateipfad, anderswo);
     if (ergebnis == -ENOENT) return Journalstand::Keines;
     if (ergebnis == -EWOULDBLOCK) return Journalstand::Belegt;
     if (ergebnis < 0) return Journalstand::Gescheitert;
@@ -488,9 +494,9 @@ Journalstand SchliesseAb(Dateisystem& dateien, const std::string& dateipfad) {
 
 }  // namespace
 
-Journalstand SchliesseEinarbeitungAb(Dateisystem& dateien, const std::string& dateipfad) {
+Journalstand SchliesseEinarbeitungAb(Dateisystem& dateien, const std::string& dateipfad, Anderswo anderswo) {
     try {
-        return SchliesseAb(dateien, dateipfad);
+        return SchliesseAb(dateien, dateipfad, anderswo);
     } catch (const std::exception&) {
         return Journalstand::Gescheitert;
     }

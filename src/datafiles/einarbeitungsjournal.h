@@ -63,6 +63,9 @@ struct Journalfehler : std::runtime_error {
     int Nummer;
 };
 
+// Whether a merge of the same file may be going on. Only where the system has no locks it matters who says so.
+enum class Anderswo { Moeglich, Keine };
+
 class Einarbeitungsjournal {
 public:
     // Where events may run; nothing of the data file is half done then. May be empty.
@@ -94,12 +97,14 @@ public:
     void Uebertrage(Dateihandle datei, const Pause& pause, std::span<const KursDatensatz> inhalt = {});
     // The data file is done.
     void Loesche();
+    // It is fast, and outlives the object.
+    bool Bleibt() const { return handle_ >= 0 && fest_; }
 
     // ---- the journal that a crash has left
 
     enum class Befund { Gueltig, NichtFest, Unlesbar };
     // Takes an existing journal for itself; -ENOENT, -EWOULDBLOCK (a merge goes on) or another -errno, else 0.
-    int Uebernimm(const std::string& dateipfad);
+    int Uebernimm(const std::string& dateipfad, Anderswo anderswo);
     Befund Lies();
     // False for a file that can't be the one that was merged into.
     bool GehoertZu(Dateihandle datei);
@@ -167,6 +172,7 @@ enum class Journalstand {
 
 // To be called before a data file is used that may have been left in the middle of a merge. One open call when there is
 // no journal. Throws nothing.
-Journalstand SchliesseEinarbeitungAb(Dateisystem& dateien, const std::string& dateipfad);
+Journalstand SchliesseEinarbeitungAb(Dateisystem& dateien, const std::string& dateipfad,
+                                     Anderswo anderswo = Anderswo::Moeglich);
 
 }  // namespace zek

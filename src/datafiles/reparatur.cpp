@@ -116,7 +116,8 @@ std::string Anzahl(std::int64_t zahl, const char* eins, const char* viele) {
 
 class Bestandspruefung {
 public:
-    Bestandspruefung(Dateisystem& dateien, bool nachAbsturz) : dateien_(dateien), nachAbsturz_(nachAbsturz) {}
+    Bestandspruefung(Dateisystem& dateien, bool nachAbsturz, const std::function<void()>& warte)
+        : dateien_(dateien), nachAbsturz_(nachAbsturz), warte_(warte) {}
 
     void Pruefe(const std::string& ordner, bool auchKataloge) {
         auto eintraege = dateien_.Liste(ordner);
@@ -138,7 +139,11 @@ public:
 
 private:
     void SchliesseAb(const std::string& pfad) {
-        const Journalstand stand = SchliesseEinarbeitungAb(dateien_, pfad);
+        Journalstand stand = SchliesseEinarbeitungAb(dateien_, pfad, Anderswo::Keine);
+        for (; stand == Journalstand::Belegt && warte_ && wartezahl_ < Bestandswartezahl; ++wartezahl_) {
+            warte_();
+            stand = SchliesseEinarbeitungAb(dateien_, pfad, Anderswo::Keine);
+        }
         if (const std::string text = Journaltext(stand); !text.empty())
             Befunde.push_back({pfad, text, stand != Journalstand::Unlesbar && stand != Journalstand::Gescheitert});
     }
@@ -167,6 +172,8 @@ private:
 
     Dateisystem& dateien_;
     bool nachAbsturz_;
+    const std::function<void()>& warte_;
+    int wartezahl_ = 0;
 };
 
 }  // namespace
@@ -226,8 +233,8 @@ std::string Journaltext(Journalstand stand) {
 }
 
 std::vector<Bestandsbefund> StelleBestandWiederHer(Dateisystem& dateien, const std::string& datenordner,
-                                                   bool nachAbsturz) {
-    Bestandspruefung pruefung(dateien, nachAbsturz);
+                                                   bool nachAbsturz, const std::function<void()>& warte) {
+    Bestandspruefung pruefung(dateien, nachAbsturz, warte);
     pruefung.Pruefe(datenordner.ends_with('/') ? datenordner : datenordner + "/", true);
     return pruefung.Befunde;
 }

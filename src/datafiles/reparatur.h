@@ -10,6 +10,7 @@
 #include "platform/dateisystem.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -43,9 +44,11 @@ struct Bestandsbefund {
 };
 
 // All data files of a data folder, at a start: finishes merges that were broken off; `nachAbsturz`: also mends file
-// ends. Tells of what wasn't in order only. Throws nothing but for want of memory.
+// ends. Tells of what wasn't in order only. `warte`, some tenth of a second: another program may be at a merge, and
+// goes first; after so many waits it is let be. Throws nothing but for want of memory.
 std::vector<Bestandsbefund> StelleBestandWiederHer(Dateisystem& dateien, const std::string& datenordner,
-                                                   bool nachAbsturz);
+                                                   bool nachAbsturz, const std::function<void()>& warte = {});
+inline constexpr int Bestandswartezahl = 100;
 
 // What became of a merge that had been broken off; "" for none and for one that is going on.
 std::string Journaltext(Journalstand stand);

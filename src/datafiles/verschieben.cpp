@@ -3,6 +3,7 @@
 #include "datafiles/dateiio.h"
 #include "datafiles/dateikopf.h"
 #include "datafiles/dateinamen.h"
+#include "datafiles/einarbeitungsjournal.h"
 #include "platform/ohnefehler.h"
 
 #include <utility>
@@ -31,6 +32,9 @@ public:
           ziel_(std::move(ziel)) {}
 
     bool Fuehre() {
+        // A journal goes by the name of its file: left behind it would be lost to this one, or taken for that one's.
+        SchliesseEinarbeitungAb(dateien_, quelle_);
+        SchliesseEinarbeitungAb(dateien_, ziel_);
         for (;;) {
             if (dateien_.DateiExistiert(ziel_)) {
                 if (HatSaetze(dateien_, ziel_) && !SollErsetzen()) return true;

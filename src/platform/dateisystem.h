@@ -64,7 +64,7 @@ public:
     virtual int Leere(Dateihandle handle) = 0;
 
     // Takes the file for this handle alone until it is closed, be it by the death of the process. It keeps only those
-    // out who ask as well. 0, -EWOULDBLOCK when somebody has it, or -errno; 0 too where the system knows no locks.
+    // out who ask as well. 0, -EWOULDBLOCK when somebody has it, -ENOLCK where the system has no locks, or -errno.
     virtual int Sperre(Dateihandle /*handle*/) { return 0; }
 
     virtual bool DateiExistiert(const std::string& pfad) = 0;

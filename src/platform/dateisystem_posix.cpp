@@ -101,7 +101,7 @@ int PosixDateisystem::Leere(Dateihandle handle) {
 
 int PosixDateisystem::Sperre(Dateihandle handle) {
     const int ergebnis = Wiederholt([&] { return ::flock(handle, LOCK_EX | LOCK_NB); });
-    return ergebnis == -ENOLCK || ergebnis == -EOPNOTSUPP ? 0 : ergebnis;
+    return ergebnis == -EOPNOTSUPP || ergebnis == -ENOSYS ? -ENOLCK : ergebnis;
 }
 
 bool PosixDateisystem::DateiExistiert(const std::string& pfad) {

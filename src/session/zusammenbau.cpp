@@ -59,9 +59,10 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
 void Zusammenbau::StelleBestandWiederHer() {
     auto& dateien = um_.Plattform.Dateien;
     const bool nachAbsturz = Luecken.EndeOhneOrdnung();
-    auto befunde = zek::StelleBestandWiederHer(dateien, um_.Modul.Datenordner, nachAbsturz);
+    const auto warte = [this] { um_.Plattform.Pumpe.Warte(std::chrono::milliseconds(100)); };
+    auto befunde = zek::StelleBestandWiederHer(dateien, um_.Modul.Datenordner, nachAbsturz, warte);
     if (const auto konten = Kontodatenordner(um_.Modul); !konten.empty())
-        std::ranges::move(zek::StelleBestandWiederHer(dateien, std::string(konten), nachAbsturz),
+        std::ranges::move(zek::StelleBestandWiederHer(dateien, std::string(konten), nachAbsturz, warte),
                           std::back_inserter(befunde));
     for (const auto& befund : befunde) {
         um_.Status.Statusmeldung("Datendatei " + befund.Pfad + ": " + befund.Text, !befund.Gut);

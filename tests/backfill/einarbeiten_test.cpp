@@ -415,13 +415,22 @@ TEST_F(FehlerTest, AFailureWhileTheFileGrowsLosesNothing) {
     JederAufrufScheitert(groesser, Reihe(1, 1999) + groesser + Reihe(4001, 6000), ENOSPC);
 }
 
+TEST_F(FehlerTest, AFaultThatPassesCostsAnEntryAndNothingElse) {
+    Aufbau();
+    p_.Dateien.Stoere({.Art = hilfen::Dateiaufruf::Leere, .Pfadteil = "ZEK", .Ab = 3, .Anzahl = 1, .Fehler = EIO});
+    EXPECT_EQ(Merge(block_), static_cast<int>(block_.size()));
+    EXPECT_EQ(p_.Status.Eintraege.size(), 1u);
+    EXPECT_EQ(Nachher(), neu_);
+    EXPECT_EQ(ram().Dateien().size(), 1u);
+}
+
 TEST_F(FehlerTest, AFailureWhileTheRestStaysInItsPlaceLosesNothing) {
     JederAufrufScheitert(Reihe(100, 200, 7), Reihe(1, 99) + Reihe(100, 200, 7) + Reihe(201, 6000), EIO);
 }
 
 TEST_F(FehlerTest, AfterAFailureTheNextMergeFinishesTheOneBefore) {
     Aufbau();
-    p_.Dateien.Stoere({.Art = hilfen::Dateiaufruf::SetzeLaenge, .Pfadteil = "ASK.ZEK", .Ab = 2, .Anzahl = 1});
+    p_.Dateien.Stoere({.Art = hilfen::Dateiaufruf::SetzeLaenge, .Pfadteil = "ASK.ZEK", .Ab = 2});
     Merge(block_);
     ASSERT_EQ(p_.Status.Eintraege.size(), 1u);
     ASSERT_EQ(ram().Dateien().size(), 2u);

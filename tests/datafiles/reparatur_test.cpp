@@ -86,6 +86,52 @@ TEST_F(JournalTest, OneThatSomebodyHasIsLeftAlone) {
     EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
 }
 
+TEST_F(JournalTest, WhereTheSystemHasNoLocksOnlyWhoeverKnowsOfNoMergeFinishesOne) {
+    dateien.StoereArt(Dateiaufruf::Sperre, ENOLCK);
+    LegeAn();
+    EXPECT_EQ(Oeffne(), Journalstand::Belegt);
+    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
+    EXPECT_EQ(SchliesseEinarbeitungAb(dateien, Pfad, Anderswo::Keine), Journalstand::Abgeschlossen);
+    EXPECT_EQ(ram.Inhalt(Pfad), Fertig());
+}
+
+TEST_F(JournalTest, OneThatVanishedBeforeItsLockIsntWrittenTo) {
+    LegeAn();
+    struct Loeschend : StoerDateisystem {
+        explicit Loeschend(RamDateisystem& ram) : StoerDateisystem(ram), Ram(ram) {}
+        int Sperre(Dateihandle handle) override {
+            Ram.Loesche(Journal);
+            return StoerDateisystem::Sperre(handle);
+        }
+        RamDateisystem& Ram;
+    } platte(ram);
+    Einarbeitungsjournal journal(platte);
+    EXPECT_THROW(journal.Beginne(Pfad), Journalfehler);
+}
+
+TEST_F(JournalTest, AStartWaitsForAnotherProgramThatIsAtIt) {
+    LegeAn();
+    const auto handle = ram.Oeffne(Journal, Oeffnen::LesenSchreiben);
+    ASSERT_EQ(ram.Sperre(handle), 0);
+    int mal = 0;
+    const auto befunde = StelleBestandWiederHer(dateien, "/d", false, [&] {
+        if (++mal == 5) ram.Schliesse(handle);
+    });
+    EXPECT_EQ(mal, 5);
+    ASSERT_EQ(befunde.size(), 1u);
+    EXPECT_EQ(befunde[0].Text, "unterbrochene Einarbeitung abgeschlossen");
+}
+
+TEST_F(JournalTest, AStartDoesntWaitForEver) {
+    LegeAn();
+    const auto handle = ram.Oeffne(Journal, Oeffnen::LesenSchreiben);
+    ASSERT_EQ(ram.Sperre(handle), 0);
+    int mal = 0;
+    EXPECT_THAT(StelleBestandWiederHer(dateien, "/d", false, [&] { ++mal; }), IsEmpty());
+    EXPECT_EQ(mal, Bestandswartezahl);
+    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
+}
+
 TEST_F(JournalTest, OneThatWasntMadeFastIsThrownAway) {
     LegeAn();
     const std::string ganz = ram.Inhalt(Journal);

@@ -1,6 +1,7 @@
 #include "datafiles/verschieben.h"
 
 #include "datafiles/dateinamen.h"
+#include "datafiles/einarbeitungsjournal.h"
 #include "datafiles/vokabular.h"
 
 #include <gmock/gmock.h>
@@ -61,6 +62,21 @@ TEST_F(Verschieben, AFileMovesToTheFolderOfTheNewCatalog) {
     EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(2));
     EXPECT_THAT(ram.Dateien(), ElementsAre(Neu));
     EXPECT_THAT(meldungen.Gezeigt, IsEmpty());
+}
+
+TEST_F(Verschieben, AMergeThatWasBrokenOffIsFinishedBeforeItsFileLeavesTheJournalBehind) {
+    ram.LegeDateiAn(Alt, DaxDatei(2));
+    {
+        Einarbeitungsjournal journal(dateien);
+        journal.Beginne(Alt);
+        journal.Schreibe(Saetze(DaxDatei(3)));
+        DatenDateikopf kopf;
+        std::memcpy(&kopf, DaxKopf().data(), sizeof kopf);
+        journal.MacheFest(856, 856 + 32, 856 + 32, kopf);
+    }
+    EXPECT_TRUE(Verschiebe());
+    EXPECT_THAT(ram.Dateien(), ElementsAre(Neu));
+    EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(3));
 }
 
 TEST_F(Verschieben, WithoutASourceThereIsNothingToMove) {
