@@ -94,7 +94,7 @@ void Datenpflegelauf::StarteBackfill() {
     // The flag is the guard against re-entry as well: both go up and down together.
     if (Abbruch || um_.Modul.DatenpflegeLaeuft) return;
     const Laufmarke laeuft(um_.Modul.DatenpflegeLaeuft);
-    OhneFehler([this] {
+    OhneFehler("Datenpflege vorbereiten", [this] {
         anzeige_ = &um_.Fenster.Erzeuge();
         anzeige_->BeiAbbruch([this] { btnAbbruch(); });
         anzeige_->AbbruchMoeglich(true);
@@ -407,12 +407,13 @@ std::string Datenpflegelauf::Speichere(Serie& serie) {
     const double korrektur = serie.Titel.ZeitKorrektur;
     const auto saetze = gesamt_.Abgeben(korrektur);
     if (um_.BeiMergebeginn)
-        OhneFehler([&] {
+        OhneFehler("Beginn des Einarbeitens melden", [&] {
             um_.BeiMergebeginn(serie.Titel, serie.Kursart, saetze.front().Datum - korrektur,
                                saetze.back().Datum - korrektur);
         });
     const bool gespeichert = einarbeiter_.DatenEinarbeiten(*this, serie.Titel, saetze, serie.Kursart) != 0;
-    if (um_.BeiMergeende) OhneFehler([&] { um_.BeiMergeende(serie.Titel, serie.Kursart); });
+    if (um_.BeiMergeende)
+        OhneFehler("Ende des Einarbeitens melden", [&] { um_.BeiMergeende(serie.Titel, serie.Kursart); });
     if (gespeichert) return {};
     WarneNichtsGespeichert();
     const Einstellungen& e = um_.Modul.Einstellungen;

@@ -29,7 +29,7 @@ bool IstPacingVerletzung(int errorCode, std::string_view errorMsg) {
 }  // namespace
 
 void Datenpflegelauf::contractDetailsEx(int, const tws::ContractDetails& details) {
-    OhneFehler([&] { TimeZoneId = details.timeZoneId; });
+    OhneFehler("Zeitzone des Vertrags", [&] { TimeZoneId = details.timeZoneId; });
 }
 
 void Datenpflegelauf::contractDetailsEnd(int reqId) {
@@ -42,7 +42,7 @@ void Datenpflegelauf::historicalData(int reqId, const tws::Bar& bar) {
         BeendeAnfrage();
         return;
     }
-    OhneFehler([&] {
+    OhneFehler("Balken annehmen", [&] {
         puffer_.Nimm(bar);
         LastTimezone = puffer_.LastTimezone();
     });
@@ -63,13 +63,13 @@ void Datenpflegelauf::errMsg(int id, int errorCode, std::string_view errorMsg, s
     if (IstPacingVerletzung(errorCode, errorMsg)) {
         PacingWartet_ = pacingGesehen_ = true;
         PacingFrei_ = false;
-        OhneFehler([&] {
+        OhneFehler("Zugriffsbegrenzung vermerken", [&] {
             takt_.Verletzung(Jetzt());
             um_.Status.Statusmeldung("Datenpflege wartet wegen 'pacing violation' (Zugriffsbegrenzung des IB Servers)");
         });
         return;
     }
-    OhneFehler([&] { Protokolliere(errorCode, errorMsg); });
+    OhneFehler("Fehlermeldung der Datenpflege", [&] { Protokolliere(errorCode, errorMsg); });
     SetzeMerker(errorCode);
 }
 

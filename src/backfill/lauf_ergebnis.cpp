@@ -79,7 +79,7 @@ void Datenpflegelauf::BerichteOhneVerbindung() {
 }
 
 void Datenpflegelauf::Melde(const Datenpflegeergebnis& ergebnis) {
-    if (um_.BeiErgebnis) OhneFehler([&] { um_.BeiErgebnis(ergebnis); });
+    if (um_.BeiErgebnis) OhneFehler("Ergebnis der Datenpflege melden", [&] { um_.BeiErgebnis(ergebnis); });
 }
 
 }  // namespace zek

@@ -33,7 +33,7 @@ bool Datenpflegeplanung::StarteAutoBackfill(Datum zeitpunkt) {
     if (LaufSteht()) return false;
     bool ergebnis = false;
     bool luecke = true;
-    OhneFehler([&] {
+    OhneFehler("Automatische Datenpflege", [&] {
         ErzeugeLauf();
         const auto lauf = lauf_;
         luecke = BestimmeLuecke(*lauf, zeitpunkt);
@@ -142,7 +142,7 @@ void Datenpflegeplanung::WarneOhneAktiveTitel() {
 
 void Datenpflegeplanung::FuehreManuellAus(const Datenpflegewahl& wahl, const std::vector<Titelzeiger>& quelle,
                                           Umfang umfang) {
-    OhneFehler([&] {
+    OhneFehler("Manuelle Datenpflege", [&] {
         ErzeugeLauf();
         const auto lauf = lauf_;
         um_.Lauf.Modul.Datenpflegewarteschlange.clear();
@@ -183,7 +183,7 @@ void Datenpflegeplanung::FensterEntladen() {
     um_.Lauf.Fenster.Statuspanel("");
     const auto lauf = lauf_;
     if (!lauf) return;
-    OhneFehler([&] { lauf->Entladen(); });
+    OhneFehler("Fenster der Datenpflege entladen", [&] { lauf->Entladen(); });
     if (lauf_ == lauf) lauf_ = nullptr;
 }
 

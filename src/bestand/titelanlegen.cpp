@@ -39,7 +39,7 @@ bool IstVorhanden(const Titelliste& liste, const clTitelobjekt& neu) {
 Titelzeiger TitelAnlegen(IBModul& modul, const Titelangaben& angaben,
                          const std::function<int(clTitelobjekt&)>& abonniere) {
     Titelzeiger titel;
-    OhneFehler([&] {
+    OhneFehler("Titel anlegen", [&] {
         Titelzeiger neu = AusAngaben(angaben);
         if (IstVorhanden(modul.Titelliste, *neu)) return;
         neu->id = ++modul.Titelnummer;
@@ -47,7 +47,7 @@ Titelzeiger TitelAnlegen(IBModul& modul, const Titelangaben& angaben,
     });
     if (!titel) return nullptr;
     if (!titel->Katalog.empty()) modul.Katalogliste.Fuege(titel->Katalog);
-    if (modul.TWSVerbunden) OhneFehler([&] { abonniere(*titel); });
+    if (modul.TWSVerbunden) OhneFehler("Neuen Titel abonnieren", [&] { abonniere(*titel); });
     return titel;
 }
 

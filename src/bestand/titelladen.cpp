@@ -47,7 +47,7 @@ void Titellader::Titelladen() {
         if (datei.Ergebnis == Beschaedigt || datei.Ergebnis == NichtLesbar) MeldeLadefehler(datei.Fehlertext);
         if (datei.Ergebnis == Gelesen) Uebernehme(datei.Titel);
     } catch (const std::exception& fehler) {
-        OhneFehler([&] { MeldeLadefehler(Fehlertext(fehler)); });
+        OhneFehler("Ladefehler melden", [&] { MeldeLadefehler(Fehlertext(fehler)); });
     }
     anzeige_.Sanduhr(false);
 }
@@ -72,7 +72,7 @@ void Titellader::Uebernehme(const Wert& baum) {
     letztePause_ = uhr_.Timer();
     gesendet_ = 0;
     if (liste) UebernehmeAlle(*liste);
-    OhneFehler([&] { aufrufe_.TitelInfoAktualisieren(); });
+    OhneFehler("Titelinformation nach dem Laden", [&] { aufrufe_.TitelInfoAktualisieren(); });
 }
 
 void Titellader::UebernehmeAlle(const Werteliste& liste) {
@@ -88,12 +88,12 @@ void Titellader::UebernehmeTitel(const Wert& para) {
     auto titel = std::make_shared<clTitelobjekt>();
     titel->id = ++modul_.Titelnummer;
     // A title with an unreadable element keeps what was read before it.
-    OhneFehler([&] { titel->ReadAllPara(para); });
+    OhneFehler("Titel aus den Definitionen lesen", [&] { titel->ReadAllPara(para); });
     HalteImOrdner(titel->Katalog, "Der Katalog");
     HalteImOrdner(titel->Dateiname, "Der Dateiname");
     modul_.Titelliste.Fuege(titel);
     if (gesendet_ >= NachrichtenJePause) HalteTakt();
-    OhneFehler([&] {
+    OhneFehler("Geladenen Titel abonnieren", [&] {
         if (titel->Aktiv() && aufrufe_.Verbunden()) gesendet_ += aufrufe_.Abonniere(*titel);
     });
     if (!titel->Katalog.empty()) modul_.Katalogliste.Fuege(titel->Katalog);
@@ -105,7 +105,7 @@ void Titellader::HalteImOrdner(std::string& name, std::string_view was) {
     if (sicher == name) return;
     if (gemeldeteNamen_.insert(name).second) {
         std::erase(name, '\0');
-        OhneFehler([&] {
+        OhneFehler("Verlegten Namen melden", [&] {
             status_.Statusmeldung(std::string(was) + " „" + name + "“ aus den Titeldefinitionen führt aus dem " +
                                       "Datenordner. Die Daten liegen deshalb unter „" + sicher + "“.",
                                   true);

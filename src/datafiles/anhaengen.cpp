@@ -85,15 +85,15 @@ void NimmZurueck(clDateiIO& datei, std::int64_t groesse) {
 bool DateiEndeBereinigen(clDateiIO& datei, const std::string& name) {
     bool gefunden = false;
     // An error on the way leaves it false: nothing is cut then.
-    OhneFehler([&] {
+    OhneFehler("Nullsätze suchen", [&] {
         const auto ab = NullsaetzeAb(datei, datei.FileSize().Bytes());
         if (ab) Setze(datei, *ab);
         gefunden = ab.has_value();
     });
     if (!gefunden) return false;
-    OhneFehler([&] { datei.SetzeDateiEnde(); });
-    OhneFehler([&] { datei.CloseFile(); });
-    OhneFehler([&] { datei.OpenFile(name, false); });
+    OhneFehler("Dateiende setzen", [&] { datei.SetzeDateiEnde(); });
+    OhneFehler("Datei nach Nullsätzen schließen", [&] { datei.CloseFile(); });
+    OhneFehler("Datei nach Nullsätzen öffnen", [&] { datei.OpenFile(name, false); });
     return true;
 }
 
@@ -108,9 +108,9 @@ Datensatzschreiber::Datensatzschreiber(IBModul& modul, Dateisystem& dateien, Sta
       wissen_(dateien) {}
 
 void Datensatzschreiber::DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
-                                            bool kontodaten, Datum jetzt) {
+                                            bool kontodaten, Datum jetzt) noexcept {
     Ausgang ausgang = Ausgang::Gescheitert;
-    OhneFehler([&] {
+    OhneFehler("Datensatz anhängen", [&] {
         try {
             BildePfad(titel, kursart, kontodaten);
             Oeffne(titel, kursart, kontodaten);
@@ -132,7 +132,7 @@ void Datensatzschreiber::DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t k
 
 void Datensatzschreiber::Unterrichte(const clTitelobjekt& titel, std::int32_t kursart, Ausgang ausgang) {
     if (wache_ == nullptr) return;
-    OhneFehler([&] {
+    OhneFehler("Wache über das Speichern", [&] {
         if (ausgang == Ausgang::Gespeichert) {
             if (gescheitert_.erase(pfad_) > 0)
                 wache_->WiederGespeichert(titel, kursart);

@@ -18,7 +18,7 @@ namespace zek {
 
 // Cuts the records with a Datum of 0 at a file's very end, as a power failure leaves them; true when it cut, the
 // file was then opened anew. A file of nothing but such records is cut to 840 bytes, 16 into its header: other
-// programs know that length. Throws nothing.
+// programs know that length.
 bool DateiEndeBereinigen(clDateiIO& datei, const std::string& name);
 
 // Opens, appends 16 bytes and closes, so that every record can be read by others at once and survives a crash.
@@ -35,9 +35,9 @@ public:
 
     // Appends (`jetzt` + the title's ZeitKorrektur, kurs, volume). A file with a torn header or a torn record is left
     // alone without a word. An error gives one line in the log and loses this record only. `kontodaten` sends the
-    // record to the folder of account data, when one is set. Throws nothing.
+    // record to the folder of account data, when one is set.
     void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool kontodaten,
-                            Datum jetzt) override;
+                            Datum jetzt) noexcept override;
 
 private:
     void BildePfad(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten);

@@ -15,7 +15,7 @@ namespace {
 // Without records a file may be replaced unasked.
 bool HatSaetze(Dateisystem& dateien, const std::string& pfad) {
     bool hat = true;
-    OhneFehler([&] {
+    OhneFehler("Zieldatei ansehen", [&] {
         clDateiIO datei(dateien);
         if (datei.OeffneVorhandene(pfad)) hat = datei.FileSize().Bytes() > DateikopfBytes;
     });

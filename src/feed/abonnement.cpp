@@ -30,7 +30,8 @@ std::int32_t FuerAlleAktiven(const IBModul& modul, const IBControl& control, Sen
         takt.Schritt();
         if (position >= modul.Titelliste.Anzahl()) break;
         const Titelzeiger titel = modul.Titelliste[position];
-        if (titel->Aktiv() && control.Verbunden()) OhneFehler([&] { takt.Gesendet(sende(*titel)); });
+        if (titel->Aktiv() && control.Verbunden())
+            OhneFehler("Nachricht je Titel", [&] { takt.Gesendet(sende(*titel)); });
     }
     return takt.Anzahl();
 }
@@ -87,13 +88,13 @@ std::int16_t Abonnement::MarktdatenAbonnieren(clTitelobjekt& titel) {
         control_->reqMktDepth(titel.id, titel.Symbol, titel.Typ, titel.Laufzeit, titel.Basispreis, titel.Ausübungsrecht,
                               titel.Multiplikator, boerse, titel.Währung, Tiefenzeilen, SmartTiefe);
     TitelmerkmaleAbleiten(titel, modul_.Einstellungen);
-    if (wache_ != nullptr && control_.Verbunden()) OhneFehler([&] { wache_->Abonniert(titel); });
+    if (wache_ != nullptr && control_.Verbunden()) OhneFehler("Wache: abonniert", [&] { wache_->Abonniert(titel); });
     return titel.UseMarkttiefe ? 2 : 1;
 }
 
 std::int16_t Abonnement::MarktdatenAbbestellen(const clTitelobjekt& titel) {
     control_->cancelMktData(titel.id);
-    if (wache_ != nullptr && control_.Verbunden()) OhneFehler([&] { wache_->Abbestellt(titel); });
+    if (wache_ != nullptr && control_.Verbunden()) OhneFehler("Wache: abbestellt", [&] { wache_->Abbestellt(titel); });
     if (!titel.UseMarkttiefe) return 1;
     control_->cancelMktDepth(titel.id, SmartTiefe);
     return 2;

@@ -62,14 +62,14 @@ void Aufzeichnung::TiefeSchreiben(clTitelobjekt& titel, std::int32_t kursart, fl
 
 bool Aufzeichnung::Angenommen(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt) {
     const bool verworfen = ZeitfensterAktiv(modul_.Einstellungen, titel, jetzt);
-    OhneFehler([&] { monitor_.Protokolleintrag(titel, kursart, kurs, volume, verworfen); });
+    OhneFehler("Eintrag des Monitors", [&] { monitor_.Protokolleintrag(titel, kursart, kurs, volume, verworfen); });
     if (verworfen) return false;
     modul_.Kursanzahl += 1;
     return true;
 }
 
 void Aufzeichnung::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt) {
-    OhneFehler([&] { ablage_.DatensatzAnhaengen(titel, kursart, kurs, volume, false, jetzt); });
+    ablage_.DatensatzAnhaengen(titel, kursart, kurs, volume, false, jetzt);
 }
 
 }  // namespace zek

@@ -20,7 +20,7 @@ public:
     // use tells.
     void Erzeuge(tws::TwsEreignisse& ereignisse) {
         GibFrei();
-        OhneFehler([&] { control_ = fabrik_(ereignisse); });
+        OhneFehler("IBControl erzeugen", [&] { control_ = fabrik_(ereignisse); });
     }
 
     // Releases the control and leaves the place empty; for the end of the one it is bound to.

@@ -54,7 +54,7 @@ void Kontodaten::KontoabosAnfordern() {
         return;
     }
     for (const auto& konto : Teile(konten, ','))
-        OhneFehler([&] { control_->reqAccountUpdates(true, std::string(Getrimmt(konto))); });
+        OhneFehler("Konto abonnieren", [&] { control_->reqAccountUpdates(true, std::string(Getrimmt(konto))); });
 }
 
 void Kontodaten::updateAccountValue(std::string_view key, std::string_view value, std::string_view curency,

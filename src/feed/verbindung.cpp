@@ -33,12 +33,12 @@ Verbindung::~Verbindung() {
 }
 
 void Verbindung::Melde(const std::string& text, bool fett) {
-    OhneFehler([&] { status_.Statusmeldung(text, fett); });
+    OhneFehler("Meldung der Verbindung", [&] { status_.Statusmeldung(text, fett); });
 }
 
 template <typename Meldung>
 void Verbindung::Unterrichte(Meldung meldung) {
-    if (abnehmer_.Wache != nullptr) OhneFehler([&] { meldung(*abnehmer_.Wache); });
+    if (abnehmer_.Wache != nullptr) OhneFehler("Lückenwache unterrichten", [&] { meldung(*abnehmer_.Wache); });
 }
 
 void Verbindung::TWSVerbindungAufbauen() {
@@ -49,7 +49,7 @@ void Verbindung::TWSVerbindungAufbauen() {
         Melde("Fehlende Port-Angabe: Keine Verbindung zur TWS hergestellt!", true);
         return;
     }
-    OhneFehler([&] {
+    OhneFehler("Verbinden", [&] {
         control_->connect(einstellungen.IBIPAdr, einstellungen.Port(), einstellungen.IBLoginID,
                           KeineVerbindungsoptionen, KeineZusatzanmeldung);
     });
@@ -60,31 +60,32 @@ void Verbindung::TWSVerbindungAufbauen() {
     }
     Melde("Verbindung hergestellt um " + control_->TwsConnectionTime());
     if (control_->serverVersion() >= 1) Melde("TWS Server Version " + std::to_string(control_->serverVersion()));
-    OhneFehler([&] { control_->reqCurrentTime(); });
+    OhneFehler("Zeit der TWS nach dem Verbinden anfordern", [&] { control_->reqCurrentTime(); });
 }
 
 void Verbindung::nextValidId(int /*orderId*/) {
     modul_.TWSVerbunden = true;
-    if (modul_.Einstellungen.KontenDatenAufzeichnen) OhneFehler([&] { abnehmer_.Konten.KontoabosAnfordern(); });
-    OhneFehler([&] { anzeige_.VerbergeOfflinewarnung(); });
+    if (modul_.Einstellungen.KontenDatenAufzeichnen)
+        OhneFehler("Kontoabos nach dem Verbinden", [&] { abnehmer_.Konten.KontoabosAnfordern(); });
+    OhneFehler("Offlinewarnung verbergen", [&] { anzeige_.VerbergeOfflinewarnung(); });
 }
 
 void Verbindung::connectionClosed() {
     Unterrichte([](Stromwache& wache) { wache.VerbindungWeg(); });
     Melde("Verbindung zur TWS ist unterbrochen!", true);
-    OhneFehler([&] { anzeige_.ZeigeOfflinewarnung(); });
+    OhneFehler("Offlinewarnung zeigen", [&] { anzeige_.ZeigeOfflinewarnung(); });
     modul_.TWSVerbunden = false;
 }
 
 void Verbindung::errMsg(int id, int errorCode, std::string_view errorMsg,
                         std::string_view /*advancedOrderRejectJson*/) {
     if (Vertragsfragen::IstEigene(id)) return abnehmer_.Vertraege.Ende(id);
-    OhneFehler([&] { Melde(Meldungstext(id, errorCode, errorMsg)); });
+    OhneFehler("Meldung der TWS", [&] { Melde(Meldungstext(id, errorCode, errorMsg)); });
     if (const clTitelobjekt* titel = id < 1 ? nullptr : modul_.Titelliste.Finde(id))
         Unterrichte([&](Stromwache& wache) { wache.TitelMeldung(*titel, errorCode); });
     if (id < 1) Unterrichte([&](Stromwache& wache) { wache.Meldung(errorCode, errorMsg); });
-    OhneFehler([&] { NachCodeHandeln(errorCode); });
-    OhneFehler([&] { NeustartlistePruefen(errorCode); });
+    OhneFehler("Meldung der TWS befolgen", [&] { NachCodeHandeln(errorCode); });
+    OhneFehler("Neustartliste prüfen", [&] { NeustartlistePruefen(errorCode); });
 }
 
 void Verbindung::NachCodeHandeln(int errorCode) {
@@ -119,7 +120,7 @@ std::string Verbindung::Meldungstext(int id, int errorCode, std::string_view err
 }
 
 void Verbindung::TwsIstOffline() {
-    OhneFehler([&] { anzeige_.Ton(); });
+    OhneFehler("Ton", [&] { anzeige_.Ton(); });
     modul_.Offline = true;
     modul_.FarmAktiv = false;
     if (anzeige_.OfflinewarnungSichtbar()) return;
@@ -128,7 +129,7 @@ void Verbindung::TwsIstOffline() {
 
 // With AutoDatenpflege off nothing is subscribed again: the broker is left to resume its streams.
 void Verbindung::VerbindungWiederhergestellt() {
-    OhneFehler([&] { anzeige_.VerbergeOfflinewarnung(); });
+    OhneFehler("Offlinewarnung nach der Rückkehr verbergen", [&] { anzeige_.VerbergeOfflinewarnung(); });
     if (!modul_.Offline) return;
     modul_.Offline = false;
     const Datum jetzt = uhr_.Jetzt();
@@ -137,26 +138,26 @@ void Verbindung::VerbindungWiederhergestellt() {
     Melde("Verbindung wiederhergestellt - Datenpflege wartet bis zu drei Sekunden auf Marktdaten-Farm-Aktivierung");
     modul_.FarmAktiv = false;
     modul_.NeuverbindungsZeit = jetzt;
-    OhneFehler([&] { anzeige_.FensterNachVorn(); });
+    OhneFehler("Fenster nach der Rückkehr nach vorn", [&] { anzeige_.FensterNachVorn(); });
 }
 
 // The visible warning is what keeps one failure from being handled twice.
 void Verbindung::SocketAusgefallen() {
     if (modul_.Offline) return;
-    OhneFehler([&] { anzeige_.Ton(); });
+    OhneFehler("Ton beim Ausfall", [&] { anzeige_.Ton(); });
     if (anzeige_.OfflinewarnungSichtbar()) return;
     Unterrichte([](Stromwache& wache) { wache.VerbindungWeg(); });
     WarnungZeigen("Problem mit der Socket-Verbindung. Die Verbindung muss neu hergestellt werden. Bitte warten...");
     std::int32_t gesendet = 0;
-    OhneFehler([&] { abonnement_.AlleMarktdatenAbbestellen(gesendet); });
-    OhneFehler([&] { control_->disconnect(); });
+    OhneFehler("Abbestellen beim Ausfall", [&] { abonnement_.AlleMarktdatenAbbestellen(gesendet); });
+    OhneFehler("Trennen beim Ausfall", [&] { control_->disconnect(); });
     modul_.TWSVerbunden = false;
-    OhneFehler([&] { control_.Erzeuge(*this); });
+    OhneFehler("IBControl ersetzen", [&] { control_.Erzeuge(*this); });
 }
 
 void Verbindung::WarnungZeigen(const std::string& text) {
-    OhneFehler([&] { anzeige_.FensterNachVorn(); });
-    OhneFehler([&] { anzeige_.ZeigeOfflinewarnung(text); });
+    OhneFehler("Fenster nach vorn", [&] { anzeige_.FensterNachVorn(); });
+    OhneFehler("Warnung zeigen", [&] { anzeige_.ZeigeOfflinewarnung(text); });
 }
 
 void Verbindung::NeustartlistePruefen(int errorCode) {
@@ -170,16 +171,16 @@ void Verbindung::NeustartlistePruefen(int errorCode) {
 }
 
 void Verbindung::currentTime(std::int64_t time) {
-    if (abnehmer_.ServerZeit) OhneFehler([&] { abnehmer_.ServerZeit(time); });
+    if (abnehmer_.ServerZeit) OhneFehler("Zeit der TWS", [&] { abnehmer_.ServerZeit(time); });
 }
 
 void Verbindung::tickPrice(int id, int tickType, double price, bool /*canAutoExecute*/, bool /*pastLimit*/,
                            bool /*preOpen*/) {
-    OhneFehler([&] { abnehmer_.Kurse.tickPrice(id, tickType, price); });
+    OhneFehler("tickPrice", [&] { abnehmer_.Kurse.tickPrice(id, tickType, price); });
 }
 
 void Verbindung::tickSize(int id, int tickType, double size) {
-    OhneFehler([&] { abnehmer_.Kurse.tickSize(id, tickType, size); });
+    OhneFehler("tickSize", [&] { abnehmer_.Kurse.tickSize(id, tickType, size); });
 }
 
 void Verbindung::tickString(int id, int tickType, std::string_view value) {
@@ -188,21 +189,21 @@ void Verbindung::tickString(int id, int tickType, std::string_view value) {
 
 void Verbindung::updateAccountValue(std::string_view key, std::string_view value, std::string_view curency,
                                     std::string_view accountName) {
-    OhneFehler([&] { abnehmer_.Konten.updateAccountValue(key, value, curency, accountName); });
+    OhneFehler("Kontowert", [&] { abnehmer_.Konten.updateAccountValue(key, value, curency, accountName); });
 }
 
 void Verbindung::updatePortfolioEx(const tws::Contract& contract, double position, double marketPrice,
                                    double /*marketValue*/, double /*averageCost*/, double /*unrealizedPNL*/,
                                    double /*realizedPNL*/, std::string_view accountName) {
-    OhneFehler([&] { abnehmer_.Konten.updatePortfolioEx(contract, position, marketPrice, accountName); });
+    OhneFehler("Portfolio", [&] { abnehmer_.Konten.updatePortfolioEx(contract, position, marketPrice, accountName); });
 }
 
 void Verbindung::updateMktDepth(int id, int position, int operation, int side, double price, double size) {
-    OhneFehler([&] { abnehmer_.Tiefe.updateMktDepth(id, position, operation, side, price, size); });
+    OhneFehler("Markttiefe", [&] { abnehmer_.Tiefe.updateMktDepth(id, position, operation, side, price, size); });
 }
 
 void Verbindung::contractDetailsEx(int reqId, const tws::ContractDetails& details) {
-    OhneFehler([&] { abnehmer_.Vertraege.Details(reqId, details); });
+    OhneFehler("Vertrag annehmen", [&] { abnehmer_.Vertraege.Details(reqId, details); });
 }
 
 void Verbindung::contractDetailsEnd(int reqId) {

@@ -41,7 +41,7 @@ bool Vertragsfragen::Frage(const clTitelobjekt& titel, Datum jetzt) {
     titel_ = titel.id;
     gefragtUm_ = jetzt;
     ++nummer_;
-    OhneFehler([&] { control_->reqContractDetailsEx(nummer_, KontraktVon(titel)); });
+    OhneFehler("Vertrag erfragen", [&] { control_->reqContractDetailsEx(nummer_, KontraktVon(titel)); });
     return true;
 }
 

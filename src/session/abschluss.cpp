@@ -24,11 +24,11 @@ Abschluss::Abschluss(const Plattform& plattform, IBModul& modul, Einstellungsspe
     : plattform_(plattform), modul_(modul), einstellungen_(einstellungen), gesicht_(gesicht), rekorder_(rekorder) {}
 
 void Abschluss::Entladen() {
-    OhneFehler([&] { TitelAbbestellen(); });
-    OhneFehler([&] { modul_.Titelliste.Leere(); });
-    OhneFehler([&] { rekorder_.TwsTrennen(); });
-    OhneFehler([&] { modul_.Katalogliste.Leere(); });
-    OhneFehler([&] { plattform_.Pumpe.Ereignisse(); });
+    OhneFehler("Titel abbestellen", [&] { TitelAbbestellen(); });
+    OhneFehler("Titelliste leeren", [&] { modul_.Titelliste.Leere(); });
+    OhneFehler("Verbindung trennen", [&] { rekorder_.TwsTrennen(); });
+    OhneFehler("Katalogliste leeren", [&] { modul_.Katalogliste.Leere(); });
+    OhneFehler("Ereignisse am Ende", [&] { plattform_.Pumpe.Ereignisse(); });
     EinstellungenSchreiben();
 }
 
@@ -36,21 +36,21 @@ void Abschluss::Entladen() {
 void Abschluss::EinstellungenSchreiben() {
     {
         const Einstellungsspeicher::Buendel buendel(einstellungen_);
-        OhneFehler([&] { SchreibeIBLastEnd(); });
-        OhneFehler([&] { gesicht_.TaskleistenstilSetzen(false); });
-        OhneFehler([&] { SchreibeTrayzustand(); });
-        OhneFehler([&] { gesicht_.TrayFreigeben(); });
-        OhneFehler([&] { gesicht_.FensterplatzSpeichern(); });
-        OhneFehler([&] { gesicht_.MonitorplatzSpeichern(); });
+        OhneFehler("IBLastEnd am Ende", [&] { SchreibeIBLastEnd(); });
+        OhneFehler("Taskleistenstil am Ende", [&] { gesicht_.TaskleistenstilSetzen(false); });
+        OhneFehler("Trayzustand speichern", [&] { SchreibeTrayzustand(); });
+        OhneFehler("Tray freigeben", [&] { gesicht_.TrayFreigeben(); });
+        OhneFehler("Fensterplatz speichern", [&] { gesicht_.FensterplatzSpeichern(); });
+        OhneFehler("Monitorplatz speichern", [&] { gesicht_.MonitorplatzSpeichern(); });
     }
-    OhneFehler([&] { einstellungen_.WarteBisGeschrieben(plattform_.Pumpe); });
+    OhneFehler("Einstellungen am Ende schreiben", [&] { einstellungen_.WarteBisGeschrieben(plattform_.Pumpe); });
 }
 
 // Title by title, with no pauses.
 void Abschluss::TitelAbbestellen() {
     const Titelliste alle = modul_.Titelliste;
     for (const auto& titel : alle)
-        if (titel->Aktiv()) OhneFehler([&] { rekorder_.MarktdatenAbbestellen(*titel); });
+        if (titel->Aktiv()) OhneFehler("Einen Titel abbestellen", [&] { rekorder_.MarktdatenAbbestellen(*titel); });
 }
 
 void Abschluss::SchreibeIBLastEnd() {

@@ -29,10 +29,10 @@ void EinstellungenAnwenden(IBModul& modul, Einstellungsspeicher& speicher, const
     if (!e.NeuStartBeiFehlendenKursen) e.NeuStartBeiFehlendenKursenSekunden = bisherigeSekunden;
     TrimmeTexte(e);
     Begrenze(e);
-    if (e.AutoUhrzeitStellen) OhneFehler([&] { uhrzeitAnfordern(); });
+    if (e.AutoUhrzeitStellen) OhneFehler("Uhrzeit nach den Einstellungen anfordern", [&] { uhrzeitAnfordern(); });
     for (const Titelzeiger& titel : modul.Titelliste) TitelmerkmaleAbleiten(*titel, e);
     speicher.SpeichereEinstellungen();
-    OhneFehler([&] { kontoabosAnfordern(); });
+    OhneFehler("Kontoabos nach den Einstellungen", [&] { kontoabosAnfordern(); });
 }
 
 }  // namespace zek

@@ -63,7 +63,7 @@ std::string Einstellungsspeicher::LeseEinstellung(std::string_view anwendung, st
                                                   std::string_view schluessel, std::string_view vorgabe,
                                                   bool immerRegistry, bool immerDatei) {
     std::string text;
-    OhneFehler([&] {
+    OhneFehler("Einstellung lesen", [&] {
         text = InDatei(immerRegistry, immerDatei) ? LiesAusDatei(abschnitt, schluessel, vorgabe)
                                                   : LeseRegistry(anwendung, abschnitt, schluessel, vorgabe);
     });
@@ -73,7 +73,7 @@ std::string Einstellungsspeicher::LeseEinstellung(std::string_view anwendung, st
 bool Einstellungsspeicher::SchreibeEinstellung(std::string_view anwendung, std::string_view abschnitt,
                                                std::string_view schluessel, std::string_view wert, bool immerRegistry,
                                                bool immerDatei) {
-    OhneFehler([&] {
+    OhneFehler("Einstellung schreiben", [&] {
         Schreibe(InDatei(immerRegistry, immerDatei) ? LokaleDatei : Registry(anwendung),
                  {std::string(abschnitt), std::string(schluessel), std::string(wert)}, Haltbarkeit::Sofort);
     });
@@ -82,7 +82,7 @@ bool Einstellungsspeicher::SchreibeEinstellung(std::string_view anwendung, std::
 
 void Einstellungsspeicher::SchreibeMarke(std::string_view abschnitt, std::string_view schluessel,
                                          std::string_view wert) {
-    OhneFehler([&] {
+    OhneFehler("Marke schreiben", [&] {
         Schreibe(InDatei(false, false) ? LokaleDatei : Registry(Programmtitel),
                  {std::string(abschnitt), std::string(schluessel), std::string(wert)}, Haltbarkeit::Spaeter);
     });

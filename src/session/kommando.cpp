@@ -10,7 +10,8 @@ namespace zek {
 void KommandosLoeschen(Einstellungsspeicher& einstellungen) {
     const Einstellungsspeicher::Buendel buendel(einstellungen);
     for (const auto kommando : {"DoQuit", "Restart"})
-        OhneFehler([&] { einstellungen.LoescheRegistry(Programmtitel, abschnitt::Kommando, kommando); });
+        OhneFehler("Kommando löschen",
+                   [&] { einstellungen.LoescheRegistry(Programmtitel, abschnitt::Kommando, kommando); });
 }
 
 std::optional<std::string> KommandoHinterlegen(Einstellungsspeicher& einstellungen, Pumpe& pumpe,

@@ -113,7 +113,8 @@ Startergebnis Startfolge::ZweiteInstanz() {
         return Startergebnis::Gescheitert;
     }
     if (!gesicht_.OhneBildschirm())
-        OhneFehler([&] { RufeNachVorn(einstellungen_, modul_.Programmordner, plattform_.Uhr.Jetzt()); });
+        OhneFehler("Laufendes Programm nach vorn rufen",
+                   [&] { RufeNachVorn(einstellungen_, modul_.Programmordner, plattform_.Uhr.Jetzt()); });
     // The folder named is that of the instance that is being refused.
     gesicht_.ZeigeMeldung(
         "Tessaron ZEK für IB wurde bereits aus dem Ordner " + OhneTrenner(modul_.Programmordner) + " gestartet!",
@@ -145,7 +146,7 @@ bool Startfolge::DatenordnerBestimmen() {
 
 bool Startfolge::FreierSpeicherReicht(double minimum) const {
     std::int64_t frei = -1;
-    OhneFehler([&] { frei = plattform_.Dateien.FreierPlatz(modul_.Programmordner); });
+    OhneFehler("Freien Platz prüfen", [&] { frei = plattform_.Dateien.FreierPlatz(modul_.Programmordner); });
     return frei < 0 || static_cast<double>(frei) / 1024 >= minimum;
 }
 

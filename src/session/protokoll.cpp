@@ -23,11 +23,11 @@ Protokoll::Protokoll(const Uhr& uhr, Dateisystem& dateien, const IBModul& modul,
     : uhr_(uhr), dateien_(dateien), modul_(modul), gesicht_(gesicht) {}
 
 void Protokoll::Statusmeldung(std::string_view text, bool fett) {
-    OhneFehler([&] {
+    OhneFehler("Protokolleintrag", [&] {
         std::string zeile = Datumtext(uhr_.Jetzt()) + ": " + std::string(text);
         if (zeile == letzteMeldung_) return;
         letzteMeldung_ = std::move(zeile);
-        OhneFehler([&] {
+        OhneFehler("Eintrag der Statusliste", [&] {
             if (gesicht_.HauptfensterGeladen()) gesicht_.StatuslisteEintrag(uhr_.Jetzt(), std::string(text), fett);
         });
         SchreibeInDatei(NachCodepage(letzteMeldung_));

@@ -22,7 +22,7 @@ bool DerselbeWert(const Speicheraenderung& a, std::string_view abschnitt, std::s
 }  // namespace
 
 Schreibschlange::Buendel::~Buendel() {
-    if (--schlange_.buendel_ == 0) OhneFehler([this] { schlange_.Schreibe(); });
+    if (--schlange_.buendel_ == 0) OhneFehler("Einstellungen gebündelt schreiben", [this] { schlange_.Schreibe(); });
 }
 
 void Schreibschlange::Reihe(const Ziel& ziel, Speicheraenderung aenderung, Haltbarkeit haltbarkeit) {

@@ -11,6 +11,7 @@ Sitzung::Sitzung(Plattform plattform, Gesicht& gesicht, const std::string& befeh
       gesicht_(gesicht),
       einstellungen_(modul_, plattform_.Nutzerspeicher, plattform_.LokaleDatei),
       protokoll_(plattform_.Uhr, plattform_.Dateien, modul_, gesicht_),
+      verschluckte_(protokoll_),
       start_(plattform_, modul_, einstellungen_, gesicht_, *this, LiesBefehlszeile(befehlszeile)),
       abschluss_(plattform_, modul_, einstellungen_, gesicht_, *this) {
     modul_.Programmordner = plattform_.Programmordner;
@@ -21,7 +22,9 @@ Sitzung::~Sitzung() = default;
 bool Sitzung::Starte() {
     ergebnis_ = start_.Main();
     if (beendet_) ergebnis_ = Startergebnis::Beendet;
-    if (ergebnis_ != Startergebnis::Laeuft) OhneFehler([&] { einstellungen_.WarteBisGeschrieben(plattform_.Pumpe); });
+    if (ergebnis_ != Startergebnis::Laeuft)
+        OhneFehler("Einstellungen vor dem Ende schreiben",
+                   [&] { einstellungen_.WarteBisGeschrieben(plattform_.Pumpe); });
     return ergebnis_ == Startergebnis::Laeuft;
 }
 
@@ -33,11 +36,12 @@ int Sitzung::Rueckgabe() const {
 void Sitzung::Beende() {
     if (beendet_) return;
     beendet_ = true;
-    OhneFehler([this] { plattform_.MeldeVerwalter("STOPPING=1"); });
+    OhneFehler("Ende dem Verwalter melden", [this] { plattform_.MeldeVerwalter("STOPPING=1"); });
     if (teile_) {
-        OhneFehler([this] { teile_->HalteAn(); });
-        OhneFehler([this] { abschluss_.Entladen(); });
+        OhneFehler("Zeitgeber anhalten", [this] { teile_->HalteAn(); });
+        OhneFehler("Abschluss", [this] { abschluss_.Entladen(); });
     }
+    verschluckte_.Zusammenfassung();
     if (plattform_.Ende) plattform_.Ende();
 }
 
@@ -46,8 +50,8 @@ void Sitzung::BaueZusammen() {
         Zusammenbau::Umgebung{plattform_, modul_, einstellungen_, gesicht_, protokoll_, [this] { Beende(); }});
     modul_.Startzeitpunkt = plattform_.Uhr.Jetzt();
     const std::string ende = einstellungen_.LeseEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd", "0");
-    OhneFehler([&] { teile_->Luecken.Beginne(Zahlwert(ende)); });
-    OhneFehler([this] { teile_->StelleBestandWiederHer(); });
+    OhneFehler("Lückenwache beginnen", [&] { teile_->Luecken.Beginne(Zahlwert(ende)); });
+    OhneFehler("Bestand wiederherstellen", [this] { teile_->StelleBestandWiederHer(); });
     teile_->StarteZeitgeber();
     plattform_.MeldeVerwalter("READY=1");
 }
@@ -62,7 +66,7 @@ void Sitzung::AtomZeitAbfrage() {
 
 void Sitzung::Titelladen() {
     teile_->Lader.Titelladen();
-    OhneFehler([this] { teile_->Luecken.TitelGeladen(); });
+    OhneFehler("Lückenwache: Titel geladen", [this] { teile_->Luecken.TitelGeladen(); });
 }
 
 void Sitzung::ErsteDatenpflegeVormerken() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "session/abschluss.h"
+#include "session/fehlerprotokoll.h"
 #include "session/main.h"
 #include "session/protokoll.h"
 #include "session/zusammenbau.h"
@@ -55,6 +56,7 @@ private:
     IBModul modul_;
     Einstellungsspeicher einstellungen_;
     Protokoll protokoll_;
+    Fehlerprotokoll verschluckte_;
     Startfolge start_;
     Abschluss abschluss_;
     std::unique_ptr<Zusammenbau> teile_;

@@ -79,25 +79,25 @@ void Zusammenbau::StarteZeitgeber() {
 
 void Zusammenbau::Sekundentakt() {
     um_.Plattform.MeldeVerwalter("WATCHDOG=1");
-    OhneFehler([this] { Info.TitelInfoAktualisieren(true); });
-    OhneFehler([this] { um_.Einstellungen.SchreibeWartendes(); });
+    OhneFehler("Titelinformation", [this] { Info.TitelInfoAktualisieren(true); });
+    OhneFehler("Wartende Einstellungen schreiben", [this] { um_.Einstellungen.SchreibeWartendes(); });
 }
 
 void Zusammenbau::Lueckentakt() {
     Luecken.Durchlauf();
-    OhneFehler([this] { Marktdaten.Vertraege.Durchlauf(); });
+    OhneFehler("Handelszeiten erfragen", [this] { Marktdaten.Vertraege.Durchlauf(); });
 }
 
 void Zusammenbau::HalteAn() {
-    OhneFehler([this] { Luecken.Beende(); });
+    OhneFehler("Lückenwache beenden", [this] { Luecken.Beende(); });
     lueckenTimer_->Stoppe();
     Aufsicht.Beende();
     zeitgeber_->Stoppe();
     tickzaehlerTimer_->Stoppe();
     um_.Modul.Datenpflegewarteschlange.clear();
     if (!Datenpflege.LaufVorhanden()) return;
-    OhneFehler([this] { Datenpflege.BrichAb(); });
-    OhneFehler([this] { Datenpflege.FensterEntladen(); });
+    OhneFehler("Datenpflege abbrechen", [this] { Datenpflege.BrichAb(); });
+    OhneFehler("Fenster der Datenpflege schließen", [this] { Datenpflege.FensterEntladen(); });
 }
 
 Titelzeiger Zusammenbau::TitelAnlegen(const Titelangaben& angaben) {

@@ -167,21 +167,21 @@ void Lueckenwache::Durchlauf() {
     if (!laeuft_) return;
     const Datum jetzt = uhr_.Jetzt();
     const Datum zuletzt = uhrluecken_.Zuletzt();
-    OhneFehler([&] {
+    OhneFehler("Lücken der Uhr", [&] {
         if (uhrluecken_.Pruefe(jetzt)) strom_.RuheBis(jetzt);
     });
-    OhneFehler([&] { titel_.Pruefe(jetzt); });
-    OhneFehler([&] {
+    OhneFehler("Lücken der Titel", [&] { titel_.Pruefe(jetzt); });
+    OhneFehler("Lücken ohne aktive Titel", [&] {
         if (titelGeladen_ && titel_.Lage().Aktive == 0) strom_.NichtsZuAbonnieren(jetzt);
     });
-    OhneFehler([&] { farm_.Pruefe(jetzt); });
-    OhneFehler([&] { strom_.Pruefe(jetzt, titel_.Lage()); });
-    OhneFehler([&] { pause_.Pruefe(jetzt, zuletzt); });
-    OhneFehler([&] { handel_.Pruefe(jetzt); });
-    OhneFehler([&] { dateiluecken_.Pruefe(jetzt); });
-    OhneFehler([&] { lebenszeichen_.Pruefe(jetzt); });
-    if (++durchlaeufe_ % NachholenJede == 0) OhneFehler([&] { PflegeBuch(jetzt); });
-    if (durchlaeufe_ > VerdichtenNach) OhneFehler([&] { VerdichteBuch(jetzt); });
+    OhneFehler("Lücken der Farmen", [&] { farm_.Pruefe(jetzt); });
+    OhneFehler("Lücken der Verbindung", [&] { strom_.Pruefe(jetzt, titel_.Lage()); });
+    OhneFehler("Lücken der Pause", [&] { pause_.Pruefe(jetzt, zuletzt); });
+    OhneFehler("Handelszeiten", [&] { handel_.Pruefe(jetzt); });
+    OhneFehler("Lücken der Dateien", [&] { dateiluecken_.Pruefe(jetzt); });
+    OhneFehler("Lebenszeichen", [&] { lebenszeichen_.Pruefe(jetzt); });
+    if (++durchlaeufe_ % NachholenJede == 0) OhneFehler("Lückenbuch pflegen", [&] { PflegeBuch(jetzt); });
+    if (durchlaeufe_ > VerdichtenNach) OhneFehler("Lückenbuch verdichten", [&] { VerdichteBuch(jetzt); });
 }
 
 // A checkpoint each day, and when the book has grown by much.

@@ -48,7 +48,7 @@ bool Neustart::AutoNeustartStarten(bool nurPruefen) {
     if (dateien_.Ausfuehrbar(pfad)) {
         std::vector<std::string> argumente;
         if (modul_.KeineBeendenFrage) argumente.emplace_back("/K");
-        if (!nurPruefen) OhneFehler([&] { prozesse_.Starte(pfad, argumente); });
+        if (!nurPruefen) OhneFehler("Neustarthelfer starten", [&] { prozesse_.Starte(pfad, argumente); });
         return true;
     }
     if (nurPruefen) {
@@ -118,7 +118,7 @@ void Neustart::WegenFehler(int code) {
 
 bool Neustart::Ausfuehren() {
     if (!modul_.NeustartAngefordert && !modul_.BeendenAngefordert) return false;
-    OhneFehler([&] {
+    OhneFehler("Datenpflege vor dem Neustart abbrechen", [&] {
         if (!sitzung_.DatenpflegeAbbrechen()) return;
         for (int i = 0; i < 100; ++i) pumpe_.Ereignisse();
         sitzung_.DatenpflegeFensterFreigeben();
@@ -126,8 +126,8 @@ bool Neustart::Ausfuehren() {
     // The system or a person closed the program meanwhile; it isn't to come back then.
     if (beendet_) return true;
     if (modul_.BeendenAngefordert) {
-        OhneFehler([&] { sitzung_.disconnect(); });
-        OhneFehler([&] { pumpe_.Ereignisse(); });
+        OhneFehler("Verbindung vor dem Ende trennen", [&] { sitzung_.disconnect(); });
+        OhneFehler("Ereignisse vor dem Ende", [&] { pumpe_.Ereignisse(); });
         return ProgrammEndet();
     }
     if (AutoNeustartStarten(false)) return ProgrammEndet();
@@ -136,7 +136,7 @@ bool Neustart::Ausfuehren() {
 }
 
 bool Neustart::ProgrammEndet() {
-    OhneFehler([&] { sitzung_.HauptfensterEntladen(); });
+    OhneFehler("Hauptfenster entladen", [&] { sitzung_.HauptfensterEntladen(); });
     return true;
 }
 

@@ -35,13 +35,13 @@ Runde::Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Einstellungs
 void Runde::Durchlauf() {
     if (laeuft_ || beendet_) return;
     laeuft_ = true;
-    OhneFehler([&] { NeuverbindungAbschliessen(); });
+    OhneFehler("Neuverbindung abschließen", [&] { NeuverbindungAbschliessen(); });
     // The end may have come inside a step that pumps.
-    if (!beendet_) OhneFehler([&] { Neustartregeln(); });
-    if (!beendet_) OhneFehler([&] { beendet_ = neustart_.Ausfuehren() || beendet_; });
-    if (!beendet_) OhneFehler([&] { Minutenblock(); });
-    if (!beendet_) OhneFehler([&] { Wiederverbinden(); });
-    if (!beendet_) OhneFehler([&] { Warteschlange(); });
+    if (!beendet_) OhneFehler("Neustartregeln", [&] { Neustartregeln(); });
+    if (!beendet_) OhneFehler("Neustart ausführen", [&] { beendet_ = neustart_.Ausfuehren() || beendet_; });
+    if (!beendet_) OhneFehler("Minutenblock", [&] { Minutenblock(); });
+    if (!beendet_) OhneFehler("Wiederverbinden", [&] { Wiederverbinden(); });
+    if (!beendet_) OhneFehler("Warteschlange der Datenpflege", [&] { Warteschlange(); });
     laeuft_ = false;
 }
 
@@ -55,13 +55,13 @@ void Runde::NeuverbindungAbschliessen() {
     if (!modul_.FarmAktiv && GanzeSekunden(modul_.NeuverbindungsZeit, uhr_.Jetzt()) <= FarmWartezeit) return;
     modul_.NeuverbindungsZeit = 0;
     std::int32_t count = 0;
-    OhneFehler([&] { mitspieler_.AlleMarktdatenAbbestellen(count); });
+    OhneFehler("Abbestellen nach Neuverbindung", [&] { mitspieler_.AlleMarktdatenAbbestellen(count); });
     if (beendet_) return;
-    OhneFehler([&] { mitspieler_.AlleMarktdatenAbonnieren(count); });
+    OhneFehler("Abonnieren nach Neuverbindung", [&] { mitspieler_.AlleMarktdatenAbonnieren(count); });
     if (beendet_) return;
     DatenpflegeNachNeuverbindung();
     if (beendet_) return;
-    OhneFehler([&] { mitspieler_.KontoabosAnfordern(); });
+    OhneFehler("Kontoabos nach Neuverbindung", [&] { mitspieler_.KontoabosAnfordern(); });
     // A connection that was lost again during the run keeps the beginning of its gap.
     if (modul_.Offline || !mitspieler_.TwsVerbunden() || modul_.NeuverbindungsZeit != 0) return;
     modul_.LetzteDatenZeit = uhr_.Jetzt();
@@ -71,7 +71,7 @@ void Runde::NeuverbindungAbschliessen() {
 bool Runde::StarteAutoBackfill(Datum zeitpunkt) {
     laeuft_ = false;
     bool angenommen = false;
-    OhneFehler([&] { angenommen = mitspieler_.StarteAutoBackfill(zeitpunkt); });
+    OhneFehler("Datenpflege nach Neuverbindung", [&] { angenommen = mitspieler_.StarteAutoBackfill(zeitpunkt); });
     laeuft_ = true;
     return angenommen;
 }
@@ -81,8 +81,9 @@ void Runde::DatenpflegeNachNeuverbindung() {
     const Datum von = modul_.LetzteDatenZeit;
     const Datum bis = uhr_.Jetzt();
     modul_.Datenpflegewarteschlange.emplace_back(von, bis);
-    OhneFehler([&] { status_.Statusmeldung("Datenpflege nach Neuverbindung derzeit nicht möglich (läuft bereits)"); });
-    OhneFehler([&] {
+    OhneFehler("Meldung: Datenpflege nicht möglich",
+               [&] { status_.Statusmeldung("Datenpflege nach Neuverbindung derzeit nicht möglich (läuft bereits)"); });
+    OhneFehler("Meldung: Datenpflege wird nachgeholt", [&] {
         status_.Statusmeldung("Backfill von " + Datumtext(von) + " bis " + Datumtext(bis) + " wird nachgeholt");
     });
 }
@@ -90,10 +91,10 @@ void Runde::DatenpflegeNachNeuverbindung() {
 // Restarts wait while a dialog is open; commands are always obeyed.
 void Runde::Neustartregeln() {
     if (!modul_.Dialogsperre) {
-        OhneFehler([&] { neustart_.UhrzeitPruefen(); });
-        OhneFehler([&] { neustart_.FehlendeKursePruefen(); });
+        OhneFehler("Uhrzeit des Neustarts prüfen", [&] { neustart_.UhrzeitPruefen(); });
+        OhneFehler("Fehlende Kurse prüfen", [&] { neustart_.FehlendeKursePruefen(); });
     }
-    OhneFehler([&] { neustart_.KommandosPruefen(); });
+    OhneFehler("Kommandos prüfen", [&] { neustart_.KommandosPruefen(); });
 }
 
 void Runde::Minutenblock() {
@@ -104,17 +105,17 @@ void Runde::Minutenblock() {
         return;
     }
     modul_.Minutenmarke = Gerundet(t);
-    OhneFehler([&] {
+    OhneFehler("IBLastEnd schreiben", [&] {
         const double seitStart = (uhr_.Jetzt() - modul_.Startzeitpunkt) * SekundenProTag;
         if (seitStart > LastEndKarenz && modul_.LetzteDatenZeit > 0) {
             einstellungen_.SchreibeMarke(abschnitt::Datenpflege, "IBLastEnd",
                                          ZahltextPunkt(mitspieler_.GespeichertBis(modul_.LetzteDatenZeit)));
         }
     });
-    OhneFehler([&] {
+    OhneFehler("Zeit der TWS anfordern", [&] {
         if (modul_.TWSVerbunden) mitspieler_.reqCurrentTime();
     });
-    OhneFehler([&] {
+    OhneFehler("Atomzeit anfordern", [&] {
         if (modul_.Einstellungen.AutoUhrzeitStellen) mitspieler_.AtomZeitAbfrage();
     });
 }
@@ -127,11 +128,11 @@ void Runde::Wiederverbinden() {
         return;
     }
     if (mitspieler_.TwsVerbunden() || modul_.Verbindungsversuche >= Hoechstversuche) return;
-    OhneFehler([&] { mitspieler_.TWSVerbindungAufbauen(); });
+    OhneFehler("Verbindung wieder aufbauen", [&] { mitspieler_.TWSVerbindungAufbauen(); });
     if (beendet_) return;
     if (mitspieler_.TwsVerbunden()) {
-        OhneFehler([&] { mitspieler_.AlleMarktdatenAbonnieren(0); });
-        OhneFehler([&] { mitspieler_.VerbergeOfflinewarnung(); });
+        OhneFehler("Abonnieren nach Wiederverbinden", [&] { mitspieler_.AlleMarktdatenAbonnieren(0); });
+        OhneFehler("Offlinewarnung verbergen", [&] { mitspieler_.VerbergeOfflinewarnung(); });
     }
     ++modul_.Verbindungsversuche;
 }

@@ -63,7 +63,7 @@ void Systemuhr::AtomZeitAbfrage() {
 
 // The answer may come in pieces.
 void Systemuhr::TcpLesbar() {
-    OhneFehler([&] {
+    OhneFehler("Antwort des Zeitservers", [&] {
         empfangen_ += timeSocket_->Lies(std::span(antwort_).subspan(empfangen_));
         if (empfangen_ < antwort_.size()) return;
         AbfrageBeenden();

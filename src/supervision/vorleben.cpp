@@ -65,7 +65,7 @@ void Vorleben::SchreibeStart() {
 // isn't there shows that it is wrong. Without one, records count before what the settings say.
 Datum Vorleben::Todeszeit() {
     Datum satz = 0;
-    OhneFehler([&] { satz = LetzterSatz(); });
+    OhneFehler("Letzten Datensatz lesen", [&] { satz = LetzterSatz(); });
     if (!zeichen_) return std::max(buchSpur_, satz > 0 ? satz : datenSpur_);
     const Datum moment = Zeitspannen::AlsDatum(zeichen_->Moment);
     const bool rechnerStand =
@@ -80,7 +80,8 @@ Datum Vorleben::LetzterSatz() {
     Datum letzter = 0;
     for (const auto& titel : modul_.Titelliste)
         for (const std::int32_t art : {kursart::Bezahlt, kursart::Brief, kursart::Geld})
-            OhneFehler([&] { letzter = std::max(letzter, LetzterSatz(*titel, art)); });
+            OhneFehler("Letzten Datensatz einer Datei lesen",
+                       [&] { letzter = std::max(letzter, LetzterSatz(*titel, art)); });
     return letzter;
 }
 

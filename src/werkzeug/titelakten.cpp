@@ -59,7 +59,7 @@ void Titelakten::LiesDefinitionen(const std::string& programmordner) {
     if (liste == nullptr) return;
     for (const Wert& para : liste->Elemente) {
         clTitelobjekt titel;
-        OhneFehler([&] { titel.ReadAllPara(para); });
+        OhneFehler("Titel aus den Definitionen lesen", [&] { titel.ReadAllPara(para); });
         titel.Dateiname = ImOrdner(titel.Dateiname);
         const std::string name = Dateinamensbildung(titel, kursart::Basisname);
         if (name.empty()) continue;

@@ -2,6 +2,7 @@
 // every record once: those before, the merged block or what it would have replaced, and each tick that was stored.
 #include "backfill/einarbeiten_modell.h"
 #include "backfill/pflegewelt.h"
+#include "hilfen/fehlerwaechter.h"
 
 #include <gmock/gmock.h>
 
@@ -61,6 +62,7 @@ struct Tickpumpe : Pumpe {
 
 class Absturz : public testing::TestWithParam<Fall> {
 protected:
+    Absturz() { ErlaubeVerschluckte("Nullsätze suchen"); }
     // Runs the merge; the n-th file call is the last one of the process (0: none). Each run of the pump brings ticks.
     void Merge(std::uint64_t n, std::size_t angerissen = 0) {
         p_ = std::make_unique<Pflegewelt>();

@@ -1,5 +1,6 @@
 #include "backfill/planung.h"
 
+#include "hilfen/fehlerwaechter.h"
 #include "platform/text.h"
 
 #include "backfill/pflegewelt.h"
@@ -153,6 +154,7 @@ TEST_F(PlanungTest, WithoutActiveTitlesAnAutomaticRunStartsNothingAndIsTrue) {
 }
 
 TEST_F(PlanungTest, AnErrorBeforeTheRunTakesTheWindowAwayAgain) {
+    ErwarteVerschluckte("Automatische Datenpflege");
     p_.Titel("ES", 7);
     EXPECT_FALSE(planung_.StarteAutoBackfill(Mittag - Minuten(5)));
     EXPECT_FALSE(planung_.LaufVorhanden());

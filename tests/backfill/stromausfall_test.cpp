@@ -4,6 +4,7 @@
 // and ZEK_SAAT.
 #include "backfill/einarbeiten_modell.h"
 #include "backfill/pflegewelt.h"
+#include "hilfen/fehlerwaechter.h"
 
 #include <gmock/gmock.h>
 
@@ -119,6 +120,7 @@ std::vector<Fall> Faelle() {
 
 class Stromausfall : public testing::TestWithParam<Fall> {
 protected:
+    Stromausfall() { ErlaubeVerschluckte("Nullsätze suchen"); }
     struct Titel : clTitelobjekt {
         Titel() { Dateiname = "T", Katalog = "K"; }
     };

@@ -2,6 +2,7 @@
 #include "bestand/titelladen.h"
 #include "datafiles/anhaengen.h"
 #include "datafiles/dateinamen.h"
+#include "hilfen/fehlerwaechter.h"
 #include "hilfen/ram_dateisystem.h"
 #include "hilfen/stoerdateisystem.h"
 #include "hilfen/test_rollen.h"
@@ -235,6 +236,7 @@ TEST_F(TitelLaden, AFileThatCannotBeOpenedGivesAMessage) {
 }
 
 TEST_F(TitelLaden, ATitleWithAnUnreadableElementStaysPartlyFilledAndTheRestFollows) {
+    ErwarteVerschluckte("Titel aus den Definitionen lesen");
     Werteliste liste{1, {}};
     Wert kaputt = clTitelobjekt().WriteAllPara();
     std::get<Werteliste>(kaputt.Inhalt).Elemente[0] = Wert{std::string("HALB")};
@@ -252,6 +254,7 @@ TEST_F(TitelLaden, ATitleWithAnUnreadableElementStaysPartlyFilledAndTheRestFollo
 }
 
 TEST_F(TitelLaden, AnErrorOfOneSubscriptionDoesNotEndTheLoad) {
+    ErwarteVerschluckte("Geladenen Titel abonnieren");
     Datei({{"A"}, {"B", "K"}});
     Titellader lader2(modul, ram, welt, welt, anzeige, meldungen, status,
                       {[] { return true; }, [](clTitelobjekt&) -> int { throw std::runtime_error("x"); }, [] {}});
@@ -450,6 +453,7 @@ TEST_F(TitelAnlage, RefusesTheSameContractAndTheSameFileName) {
 }
 
 TEST_F(TitelAnlage, AFailingSubscriptionLeavesTheTitleInTheList) {
+    ErwarteVerschluckte("Neuen Titel abonnieren");
     modul.TWSVerbunden = true;
     EXPECT_TRUE(TitelAnlegen(modul, Dax(), [](clTitelobjekt&) -> int { throw std::runtime_error("x"); }));
     EXPECT_EQ(modul.Titelliste.Anzahl(), 1u);

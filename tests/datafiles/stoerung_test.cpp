@@ -1,6 +1,7 @@
 // Every file call of the append failing in turn, and the process dying at every one of them.
 #include "datafiles/leser.h"
 #include "datafiles/vokabular.h"
+#include "hilfen/fehlerwaechter.h"
 
 #include <gmock/gmock.h>
 
@@ -99,6 +100,8 @@ INSTANTIATE_TEST_SUITE_P(Disk, Anhaengestoerung, testing::ValuesIn(AlleLagen()),
                          [](const auto& lage) { return std::string(lage.param.Name); });
 
 TEST_P(Anhaengestoerung, AFailingCallCostsAtMostItsOwnTickAndRecordingGoesOn) {
+    ErlaubeVerschluckte("Nullsätze suchen");
+    ErlaubeVerschluckte("Datei nach Nullsätzen öffnen");
     const std::uint64_t aufrufe = Aufrufe();
     ASSERT_GE(aufrufe, 5u * Ticks);
     for (const int fehler : {EIO, ENOSPC, EMFILE, EACCES}) {
@@ -128,6 +131,8 @@ TEST_P(Anhaengestoerung, AFailingCallCostsAtMostItsOwnTickAndRecordingGoesOn) {
 }
 
 TEST_P(Anhaengestoerung, WhatWasAcknowledgedSurvivesACrashAtAnyCallAndTheNextStartGoesOn) {
+    ErlaubeVerschluckte("Nullsätze suchen");
+    ErlaubeVerschluckte("Datei nach Nullsätzen öffnen");
     const std::uint64_t aufrufe = Aufrufe();
     for (std::uint64_t n = 1; n <= aufrufe; ++n) {
         SCOPED_TRACE("dies with call " + std::to_string(n));

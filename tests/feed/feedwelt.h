@@ -40,13 +40,11 @@ public:
     };
 
     void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool kontodaten,
-                            Datum jetzt) override {
+                            Datum jetzt) noexcept override {
         Eintraege.push_back({titel.Symbol, kursart, {kurs, volume}, kontodaten, jetzt});
-        if (Scheitert) throw std::runtime_error("disk full");
     }
 
     std::vector<Eintrag> Eintraege;
-    bool Scheitert = false;
 };
 
 // One title, and the ticks that come for it.

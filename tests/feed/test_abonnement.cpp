@@ -1,4 +1,5 @@
 #include "feedwelt.h"
+#include "hilfen/fehlerwaechter.h"
 
 #include "feed/sendetakt.h"
 
@@ -279,6 +280,7 @@ TEST_F(Abonnementtest, AShrinkingListEndsThePass) {
 }
 
 TEST_F(Abonnementtest, ATitleThatFailsDoesNotEndThePass) {
+    ErwarteVerschluckte("Nachricht je Titel");
     titelAnlegen(3);
     fabrik.Letzte().BeiAnfrage = [](TestTws&, const std::string& zeile) {
         if (zeile.find("T1") != std::string::npos || zeile == "cancelMktData(2)") throw std::runtime_error("x");

@@ -1,4 +1,5 @@
 #include "feedwelt.h"
+#include "hilfen/fehlerwaechter.h"
 
 #include <cmath>
 #include <limits>
@@ -376,9 +377,10 @@ TEST_F(Tickannahmetest, AfterAReconnectionASizeWritesWithThePriceFromBefore) {
     EXPECT_THAT(saetze(kursart::Bezahlt), ElementsAre(Satz{100, 5}, Satz{100, 6}));
 }
 
-TEST_F(Tickannahmetest, AFailingMonitorOrFileStopsNothing) {
+TEST_F(Tickannahmetest, AFailingMonitorStopsNoRecord) {
+    ErwarteVerschluckte("Eintrag des Monitors");
     auto es = titel("ES");
-    ablage.Scheitert = true;
+    monitor.Scheitert = true;
     EXPECT_NO_THROW(es.bezahlt(100).bezahltVol(5));
     EXPECT_THAT(arten(), ElementsAre(kursart::BAVolume, kursart::Bezahlt));
     EXPECT_TRUE(datenZeitBewegt());

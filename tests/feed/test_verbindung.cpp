@@ -1,4 +1,5 @@
 #include "feedwelt.h"
+#include "hilfen/fehlerwaechter.h"
 
 namespace zek::hilfen {
 namespace {
@@ -81,6 +82,7 @@ TEST_F(Verbindungstest, AFailedConnectIsReported) {
 }
 
 TEST_F(Verbindungstest, AConnectThatThrowsIsAFailedConnect) {
+    ErwarteVerschluckte("Verbinden");
     fabrik.Letzte().BeiConnect = [](TestTws&) { throw std::runtime_error("refused"); };
     EXPECT_NO_THROW(feed.Sitzung.TWSVerbindungAufbauen());
     EXPECT_EQ(status.Letzte(), "Es besteht keine Verbindung zur TWS!");
@@ -237,6 +239,8 @@ TEST_F(Verbindungstest, TheSocketCodeCanRestartEvenWhileOffline) {
 }
 
 TEST_F(Verbindungstest, AThrowingReaderNeverReachesTheControl) {
+    ErwarteVerschluckte("Zeit der TWS");
+    ErwarteVerschluckte("Neustartliste prüfen");
     neustartBei("502", {"502"});
     Feed eigener{{modul, welt, welt, ablage, status, anzeige, monitor, fabrik.Fabrik(),
                   [](std::int64_t) { throw std::runtime_error("x"); }, [](int) { throw std::runtime_error("y"); }}};
@@ -423,6 +427,14 @@ public:
 };
 
 TEST_F(Verbindungstest, AFailingStepDoesNotStopTheFollowingOnes) {
+    ErwarteVerschluckte("Ton");
+    ErwarteVerschluckte("Ton beim Ausfall");
+    ErwarteVerschluckte("Offlinewarnung zeigen");
+    ErwarteVerschluckte("Warnung zeigen");
+    ErwarteVerschluckte("Fenster nach vorn");
+    ErwarteVerschluckte("Offlinewarnung verbergen");
+    ErwarteVerschluckte("Offlinewarnung nach der Rückkehr verbergen");
+    ErwarteVerschluckte("Fenster nach der Rückkehr nach vorn");
     KaputteAnzeige kaputt;
     Feed eigener{{modul, welt, welt, ablage, status, kaputt, monitor, fabrik.Fabrik(), {}, {}}};
     modul.LetzteDatenZeit = welt.Jetzt() - 1;

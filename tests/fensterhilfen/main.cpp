@@ -1,4 +1,5 @@
 #include "fensterwerk/anwendung.h"
+#include "hilfen/fehlerwaechter.h"
 
 #include <gmock/gmock.h>
 #include <QApplication>
@@ -13,5 +14,6 @@ int main(int anzahl, char** argumente) {
     QApplication app(anzahl, argumente);
     zek::RichteAnwendungEin(app);
     testing::InitGoogleMock(&anzahl, argumente);
+    zek::BestelleFehlerwaechter();
     return RUN_ALL_TESTS();
 }

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -154,8 +155,10 @@ public:
     void Protokolleintrag(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
                           bool verworfen) override {
         Zeilen.push_back({titel.id, kursart, kurs, volume, verworfen});
+        if (Scheitert) throw std::runtime_error("no row");
     }
     std::vector<Monitorzeile> Zeilen;
+    bool Scheitert = false;
 };
 
 class TestStartanzeige : public Startanzeige {

@@ -1,4 +1,5 @@
 #include "platform/qt/qt_plattform.h"
+#include "hilfen/fehlerwaechter.h"
 
 #include "platform/qt/signalempfang.h"
 #include "qt/anwendung.h"
@@ -58,6 +59,7 @@ TEST_F(QtPlattform, ATimersCallbackThatPumpsIsEnteredAgain) {
 }
 
 TEST_F(QtPlattform, AnErrorOfACallbackEndsNeitherTimerNorProgram) {
+    ErwarteVerschluckte("Zeitgeber");
     int laeufe = 0;
     auto zeitgeber = fabrik.Erzeuge(1ms, [&] {
         ++laeufe;
@@ -68,6 +70,7 @@ TEST_F(QtPlattform, AnErrorOfACallbackEndsNeitherTimerNorProgram) {
 }
 
 TEST_F(QtPlattform, AnErrorOfASignalsReceiverEndsNothing) {
+    ErwarteVerschluckte("Meldung eines Sockets");
     int signale = 0;
     const Signalempfang empfang([&](int) {
         ++signale;

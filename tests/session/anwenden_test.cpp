@@ -1,6 +1,7 @@
 // The applying of changed settings while the recorder runs.
 #include "session/anwenden.h"
 #include "datafiles/dateinamen.h"
+#include "hilfen/fehlerwaechter.h"
 #include "hilfen/ram_speicher.h"
 
 #include <gmock/gmock.h>
@@ -56,6 +57,8 @@ TEST_F(AnwendenTest, TheClockIsAskedForOnlyWhereItIsToBeKeptRight) {
 }
 
 TEST_F(AnwendenTest, AFailingRequestDoesNotKeepTheSettingsFromTheStore) {
+    ErwarteVerschluckte("Uhrzeit nach den Einstellungen anfordern");
+    ErwarteVerschluckte("Kontoabos nach den Einstellungen");
     neu.AutoUhrzeitStellen = true;
     neu.IBBezahlt = true;
     const auto scheitert = [] { throw std::runtime_error("x"); };

@@ -1,5 +1,6 @@
 // The session as a whole over a scripted control: bringing up, ending in every situation, and the shutdown order.
 #include "datafiles/einarbeitungsjournal.h"
+#include "hilfen/fehlerwaechter.h"
 #include "hilfen/test_gesicht.h"
 #include "platform/datum.h"
 #include "platform/text.h"
@@ -170,6 +171,7 @@ TEST_F(SitzungTest, AWriterThatNeverGivesTheStoreBackDoesNotKeepTheProgramFromEn
 }
 
 TEST_F(SitzungTest, AStepOfTheEndThatFailsKeepsNoneOfTheOthersBack) {
+    ErwarteVerschluckte("Ende dem Verwalter melden");
     Plattform maschine = Maschine();
     maschine.MeldeVerwalter = [](std::string_view zustand) {
         if (zustand.starts_with("STOPPING")) throw std::runtime_error("kein Verwalter");

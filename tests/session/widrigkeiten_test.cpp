@@ -1,4 +1,5 @@
 // Bad surroundings through the whole session: the stated text or the silent rule, and the recording that goes on.
+#include "hilfen/fehlerwaechter.h"
 #include "hilfen/test_gesicht.h"
 #include "rechner.h"
 #include "session/sitzung.h"
@@ -124,6 +125,10 @@ TEST_F(Widrigkeit, ATornDataFileIsLeftAloneSilentlyAndTheOtherTitlesAreRecorded)
 }
 
 TEST_F(Widrigkeit, AControlThatCantBeMadeShowsAtTheConnectionAndTheProgramMayRunWithoutOne) {
+    ErwarteVerschluckte("IBControl erzeugen");
+    ErwarteVerschluckte("Verbinden");
+    ErwarteVerschluckte("Verbindung wieder aufbauen");
+    ErwarteVerschluckte("Verbindung trennen");
     MitTiteln(3);
     tws.BeiErzeugen = [](hilfen::TestTws&) { throw std::runtime_error("nicht installiert"); };
     gesicht.Fragen.Antworten = {meldung::AntwortJa};
@@ -134,6 +139,8 @@ TEST_F(Widrigkeit, AControlThatCantBeMadeShowsAtTheConnectionAndTheProgramMayRun
     welt.Laufe(100);
     sitzung->Beende();
     EXPECT_EQ(enden, 1);
+    EXPECT_THAT(Log(), HasSubstr("Interner Fehler bei „IBControl erzeugen“: nicht installiert (Weitere"));
+    EXPECT_THAT(Log(), HasSubstr("Interne Fehler seit dem Start: „IBControl erzeugen“ 1-mal, „Verbinden“ 6-mal,"));
 }
 
 TEST_F(Widrigkeit, FoldersWithBlanksAndUmlautsAreAsGoodAsAnyOther) {

@@ -1,3 +1,4 @@
+#include "hilfen/fehlerwaechter.h"
 #include "supervision/aufsichtswelt.h"
 
 namespace zek {
@@ -277,6 +278,7 @@ TEST_F(Neustarttest, ACommandThatIsNoNumberCountsAsNone) {
 }
 
 TEST_F(Neustarttest, AWindowThatDoesNotUnloadIsPassedBy) {
+    ErwarteVerschluckte("Hauptfenster entladen");
     sitzung.EntladenScheitert = true;
     modul.NeustartAngefordert = true;
     welt.Laufe(1);

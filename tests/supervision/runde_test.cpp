@@ -1,3 +1,4 @@
+#include "hilfen/fehlerwaechter.h"
 #include "platform/text.h"
 #include "supervision/aufsichtswelt.h"
 #include "supervision/titelinfo.h"
@@ -69,6 +70,7 @@ TEST_F(Rundentest, AReconnectionDuringABackfillQueuesTheGap) {
 }
 
 TEST_F(Rundentest, AStepThatFailsDoesNotEndTheRound) {
+    ErwarteVerschluckte("Abbestellen nach Neuverbindung");
     Neuverbindung();
     modul.FarmAktiv = true;
     mitspieler.Stolpern = "AlleMarktdatenAbbestellen";
@@ -81,6 +83,7 @@ TEST_F(Rundentest, AStepThatFailsDoesNotEndTheRound) {
 }
 
 TEST_F(Rundentest, ABackfillThatFailsByAnErrorIsQueued) {
+    ErwarteVerschluckte("Datenpflege nach Neuverbindung");
     Neuverbindung();
     modul.FarmAktiv = true;
     modul.DatenpflegeLaeuft = true;

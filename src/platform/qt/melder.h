@@ -22,7 +22,7 @@ public:
         if (ereignis->type() != QEvent::SockAct && ereignis->type() != QEvent::SockClose)
             return QSocketNotifier::event(ereignis);
         const auto beiBereit = beiBereit_;
-        OhneFehler(beiBereit);  // Qt lets no error through its events
+        OhneFehler("Meldung eines Sockets", beiBereit);  // Qt lets no error through its events
         return true;
     }
 

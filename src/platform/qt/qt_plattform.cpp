@@ -58,7 +58,7 @@ protected:
         faellig_ += intervall_;
         if (faellig_ <= Zeit::now()) faellig_ = Zeit::now() + intervall_;
         StelleNaechsten();
-        OhneFehler(beiAblauf_);  // Qt lets no error through its events
+        OhneFehler("Zeitgeber", beiAblauf_);  // Qt lets no error through its events
     }
 
 private:
