@@ -19,6 +19,8 @@ _zek() {
     COMPREPLY=()
     if [[ $vor == --zeit ]]; then
         mapfile -t COMPREPLY < <(compgen -W 'deutsch iso' -- "$wort")
+    elif [[ $vor == --programm ]]; then
+        mapfile -t COMPREPLY < <(compgen -d -- "$wort")
     elif [[ $vor == --von || $vor == --bis || $vor == --titel ]]; then
         return
     elif [[ $wort == -* ]]; then

@@ -25,7 +25,7 @@ std::uint32_t Textnummern::Nummer(std::string_view text) {
 }
 
 Buchauszug::Buchauszug(Zeitspanne rahmen) : rahmen_(rahmen), titel_(1) {
-    titel_[Alle].Name = AlleTitelZeichen;
+    titel_[Alle].Name.append(AlleTitelZeichen);  // assign() makes this compiler warn
     geschrieben_.Nummer(AlleTitelZeichen);
     nachNamen_.push_back(Alle);
     ergaenzungen_.Nummer({});

@@ -51,9 +51,10 @@ public:
         app_.add_flag("--version", version_, "die Version");
         app_.require_subcommand(0, 1);
         app_.footer(
-            "Nur repariere ändert Dateien; die anderen Befehle lesen sie, auch während sie geschrieben werden. Wurde eine "
-            "Datenpflege mitten im Einarbeiten abgebrochen, so schließt jeder Befehl das zuerst ab.\nMehr zu einem Befehl: zek "
-            "BEFEHL --hilfe");
+            "Nur repariere ändert Dateien; die anderen Befehle lesen sie, auch während sie geschrieben werden. Wurde "
+            "eine Datenpflege mitten im Einarbeiten abgebrochen, so schließt jeder Befehl das zuerst ab.\nMehr zu "
+            "einem "
+            "Befehl: zek BEFEHL --hilfe");
         Alles(Liste("info", "Kopf, Datensätze, Zeitraum und Zustand jeder Datei; von vielen die Summen",
                     [this](auto&&... was) { return werkzeug::Info(wunsch_.Pfade, wunsch_.Alles, was...); }));
         Alles(Liste("tabelle", "eine Zeile je Datei, mit dem letzten Kurs; von vielen die Summen",
@@ -64,8 +65,9 @@ public:
             ->alias("check")
             ->alias("prüfe")
             ->footer(HinweisePruefe);
-        Liste("repariere", "abgerissene und leere Enden von Dateien abschneiden", werkzeug::Repariere)
-            ->footer(HinweiseRepariere);
+        Liste("repariere", "abgerissene und leere Enden von Dateien abschneiden", [this](auto&&... was) {
+            return werkzeug::Repariere(wunsch_.Pfade, was...);
+        })->footer(HinweiseRepariere);
         Luecken();
     }
 

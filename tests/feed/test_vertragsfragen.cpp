@@ -1,6 +1,7 @@
 #include "feed/vertragsfragen.h"
 
 #include "feedwelt.h"
+#include "platform/text.h"
 
 namespace zek::hilfen {
 namespace {
@@ -28,7 +29,7 @@ protected:
     }
     int nummer() {
         const std::string& zeile = fabrik.Letzte().Zeilen.back();
-        return std::stoi(zeile.substr(zeile.find('(') + 1));
+        return static_cast<int>(Zahlwert(zeile.substr(zeile.find('(') + 1)));
     }
     void antworte(int nummer, const std::string& stunden = "20261116:0900-20261116:1730") {
         tws::ContractDetails details;

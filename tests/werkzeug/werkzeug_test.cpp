@@ -398,7 +398,7 @@ TEST_F(WerkzeugTest, AFileInTheMiddleOfAMergeIsntJudged) {
     Einarbeitungsjournal journal(ram);
     journal.Beginne("/d/a.ZEK");
     ausgabe.str(""), fehler.str("");
-    EXPECT_EQ(Werkzeug({"check", "/d"}, "1", dateien, ausgabe, fehler), 0);
+    EXPECT_EQ(Werkzeug({"check", "/d"}, "1", {dateien, DatumAus(2026, 11, 21), {}}, ausgabe, fehler), 0);
     EXPECT_EQ(Fehler(), "zek: /d/a.ZEK: wird gerade eingearbeitet\n");
     EXPECT_EQ(Aus(), "1 Datei geprüft, 0 beanstandet.\n");
 }

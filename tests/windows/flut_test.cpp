@@ -11,10 +11,10 @@ namespace zek {
 namespace {
 
 constexpr int Titelzahl = 100;
-constexpr int TicksJeScheibe = 100;     // in 10 ms: 10,000 a second
-constexpr int Scheibe = 10;             // ms
-constexpr int Weile = 35;               // slices: a little more than the monitor takes until it shows what is new
-constexpr double LaengsteScheibe = 50;  // ms
+constexpr int TicksJeScheibe = 100;      // in 10 ms: 10,000 a second
+constexpr int Scheibe = 10;              // ms
+constexpr int Weile = 35;                // slices: a little more than the monitor takes until it shows what is new
+constexpr double LaengsteScheibe = 150;  // ms of the processor; a third of it on a quiet machine
 
 // Processor time of this thread, in ms: on a machine with much else to do the clock on the wall proves nothing.
 double Prozessorzeit() {
