@@ -120,6 +120,19 @@ TEST_F(QtTcp, NobodyListeningRefusesThroughThePump) {
     EXPECT_EQ(client.Verlauf, Abgewiesen);
 }
 
+TEST_F(QtTcp, APortThatThereIsntIsToldAndNotTakenForAnother) {
+    const int wahrer = port;
+    for (const int falscher : {wahrer + 65536, 65536, 0, -5}) {
+        client = {};
+        port = falscher;
+        Beginne();
+        ASSERT_TRUE(Bis([&] { return client.Zu(); })) << falscher;
+        EXPECT_EQ(client.Verlauf, "fehler(" + std::to_string(EADDRNOTAVAIL) + ")") << falscher;
+        EXPECT_EQ(client.Fehlertext, "Den Port " + std::to_string(falscher) + " gibt es nicht, nur 1 bis 65535");
+        EXPECT_FALSE(server.Leitung) << falscher;
+    }
+}
+
 TEST_F(QtTcp, TheSameSocketConnectsAgainAfterAnError) {
     lauscher.reset();
     Beginne();
