@@ -72,7 +72,7 @@ private:
     std::set<std::string> nichtAusfuehrbar_;
     std::map<Dateihandle, Offen> offen_;
     std::map<std::string, std::int64_t> ordnerstand_;
-    Dateihandle naechstes_ = 3;
+    Dateihandle naechstes_ = 0;
     std::size_t handlegrenze_ = 1024;
     std::int64_t freierPlatz_ = std::int64_t{1} << 40;
 };

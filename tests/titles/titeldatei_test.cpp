@@ -352,10 +352,45 @@ TEST_F(TiteldateiTest, ShortReadsAndWritesAreGoneOnWith) {
 
 TEST_F(TiteldateiTest, MoreTitlesThanSixteenBitsCountAreNotWritten) {
     Titelliste liste;
-    Fuelle(liste, 32768);
+    Fuelle(liste, 32767);
+    EXPECT_EQ(SchreibeTiteldatei(ram, "/p/", liste), std::nullopt);
+    auto einer = EsTitel();
+    einer->id = 32768;
+    liste.Fuege(einer);
     ram.LegeDateiAn(Pfad, Kennung + EinTitel);
     EXPECT_EQ(SchreibeTiteldatei(ram, "/p/", liste), "Überlauf");
     EXPECT_EQ(ram.Inhalt(Pfad), Kennung + EinTitel);
+}
+
+TEST_F(TiteldateiTest, WhoOnlyLooksReadsAndLeavesNothing) {
+    EXPECT_EQ(BetrachteTiteldatei(ram, "/p/").Ergebnis, Zustand::NichtLesbar);
+    EXPECT_EQ(BetrachteTiteldatei(ram, "/p/").Fehlertext, "Datei oder Ordner nicht gefunden");
+    EXPECT_FALSE(ram.DateiExistiert(Pfad));
+    ram.LegeDateiAn(Pfad, Kennung + EinTitel);
+    EXPECT_EQ(BetrachteTiteldatei(ram, "/p/").Ergebnis, Zustand::Gelesen);
+    ram.LegeDateiAn(Pfad, Kennung + EinTitel.substr(0, 50));
+    EXPECT_EQ(BetrachteTiteldatei(ram, "/p/").Ergebnis, Zustand::Beschaedigt);
+    EXPECT_EQ(ram.Dateien().size(), 1u);
+    EXPECT_EQ(ram.OffeneHandles(), 0u);
+}
+
+TEST_F(TiteldateiTest, WhatFailsWhileItIsReadIsToldWithTheSystemsText) {
+    ram.LegeDateiAn(Pfad, Kennung + EinTitel);
+    for (const auto art : {hilfen::Dateiaufruf::Lies, hilfen::Dateiaufruf::Groesse, hilfen::Dateiaufruf::Suche}) {
+        hilfen::StoerDateisystem gestoert(ram);
+        gestoert.Stoere({.Art = art, .Pfadteil = "IB_Titel.Dat", .Fehler = EIO});
+        const Titeldatei datei = LiesTiteldatei(gestoert, "/p/");
+        EXPECT_EQ(datei.Ergebnis, Zustand::NichtLesbar) << Name(art);
+        EXPECT_EQ(datei.Fehlertext, "Ein-/Ausgabefehler") << Name(art);
+    }
+}
+
+TEST_F(TiteldateiTest, ACopyOfDamageThatCantBeCutIsNotPromised) {
+    ram.LegeDateiAn(Pfad, Kennung + EinTitel.substr(0, 50));
+    EXPECT_THAT(Lies().Fehlertext, testing::HasSubstr("Eine Kopie der Datei liegt daneben: „IB_Titel.Dat.defekt“."));
+    hilfen::StoerDateisystem gestoert(ram);
+    gestoert.Stoere({.Art = hilfen::Dateiaufruf::SetzeLaenge, .Pfadteil = "defekt", .Fehler = EIO});
+    EXPECT_THAT(LiesTiteldatei(gestoert, "/p/").Fehlertext, testing::Not(testing::HasSubstr("Kopie")));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
+#include <tuple>
 
 namespace zek {
 namespace {
@@ -158,6 +159,23 @@ TEST(Titelobjekt, ReadingAnInactiveTitleLeavesItsPricesAlone) {
     titel.ReadAllPara(Liste(werte));
     EXPECT_FALSE(titel.Aktiv());
     EXPECT_EQ(titel.VorigerLast, 42);
+}
+
+TEST(Titelobjekt, ANewOneKnowsNoPriceNoSizeAndNoTime) {
+    const clTitelobjekt t;
+    EXPECT_EQ(std::tuple(t.id, t.Basispreis, t.StartZeit, t.BackfillPrioritaet, t.Flags, t.VorigesMDVorzeichen),
+              std::tuple(0, 0.0, 0.0, 0, 0, 0));
+    for (const bool schalter :
+         {t.IstLokalesSymbol, t.TitelBidAskWartetaufLast, t.AufzeichnungspauseVerwenden, t.BidAsk, t.UseMarkttiefe,
+          t.NegativeWerteErlaubt, t.NewLast, t.NewBid, t.NewAsk, t.UseGesamtVol, t.DontUseGesamtVol})
+        EXPECT_FALSE(schalter);
+    for (const float kurs : {t.LastPrice, t.BidPrice, t.AskPrice, t.VorigerLast, t.VorigerBid, t.VorigerAsk})
+        EXPECT_EQ(kurs, KeinWert);
+    for (const float umsatz : {t.LastVol, t.BidVol, t.AskVol}) EXPECT_EQ(umsatz, 0.0F);
+    for (const double zeit : {t.LastPriceTimer, t.LastAskTimer, t.LastBidTimer, t.LastPriceVolTimer, t.LastBidVolTimer,
+                              t.LastAskVolTimer, t.LastPriceDate, t.ErsterKursZeitpunkt, t.LetzterKursZeitpunkt,
+                              t.ZeitKorrektur, t.LastGesamtVolume, t.LastZeitstempel, t.LastZeitstempelTimer})
+        EXPECT_EQ(zeit, 0.0);
 }
 
 TEST(Titelobjekt, AShortListOfAnOldVersionGivesDefaults) {
