@@ -3,6 +3,7 @@
 #include "feed/abonnement.h"
 #include "platform/ohnefehler.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace zek {
@@ -12,6 +13,8 @@ namespace {
 // Subscriptions come first.
 constexpr Datum Anlauf = 60 * EineSekunde;
 constexpr Datum Geduld = 10 * EineSekunde;
+// Titles that one pass looks at, so that it costs the ticks nothing when there are thousands.
+constexpr std::size_t HoechstensJeDurchlauf = 64;
 
 }  // namespace
 
@@ -27,7 +30,7 @@ void Vertragsfragen::Durchlauf() {
     if (titel_ != 0 && std::fabs(jetzt - gefragtUm_) < Geduld) return;
     titel_ = 0;
     const std::size_t anzahl = modul_.Titelliste.Anzahl();
-    for (std::size_t i = 0; i < anzahl; ++i) {
+    for (std::size_t i = 0; i < std::min(anzahl, HoechstensJeDurchlauf); ++i) {
         naechster_ = (naechster_ + 1) % anzahl;
         if (Frage(*modul_.Titelliste[naechster_], jetzt)) return;
     }

@@ -109,6 +109,15 @@ TEST_F(Vertragsfragentest, WithoutAConnectionNobodyIsAskedAndANewOneBeginsQuietl
     EXPECT_EQ(gefragt().size(), 1U);
 }
 
+TEST_F(Vertragsfragentest, APassLooksAtFewTitlesAndTheNextGoesOnThere) {
+    titel("ES");
+    for (int i = 0; i < 200; ++i) titel("ALT" + std::to_string(i))->Aktiv(false);
+    warte(62);
+    EXPECT_THAT(gefragt(), IsEmpty());
+    warte(4);
+    EXPECT_THAT(gefragt(), ElementsAre("ES"));
+}
+
 TEST_F(Vertragsfragentest, ATitleThatIsGoneMeanwhileIsNoHarm) {
     const auto es = titel("ES");
     warte(62);
