@@ -26,7 +26,7 @@ Datenpflegewahl LiesDatenpflegewahl(Einstellungszugang& ablage, Datum jetzt) {
     };
     Datenpflegewahl wahl;
     const double uhrzeit = LiesBruchteil(lies("IBUhrzeit", "0"));
-    wahl.Start = GanzerTag(jetzt - Zahlwert(lies("IBStartTage", "0"))) + Tageszeit(uhrzeit);
+    wahl.Start = GanzerTag(jetzt - Zahlwert(lies("IBStartTage", "0"))) + Tagesbruchteil(uhrzeit);
     wahl.AktualBisAktuell = Zahlwert(lies("IBAktualBisAktuell", "1")) != 0;
     wahl.Ende = jetzt;
     if (wahl.AktualBisAktuell) wahl.Ende = DatumAusText(lies("IBEndDatum", "")).value_or(jetzt);

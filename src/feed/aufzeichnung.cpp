@@ -15,7 +15,7 @@ bool ImPausenfenster(const Einstellungen& einstellungen, Datum jetzt) {
     const auto beginn = Tagesmillisekunde(einstellungen.KeineAufzeichungStart);
     const auto ende = Tagesmillisekunde(einstellungen.KeineAufzeichungEnde);
     if (beginn == ende) return false;
-    const auto zeit = Tagesmillisekunde(Tageszeit(jetzt));
+    const auto zeit = Tagesmillisekunde(Tagesbruchteil(jetzt));
     if (beginn < ende) return beginn <= zeit && zeit <= ende;
     return zeit >= beginn || zeit <= ende;  // the pause spans midnight
 }

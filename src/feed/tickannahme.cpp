@@ -64,7 +64,7 @@ bool KursGueltig(const clTitelobjekt& titel, float kurs) {
 }
 
 bool StartzeitErreicht(const clTitelobjekt& titel, Datum jetzt) {
-    return Tagesmillisekunde(Tageszeit(jetzt) + titel.ZeitKorrektur) >= Tagesmillisekunde(titel.StartZeit);
+    return Tagesmillisekunde(Tagesbruchteil(jetzt) + titel.ZeitKorrektur) >= Tagesmillisekunde(titel.StartZeit);
 }
 
 bool GeldBriefGewuenscht(const clTitelobjekt& titel, Datum jetzt) {

@@ -97,7 +97,7 @@ std::string InForm(std::string text, Einstellungsform form) {
 }
 
 Datum NurTageszeit(Datum wert) {
-    return wert > 1 ? zek::Tageszeit(wert) : wert;
+    return wert > 1 ? Tagesbruchteil(wert) : wert;
 }
 
 int InGrenzen(int wert, const Einstellungszeile& zeile) {

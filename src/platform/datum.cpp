@@ -106,7 +106,81 @@ std::optional<Datum> ZeitAusText(std::string_view text) {
     return Uhrzeit(w[0], w[1], w[2]);
 }
 
+std::optional<Zeitpunkt> AlsZeitpunkt(std::optional<Datum> datum) {
+    return datum ? std::optional(ZeitpunktAus(*datum)) : std::nullopt;
+}
+
+void Datumsteil(std::string& ziel, unsigned wert, int stellen = 2) {
+    Aufgefuellt(ziel, static_cast<int>(wert), stellen);
+}
+
+void Zeitteil(std::string& ziel, Dauer seitMitternacht, char trenner) {
+    const std::chrono::hh_mm_ss zeit(std::chrono::floor<std::chrono::seconds>(seitMitternacht));
+    Aufgefuellt(ziel, static_cast<int>(zeit.hours().count()), 2);
+    ziel += trenner;
+    Aufgefuellt(ziel, static_cast<int>(zeit.minutes().count()), 2);
+    ziel += trenner;
+    Aufgefuellt(ziel, static_cast<int>(zeit.seconds().count()), 2);
+}
+
 }  // namespace
+
+Dauer DauerAusTagen(double tage) {
+    if (!(tage > KleinsterTag)) tage = KleinsterTag;
+    if (tage > GroessterTag) tage = GroessterTag;
+    // The fraction for itself: a product with the days would be off by more than half a microsecond.
+    const double ganze = std::floor(tage);
+    return std::chrono::days(static_cast<int>(ganze)) + Dauer(std::llround((tage - ganze) * 86400e6));
+}
+
+std::string Datumtext(Zeitpunkt zeit) {
+    const Kalendertag tag = TagVon(zeit);
+    if (tag == Tagesnull) return NurZeittext(zeit);
+    if (zeit - tag < 1s) return NurDatumtext(zeit);
+    return NurDatumtext(zeit) + " " + NurZeittext(zeit);
+}
+
+std::string Datumtext(Tageszeit zeit) {
+    return Datumtext(Tagesnull + zeit.SeitMitternacht);
+}
+
+std::string NurDatumtext(Zeitpunkt zeit) {
+    const std::chrono::year_month_day tag(TagVon(zeit));
+    std::string text;
+    Datumsteil(text, static_cast<unsigned>(tag.day()));
+    text += '.';
+    Datumsteil(text, static_cast<unsigned>(tag.month()));
+    text += '.';
+    Aufgefuellt(text, static_cast<int>(tag.year()), 4);
+    return text;
+}
+
+std::string NurZeittext(Zeitpunkt zeit) {
+    std::string text;
+    Zeitteil(text, zeit - TagVon(zeit), ':');
+    return text;
+}
+
+std::string NurZeittext(Tageszeit zeit) {
+    return NurZeittext(Tagesnull + zeit.SeitMitternacht);
+}
+
+std::string Felderstempel(Zeitpunkt zeit, char trennzeichen) {
+    const std::chrono::year_month_day tag(TagVon(zeit));
+    std::string text;
+    Aufgefuellt(text, static_cast<int>(tag.year()), 4);
+    text += trennzeichen;
+    Datumsteil(text, static_cast<unsigned>(tag.month()));
+    text += trennzeichen;
+    Datumsteil(text, static_cast<unsigned>(tag.day()));
+    text += trennzeichen;
+    Zeitteil(text, zeit - TagVon(zeit), trennzeichen);
+    return text;
+}
+
+std::optional<Zeitpunkt> ZeitpunktAusText(std::string_view text) {
+    return AlsZeitpunkt(DatumAusText(text));
+}
 
 Kalender Zerlege(Datum datum) {
     const std::int64_t sekunden = SekundenAus(datum);

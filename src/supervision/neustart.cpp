@@ -66,9 +66,9 @@ void Neustart::UhrzeitPruefen() {
     const Datum jetzt = uhr_.Jetzt();
     // The program that comes up just after the restart was started today after that time, and waits for tomorrow.
     const bool gesternGestartet = GanzerTag(jetzt) > GanzerTag(modul_.Startzeitpunkt);
-    const bool vorherGestartet = e.NeustartUhrzeit - EineSekunde > Tageszeit(modul_.Startzeitpunkt);
+    const bool vorherGestartet = e.NeustartUhrzeit - EineSekunde > Tagesbruchteil(modul_.Startzeitpunkt);
     if (!gesternGestartet && !vorherGestartet) return;
-    if (Tageszeit(jetzt) < e.NeustartUhrzeit - Uhrzeittoleranz) return;
+    if (Tagesbruchteil(jetzt) < e.NeustartUhrzeit - Uhrzeittoleranz) return;
     Anfordern("ZEK wird zeitbedingt neu gestartet (" + Datumtext(e.NeustartUhrzeit) + ")");
 }
 

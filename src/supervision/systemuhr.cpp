@@ -116,7 +116,7 @@ void Systemuhr::SetzeNeueSystemzeit(Datum neueZeit) {
 
 // Setting the clock back would make time run backwards inside the files.
 bool Systemuhr::DarfZurueckstellen(Datum jetzt, Datum neueZeit) {
-    const Datum tageszeit = Tageszeit(neueZeit);
+    const Datum tageszeit = Tagesbruchteil(neueZeit);
     if (tageszeit > FensterBeginn && tageszeit < FensterEnde) {
         zeitKorrekturGemeldet_ = false;
         return true;

@@ -55,7 +55,7 @@ void Monitormodell::Tick(const clTitelobjekt& titel, std::int32_t kursart, float
                          Datum zeit) {
     groessterUmsatz_ = std::max(groessterUmsatz_, volume);
     if (statisch_) {
-        if (!kursart::IstTiefe(kursart)) TickStatisch(titel, kursart, kurs, volume, Tageszeit(zeit));
+        if (!kursart::IstTiefe(kursart)) TickStatisch(titel, kursart, kurs, volume, Tagesbruchteil(zeit));
         return;
     }
     if (wartend_.size() > HoechsteZeilen) wartend_.erase(wartend_.begin(), wartend_.begin() + Schnitt);
@@ -197,7 +197,7 @@ QString Monitormodell::Listentext(const Listenzeile& zeile, int spalte) const {
         case Boerse:
             return zeile.Boerse;
         case Zeit:
-            return Q(NurZeittext(Tageszeit(zeile.zeit)));
+            return Q(NurZeittext(Tagesbruchteil(zeile.zeit)));
         case LVolume:
             return Volumentext(zeile.volume);
         default:

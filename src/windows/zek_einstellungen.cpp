@@ -28,7 +28,7 @@ constexpr int Spaltenzeichen = 62;                             // width of each 
 constexpr int KleinsteStille = 15, EmpfohleneStille = 60;      // seconds without prices
 
 QTime AlsZeit(Datum tagesanteil) {
-    return QTime(0, 0).addMSecs(static_cast<int>(std::lround(Tageszeit(tagesanteil) * SekundenProTag)) * 1000);
+    return QTime(0, 0).addMSecs(static_cast<int>(std::lround(Tagesbruchteil(tagesanteil) * SekundenProTag)) * 1000);
 }
 
 Datum AlsDatum(const QTimeEdit* feld) {

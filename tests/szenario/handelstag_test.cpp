@@ -99,7 +99,7 @@ TEST(HandelstagTest, AnHourOfTradesIsThatOfThePricePath) {
         }
     auto datei = w.Datei(1, kursart::Bezahlt);
     // Before the opening there is the picture of the last close.
-    std::erase_if(datei, [](const KursDatensatz& satz) { return Tageszeit(satz.Datum) < Uhrzeit(9, 0); });
+    std::erase_if(datei, [](const KursDatensatz& satz) { return Tagesbruchteil(satz.Datum) < Uhrzeit(9, 0); });
     ASSERT_GT(erwartet.size(), 100u);
     ASSERT_EQ(datei.size(), erwartet.size());
     for (std::size_t i = 0; i < datei.size(); ++i) {
@@ -126,7 +126,7 @@ TEST(HandelstagTest, WithBackfillTheGapOfALostConnectionIsFilled) {
     EXPECT_EQ(w.LogAnzahl("Auto-Backfill von 16.11.2026 09:5"), 1u);
     const auto nachher = w.Datei(1, kursart::Bezahlt);
     const auto inLuecke = std::count_if(nachher.begin(), nachher.end(), [](const KursDatensatz& satz) {
-        return Tageszeit(satz.Datum) > Uhrzeit(10, 0, 30) && Tageszeit(satz.Datum) < Uhrzeit(10, 9, 30);
+        return Tagesbruchteil(satz.Datum) > Uhrzeit(10, 0, 30) && Tagesbruchteil(satz.Datum) < Uhrzeit(10, 9, 30);
     });
     EXPECT_GT(inLuecke, 20);
     EXPECT_TRUE(
@@ -149,7 +149,7 @@ TEST(HandelstagTest, AfterACrashTheNextSessionFillsTheGapFromTheMinuteMark) {
     EXPECT_EQ(w.LogAnzahl("Auto-Backfill von 16.11.2026 09:5"), 1u);
     const auto saetze = w.Datei(1, kursart::Bezahlt);
     EXPECT_TRUE(std::any_of(saetze.begin(), saetze.end(), [](const KursDatensatz& satz) {
-        return Tageszeit(satz.Datum) > Uhrzeit(10, 5) && Tageszeit(satz.Datum) < Uhrzeit(10, 15);
+        return Tagesbruchteil(satz.Datum) > Uhrzeit(10, 5) && Tagesbruchteil(satz.Datum) < Uhrzeit(10, 15);
     }));
     w.Beende();
 }
