@@ -91,8 +91,8 @@ bool DateiEndeBereinigen(clDateiIO& datei, const std::string& name) {
         gefunden = ab.has_value();
     });
     if (!gefunden) return false;
-    OhneFehler("Dateiende setzen", [&] { datei.SetzeDateiEnde(); });
-    OhneFehler("Datei nach Nullsätzen schließen", [&] { datei.CloseFile(); });
+    datei.SetzeDateiEnde();
+    datei.CloseFile();
     OhneFehler("Datei nach Nullsätzen öffnen", [&] { datei.OpenFile(name, false); });
     return true;
 }

@@ -60,13 +60,12 @@ bool NimmTiefe(std::string_view& stamm, Namensteile& teile) {
     return true;
 }
 
-bool NimmPosition(std::string_view& stamm, Namensteile& teile) {
+void NimmPosition(std::string_view& stamm, Namensteile& teile) {
     const std::size_t stelle = stamm.rfind(ZusatzPosition);
-    if (stelle == std::string_view::npos) return false;
+    if (stelle == std::string_view::npos) return;
     teile.Kursart = kursart::Position;
     teile.AccountName = stamm.substr(stelle + ZusatzPosition.size());
     stamm = stamm.substr(0, stelle);
-    return true;
 }
 
 void SetzeTrennerAnsEnde(std::string& pfad) {

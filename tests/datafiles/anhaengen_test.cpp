@@ -117,6 +117,19 @@ TEST_F(Anhaengen, AHeaderWithoutBothNamesIsReplacedWhateverElseItHolds) {
     EXPECT_EQ(Datei(), DaxKopf() + Jetzt(9));
 }
 
+TEST_F(Anhaengen, OneByteOfAHeaderIsEnoughToFindNoNamesInIt) {
+    std::string datei = DaxDatei(3);
+    datei.replace(686, 20, "2012#03#09#17#05#44 ");
+    Vorhanden(datei);
+    dateien.Stoere({.Art = Dateiaufruf::Lies, .Anzahl = 1, .Fehler = EIO});
+    Tick(8);
+    EXPECT_EQ(Datei(), datei + Jetzt(8)) << "none was read";
+    titel.KonsistenzGecheckt(kursart::Bezahlt, false);
+    dateien.Stoere({.Art = Dateiaufruf::Lies, .Anzahl = 1, .Fehler = 0, .Kurz = 1});
+    Tick(9);
+    EXPECT_EQ(Datei(), DaxDatei(3) + Jetzt(8) + Jetzt(9));
+}
+
 TEST_F(Anhaengen, AHeaderIsOnlyLookedAtOnceInARun) {
     Tick(1);
     Tick(2);

@@ -159,6 +159,13 @@ TEST_F(DateiIO, ARelativeSeekBeforeTheStartIsASeekError) {
     EXPECT_EQ(datei.GetFilePointer(), Bei(3));
 }
 
+TEST_F(DateiIO, ARelativeSeekReachesTheVeryStart) {
+    datei.OpenFile("/d/voll", false);
+    datei.SeekAbsolute(Bei(5));
+    datei.SeekRelative(-5);
+    EXPECT_EQ(datei.GetFilePointer(), Bei(0));
+}
+
 TEST_F(DateiIO, AnIntegerCountBecomesThePositionWithThatStoredInteger) {
     datei.OpenFile("/d/voll", false);
     EXPECT_EQ(datei.convert64to32(Bei(8'560'000)), Bei(856));
@@ -236,6 +243,15 @@ TEST_F(GrosseDatei, AnInstanceStaysWithTheCallThatTheFirstRelativeSeekChose) {
     frisch.SeekAbsolute(Bei(5'000'000'000));
     frisch.SeekRelative(-16);
     EXPECT_EQ(frisch.GetFilePointer().Bytes(), 4'999'999'984);
+}
+
+TEST_F(GrosseDatei, TheCallWith32BitsReachesItsLastPosition) {
+    Verlaengere(3'900'000'000);
+    datei.SeekRelative(-16);
+    datei.SeekAbsolute(Bei(4'294'967'279));
+    datei.SeekRelative(16);
+    EXPECT_EQ(datei.GetFilePointer().Bytes(), 4'294'967'295);
+    EXPECT_EQ(Fehler([&] { datei.SeekRelative(1); }), "45604: Seek Error.\r\nError 75.\r\n75");
 }
 
 TEST_F(GrosseDatei, ClosingForgetsTheSizeThatRelativeSeeksGoBy) {

@@ -147,6 +147,16 @@ TEST_F(Dateinamen, AreBaseNameSuffixAndExtension) {
     EXPECT_EQ(Dateinamensbildung(titel, -210), basis + "-BIDMT10.ZEK");
 }
 
+TEST_F(Dateinamen, OfAllFilesThatGoWithATitle) {
+    std::vector<std::string> namen;
+    for (const std::int32_t art : TiteldateiArten) namen.push_back(Dateinamensbildung(titel, art).substr(24));
+    EXPECT_EQ(namen, (std::vector<std::string>{
+                         ".ZEK",        "-ASK.ZEK",     "-BID.ZEK",    "-BAV.ZEK",    "-ASKMT1.ZEK", "-ASKMT2.ZEK",
+                         "-ASKMT3.ZEK", "-ASKMT4.ZEK",  "-ASKMT5.ZEK", "-ASKMT6.ZEK", "-ASKMT7.ZEK", "-ASKMT8.ZEK",
+                         "-ASKMT9.ZEK", "-ASKMT10.ZEK", "-BIDMT1.ZEK", "-BIDMT2.ZEK", "-BIDMT3.ZEK", "-BIDMT4.ZEK",
+                         "-BIDMT5.ZEK", "-BIDMT6.ZEK",  "-BIDMT7.ZEK", "-BIDMT8.ZEK", "-BIDMT9.ZEK", "-BIDMT10.ZEK"}));
+}
+
 TEST_F(Dateinamen, AreFormedOnceAndThenKept) {
     Dateinamensbildung(titel, 1);
     titel.Symbol = "MDAX";
@@ -196,6 +206,14 @@ TEST_F(Dateinamen, AreTakenApartAgain) {
     EXPECT_EQ(position->Kursart, kursart::Position);
     EXPECT_EQ(position->AccountName, "U123");
     EXPECT_EQ(position->Basisname, "A-B@C_STK");
+}
+
+TEST_F(Dateinamen, OfDepthAreOfDepthWhateverTheBaseNameHolds) {
+    const auto tiefe = ZerlegeDateiname("A-POS-U1-ASKMT3.ZEK");
+    ASSERT_TRUE(tiefe);
+    EXPECT_EQ(tiefe->Kursart, kursart::BriefTiefe(3));
+    EXPECT_EQ(tiefe->Basisname, "A-POS-U1");
+    EXPECT_EQ(tiefe->AccountName, "");
 }
 
 TEST_F(Dateinamen, OfNoDepthLevelAreBaseNames) {

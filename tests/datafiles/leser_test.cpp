@@ -1,6 +1,7 @@
 #include "datafiles/leser.h"
 
 #include "datafiles/vokabular.h"
+#include "platform/datum.h"
 
 #include <gtest/gtest.h>
 
@@ -69,6 +70,32 @@ TEST_F(Leser, RefusesWhatIsNoDataFileAndNeverCreatesOne) {
     EXPECT_TRUE(leser.NaechsterBlock().empty());
 }
 
+TEST_F(Leser, AnEmptyFileIsTooShort) {
+    ram.LegeDateiAn(Pfad, "");
+    EXPECT_EQ(leser.Oeffne(Pfad), Ergebnis::ZuKurz);
+    EXPECT_EQ(leser.Fehlernummer(), 0);
+}
+
+TEST_F(Leser, OpeningAnotherFileClosesTheOneBefore) {
+    ram.LegeDateiAn(Pfad, DaxDatei(3));
+    ASSERT_EQ(leser.Oeffne(Pfad), Ergebnis::Offen);
+    EXPECT_EQ(leser.NaechsterBlock().size(), 3u);
+    ram.LegeDateiAn("/d/zweite.ZEK", DaxDatei(5));
+    ASSERT_EQ(leser.Oeffne("/d/zweite.ZEK"), Ergebnis::Offen);
+    EXPECT_EQ(ram.OffeneHandles(), 1u);
+    EXPECT_EQ(leser.NaechsterBlock().size(), 5u) << "from its beginning on";
+}
+
+TEST_F(Leser, AFileWhoseSizeCannotBeHadHasNone) {
+    EXPECT_EQ(leser.Groesse(), 0) << "nothing is open";
+    ram.LegeDateiAn(Pfad, DaxDatei(3));
+    ASSERT_EQ(leser.Oeffne(Pfad), Ergebnis::Offen);
+    dateien.StoereArt(Dateiaufruf::Groesse, EIO);
+    EXPECT_EQ(leser.Groesse(), 0);
+    EXPECT_EQ(leser.Anzahl(), 0);
+    EXPECT_EQ(leser.RestBytes(), 0);
+}
+
 TEST_F(Leser, ASoundFileHasNoDamage) {
     const Dateibefund befund = Befund(DaxDatei(3));
     EXPECT_FALSE(befund.IstBeschaedigt());
@@ -94,6 +121,52 @@ TEST_F(Leser, FindsTimesThatGoBack) {
     EXPECT_EQ(befund.Rueckspruenge, 2);
     EXPECT_EQ(befund.ErsterRuecksprung, 3);
     EXPECT_TRUE(befund.IstBeschaedigt());
+}
+
+TEST_F(Leser, EachKindOfDamageAloneIsDamage) {
+    const std::string gut = DaxDatei(2).substr(856);
+    EXPECT_TRUE(Befund(DaxDatei(2) + Nullen(16)).IstBeschaedigt());
+    EXPECT_TRUE(Befund(DaxKopf() + Nullen(16) + gut).IstBeschaedigt());
+    EXPECT_TRUE(Befund(DaxDatei(2) + "abc").IstBeschaedigt());
+    EXPECT_TRUE(Befund(DaxDatei(2) + Satzbytes(45999, 1, 1)).IstBeschaedigt());
+    EXPECT_TRUE(Befund("X" + DaxDatei(2).substr(1)).IstBeschaedigt());
+}
+
+// The clock is set back from 3 to 2 o'clock on 2026-10-25.
+class Herbst : public Leser {
+protected:
+    // Leaps back that are told of, for records of these times.
+    std::int64_t Rueckspruenge(std::initializer_list<Datum> zeiten) {
+        std::string datei = DaxKopf();
+        for (const Datum zeit : zeiten) datei += Satzbytes(zeit, 1, 1);
+        return Befund(datei).Rueckspruenge;
+    }
+    static Datum Am(int tag, int stunde, int minute) { return DatumAus(2026, 10, tag, stunde, minute, 0); }
+};
+
+TEST_F(Herbst, ALeapWithinTheHourThatComesTwiceIsNone) {
+    EXPECT_EQ(Rueckspruenge({Am(25, 2, 59), Am(25, 2, 0)}), 0);
+    EXPECT_EQ(Rueckspruenge({Am(25, 2, 50), Am(25, 2, 30)}), 0) << "a quiet title has its last tick before long";
+    EXPECT_EQ(Rueckspruenge({Am(25, 3, 30), Am(25, 3, 10)}), 1);
+    EXPECT_EQ(Rueckspruenge({Am(25, 1, 50), Am(25, 1, 30)}), 1);
+    EXPECT_EQ(Rueckspruenge({Am(18, 2, 50), Am(18, 2, 30)}), 1) << "a week before";
+}
+
+TEST_F(Herbst, WithCorrectedTimesItIsALeapByMostOfAnHour) {
+    EXPECT_EQ(Rueckspruenge({Am(25, 8, 59), Am(25, 8, 0)}), 0) << "+6 hours";
+    EXPECT_EQ(Rueckspruenge({Am(24, 20, 59), Am(24, 20, 0)}), 0) << "-6 hours";
+    EXPECT_EQ(Rueckspruenge({Am(24, 2, 59), Am(24, 2, 0)}), 0) << "-24 hours";
+    EXPECT_EQ(Rueckspruenge({Am(26, 2, 59), Am(26, 2, 0)}), 0) << "+24 hours";
+    EXPECT_EQ(Rueckspruenge({Am(25, 8, 59), Am(25, 8, 40)}), 1) << "too short";
+    EXPECT_EQ(Rueckspruenge({Am(25, 8, 59), Am(25, 7, 30)}), 1) << "too long";
+    EXPECT_EQ(Rueckspruenge({Am(24, 1, 59), Am(24, 1, 0)}), 1) << "no correction is that big";
+    EXPECT_EQ(Rueckspruenge({Am(26, 4, 59), Am(26, 4, 1)}), 1);
+}
+
+TEST_F(Herbst, ItComesOnceAYear) {
+    EXPECT_EQ(Rueckspruenge({Am(25, 2, 59), Am(25, 2, 0), Am(25, 2, 40), Am(25, 2, 10)}), 1);
+    const Datum naechster = DatumAus(2027, 10, 31, 2, 30, 0);
+    EXPECT_EQ(Rueckspruenge({Am(25, 2, 59), Am(25, 2, 0), naechster, naechster - 20 / 1440.0}), 0);
 }
 
 TEST_F(Leser, EveryTruncatedLengthIsReadWithoutAFault) {

@@ -18,169 +18,6 @@ using namespace hilfen;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// ---- the journal of a merge, as a crash leaves it
-
-class JournalTest : public testing::Test {
-protected:
-    static constexpr const char* Pfad = "/d/K/DAX.ZEK";
-    static constexpr const char* Journal = "/d/K/DAX.ZEK.Einarbeitung";
-
-    // A file of 40 records; records 10 to 19 are to become three.
-    void LegeAn() {
-        ram.LegeDateiAn(Pfad, DaxDatei(40));
-        Einarbeitungsjournal journal(dateien, 64);
-        journal.Beginne(Pfad);
-        journal.Schreibe(block_);
-        journal.MacheFest(856 + 10 * 16, 856 + 20 * 16, 856 + 40 * 16, KopfVon(DaxDatei(0)));
-    }
-    static DatenDateikopf KopfVon(const std::string& datei) {
-        DatenDateikopf kopf;
-        std::memcpy(&kopf, datei.data(), sizeof kopf);
-        SetzeLetztePflege(kopf, 46000);
-        return kopf;
-    }
-    std::string Fertig() const {
-        std::string datei = DaxDatei(10);
-        for (const auto& satz : block_) datei += Satzbytes(satz.Datum, satz.Kurs, satz.Volume);
-        datei += DaxDatei(40).substr(856 + 20 * 16);
-        return datei.replace(686, 20, "2025#12#09#00#00#00 ");
-    }
-    Journalstand Oeffne() { return SchliesseEinarbeitungAb(dateien, Pfad); }
-
-    const std::vector<KursDatensatz> block_ = {
-        {46000 + 10 / 86400.0, 7, 7}, {46000 + 15 / 86400.0, 8, 8}, {46000 + 19 / 86400.0, 9, 9}};
-    RamDateisystem ram;
-    StoerDateisystem dateien{ram};
-};
-
-TEST_F(JournalTest, AMergeThatWasBrokenOffIsFinishedAtTheNextOpening) {
-    LegeAn();
-    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
-    EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
-    EXPECT_EQ(ram.Inhalt(Pfad), Fertig());
-    EXPECT_FALSE(ram.DateiExistiert(Journal));
-    EXPECT_EQ(Oeffne(), Journalstand::Keines);
-    EXPECT_EQ(ram.OffeneHandles(), 0u);
-}
-
-TEST_F(JournalTest, WithoutAJournalALookCostsOneCall) {
-    ram.LegeDateiAn(Pfad, DaxDatei(40));
-    EXPECT_EQ(Oeffne(), Journalstand::Keines);
-    EXPECT_EQ(dateien.Muster(), "Oeffne");
-}
-
-TEST_F(JournalTest, RecordsThatWereAppendedMeanwhileStandBehindTheMerge) {
-    LegeAn();
-    ram.LegeDateiAn(Pfad, DaxDatei(42) + "torn");
-    EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
-    EXPECT_EQ(ram.Inhalt(Pfad), Fertig() + DaxDatei(42).substr(856 + 40 * 16));
-}
-
-TEST_F(JournalTest, OneThatSomebodyHasIsLeftAlone) {
-    LegeAn();
-    const auto handle = ram.Oeffne(Journal, Oeffnen::LesenSchreiben);
-    ASSERT_EQ(ram.Sperre(handle), 0);
-    EXPECT_EQ(Oeffne(), Journalstand::Belegt);
-    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
-    ram.Schliesse(handle);
-    EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
-}
-
-TEST_F(JournalTest, WhereTheSystemHasNoLocksOnlyWhoeverKnowsOfNoMergeFinishesOne) {
-    dateien.StoereArt(Dateiaufruf::Sperre, ENOLCK);
-    LegeAn();
-    EXPECT_EQ(Oeffne(), Journalstand::Belegt);
-    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
-    EXPECT_EQ(SchliesseEinarbeitungAb(dateien, Pfad, Anderswo::Keine), Journalstand::Abgeschlossen);
-    EXPECT_EQ(ram.Inhalt(Pfad), Fertig());
-}
-
-TEST_F(JournalTest, OneThatVanishedBeforeItsLockIsntWrittenTo) {
-    LegeAn();
-    struct Loeschend : StoerDateisystem {
-        explicit Loeschend(RamDateisystem& ram) : StoerDateisystem(ram), Ram(ram) {}
-        int Sperre(Dateihandle handle) override {
-            Ram.Loesche(Journal);
-            return StoerDateisystem::Sperre(handle);
-        }
-        RamDateisystem& Ram;
-    } platte(ram);
-    Einarbeitungsjournal journal(platte);
-    EXPECT_THROW(journal.Beginne(Pfad), Journalfehler);
-}
-
-TEST_F(JournalTest, AStartWaitsForAnotherProgramThatIsAtIt) {
-    LegeAn();
-    const auto handle = ram.Oeffne(Journal, Oeffnen::LesenSchreiben);
-    ASSERT_EQ(ram.Sperre(handle), 0);
-    int mal = 0;
-    const auto befunde = StelleBestandWiederHer(dateien, "/d", false, [&] {
-        if (++mal == 5) ram.Schliesse(handle);
-    });
-    EXPECT_EQ(mal, 5);
-    ASSERT_EQ(befunde.size(), 1u);
-    EXPECT_EQ(befunde[0].Text, "unterbrochene Einarbeitung abgeschlossen");
-}
-
-TEST_F(JournalTest, AStartDoesntWaitForEver) {
-    LegeAn();
-    const auto handle = ram.Oeffne(Journal, Oeffnen::LesenSchreiben);
-    ASSERT_EQ(ram.Sperre(handle), 0);
-    int mal = 0;
-    EXPECT_THAT(StelleBestandWiederHer(dateien, "/d", false, [&] { ++mal; }), IsEmpty());
-    EXPECT_EQ(mal, Bestandswartezahl);
-    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
-}
-
-TEST_F(JournalTest, OneThatWasntMadeFastIsThrownAway) {
-    LegeAn();
-    const std::string ganz = ram.Inhalt(Journal);
-    for (const std::size_t laenge : {0u, 8u, 500u, 1024u, 1070u}) {
-        std::string halb = ganz.substr(0, laenge);
-        if (laenge > 936) halb.replace(936, 8, Nullen(8));
-        ram.LegeDateiAn(Journal, halb);
-        EXPECT_EQ(Oeffne(), Journalstand::Verworfen) << laenge;
-        EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
-        EXPECT_FALSE(ram.DateiExistiert(Journal));
-    }
-}
-
-TEST_F(JournalTest, ADamagedOneIsPutAsideAndTheFileStays) {
-    LegeAn();
-    const std::string ganz = ram.Inhalt(Journal);
-    for (const std::size_t stelle : {0u, 35u, 60u, 100u, 936u, 1024u, 1071u}) {
-        std::string schlecht = ganz;
-        schlecht[stelle] = static_cast<char>(schlecht[stelle] + 1);
-        ram.LegeDateiAn(Journal, schlecht);
-        EXPECT_EQ(Oeffne(), Journalstand::Unlesbar) << stelle;
-        EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
-        EXPECT_EQ(ram.Inhalt(std::string(Journal) + ".defekt"), schlecht);
-        EXPECT_FALSE(ram.DateiExistiert(Journal));
-    }
-}
-
-TEST_F(JournalTest, TheJournalOfADeletedFileGoes) {
-    LegeAn();
-    ram.Loesche(Pfad);
-    EXPECT_EQ(Oeffne(), Journalstand::Verworfen);
-    EXPECT_THAT(ram.Dateien(), IsEmpty());
-}
-
-TEST_F(JournalTest, OneThatDoesntFitToTheFileIsPutAside) {
-    LegeAn();
-    ram.LegeDateiAn(Pfad, DaxDatei(3));
-    EXPECT_EQ(Oeffne(), Journalstand::Unlesbar);
-    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(3));
-}
-
-TEST_F(JournalTest, WithoutTheRightToWriteItStays) {
-    LegeAn();
-    ram.SchuetzeVorSchreiben(Journal);
-    EXPECT_EQ(Oeffne(), Journalstand::Gescheitert);
-    ram.SchuetzeVorSchreiben(Journal, false);
-    EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
-}
-
 // ---- the ends of files
 
 class EndeTest : public testing::Test {
@@ -216,6 +53,13 @@ TEST_F(EndeTest, ThenTheRecordsOfZerosBeforeItGo) {
     EXPECT_EQ(Starte(DaxDatei(9000) + Nullen(155648 - 856 - 9000 * 16)),
               "8 Bytes und 674 leere Datensätze am Ende abgeschnitten");
     EXPECT_EQ(Inhalt(), DaxDatei(9000));
+}
+
+TEST_F(EndeTest, OneRecordOfZerosIsSpokenOfAsOne) {
+    EXPECT_EQ(Starte(DaxDatei(201) + Nullen(24)), "8 Bytes und 1 leerer Datensatz am Ende abgeschnitten");
+    EXPECT_EQ(Inhalt(), DaxDatei(201));
+    EXPECT_EQ(Schnitttext({.RestBytes = 1}), "1 Byte");
+    EXPECT_EQ(Schnitttext({.Nullsaetze = 2}), "2 leere Datensätze");
 }
 
 TEST_F(EndeTest, ARecordThatLostItsSecondHalfToTheSameBlockGoesWithIt) {
