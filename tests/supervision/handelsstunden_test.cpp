@@ -66,6 +66,43 @@ TEST(HandelsstundenTest, EachExchangeHasItsOwnSummer) {
     EXPECT_EQ(um("Nowhere", 7, 1, 0), 9999);
 }
 
+// Minutes from UTC in January and in July.
+TEST(HandelsstundenTest, EachNameThatTheServiceGivesHasItsPlace) {
+    struct {
+        int Winter, Sommer;
+        std::vector<const char*> Namen;
+    } const orte[] = {
+        {-300, -240, {"US/Eastern", "America/New_York", "EST5EDT", "EST", "Canada/Eastern", "America/Toronto"}},
+        {-360, -300, {"US/Central", "America/Chicago", "CST"}},
+        {-420, -360, {"US/Mountain"}},
+        {-480, -420, {"US/Pacific", "America/Los_Angeles", "PST"}},
+        {0, 60, {"GB", "Europe/London", "Europe/Dublin", "Europe/Lisbon"}},
+        {60, 120, {"MET", "CET", "Europe/Berlin", "Europe/Paris", "Europe/Amsterdam", "Europe/Brussels"}},
+        {60, 120, {"Europe/Madrid", "Europe/Rome", "Europe/Vienna", "Europe/Zurich", "Europe/Stockholm"}},
+        {60, 120, {"Europe/Copenhagen", "Europe/Oslo", "Europe/Warsaw"}},
+        {120, 180, {"Europe/Helsinki"}},
+        {0, 0, {"UTC", "GMT"}},
+        {330, 330, {"Asia/Calcutta", "Asia/Kolkata"}},
+        {480, 480, {"Hongkong", "Asia/Hong_Kong", "Asia/Shanghai", "Asia/Singapore", "Singapore", "CTT"}},
+        {540, 540, {"Japan", "Asia/Tokyo", "JST", "Asia/Seoul"}},
+    };
+    for (const auto& [winter, sommer, namen] : orte)
+        for (const char* name : namen) {
+            EXPECT_EQ(Boersenversatz(name, UnixAus(DatumAus(2026, 1, 15))), winter) << name;
+            EXPECT_EQ(Boersenversatz(name, UnixAus(DatumAus(2026, 7, 15))), sommer) << name;
+        }
+}
+
+TEST(HandelsstundenTest, TheLastDaysMonthsAndMinutesAreReadToo) {
+    const auto silvester = Lies("MET", "20261231:0900-2359");
+    ASSERT_TRUE(silvester);
+    EXPECT_EQ(silvester->Offen, Zeitspannen(Zeitspannen::Aus(DatumAus(2026, 12, 31, 9, 0, 0)),
+                                            Zeitspannen::Aus(DatumAus(2026, 12, 31, 23, 59, 0))));
+    EXPECT_TRUE(Lies("MET", "20270101:0000-2400"));
+    for (const char* text : {"20261232:CLOSED", "20261200:CLOSED", "20260031:CLOSED", "19991231:CLOSED"})
+        EXPECT_FALSE(Lies("MET", text)) << text;
+}
+
 TEST(HandelsstundenTest, WhatTheClocksDifferAtPresentCounts) {
     const auto offen = [](int monat, int tag, const Zeitzone& eigene) {
         const auto stunden =

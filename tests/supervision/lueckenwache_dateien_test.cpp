@@ -30,9 +30,9 @@ TEST_F(LueckenwacheTest, FilesThatTakeNothingAreToldOnceAndThatTheyDoAgainOnce) 
     Laeuft();
     wache->SpeichernGescheitert(*titel, kursart::Brief, ENOSPC);
     welt.Laufe(1);
-    EXPECT_THAT(status.Eintraege, IsEmpty()) << "others may follow";
     wache->SpeichernGescheitert(*titel, kursart::Geld, ENOSPC);
     wache->SpeichernGescheitert(*zweiter, kursart::Bezahlt, ENOSPC);
+    EXPECT_THAT(status.Eintraege, IsEmpty()) << "others may follow";
     for (int s = 0; s < 100; ++s) {
         welt.Laufe(1);
         wache->SpeichernGescheitert(*titel, kursart::Brief, ENOSPC);
@@ -51,6 +51,16 @@ TEST_F(LueckenwacheTest, FilesThatTakeNothingAreToldOnceAndThatTheyDoAgainOnce) 
     ASSERT_EQ(status.Eintraege.size(), 2u);
     EXPECT_EQ(status.Eintraege.back(),
               (TestStatus::Eintrag{"Das Speichern gelingt wieder (zuvor 3 Dateien, seit 12:00:05).", true}));
+}
+
+TEST_F(LueckenwacheTest, ThatSavingFailsIsToldAfterTwoSeconds) {
+    Laeuft();
+    welt.Laufe(0.5);
+    wache->SpeichernGescheitert(*titel, kursart::Brief, EIO);
+    welt.Laufe(2);
+    EXPECT_THAT(status.Eintraege, IsEmpty());
+    welt.Laufe(0.5);
+    EXPECT_EQ(status.Eintraege.size(), 1u);
 }
 
 TEST_F(LueckenwacheTest, SavingWorksAgainAlsoWhenAFailedFileHasNothingMoreToTake) {
@@ -76,6 +86,43 @@ TEST_F(LueckenwacheTest, ATornFileIsToldOnce) {
                 ElementsAre(TestStatus::Eintrag{"1 Datei ist beschädigt und nimmt keine Kurse mehr auf. Welche, sagt "
                                                 "„zek check“.",
                                                 true}));
+}
+
+TEST_F(LueckenwacheTest, AFileThatIsTornAtTheStartIsToldToo) {
+    Beginne();
+    wache->DateiBeschaedigt(*titel, kursart::Bezahlt);
+    welt.Laufe(1);
+    EXPECT_TRUE(status.Enthaelt("1 Datei ist beschädigt"));
+    wache->DateiBeschaedigt(*titel, kursart::Geld);
+    welt.Laufe(1);
+    EXPECT_TRUE(status.Enthaelt("2 Dateien sind beschädigt und nehmen keine Kurse mehr auf."));
+}
+
+TEST_F(LueckenwacheTest, WhatTheStartMadeOfADamagedFileStandsInTheBook) {
+    Beginne();
+    wache->DateiGeprueft("ES", kursart::Geld, "8 Bytes am Ende abgeschnitten");
+    Abonniere();
+    wache->TitelGeladen();
+    EXPECT_THAT(Zeilen(),
+                testing::Contains("12:00:00 12:00:00 ES Datendatei geprüft Geld: 8 Bytes am Ende abgeschnitten"));
+}
+
+TEST_F(LueckenwacheTest, RoomForTheLinesOfAFullDiskIsThereBeforeItIsFull) {
+    modul.Programmordner = "/p/";
+    ram.LegeOrdnerbaumAn("/p");
+    for (int i = 0; i < 20; ++i) Titel("T" + std::to_string(i));
+    Laeuft();
+    dateien.StoerePfad("/d/", ENOSPC);
+    ram.SetzeFreienPlatz(0);
+    wache->TwsIstOffline();
+    welt.Laufe(30);
+    Absturz();
+    dateien.Heile();
+    ram.SetzeFreienPlatz(1 << 20);
+    welt.Laufe(30);
+    Beginne();
+    wache->TitelGeladen();
+    EXPECT_THAT(Zeilen(), testing::Contains(testing::EndsWith("* TWS offline")));
 }
 
 TEST_F(LueckenwacheTest, WhatReachedFilesEndsWithTheLastRecordThatAnyOfThemTook) {
@@ -154,7 +201,9 @@ TEST_F(LueckenwacheTest, AMergeLeavesAMarkThatStaysOpenWhenTheProgramDiesInIt) {
     welt.Laufe(2);
     wache->BeimEinarbeitenBeendet(*titel, kursart::Brief);
     wache->BeimEinarbeitenBeendet(*titel, kursart::Geld);
+    const std::string buch = ram.Inhalt("/d/Lücken/2026-11-16.txt");
     wache->BeimEinarbeitenBeendet(*titel, kursart::Geld);
+    EXPECT_EQ(ram.Inhalt("/d/Lücken/2026-11-16.txt"), buch) << "it has ended already";
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 12:00:07 ES Einarbeitung begonnen Geld: 16.11.2026 11:00:00,000 bis "
                                       "16.11.2026 11:30:00,250"));
     wache->BeimEinarbeitenBegonnen(*titel, kursart::Geld, Um(11, 0), Um(11, 30));

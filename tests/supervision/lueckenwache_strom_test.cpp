@@ -179,6 +179,16 @@ TEST_F(LueckenwacheTest, WithoutAWordOfferedATickShowsThatTheStreamGoesOn) {
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 12:00:35,750 * TWS offline"));
 }
 
+TEST_F(LueckenwacheTest, ForTwoSecondsTicksMayHaveBeenOnTheirWay) {
+    Laeuft();
+    Tick();
+    wache->TwsIstOffline();
+    Tick(1.75);
+    Tick(0.75);
+    welt.Laufe(3);
+    EXPECT_THAT(Zeilen(), ElementsAre("12:00:05 12:00:07,500 * TWS offline"));
+}
+
 TEST_F(LueckenwacheTest, NoTicksForTooLongIsAGapFromTheLastToTheNext) {
     Laeuft();
     Ticks(10);
@@ -310,6 +320,40 @@ TEST_F(LueckenwacheTest, ABrokenFarmBlindsThoseTitlesThatGetNoTickWhileItIs) {
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:08,500 12:00:30 ES Marktdatenfarm gestört (usfarm.nj)"));
 }
 
+TEST_F(LueckenwacheTest, WhileAFarmIsBrokenTheFirstTickBehindTheLateOnesShowsAnotherFarm) {
+    Laeuft();
+    Ticks(3);
+    wache->Meldung(2103, "broken:usfarm");
+    const auto gestoert = welt.Jetzt();
+    welt.Laufe(2.5);
+    titel->LetzterKursZeitpunkt = titel->ErsterKursZeitpunkt = gestoert + 2 * EineSekunde;
+    welt.Laufe(20);
+    EXPECT_THAT(Zeilen(), IsEmpty());
+}
+
+TEST_F(LueckenwacheTest, ATitleThatIsSilentForTenSecondsIsNamedBeforeTheFarmIsBack) {
+    Laeuft();
+    Ticks(3);
+    wache->Meldung(2103, "broken:usfarm");
+    welt.Laufe(10);
+    EXPECT_THAT(Zeilen(), IsEmpty());
+    welt.Laufe(1);
+    EXPECT_THAT(Zeilen(), ElementsAre("12:00:08 ... ES Marktdatenfarm gestört (usfarm)"));
+}
+
+TEST_F(LueckenwacheTest, ABrokenFarmConcernsOnlyTitlesThatAreSubscribed) {
+    const auto aus = Titel("NQ");
+    aus->Aktiv(false);
+    Laeuft();
+    Titel("YM");  // not subscribed yet
+    Ticks(3);
+    wache->Meldung(2103, "broken:usfarm");
+    for (int s = 0; s < 20; ++s) Tick(1);
+    wache->Meldung(2104, "OK:usfarm");
+    Ticks(3);
+    for (const auto& zeile : Zeilen()) EXPECT_EQ(zeile.find("Marktdatenfarm"), std::string::npos) << zeile;
+}
+
 TEST_F(LueckenwacheTest, AFarmThatFlapsBlindsWhoeverHadNoTickBetween) {
     const auto zweiter = Titel("NQ");
     Laeuft();
@@ -346,6 +390,7 @@ TEST_F(LueckenwacheTest, TheOtherWordForACutOffTwsCountsAlike) {
     Laeuft();
     Ticks(3);
     wache->Meldung(2110, "Connectivity between Trader Workstation and server is broken.");
+    EXPECT_THAT(Zeilen(), ElementsAre("12:00:08 ... * TWS offline"));
     welt.Laufe(10);
     wache->TwsIstOffline();
     welt.Laufe(10);

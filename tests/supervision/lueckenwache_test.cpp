@@ -58,6 +58,34 @@ TEST_F(LueckenwacheTest, TheLastRecordBeforeTheStartIsASignOfLifeOnTheRecordersC
     EXPECT_EQ(Zeilen().front(), "12:03:30 12:10:05 * Programm nicht aktiv");
 }
 
+TEST_F(LueckenwacheTest, AFileWhoseLastRecordCannotBeReadSaysNothingOfTheEnd) {
+    Laeuft();
+    Absturz();
+    welt.Laufe(600);
+    Satz("ES.ZEK", Um(12, 4));
+    dateien.Stoere({.Art = Dateiaufruf::Lies, .Pfadteil = "ES.ZEK", .Ab = 2, .Fehler = EIO});
+    Beginne(Um(12, 3));
+    wache->TitelGeladen();
+    EXPECT_EQ(Zeilen().front(), "12:03:00 12:10:05 * Programm nicht aktiv");
+}
+
+TEST_F(LueckenwacheTest, TitlesThatAreLoadedOneAfterTheOtherBelongToOnePass) {
+    Beginne();
+    modul.TWSVerbunden = true;
+    wache->Abonniert(*titel);
+    welt.Laufe(1.5);
+    const auto zweiter = Titel("NQ");
+    wache->Abonniert(*zweiter);
+    wache->TitelGeladen();
+    welt.Laufe(0.25);
+    TickVon(*titel);
+    TickVon(*zweiter);
+    welt.Laufe(1);
+    EXPECT_THAT(Zeilen(),
+                ElementsAre("12:00:00 12:00:00 * Keine Verbindung zur TWS", "12:00:00 12:00:00 * Programmstart",
+                            "12:00:00 12:00:01,750 ES Noch keine Kurse", "12:00:00 12:00:01,750 NQ Noch keine Kurse"));
+}
+
 TEST_F(LueckenwacheTest, ASecondCrashBeforeTheTitlesAreLoadedHidesNothing) {
     Laeuft();
     Absturz();

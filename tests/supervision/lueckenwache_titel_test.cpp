@@ -36,6 +36,30 @@ TEST_F(LueckenwacheTest, EachActiveTitleIsNamedOnceWithTheWayItIsRecorded) {
     EXPECT_EQ(Zeilen(Wertung::Luecke).size(), 4u) << "the same two, and a second start";
 }
 
+TEST_F(LueckenwacheTest, WithoutATickForAMinuteANewTitleCountsFromItsSwitchingOn) {
+    Beginne();
+    Abonniere();
+    wache->TitelGeladen();
+    welt.Laufe(59.5);
+    wache->Durchlauf();
+    EXPECT_THAT(Zeilen(Wertung::Luecke), ElementsAre("12:00:00 12:00:00 * Programmstart"));
+    welt.Laufe(2);
+    EXPECT_THAT(Zeilen(Wertung::Luecke),
+                ElementsAre("12:00:00 12:00:00 * Programmstart", "12:00:00 ... ES Titel aktiv: Bezahlt"));
+}
+
+TEST_F(LueckenwacheTest, ATitleThatIsSwitchedOffBeforeItsFirstTickWasNeverRecorded) {
+    Beginne();
+    Abonniere();
+    wache->TitelGeladen();
+    welt.Laufe(5);
+    titel->Aktiv(false);
+    wache->Abbestellt(*titel);
+    welt.Laufe(5);
+    wache->Beende();
+    EXPECT_THAT(Zeilen(Wertung::Luecke), testing::Each(testing::Not(testing::HasSubstr("Titel aktiv"))));
+}
+
 TEST_F(LueckenwacheTest, AChangeOfTheWayATitleIsRecordedIsALineOfItsOwn) {
     Laeuft();
     titel->StartZeit = Uhrzeit(9, 30);

@@ -205,6 +205,14 @@ TEST_F(Rundentest, TheLastEndStaysWhereNothingReachesAFileAnyMore) {
     EXPECT_EQ(Nur({"SchreibeLastEnd"}), (hilfen::Aufrufe{"SchreibeLastEnd " + ZahltextPunkt(mitspieler.Gespeichert)}));
 }
 
+TEST_F(Rundentest, WhereTheLastEndCannotBeWrittenTheMinuteBlockGoesOn) {
+    ErwarteVerschluckte("IBLastEnd schreiben");
+    modul.LetzteDatenZeit = welt.Jetzt();
+    einstellungen.BeiMarke = [](std::string_view, std::string_view) { throw std::runtime_error("voll"); };
+    welt.Laufe(70);
+    EXPECT_EQ(Anzahl("reqCurrentTime"), 2);
+}
+
 TEST_F(Rundentest, WithoutDataNoLastEndIsWritten) {
     welt.Laufe(200);
     EXPECT_EQ(Anzahl("SchreibeLastEnd"), 0);

@@ -100,6 +100,14 @@ TEST_F(Uhrtest, AnAnswerInPiecesIsPutTogether) {
     EXPECT_THAT(Gesetzt(), ElementsAre("16.11.2026 12:00:00"));
 }
 
+TEST_F(Uhrtest, AfterAWholeAnswerTheConnectionIsClosedFromThisSide) {
+    dienst.SchliesstGleich = false;
+    FrageMit(Bytes(ElfUhrUtc).substr(0, 3));
+    EXPECT_EQ(netz.Verbindungen(), 1u);
+    FrageMit(Bytes(ElfUhrUtc));
+    EXPECT_EQ(netz.Verbindungen(), 0u);
+}
+
 TEST_F(Uhrtest, AnAnswerThatIsNoTimeDoesNothing) {
     for (const std::uint32_t wert : {0U, 99999U}) {
         modul.AtomzeitGeprueft = false;
