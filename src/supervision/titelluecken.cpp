@@ -149,14 +149,20 @@ void Titelluecken::BeendeWarten(std::int32_t id, Titelstand& stand, Datum bis) {
     wartende_.erase(id);
 }
 
+// True when it has come: the wait ended with it.
+bool Titelluecken::ErsterKursIstDa(std::int32_t id, Titelstand& stand) {
+    if (stand.WartetSeit == 0 || !stand.Abonniert) return false;
+    const clTitelobjekt* titel = modul_.Titelliste.Finde(id);
+    if (titel == nullptr || titel->ErsterKursZeitpunkt == 0) return false;
+    BeendeWarten(id, stand, titel->ErsterKursZeitpunkt);
+    return true;
+}
+
 void Titelluecken::PruefeWartende(Datum jetzt) {
     for (const std::int32_t id : std::vector(wartende_.begin(), wartende_.end())) {
         Titelstand& stand = titel_[id];
-        const clTitelobjekt* titel = modul_.Titelliste.Finde(id);
-        if (titel == nullptr) continue;
-        if (stand.Abonniert && titel->ErsterKursZeitpunkt != 0) {
-            BeendeWarten(id, stand, titel->ErsterKursZeitpunkt);
-        } else if (!stand.WartetGeschrieben && SekundenZwischen(stand.WartetSeit, jetzt) > KurzesWarten) {
+        if (modul_.Titelliste.Finde(id) == nullptr || ErsterKursIstDa(id, stand)) continue;
+        if (!stand.WartetGeschrieben && SekundenZwischen(stand.WartetSeit, jetzt) > KurzesWarten) {
             offen_.Oeffne(stand.Name, stand.WartetGrund, stand.WartetSeit);
             stand.WartetGeschrieben = true;
         }
@@ -188,6 +194,7 @@ void Titelluecken::Abonniert(const clTitelobjekt& titel, Datum jetzt) {
 void Titelluecken::Abbestellt(const clTitelobjekt& titel, Datum jetzt) {
     Titelstand* stand = Finde(titel);
     if (stand == nullptr || !stand->Abonniert) return;
+    ErsterKursIstDa(titel.id, *stand);
     stand->Abonniert = false;
     abonnierte_.erase(titel.id);
     SchliesseAblehnung(*stand, jetzt);
@@ -197,6 +204,7 @@ void Titelluecken::Abbestellt(const clTitelobjekt& titel, Datum jetzt) {
 
 void Titelluecken::VerbindungWeg(Datum jetzt) {
     for (auto& [id, stand] : titel_) {
+        ErsterKursIstDa(id, stand);
         stand.Abonniert = false;
         BeendeWarten(id, stand, jetzt);
         SchliesseAblehnung(stand, jetzt);
@@ -208,6 +216,7 @@ void Titelluecken::VerbindungWeg(Datum jetzt) {
 void Titelluecken::Beende(Datum jetzt) {
     for (auto& [id, stand] : titel_) {
         if (stand.NeuSeit > 0) offen_.Oeffne(stand.Name, ursache::TitelAktiv, stand.NeuSeit, Weisetext(stand.Weise));
+        ErsterKursIstDa(id, stand);
         BeendeWarten(id, stand, jetzt);
     }
 }

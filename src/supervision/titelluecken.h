@@ -67,6 +67,7 @@ private:
     void VergissAlteNamen(Datum start);
     void LassWarten(std::int32_t id, Titelstand& stand, std::string_view grund, Datum seit);
     void BeendeWarten(std::int32_t id, Titelstand& stand, Datum bis);
+    bool ErsterKursIstDa(std::int32_t id, Titelstand& stand);
     void PruefeWartende(Datum jetzt);
     void SchliesseAblehnung(Titelstand& stand, Datum bis);
     void PruefeAblehnungen();

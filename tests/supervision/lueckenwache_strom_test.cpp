@@ -398,5 +398,44 @@ TEST_F(LueckenwacheTest, TheOtherWordForACutOffTwsCountsAlike) {
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:08 12:00:28 * TWS offline"));
 }
 
+// The watch looks once a second; what comes between two looks has its time all the same.
+TEST_F(LueckenwacheTest, AFirstTickRightBeforeANewSubscriptionEndsTheWaitForIt) {
+    Beginne();
+    wache->TitelGeladen();
+    welt.Laufe(3);
+    Abonniere();
+    welt.Laufe(4.2);
+    Tick();
+    welt.Laufe(0.3);
+    wache->Abbestellt(*titel);
+    wache->Abonniert(*titel);
+    Tick(0.2);
+    welt.Laufe(3);
+    EXPECT_THAT(Zeilen(), testing::UnorderedElementsAre("12:00:00 12:00:00 * Programmstart",
+                                                        "12:00:00 12:00:03 * Keine Verbindung zur TWS",
+                                                        "12:00:03 12:00:07,200 ES Noch keine Kurse",
+                                                        "12:00:07,500 12:00:07,700 ES Abonnement erneuert"));
+}
+
+TEST_F(LueckenwacheTest, AFirstTickRightBeforeALossEndsTheWaitForIt) {
+    Laeuft();
+    wache->Abbestellt(*titel);
+    wache->Abonniert(*titel);
+    Tick(0.2);
+    welt.Laufe(0.3);
+    wache->VerbindungWeg();
+    EXPECT_THAT(Zeilen(), testing::Contains("12:00:05 12:00:05,200 ES Abonnement erneuert"));
+}
+
+TEST_F(LueckenwacheTest, AFirstTickRightBeforeTheEndEndsTheWaitForIt) {
+    Laeuft();
+    wache->Abbestellt(*titel);
+    wache->Abonniert(*titel);
+    Tick(0.2);
+    welt.Laufe(0.3);
+    wache->Beende();
+    EXPECT_THAT(Zeilen(), testing::Contains("12:00:05 12:00:05,200 ES Abonnement erneuert"));
+}
+
 }  // namespace
 }  // namespace zek
