@@ -43,6 +43,7 @@ public:
     void FortschrittMaximum(int) override {}
     void FortschrittWert(int) override {}
     void AbbruchMoeglich(bool) override {}
+    void SpanneGeht(const clTitelobjekt&, std::int32_t, Datum, Datum) override {}
     bool Fehler = false;
 };
 

@@ -104,6 +104,8 @@ void Einarbeiter::FuehreAus(Merge& merge) {
     // Where older records lie among the newer ones, what is newer belongs to the content, and the rest is what has come
     // since.
     const bool restBleibt = AllesNeuer(merge);
+    if (merge.ImJournal == 0 && (merge.Schreibstelle < merge.SchwanzVon || !restBleibt))
+        merge.Fenster.SpanneGeht(merge.Titel, merge.Kursart, merge.Erstes(), merge.Letztes());
     if (!restBleibt) SchreibeSchwanz(merge);
     const std::int64_t ersetzt = restBleibt ? merge.SchwanzVon : merge.Ende;
     // No events from here on until the journal is fast: nothing can be appended to the file that it doesn't know of.

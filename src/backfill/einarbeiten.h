@@ -37,6 +37,9 @@ public:
         virtual void FortschrittMaximum(int maximum) = 0;
         virtual void FortschrittWert(int wert) = 0;
         virtual void AbbruchMoeglich(bool moeglich) = 0;
+        // The volume filter has left nothing of the block, and the records that the file holds between these times,
+        // the block's first and last, are about to go all the same.
+        virtual void SpanneGeht(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) = 0;
     };
 
     Einarbeiter(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe, Statusausgabe& status,

@@ -392,7 +392,10 @@ void Datenpflegelauf::BehalteBalken(Serie& serie) {
 void Datenpflegelauf::MerkeBeantwortet(Serie& serie, Datum altesEnde) {
     const auto saetze = puffer_.Saetze();
     if (Fertig_ && !abgelehnt_ && !serie.Zeitablauf) {
-        const Datum bis = altesEnde > 0 ? altesEnde : serie.Anfragezeit;
+        // Up to the present of the question that was answered at last, or of its answer.
+        if (altesEnde == 0) serie.Bis = std::max(serie.Bis, serie.Anfragezeit);
+        if (altesEnde == 0 && !saetze.empty()) serie.Bis = std::max(serie.Bis, saetze.back().Datum);
+        const Datum bis = altesEnde > 0 ? altesEnde : serie.Bis;
         Datum von = bis - AnfrageSekunden * EineSekunde;
         if (!saetze.empty()) von = std::min(von, serie.Ende);
         serie.Beantwortet.Fuege(Zeitspannen::Aus(von), Zeitspannen::Aus(bis));
@@ -469,6 +472,12 @@ void Datenpflegelauf::FortschrittWert(int wert) {
 }
 void Datenpflegelauf::AbbruchMoeglich(bool moeglich) {
     Anzeige().AbbruchMoeglich(moeglich);
+}
+
+void Datenpflegelauf::SpanneGeht(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+    if (um_.BeiLeerung)
+        OhneFehler("Geleerte Spanne melden",
+                   [&] { um_.BeiLeerung(titel, kursart, von - titel.ZeitKorrektur, bis - titel.ZeitKorrektur); });
 }
 
 // Seconds of history that the series still has before it.

@@ -79,6 +79,8 @@ struct Datenpflegeumgebung {
     // however it came out. Both may be empty.
     std::function<void(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis)> BeiMergebeginn = {};
     std::function<void(const clTitelobjekt& titel, std::int32_t kursart)> BeiMergeende = {};
+    // A merge that brings nothing is about to take the title's records between these times. May be empty.
+    std::function<void(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis)> BeiLeerung = {};
 };
 
 // The start of a run without a given one: the time of the last record of the title's traded file. True when the file
@@ -196,6 +198,7 @@ private:
     void FortschrittMaximum(int maximum) override;
     void FortschrittWert(int wert) override;
     void AbbruchMoeglich(bool moeglich) override;
+    void SpanneGeht(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) override;
 
     Datenpflegeumgebung um_;
     Anfragetakt& takt_;

@@ -29,6 +29,7 @@ constexpr std::array Tabelle{
     Ursachenangabe{ursache::SpeichernFehlgeschlagen, Wertung::Luecke},
     Ursachenangabe{ursache::DateiBeschaedigt, Wertung::Luecke},
     Ursachenangabe{ursache::Einarbeiten, Wertung::Luecke},
+    Ursachenangabe{ursache::Umsatzfilter, Wertung::Luecke},
     Ursachenangabe{ursache::Aufzeichnungspause, Wertung::Gewollt},
     Ursachenangabe{ursache::TitelNichtAktiv, Wertung::Gewollt},
     Ursachenangabe{ursache::Programmstart, Wertung::Hinweis},

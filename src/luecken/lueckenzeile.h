@@ -41,6 +41,8 @@ inline constexpr std::string_view TiefeAbgelehnt = "Markttiefe abgelehnt";      
 inline constexpr std::string_view SpeichernFehlgeschlagen = "Speichern fehlgeschlagen";
 inline constexpr std::string_view DateiBeschaedigt = "Datendatei beschädigt";
 inline constexpr std::string_view Einarbeiten = "Einarbeiten";  // live ticks lost while a backfill was merged
+// A backfill has taken what was recorded, and brought nothing that the volume filter lets pass.
+inline constexpr std::string_view Umsatzfilter = "Umsatzfilter";
 // Wanted by the user.
 inline constexpr std::string_view Aufzeichnungspause = "Aufzeichnungspause";
 inline constexpr std::string_view TitelNichtAktiv = "Titel nicht aktiv";

@@ -44,6 +44,9 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
                     },
                     [this](const clTitelobjekt& titel, std::int32_t kursart) {
                         Luecken.BeimEinarbeitenBeendet(titel, kursart);
+                    },
+                    [this](const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+                        Luecken.BeimLeeren(titel, kursart, von, bis);
                     }},
                    um.Plattform.Zeitgeber,
                    um.Einstellungen,

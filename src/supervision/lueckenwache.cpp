@@ -157,6 +157,10 @@ void Lueckenwache::BeimEinarbeitenBeendet(const clTitelobjekt& titel, std::int32
     pflege_.EinarbeitenBeendet(titel, kursart);
 }
 
+void Lueckenwache::BeimLeeren(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+    pflege_.Geleert(titel, kursart, von, bis);
+}
+
 void Lueckenwache::DatenpflegeErgebnis(const Datenpflegeergebnis& ergebnis) {
     pflege_.Ergebnis(ergebnis);
 }

@@ -75,6 +75,8 @@ public:
     // away; one that stays open tells that the program died in the merge.
     void BeimEinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
     void BeimEinarbeitenBeendet(const clTitelobjekt& titel, std::int32_t kursart);
+    // The merge takes the records of the span and brings none, by the volume filter.
+    void BeimLeeren(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
     void DatenpflegeErgebnis(const Datenpflegeergebnis& ergebnis);
 
     // How far what came until `zeit` has reached files: not beyond the last record that any file took, while some fail.

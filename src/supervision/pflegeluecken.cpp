@@ -43,4 +43,13 @@ void Pflegeluecken::EinarbeitenBeendet(const clTitelobjekt& titel, std::int32_t 
     buch_.Schreibe(zeile);
 }
 
+void Pflegeluecken::Geleert(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+    if (titel.Dateiname.empty()) return;
+    buch_.Schreibe({AufMillisekunde(von),
+                    AufMillisekunde(bis),
+                    titel.Dateiname,
+                    MitZusatz(ursache::Umsatzfilter, Kursartzusatz(kursart)),
+                    {}});
+}
+
 }  // namespace zek

@@ -19,6 +19,7 @@ public:
     void Ergebnis(const Datenpflegeergebnis& ergebnis);
     void EinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
     void EinarbeitenBeendet(const clTitelobjekt& titel, std::int32_t kursart);
+    void Geleert(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
 
 private:
     Lueckenbuch& buch_;

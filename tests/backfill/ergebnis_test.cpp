@@ -42,6 +42,9 @@ protected:
         umgebung.BeiMergeende = [&](const clTitelobjekt& titel, std::int32_t kursart) {
             merges_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " Ende");
         };
+        umgebung.BeiLeerung = [&](const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+            merges_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " leert " + spanne(von, bis));
+        };
         Datenpflegelauf lauf(umgebung, takt_);
         lauf_ = &lauf;
         lauf.AutoDatenPflegeStart = ende - Sekunden(sekunden);
@@ -100,6 +103,27 @@ TEST_F(ErgebnisTest, AQuietTitleUpToThePresentIsFilledAsFarAsItsOneEmptyAnswerRe
 
 TEST_F(ErgebnisTest, ARunUpToThePresentThatRanThroughHasFilledItsSpan) {
     EXPECT_THAT(LaufBisJetzt(3000), ElementsAre("ES Bezahlt -3000..0 ergänzt 3001"));
+}
+
+TEST_F(ErgebnisTest, ARunUpToThePresentReachesToTheQuestionThatWasAnsweredAtLast) {
+    p_.Historie.Statt = [this](const Anfrage&) {
+        if (p_.Historie.Anfragen.size() > 1) return false;
+        p_.Welt.Plane(0.1, [this] { p_.Historie.Melde(162, "pacing violation", 1); });
+        return true;
+    };
+    const auto texte = LaufBisJetzt(1000);
+    ASSERT_THAT(texte, ElementsAre(testing::HasSubstr("ES Bezahlt -1000..60")));
+}
+
+TEST_F(ErgebnisTest, ARunUpToThePresentReachesToTheLastBarOfALateAnswer) {
+    p_.Historie.Statt = [this](const Anfrage&) {
+        p_.Welt.Plane(9, [this] {
+            for (const int s : {500, 2}) p_.Historie.Balken(p_.Jetzt() - Sekunden(s), s, 1);
+            p_.Historie.Ende();
+        });
+        return true;
+    };
+    EXPECT_THAT(LaufBisJetzt(400), ElementsAre("ES Bezahlt -400..7 ergänzt 1"));
 }
 
 TEST_F(ErgebnisTest, EmptyAnswersWithAnEndFillWhatTheyWereAskedFor) {
@@ -193,6 +217,20 @@ TEST_F(ErgebnisTest, ASeriesThatTheTurnoverFilterTookWholeIsNotFilled) {
     BeiStart = [](clTitelobjekt& titel) { titel.BidAsk = true; };
     EXPECT_THAT(Lauf(100), ElementsAre("ES Bezahlt -100..0 ergänzt 0", "ES Brief -100..0 nicht: Umsatzfilter",
                                        "ES Geld -100..0 nicht: Umsatzfilter"));
+}
+
+TEST_F(ErgebnisTest, AMergeThatTakesRecordsAndBringsNoneNamesItsSpanOnTheRecordersClock) {
+    p_.Modul.Einstellungen.IBAndere = true;
+    p_.Historie.VolumenJeBalken = 0;
+    BeiStart = [this](clTitelobjekt& titel) {
+        titel.BidAsk = true;
+        titel.ZeitKorrektur = 0.25;
+        p_.Ram.LegeDateiAn(p_.Pfad("ES-BID"), Kopf() + Bytes({{p_.Jetzt() + 0.25 - Sekunden(50), 1, 1}}));
+        p_.Ram.LegeDateiAn(p_.Pfad("ES-ASK"), Kopf() + Bytes({{p_.Jetzt() + 0.25 - Sekunden(500), 1, 1}}));
+    };
+    Lauf(100);
+    EXPECT_THAT(merges_, ElementsAre("ES Brief -100..0", "ES Brief Ende", "ES Geld -100..0", "ES Geld leert -100..0",
+                                     "ES Geld Ende"));
 }
 
 TEST_F(ErgebnisTest, AMergeThatFailsFillsNothing) {

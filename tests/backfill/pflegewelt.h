@@ -64,6 +64,7 @@ struct TestForm : Einarbeiter::Form {
     void FortschrittMaximum(int maximum) override { Maximum = maximum; }
     void FortschrittWert(int wert) override { Werte.push_back(wert); }
     void AbbruchMoeglich(bool moeglich) override { Abbrechbar.push_back(moeglich); }
+    void SpanneGeht(const clTitelobjekt&, std::int32_t, Datum, Datum) override {}
     int Maximum = -1;
     std::vector<int> Werte;
     std::vector<bool> Abbrechbar;

@@ -210,6 +210,14 @@ TEST_F(LueckenwacheTest, AMergeLeavesAMarkThatStaysOpenWhenTheProgramDiesInIt) {
     EXPECT_EQ(Zeilen().back().substr(0, 12), "12:00:07 ...");
 }
 
+TEST_F(LueckenwacheTest, WhatAMergeTookWithoutBringingAnythingIsAGapOfThatKind) {
+    Laeuft();
+    wache->BeimLeeren(*titel, kursart::Geld, Um(11, 0), Um(11, 30, 0.25));
+    EXPECT_THAT(Zeilen(), ElementsAre("11:00:00 11:30:00,250 ES Umsatzfilter Geld"));
+    EXPECT_EQ(WertungVon("Umsatzfilter Geld"), Wertung::Luecke);
+    EXPECT_EQ(ArtenVon("Umsatzfilter Geld"), artmenge::Geld);
+}
+
 TEST_F(LueckenwacheTest, ABackfillTellsItsSpanAndWhatItBroughtAlsoBehindTheEnd) {
     Laeuft();
     wache->Beende();
