@@ -330,7 +330,8 @@ void Sitzung::Details(Felder& f) {
     const auto heute = static_cast<Sekunde>(buehne_.Utc());
     Sende([&](std::string& ziel) {
         for (const Kontrakt& k : treffer) {
-            const std::string stunden = Stundentext(buehne_.Wahl.Pfad.Zeiten, k.Zeitzone, heute, Tage);
+            const std::string stunden =
+                Stundentext(k.Zeiten.value_or(buehne_.Wahl.Pfad.Zeiten), k.Zeitzone, heute, Tage);
             SchreibeDetails(ziel, sv_, id, k, {stunden, stunden});
         }
         Nachricht{ziel}(52, 1, id);

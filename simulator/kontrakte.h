@@ -1,7 +1,10 @@
 // The contracts that the simulator knows, and how a request finds them.
 #pragma once
 
+#include "simulator/handelszeiten.h"
+
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -26,6 +29,9 @@ struct Kontrakt {
     double MinTick = 0.01;
     double Basis = 100;  // the price around which the path moves
     double Los = 1;      // every size is a multiple of it
+    // Its own hours and mean ticks in an open second; empty: the path's.
+    std::optional<Handelszeiten> Zeiten = std::nullopt;
+    std::optional<double> Dichte = std::nullopt;
 
     bool HatQuotes() const { return Typ != "IND"; }
     bool HatHandel() const { return Typ != "CASH"; }

@@ -175,7 +175,10 @@ Pfad::Pfad(const Pfadeinstellungen& einstellungen, const Kontrakt& kontrakt)
       los_(kontrakt.Los),
       hatQuotes_(kontrakt.HatQuotes()),
       hatHandel_(kontrakt.HatHandel()),
-      istIndex_(!kontrakt.HatQuotes()) {}
+      istIndex_(!kontrakt.HatQuotes()) {
+    einstellungen_.Zeiten = kontrakt.Zeiten.value_or(einstellungen.Zeiten);
+    einstellungen_.Dichte = kontrakt.Dichte.value_or(einstellungen.Dichte);
+}
 
 Pfad::Tag Pfad::TagVon(Sekunde offen) const {
     const Handelszeiten& zeiten = einstellungen_.Zeiten;

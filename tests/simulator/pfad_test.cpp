@@ -236,6 +236,22 @@ TEST(Pfad, AMarketThatNeverOpensHasNothing) {
     EXPECT_EQ(pfad.Stand(Montagmittag).Last, 0);
 }
 
+TEST(Pfad, AContractsOwnHoursAndActivityComeBeforeThoseOfAll) {
+    Pfadeinstellungen e = Mit(7);
+    e.Zeiten.Tage.fill(false);
+    Kontrakt nachts = Future();
+    nachts.Zeiten = Handelszeiten{.Bis = 3600, .VersatzMinuten = 120};
+    nachts.Dichte = 0.5;
+    const Pfad pfad(e, nachts);
+    const Sekunde mitternacht = Montagmittag - 13 * 3600;  // on a clock two hours ahead of UTC
+    EXPECT_TRUE(pfad.Offen(mitternacht));
+    EXPECT_FALSE(pfad.Offen(mitternacht - 1));
+    EXPECT_FALSE(pfad.Offen(mitternacht + 3600));
+    std::size_t ticks = 0;
+    for (Sekunde s = mitternacht; s < mitternacht + 3600; ++s) ticks += pfad.Ticks(s).size();
+    EXPECT_NEAR(static_cast<double>(ticks), 1800, 20);
+}
+
 TEST(Mengenbaum, PartsAddUpAndEveryUnitIsFoundInItsSecond) {
     const Mengenbaum baum(99, 1000, 777, 0.6);
     const auto je = baum.Je(0, 777);
