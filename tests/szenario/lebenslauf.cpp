@@ -19,9 +19,10 @@ constexpr std::string_view Pacingtext =
     "Historical Market Data Service error message:Historical data request pacing violation";
 
 constexpr std::array<std::string_view, Schlagarten> Namen{
-    "Offline", "OfflineDatenWeg", "Sturm",          "Abriss",         "Schluss", "HalberRahmen", "TwsNeustart",
-    "Pacing",  "HistorieStumm",   "HistorieTraege", "Historiefarm",   "Farm",    "Stille",       "PlatteVoll",
-    "Absturz", "Stromausfall",    "Ende",           "Neustartbefehl", "UhrVor",  "Sommerzeit",   "Winterzeit"};
+    "Offline",     "OfflineDatenWeg", "Sturm",         "Abriss",         "Schluss",      "HalberRahmen",
+    "TwsNeustart", "Pacing",          "HistorieStumm", "HistorieTraege", "Historiefarm", "Farm",
+    "Stille",      "PlatteVoll",      "Absturz",       "Stromausfall",   "Ende",         "Neustartbefehl",
+    "UhrVor",      "Handlauf",        "Sommerzeit",    "Winterzeit"};
 
 simulator::Einstellungen Broker(const Plan& plan) {
     simulator::Einstellungen e;
@@ -32,6 +33,7 @@ simulator::Einstellungen Broker(const Plan& plan) {
     e.Pfad.Zeiten.Tage = {true, true, true, true, true, false, false};
     e.Betreiberzone = "MET";
     e.MerkeAnfragen = false;
+    e.Kontrakte = KontrakteFuer(plan.Titel);
     return e;
 }
 
@@ -93,10 +95,11 @@ Lebenslauf::Lebenslauf(const Plan& plan)
 }
 
 void Lebenslauf::Einrichten() {
-    w_.Future();
-    w_.Aktie();
+    Besetze(w_, plan_.Titel);
     w_.dateien.LegeDateiAn("/zek/ZEKIBAutoNeustart.exe", "x");
     w_.Setze("Optionen", "AutoDatenpflege", plan_.Datenpflege ? "1" : "0");
+    w_.Setze("UmsatzFilter", "IBBezahlt", plan_.Umsatzfilter ? "1" : "0");
+    w_.Setze("UmsatzFilter", "IBAndere", plan_.Umsatzfilter ? "1" : "0");
     w_.Setze("Optionen", "AutoUhrzeitStellen", "1");
     w_.Setze("Optionen", "NeuStartbeiUhrzeit", plan_.Neustartzeit ? "1" : "0");
     w_.Setze("Optionen", "NeustartUhrzeit", "06:30:00");
@@ -127,7 +130,7 @@ void Lebenslauf::Lebe() {
 }
 
 void Lebenslauf::Starte() {
-    ++starts_;
+    startzeiten_.push_back(w_.brokeruhr.Utc());
     wiederNach_ = Neustartweg;
     w_.Starte();
     MerkeUhr();
@@ -164,6 +167,14 @@ void Lebenslauf::Beende(double wiederNach) {
     w_.sitzung->Beende();
 }
 
+void Lebenslauf::PflegeVonHand(double dauer) {
+    if (!w_.sitzung || w_.sitzung->Beendet() || !w_.sitzung->HatTeile()) return;
+    Datenpflegewahl wahl;
+    wahl.Start = w_.welt.Jetzt() - dauer * EineSekunde;
+    wahl.GeldBrief = true;
+    w_.sitzung->Teile().Datenpflege.DatenpflegeOhneDialog(wahl, false);
+}
+
 // ---- faults
 
 void Lebenslauf::Schlage(const Termin& termin) {
@@ -190,6 +201,8 @@ void Lebenslauf::Schlage(const Termin& termin) {
         case Schlag::UhrVor:
             w_.welt.StelleUhrUm(termin.Dauer);
             return MerkeUhr();
+        case Schlag::Handlauf:
+            return PflegeVonHand(termin.Dauer);
         case Schlag::Sommerzeit:
             return StelleUm(true);
         case Schlag::Winterzeit:

@@ -2,6 +2,7 @@
 // be played again, and the world that plays it, restarts of the program included.
 #pragma once
 
+#include "szenario/besetzung.h"
 #include "szenario/rekorderwelt.h"
 
 #include <cstdint>
@@ -32,6 +33,7 @@ enum class Schlag {
     Ende,             // the user ends the program, and starts it again after `Dauer` seconds
     Neustartbefehl,   // a second instance orders a restart
     UhrVor,           // the computer's clock jumps `Dauer` seconds ahead of the right time
+    Handlauf,         // a person has the last `Dauer` seconds fetched
     Sommerzeit,       // summer time begins
     Winterzeit,       // and ends
 };
@@ -54,6 +56,8 @@ struct Plan {
     bool Sommerzeit = false;   // at the beginning
     bool Datenpflege = true;
     bool Neustartzeit = true;  // daily restart at 6:30
+    Besetzung Titel = Besetzung::Zwei;
+    bool Umsatzfilter = false;  // records of volume 0 aren't kept, of whatever kind
     std::vector<Termin> Termine;
 };
 
@@ -96,7 +100,9 @@ public:
     double Vorlauf(double utc) const;
     // Where the recorder's clock was changed; the first is the beginning.
     const std::vector<Strecke>& Strecken() const { return strecken_; }
-    int Starts() const { return starts_; }
+    // When the program was started, seconds since 1970 UTC.
+    const std::vector<double>& Startzeiten() const { return startzeiten_; }
+    int Starts() const { return static_cast<int>(startzeiten_.size()); }
     int Abstuerze() const { return abstuerze_; }
 
 private:
@@ -112,6 +118,7 @@ private:
     void Sturm(int nochmal, double dauer);
     void Stirb(double wiederNach);
     void Beende(double wiederNach);
+    void PflegeVonHand(double dauer);
     void StelleUm(bool sommer);
     void MerkeUhr();
     void Verstumme(bool farm, double dauer);
@@ -132,7 +139,7 @@ private:
     std::vector<Spanne> vollBeendet_;
     Spanne gelebt_;
     double wiederNach_ = 5;  // seconds until a program that has ended is started again
-    int starts_ = 0;
+    std::vector<double> startzeiten_;
     int abstuerze_ = 0;
     int volleVorfaelle_ = 0;
     double vollSeit_ = 0;

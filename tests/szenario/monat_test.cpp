@@ -1,6 +1,6 @@
 // Two months in the life of a recorder, over both changes of the clocks, with all that can go wrong, and the question
 // behind them: is every record there once, or is its time named?
-#include "szenario/orakel.h"
+#include "szenario/urteilsprobe.h"
 
 #include "luecken/buchdateien.h"
 #include "luecken/lueckenbuch.h"
@@ -36,15 +36,25 @@ struct Monat {
     Plan Wie;
 };
 
+std::string Zeilen(const std::vector<std::string>& fehler) {
+    std::string text;
+    for (const std::string& zeile : fehler) text += zeile + "\n";
+    return text;
+}
+
 void Lebe(Lebenslauf& leben, Befund& befund) {
     leben.Lebe();
     befund = Pruefe(leben);
-    std::string text;
-    for (const std::string& fehler : befund.Fehler) text += fehler + "\n";
-    EXPECT_EQ(text, "") << Plantext(leben.Woraus());
+    EXPECT_EQ(Zeilen(befund.Fehler), "") << Plantext(leben.Woraus());
     EXPECT_EQ(leben.Welt().dateien.OffeneHandles(), 0u);
-    // At the edges there are seconds, not minutes.
-    EXPECT_LT(befund.Rand, befund.Live / 100);
+    EXPECT_LT(befund.Rand, 20u) << "seconds at edges, of all series and all gaps";
+}
+
+// What the tool says of the life that is over, against what is known of it.
+Urteilsbefund Frage(Lebenslauf& leben, const Befund& befund) {
+    Urteilsbefund urteil = PruefeUrteil(leben, befund, false);
+    EXPECT_EQ(Zeilen(urteil.Fehler), "");
+    return urteil;
 }
 
 // Monday 5 October to Sunday 1 November 2026; winter time begins on the 25th, at 3:00.
@@ -52,6 +62,7 @@ TEST(MonatTest, OctoberWithAllItsTroublesIsRecordedOrNamedToTheSecond) {
     Monat monat(DatumAus(2026, 10, 5, 0, 0, 0), 28);
     monat.Wie.Sommerzeit = true;
     monat.Wie.Saat = 10;
+    monat.Wie.Titel = Besetzung::Alle;
     monat.JedeNacht(28)
         .Am(0, 10.5, Schlag::Offline, 1)
         .Am(0, 11.0, Schlag::OfflineDatenWeg, 300)
@@ -77,6 +88,7 @@ TEST(MonatTest, OctoberWithAllItsTroublesIsRecordedOrNamedToTheSecond) {
         .Am(18, 12.9, Schlag::Absturz, 600)  // into the weekend
         .Am(20, 3.0, Schlag::Winterzeit)
         .Am(21, 10.5, Schlag::Neustartbefehl)
+        .Am(21, 12.1, Schlag::Handlauf, 7200)  // over the recording pause, which history doesn't know
         .Am(22, 11.0, Schlag::Schluss)
         .Am(23, 11.0, Schlag::Stromausfall, 60, 5);
     Lebenslauf leben(monat.Wie);
@@ -88,12 +100,18 @@ TEST(MonatTest, OctoberWithAllItsTroublesIsRecordedOrNamedToTheSecond) {
     EXPECT_GT(befund.Historie, 1000u);
     EXPECT_GT(befund.Benannt, 100u);
     EXPECT_EQ(leben.Welt().LogAnzahl("ZEK wird zeitbedingt neu gestartet"), 28u);
+    const Urteilsbefund urteil = Frage(leben, befund);
+    EXPECT_EQ(urteil.Tage, 8 * 28);
+    EXPECT_EQ(urteil.Rueckgabe, 1) << "not all of it could be brought back";
+    EXPECT_GT(urteil.Sicher, 4e6);
+    EXPECT_GT(urteil.SicherFehlend, 1000);
 }
 
 // Monday 15 March to Sunday 11 April 2027; summer time begins on the 28th, at 2:00.
 TEST(MonatTest, MarchWithItsHourThatIsMissingIsRecordedOrNamedToTheSecond) {
     Monat monat(DatumAus(2027, 3, 15, 0, 0, 0), 28);
     monat.Wie.Saat = 3;
+    monat.Wie.Umsatzfilter = true;
     monat.JedeNacht(28)
         .Am(1, 9.5, Schlag::Absturz, 400)
         .Am(3, 10.0, Schlag::OfflineDatenWeg, 900)
@@ -113,7 +131,12 @@ TEST(MonatTest, MarchWithItsHourThatIsMissingIsRecordedOrNamedToTheSecond) {
     Lebe(leben, befund);
     EXPECT_EQ(leben.Abstuerze(), 4);
     EXPECT_GT(befund.Live, 25000u);
-    EXPECT_GT(befund.Historie, 500u);
+    EXPECT_GT(befund.Historie, 100u) << "of trades; the filter lets no bars of quotes pass";
+    const Urteilsbefund urteil = Frage(leben, befund);
+    EXPECT_EQ(urteil.Tage, 2 * 29) << "the last one is an hour long, that of the clock";
+    EXPECT_EQ(urteil.Rueckgabe, 1);
+    EXPECT_GT(urteil.Sicher, 4e5);
+    EXPECT_GT(urteil.SicherFehlend, 1000);
 }
 
 // A day is missing, and the service lets sixty requests through in ten minutes: the run lasts for most of an hour, with
@@ -129,6 +152,7 @@ TEST(MonatTest, LiveRecordingGoesOnAtTheSameRateThroughALongRunAndItsMerges) {
     Lebenslauf leben(monat.Wie);
     Befund befund;
     Lebe(leben, befund);
+    EXPECT_EQ(Frage(leben, befund).Rueckgabe, 0) << "all is there";
 
     Rekorderwelt& w = leben.Welt();
     EXPECT_GT(w.tws.Stand().Historien, 250u);
@@ -175,12 +199,15 @@ struct OrakelTest : testing::Test {
         return monat.Wie;
     }
     std::string Fehler() {
-        std::string text;
-        for (const auto& fehler : Pruefe(leben_).Fehler) text += fehler + "\n";
-        return text;
+        befund_ = Pruefe(leben_);
+        return Zeilen(befund_.Fehler);
     }
-    void Aendere(auto fn) {
-        const std::string pfad = "/zek/RealtimeData/" + Dateinamensbildung(*leben_.Welt().gespeichert.Finde(1), 1);
+    std::string Urteilsfehler() {
+        befund_ = Pruefe(leben_);
+        return Zeilen(PruefeUrteil(leben_, befund_, false).Fehler);
+    }
+    void Aendere(auto fn, std::int32_t art = kursart::Bezahlt) {
+        const std::string pfad = "/zek/RealtimeData/" + Dateinamensbildung(*leben_.Welt().gespeichert.Finde(1), art);
         std::string inhalt = leben_.Welt().dateien.Inhalt(pfad);
         ASSERT_GT(inhalt.size(), 856u + 16 * 100);
         fn(inhalt);
@@ -191,6 +218,7 @@ struct OrakelTest : testing::Test {
     }
 
     Lebenslauf leben_;
+    Befund befund_;
 };
 
 TEST_F(OrakelTest, FindsNothingInAWholeDay) {
@@ -225,6 +253,51 @@ TEST_F(OrakelTest, SeesAFillingThatIsNone) {
         "16.11.2026 09:30:00,000\t16.11.2026 09:40:00,000\tES@CME_FUT_20261218_USD\tDatenpflege Bezahlt\t"
         "ergänzt: 10 Sekundenkurse\n");
     EXPECT_NE(Fehler().find("said to be filled, but no bar"), std::string::npos);
+}
+
+TEST_F(OrakelTest, SeesATradeOnTheWrongSide) {
+    Aendere(
+        [](std::string& inhalt) {
+            for (std::size_t i = 0; i < 20; ++i) inhalt[856 + 16 * (50 + i) + 15] ^= '\x80';
+        },
+        kursart::BAVolume);
+    EXPECT_NE(Fehler().find("alien record: ES BAVolume"), std::string::npos) << Fehler();
+}
+
+TEST_F(OrakelTest, AgreesWithTheToolOnAWholeDay) {
+    EXPECT_EQ(Urteilsfehler(), "");
+}
+
+// In a market that doesn't rest, so that all seconds of the day count.
+TEST(UrteilsprobeTest, SeesThatTheToolOverlooksSecondsThatAreMissing) {
+    Monat monat(DatumAus(2026, 11, 17, 0, 0, 0), 0.5);
+    monat.Wie.Titel = Besetzung::Alle;
+    Lebenslauf leben(monat.Wie);
+    Befund befund;
+    Lebe(leben, befund);
+    Frage(leben, befund);
+    Rekorderwelt& w = leben.Welt();
+    clTitelobjekt& euro = *w.gespeichert.Finde(4);
+    const Datum von = DatumAus(2026, 11, 17, 9, 30, 0), bis = von + 600 * EineSekunde;
+    for (const std::int32_t art : {kursart::Brief, kursart::Geld}) {
+        const auto saetze = w.Datei(euro.id, art);
+        const auto vor = [&](Datum zeit) {
+            const auto satz = std::ranges::lower_bound(saetze, zeit, {}, &KursDatensatz::Datum);
+            return 856 + 16 * static_cast<std::size_t>(satz - saetze.begin());
+        };
+        const std::string pfad = "/zek/RealtimeData/" + Dateinamensbildung(euro, art);
+        std::string inhalt = w.dateien.Inhalt(pfad);
+        w.dateien.LegeDateiAn(pfad, inhalt.erase(vor(von), vor(bis) - vor(von)));
+    }
+    befund = Pruefe(leben);
+    const std::string fehler = Zeilen(PruefeUrteil(leben, befund, false).Fehler);
+    EXPECT_NE(fehler.find("EUR@IDEALPRO_CASH_USD 17.11.2026: missing "), std::string::npos) << fehler;
+}
+
+TEST_F(OrakelTest, SeesThatTheToolMissesSecondsThatAreThere) {
+    Schreibe("16.11.2026 09:30:00,000\t16.11.2026 09:40:00,000\t*\tKeine Verbindung zur TWS\t\n");
+    const std::string fehler = Urteilsfehler();
+    EXPECT_NE(fehler.find("16.11.2026: live "), std::string::npos) << fehler;
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 
 namespace zek::szenario {
 namespace {
@@ -22,6 +23,8 @@ using simulator::Tickart;
 constexpr Sekunde Seite = 2000;           // span of one request
 constexpr std::size_t Hoechstfehler = 6;  // of one sort in one series
 constexpr double Scheibe = 0.05;          // a tick leaves the server at most so much behind its time
+constexpr double Echozeit = 0.22;         // with the slice in which the server gathers ticks
+constexpr double Kantenbreite = 0.05;     // seconds about the moment at which wanting begins or ends
 constexpr Datum Gleichzeitig = 0.0002 / SekundenProTag;
 constexpr double Vorlaufzeit = 200;  // a run begins so much before its gap
 constexpr double Keinkurszeit = 90;  // silence that nobody can tell from a quiet market
@@ -31,7 +34,15 @@ struct Reihe {
     std::int32_t Art = 0;
     Tickart Tick = Tickart::Handel;
     Balkenart Balken = Balkenart::Trades;
+
+    // Signed volume: the trades once more, which no history has.
+    bool NurLive() const { return Art == kursart::BAVolume; }
 };
+
+// Titles of which history can tell changes alone.
+bool NurAenderungen(const Reihe& reihe, const clTitelobjekt& titel) {
+    return reihe.Balken != Balkenart::Trades || titel.Typ == "IND";
+}
 
 // A set of spans, joined.
 class Spannen {
@@ -107,8 +118,10 @@ public:
     void Alles() {
         LiesEvidenz();
         datei_ = leben_.Welt().Datei(reihe_.Titel, reihe_.Art);
-        live_ = leben_.Welt().Erwartet(reihe_.Titel, reihe_.Art);
+        for (auto& satz : datei_) satz.Datum -= titel_.ZeitKorrektur;
+        live_ = leben_.Welt().Erwartet(reihe_.Titel, reihe_.NurLive() ? kursart::Bezahlt : reihe_.Art);
         for (auto& satz : live_) liveUtc_.push_back(leben_.UtcAusOrtszeit(satz.Datum));
+        if (reihe_.NurLive()) LiesVorzeichen();
         befund_.Saetze += datei_.size();
         PruefeReihenfolge();
         OrdneZu();
@@ -188,10 +201,55 @@ private:
     std::optional<simulator::Balken> Balken(Sekunde s) const { return pfad_.BalkenVon(s, reihe_.Balken); }
 
     bool IstBalken(const KursDatensatz& satz, Sekunde s) const {
+        if (reihe_.NurLive()) return false;
         const auto b = Balken(s);
         if (!b || static_cast<float>(b->Schluss) != satz.Kurs) return false;
-        return reihe_.Balken == Balkenart::Trades ? b->Umsatz > 0 && static_cast<float>(b->Umsatz) == satz.Volume
-                                                  : satz.Volume == 0;
+        return !NurAenderungen(reihe_, titel_) ? b->Umsatz > 0 && static_cast<float>(b->Umsatz) == satz.Volume
+                                               : satz.Volume == 0;
+    }
+
+    // The side of each trade, where the quotes before it leave no doubt: at or below the bid, at or above the ask.
+    void LiesVorzeichen() {
+        vorzeichen_.clear();
+        auto start = leben_.Startzeiten().begin();
+        float geld = 0, brief = 0;
+        std::size_t naechster = 0;
+        for (const auto& tick : leben_.Welt().tws.GesendeteTicks()) {
+            if (tick.Klient != Klient || tick.Id != reihe_.Titel || !tick.IstKurs) continue;
+            for (; start != leben_.Startzeiten().end() && *start <= leben_.UtcAusOrtszeit(tick.Zeit); ++start)
+                geld = brief = 0;
+            const auto kurs = static_cast<float>(tick.Kurs);
+            if (tick.Ticktyp == 1) geld = kurs;
+            if (tick.Ticktyp == 2) brief = kurs;
+            if (tick.Ticktyp != 4) continue;
+            for (; naechster < live_.size() && live_[naechster].Datum < tick.Zeit; ++naechster)
+                vorzeichen_.push_back(0);
+            if (naechster == live_.size()) break;
+            const bool klar = geld > 0 && brief > geld * 1.00001F;
+            vorzeichen_.push_back(!klar ? 0 : kurs <= geld ? -1 : kurs >= brief ? 1 : 0);
+            ++naechster;
+        }
+        vorzeichen_.resize(live_.size());
+    }
+
+    bool Passt(const KursDatensatz& satz, std::size_t live) const {
+        const KursDatensatz& l = live_[live];
+        if (!reihe_.NurLive()) return l.Kurs == satz.Kurs && l.Volume == satz.Volume;
+        if (l.Kurs != satz.Kurs || l.Volume != std::fabs(satz.Volume)) return false;
+        return vorzeichen_[live] == 0 || satz.Volume * static_cast<float>(vorzeichen_[live]) >= 0;
+    }
+
+    // The user wants no record of that moment.
+    bool Ungewollt(double utc) const {
+        const Datum zeit = leben_.Rekorderzeit(utc);
+        if (titel_.AufzeichnungspauseVerwenden) {
+            const Datum uhr = Tagesbruchteil(zeit);
+            if (uhr >= *DatumAusText(Pausenbeginn) && uhr <= *DatumAusText(Pausenende)) return true;
+        }
+        return titel_.StartZeit > 0 && Tagesbruchteil(zeit) + titel_.ZeitKorrektur < titel_.StartZeit;
+    }
+    bool NaheUngewolltem(double utc) const {
+        return Ungewollt(utc) || Ungewollt(utc - Kantenbreite) || Ungewollt(utc + Kantenbreite);
     }
 
     // Each record of the file is one that was sent, or a bar of history.
@@ -203,9 +261,11 @@ private:
             bool passt = false;
             auto ort = wartend.lower_bound(satz.Datum - Gleichzeitig);
             for (; ort != wartend.end() && ort->first <= satz.Datum + Gleichzeitig && !passt; ++ort) {
-                const KursDatensatz& l = live_[ort->second];
-                if (l.Kurs != satz.Kurs || l.Volume != satz.Volume) continue;
+                if (!Passt(satz, ort->second)) continue;
                 gefunden_[ort->second] = passt = true;
+                const double t = liveUtc_[ort->second];
+                if (Ungewollt(t) && Ungewollt(t - Kantenbreite) && Ungewollt(t + Kantenbreite))
+                    Melde("recorded, but unwanted", Wo(t));
                 wartend.erase(ort);
                 break;
             }
@@ -222,9 +282,9 @@ private:
     }
 
     // The first or the last bar of a filled span: the block begins and ends with it, and what bears an earlier or later
-    // time stays.
+    // time stays. History comes in whole seconds.
     bool AmBlockrand(Sekunde s) const {
-        const double rand = RandBei(static_cast<double>(s));
+        const double rand = RandBei(static_cast<double>(s)) + 1;
         const auto nahe = [&](Sekunde t) { return std::fabs(static_cast<double>(t - s)) <= rand; };
         return std::ranges::any_of(fuellungen_, [&](const Spanne& f) {
             const auto erster = balken_.lower_bound(static_cast<Sekunde>(std::ceil(f.Von)));
@@ -260,7 +320,7 @@ private:
             if (gefunden_[i]) continue;
             const double t = liveUtc_[i], rand = RandBei(t);
             if (ergaenzt_.Beruehrt(t, t, rand) || benannt_.Beruehrt(t, t, rand) || ausgenommen_.Beruehrt(t, t, rand) ||
-                ZwischenBalken(t) || NachEnde(t))
+                ZwischenBalken(t) || NachEnde(t) || NaheUngewolltem(t))
                 continue;
             Melde("live record lost", Wo(t) + " " + std::to_string(live_[i].Kurs));
         }
@@ -288,6 +348,9 @@ private:
             kurs = tick.Kurs;
             groesse = tick.Groesse;
             const bool gesendet = WurdeGesendet(tick);
+            // An index value right behind another one counts as its echo.
+            const bool echo = titel_.Typ == "IND" && tick.Zeit - std::exchange(letzterTick_, tick.Zeit) < Echozeit;
+            if (!gesendet && echo) continue;
             // What stood before a silence isn't sent once more.
             if (!gesendet && tick.Kurs == gesendeterKurs_ && tick.Groesse == gesendeteGroesse_) continue;
             if (gesendet) gesendeterKurs_ = tick.Kurs, gesendeteGroesse_ = tick.Groesse;
@@ -295,12 +358,12 @@ private:
             stand.Live = stand.Live && gesendet;
         }
         if (!neu) return std::nullopt;
+        if (NaheUngewolltem(static_cast<double>(s)) || NaheUngewolltem(static_cast<double>(s) + 1)) return std::nullopt;
         const auto zeit = static_cast<double>(s);
         stand.Historie = balken_.contains(s);
         // A series of quotes keeps changes of the price only.
-        if (reihe_.Balken != Balkenart::Trades && kurs == vorher && ZwischenBalken(zeit)) stand.Historie = true;
-        if (reihe_.Balken != Balkenart::Trades && ergaenzt_.Umfasst(zeit, zeit, 0) && kurs == vorher)
-            stand.Historie = true;
+        if (NurAenderungen(reihe_, titel_) && kurs == vorher && ZwischenBalken(zeit)) stand.Historie = true;
+        if (NurAenderungen(reihe_, titel_) && ergaenzt_.Umfasst(zeit, zeit, 0) && kurs == vorher) stand.Historie = true;
         return stand;
     }
 
@@ -331,7 +394,8 @@ private:
         const auto von = static_cast<double>(stand.Zeit), bis = von + 1;
         const double rand = RandBei(von);
         const bool kante = AmRandEinerFuellung(von, bis, rand) || benannt_.AmRand(von, bis, rand);
-        if (stand.Live && stand.Historie && reihe_.Balken == Balkenart::Trades && !kante && !AmBlockrand(stand.Zeit))
+        Ordne(stand, kante || seitenraender_.contains(stand.Zeit) || ausgenommen_.Beruehrt(von, bis, Rand));
+        if (stand.Live && stand.Historie && !NurAenderungen(reihe_, titel_) && !kante && !AmBlockrand(stand.Zeit))
             Melde("live and as a bar", Wo(von));
         const bool seitenrand = seitenraender_.contains(stand.Zeit);
         if (ergaenzt_.Umfasst(von, bis, -rand) && !stand.Historie && !seitenrand && !kante)
@@ -346,6 +410,15 @@ private:
             ++befund_.Rand;
         else
             Melde("hole without a name", Wo(von));
+    }
+
+    // Into the state of all kinds of the title.
+    void Ordne(const Sekundenstand& stand, bool unklar) {
+        if (reihe_.NurLive()) return;
+        auto art = stand.Live ? Sekundenart::Live : stand.Historie ? Sekundenart::Ergaenzt : Sekundenart::Fehlend;
+        if (unklar) art = Sekundenart::Unklar;
+        auto [ort, neu] = befund_.Sekunden[reihe_.Titel].emplace(stand.Zeit, art);
+        ort->second = std::max(ort->second, art);
     }
 
     // A gap that nothing has filled has no second in its inside that is there, and there are some that aren't.
@@ -370,12 +443,14 @@ private:
     Spannen benannt_, ergaenzt_, zerschrieben_, abgebrochen_, ausgenommen_;
     std::vector<Spanne> fuellungen_;
     std::set<Sekunde> seitenraender_;
+    double letzterTick_ = 0;                            // seconds since 1970 UTC
     double gesendeterKurs_ = 0, gesendeteGroesse_ = 0;  // of the last tick that was sent
     std::vector<std::pair<Lueckenzeile, Spanne>> einzelne_;
     std::vector<KursDatensatz> datei_;
     std::vector<KursDatensatz> live_;
     std::vector<double> liveUtc_;
     std::vector<bool> gefunden_;
+    std::vector<int> vorzeichen_;  // of the live records, as far as it is certain
     std::set<Sekunde> balken_;
     std::vector<Sekundenstand> sekunden_;
     std::map<std::string, std::size_t> jeSorte_;
@@ -389,11 +464,16 @@ Befund Pruefe(Lebenslauf& leben) {
     if (!LiesLueckenbuch(leben.Welt().dateien, "/zek/RealtimeData", zeilen))
         befund.Fehler.push_back("the evidence can't be read");
     befund.Zeilen = zeilen.size();
-    for (const auto& titel : leben.Welt().gespeichert)
-        for (const Reihe& reihe : {Reihe{titel->id, kursart::Bezahlt, Tickart::Handel, Balkenart::Trades},
-                                   Reihe{titel->id, kursart::Brief, Tickart::Brief, Balkenart::Ask},
-                                   Reihe{titel->id, kursart::Geld, Tickart::Geld, Balkenart::Bid}})
-            Pruefung(leben, befund, zeilen, reihe).Alles();
+    for (const auto& titel : leben.Welt().gespeichert) {
+        const bool handel = titel->Typ != "CASH";
+        if (handel)
+            Pruefung(leben, befund, zeilen, {titel->id, kursart::Bezahlt, Tickart::Handel, Balkenart::Trades}).Alles();
+        if (!titel->BidAsk) continue;
+        if (handel)
+            Pruefung(leben, befund, zeilen, {titel->id, kursart::BAVolume, Tickart::Handel, Balkenart::Trades}).Alles();
+        Pruefung(leben, befund, zeilen, {titel->id, kursart::Brief, Tickart::Brief, Balkenart::Ask}).Alles();
+        Pruefung(leben, befund, zeilen, {titel->id, kursart::Geld, Tickart::Geld, Balkenart::Bid}).Alles();
+    }
     if (leben.Welt().dateien.OffeneHandles() != 0) befund.Fehler.push_back("handles left open");
     return befund;
 }

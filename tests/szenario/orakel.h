@@ -6,9 +6,9 @@
 // program that had just died is as good as not sent.
 //
 // Tolerances, all at the edges of gaps and of filled spans:
-//   Rand        seconds next to an edge. History comes in whole seconds, so the seconds at the two ends of a filled
-//               span may stand there live and as a bar, or lack their part before or behind the edge; the evidence
-//               begins with the news of a loss, which come a moment behind it.
+//   Rand        seconds next to an edge: the server gathers ticks in slices.
+//   history     comes in whole seconds, so the seconds at the two ends of a filled span may stand there live and as a
+//               bar, or lack their part before or behind the edge; and at each turn of a page one is lost by rule.
 //   clock       while the recorder's clock is ahead its live records bear later times than the bars, by just that
 //               lead; it is added to Rand.
 #pragma once
@@ -16,10 +16,15 @@
 #include "szenario/lebenslauf.h"
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
 namespace zek::szenario {
+
+// What a second in which the market of a title moved has come to, all kinds together. What nobody can bring back plays
+// no part.
+enum class Sekundenart { Live, Ergaenzt, Fehlend, Unklar };
 
 struct Befund {
     std::vector<std::string> Fehler;  // at most some per series
@@ -30,9 +35,11 @@ struct Befund {
     std::size_t Rand = 0;     // neither, but next to an edge
     std::size_t Saetze = 0;   // records in the files
     std::size_t Zeilen = 0;   // lines of the evidence
+    // By title, and by second since 1970 UTC.
+    std::map<int, std::map<simulator::Sekunde, Sekundenart>> Sekunden;
 };
 
-inline constexpr double Rand = 2;  // seconds
+inline constexpr double Rand = 0.1;  // seconds
 
 Befund Pruefe(Lebenslauf& leben);
 

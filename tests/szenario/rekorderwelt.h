@@ -142,19 +142,24 @@ struct Rekorderwelt {
     }
 
     // The records that the messages which the server sent to the live session must have given, from their order
-    // alone: each price with its size is one, its echo is none, each further size is one with the standing price.
+    // alone: each price with its size is one, its echo is none, each further size is one with the standing price. The
+    // empty size of an index comes without an echo; right behind the one before it counts as one.
     std::vector<KursDatensatz> Erwartet(int titel, std::int32_t art) {
         const int kurstyp = art == kursart::Bezahlt ? 4 : art == kursart::Brief ? 2 : 1;
         const int groessentyp = art == kursart::Bezahlt ? 5 : art == kursart::Brief ? 3 : 0;
         std::vector<KursDatensatz> saetze;
         float kurs = 0;
         float echo = -1;  // size that may come once more without being a record
+        const bool index = gespeichert.Finde(titel)->Typ == "IND";
+        Datum leereGroesse = 0;
         for (const auto& tick : tws.GesendeteTicks()) {
             if (tick.Klient != Klient || tick.Id != titel) continue;
             const auto groesse = static_cast<float>(tick.Groesse);
             if (tick.IstKurs && tick.Ticktyp == kurstyp) {
                 kurs = static_cast<float>(tick.Kurs);
                 echo = groesse;
+                if (index && tick.Zeit - leereGroesse <= 0.2 * EineSekunde) continue;
+                leereGroesse = tick.Zeit;
             } else if (tick.IstKurs || tick.Ticktyp != groessentyp || std::exchange(echo, -1.0F) == groesse) {
                 continue;
             }
