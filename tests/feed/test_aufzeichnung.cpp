@@ -204,6 +204,18 @@ TEST(VorzeichenVolumen, WithoutALastPriceItIsZeroAndTheSignStays) {
     EXPECT_EQ(titel.VorigesMDVorzeichen, -1);
 }
 
+TEST(VorzeichenVolumen, TradesOfOneOrOfAFractionHaveTheirSignToo) {
+    for (const float volumen : {1.0F, 0.25F})
+        for (const int richtung : {1, -1}) {
+            clTitelobjekt titel;
+            titel.VorigerLast = 100;
+            titel.LastPrice = static_cast<float>(100 + richtung);
+            titel.LastVol = volumen;
+            EXPECT_EQ(VorzeichenVolumen(titel), static_cast<float>(richtung) * volumen);
+            EXPECT_EQ(titel.VorigesMDVorzeichen, richtung) << volumen;
+        }
+}
+
 TEST(VorzeichenVolumen, AVolumeOfZeroGivesAPositiveZeroAndForgetsTheSign) {
     clTitelobjekt titel;
     titel.LastPrice = titel.VorigerLast = 99;

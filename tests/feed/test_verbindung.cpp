@@ -1,6 +1,8 @@
 #include "feedwelt.h"
 #include "hilfen/fehlerwaechter.h"
 
+#include <utility>
+
 namespace zek::hilfen {
 namespace {
 
@@ -50,6 +52,46 @@ TEST_F(Verbindungstest, TheWatchHearsMessagesOfTheSessionAndOfKnownTitlesApart) 
                 ElementsAre("Meldung 2103 Market data farm connection is broken:usfarm", "TitelMeldung ES 10167"));
 }
 
+TEST_F(Verbindungstest, TheWatchHearsHowTheStreamEndsAndComesBack) {
+    verbinde();
+    wache.Zeilen.clear();
+    const auto gehoert = [this] { return std::exchange(wache.Zeilen, {}); };
+    meldung(-1, 1100);
+    EXPECT_THAT(gehoert(), testing::Contains("TwsIstOffline"));
+    meldung(-1, 1101);
+    EXPECT_THAT(gehoert(), testing::Contains("TwsIstWiederDa, data lost"));
+    meldung(-1, 1102);
+    EXPECT_THAT(gehoert(), testing::Contains("TwsIstWiederDa, data kept"));
+    ereignis().connectionClosed();
+    EXPECT_THAT(gehoert(), ElementsAre("VerbindungWeg"));
+    anzeige.Sichtbar = false;
+    meldung(-1, -1);
+    EXPECT_THAT(gehoert(), testing::Contains("VerbindungWeg"));
+}
+
+// ---- the control
+
+TEST_F(Verbindungstest, AControlThatCannotBeMadeLeavesNoneOfTheOldOnes) {
+    ErwarteVerschluckte("IBControl erzeugen");
+    fabrik.BeiErzeugen = [](TestTws&) { throw std::runtime_error("kein Speicher"); };
+    IBControl platz(fabrik.Fabrik());
+    platz.Erzeuge(feed.Sitzung);
+    EXPECT_FALSE(platz.Verbunden());
+    EXPECT_THROW(platz->disconnect(), std::system_error);
+    fabrik.BeiErzeugen = nullptr;
+    platz.Erzeuge(feed.Sitzung);
+    EXPECT_FALSE(platz.Verbunden()) << "not yet";
+    platz->connect("", 7496, 1, "", false);
+    EXPECT_TRUE(platz.Verbunden());
+    const auto altes = fabrik.Kontrollen.back();
+    fabrik.BeiErzeugen = [&](TestTws&) {
+        EXPECT_TRUE(altes->Zerstoert) << "the old one goes first";
+        throw std::runtime_error("kein Speicher");
+    };
+    platz.Erzeuge(feed.Sitzung);
+    EXPECT_FALSE(platz.Verbunden());
+}
+
 // ---- connecting
 
 TEST_F(Verbindungstest, WithoutAPortThereIsNoAttempt) {
@@ -66,6 +108,12 @@ TEST_F(Verbindungstest, AConnectionIsReportedAndTheServersTimeAskedFor) {
                                               Eintrag{"TWS Server Version 187", false}));
     EXPECT_THAT(zeilen(), ElementsAre("connect(192.168.1.2, 7496, 255281497, , false)", "reqCurrentTime()"));
     EXPECT_FALSE(modul.TWSVerbunden) << "only nextValidId marks the session as usable";
+}
+
+TEST_F(Verbindungstest, AnyOtherServerVersionIsReported) {
+    fabrik.Letzte().VersionNachVerbindung = 1;
+    feed.Sitzung.TWSVerbindungAufbauen();
+    EXPECT_EQ(status.Letzte(), "TWS Server Version 1");
 }
 
 TEST_F(Verbindungstest, AServerVersionOfZeroIsNotReported) {
@@ -413,6 +461,20 @@ TEST_F(Verbindungstest, TheEndOfTheSessionReleasesItsControl) {
     control->Ereignisse().currentTime(1);
     zweiter.reset();
     EXPECT_TRUE(control->Zerstoert);
+}
+
+TEST_F(Verbindungstest, AFaceThatCannotTellWhetherItWarnsEndsNoMessage) {
+    ErwarteVerschluckte("Meldung der TWS befolgen");
+    struct : TestOfflineanzeige {
+        bool OfflinewarnungSichtbar() const override { throw std::runtime_error("x"); }
+    } ratlos;
+    Feed eigener{{modul, welt, welt, ablage, status, ratlos, monitor, fabrik.Fabrik(), {}, [this](int code) {
+                      neustarts.push_back(code);
+                  }}};
+    neustartBei("1100", {"1100"});
+    meldung(-1, 1100);
+    EXPECT_TRUE(modul.Offline);
+    EXPECT_THAT(neustarts, ElementsAre(1100)) << "the next step is made all the same";
 }
 
 // A face whose every call fails.
