@@ -11,12 +11,19 @@
 #include "platform/text.h"
 #include "werkzeug/werkzeug.h"
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -34,6 +41,25 @@ double Millisekunden(Tun tun) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - beginn).count();
 }
 
+// The greatest memory of a process of its own that does it, above that of one that does nothing, in MiB.
+template <typename Tun>
+double Speicherspitze(Tun tun) {
+    const auto spitze = [](const std::function<void()>& was) {
+        std::fflush(stdout);
+        const pid_t kind = ::fork();
+        if (kind == 0) {
+            was();
+            ::_exit(0);
+        }
+        int status = 0;
+        rusage verbrauch{};
+        if (kind < 0 || ::wait4(kind, &status, 0, &verbrauch) != kind || status != 0) std::abort();
+        return static_cast<double>(verbrauch.ru_maxrss) / 1024;
+    };
+    const double nichts = spitze([] {});
+    return spitze(tun) - nichts;
+}
+
 void SchreibeJahr(const fs::path& ordner, int titel, int zeilen) {
     for (int tag = 365; tag > 0; --tag) {
         const Datum datum = Ende - tag;
@@ -48,6 +74,12 @@ void SchreibeJahr(const fs::path& ordner, int titel, int zeilen) {
             }
         }
     }
+}
+
+void Frage(const fs::path& wurzel, const werkzeug::Umgebung& umgebung, std::vector<std::string> argumente) {
+    std::ostringstream bericht, fehler;
+    argumente.insert(argumente.begin(), {"gaps", wurzel.string()});
+    if (Werkzeug(argumente, "1", umgebung, bericht, fehler) == 2) std::abort();
 }
 
 }  // namespace
@@ -75,17 +107,21 @@ int main(int anzahl, char** argumente) {
     std::printf("%d titles, %.1f MB: whole book %.0f ms; start %.1f ms (%lld bytes of the book), checkpoint %.1f ms\n",
                 titel, static_cast<double>(ganz.Bytes) / 1e6, alles, lesen, static_cast<long long>(kurz.Bytes),
                 schreiben);
+    std::printf("memory of a start: %.1f MiB\n",
+                Speicherspitze([&] { kurz = LiesZwischenstand(dateien, ordner, jetzt); }));
     const werkzeug::Umgebung umgebung{dateien, Ende, [](const std::string&) { return false; }};
     double woche = 0;
     for (int i = 0; i < 3; ++i) {
-        std::ostringstream bericht, fehler;
         const double w = Millisekunden([&] {
-            Werkzeug({"luecken", "--von", "09.11.2026", "--bis", "15.11.2026", wurzel.string()}, "1", umgebung, bericht,
-                     fehler);
+            Frage(wurzel, umgebung, {"--von", "09.11.2026", "--bis", "15.11.2026"});
         });
         woche = i == 0 ? w : std::min(woche, w);
     }
-    std::printf("one week of the tool: %.0f ms\n", woche);
+    std::printf("one week of the tool: %.0f ms, %.1f MiB\n", woche, Speicherspitze([&] {
+                    Frage(wurzel, umgebung, {"--von", "09.11.2026", "--bis", "15.11.2026"});
+                }));
+    std::printf("the whole year: %.0f ms", Millisekunden([&] { Frage(wurzel, umgebung, {}); }));
+    std::printf(", %.1f MiB\n", Speicherspitze([&] { Frage(wurzel, umgebung, {}); }));
     Buchverdichtung verdichtung(dateien);
     double laengster = Millisekunden([&] { verdichtung.Beginne(ordner, jetzt); });
     int schritte = 0;
