@@ -2,6 +2,7 @@
 
 #include "datafiles/anhaengen.h"
 #include "datafiles/dateinamen.h"
+#include "datafiles/reparatur.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -140,6 +141,8 @@ void Einarbeiter::Oeffne(Merge& merge) {
 // An earlier merge that was broken off comes first.
 void Einarbeiter::SchliesseVorigeAb(const Merge& merge) {
     const Journalstand stand = SchliesseEinarbeitungAb(dateien_, merge.Pfad, Anderswo::Keine);
+    if (const std::string text = Journaltext(stand); !text.empty() && stand != Journalstand::Gescheitert)
+        status_.Statusmeldung("Datendatei " + merge.Pfad + ": " + text, !IstGut(stand));
     if (stand == Journalstand::Belegt || stand == Journalstand::Gescheitert)
         throw std::runtime_error("Error opening '" + merge.Pfad + std::string(Journalendung) + "'.");
 }

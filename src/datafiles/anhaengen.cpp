@@ -2,7 +2,7 @@
 
 #include "datafiles/dateikopf.h"
 #include "datafiles/dateinamen.h"
-#include "datafiles/einarbeitungsjournal.h"
+#include "datafiles/reparatur.h"
 #include "platform/ohnefehler.h"
 
 #include <algorithm>
@@ -197,6 +197,8 @@ Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, 
 // A merge that was broken off is finished before the first write of a run; one that is going on takes the record along.
 std::int64_t Datensatzschreiber::NachUnterbrochenerEinarbeitung(std::int64_t groesse) {
     const Journalstand stand = SchliesseEinarbeitungAb(dateien_, datei_.FileName());
+    if (const std::string text = Journaltext(stand); !text.empty())
+        status_.Statusmeldung("Datendatei " + datei_.FileName() + ": " + text, !IstGut(stand));
     const bool geaendert = stand == Journalstand::Abgeschlossen || stand == Journalstand::Verworfen;
     return geaendert ? datei_.FileSize().Bytes() : groesse;
 }

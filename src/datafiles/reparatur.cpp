@@ -144,8 +144,7 @@ private:
             warte_();
             stand = SchliesseEinarbeitungAb(dateien_, pfad, Anderswo::Keine);
         }
-        if (const std::string text = Journaltext(stand); !text.empty())
-            Befunde.push_back({pfad, text, stand != Journalstand::Unlesbar && stand != Journalstand::Gescheitert});
+        if (const std::string text = Journaltext(stand); !text.empty()) Befunde.push_back({pfad, text, IstGut(stand)});
     }
 
     void PruefeEnde(const std::string& pfad) {

@@ -52,5 +52,9 @@ inline constexpr int Bestandswartezahl = 100;
 
 // What became of a merge that had been broken off; "" for none and for one that is going on.
 std::string Journaltext(Journalstand stand);
+// The file takes records again.
+constexpr bool IstGut(Journalstand stand) {
+    return stand != Journalstand::Unlesbar && stand != Journalstand::Gescheitert;
+}
 
 }  // namespace zek

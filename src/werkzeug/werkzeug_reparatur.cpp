@@ -90,7 +90,7 @@ bool HoleEinarbeitungNach(Dateisystem& dateien, const std::string& pfad, std::os
     const Journalstand stand = SchliesseEinarbeitungAb(dateien, pfad);
     if (const std::string text = Journaltext(stand); !text.empty()) fehler << "zek: " << pfad << ": " << text << "\n";
     if (stand == Journalstand::Belegt) fehler << "zek: " << pfad << ": wird gerade eingearbeitet\n";
-    return stand != Journalstand::Unlesbar && stand != Journalstand::Gescheitert;
+    return IstGut(stand);
 }
 
 }  // namespace zek::werkzeug

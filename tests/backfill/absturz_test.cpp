@@ -94,6 +94,9 @@ protected:
             if (eintrag->Art == hilfen::Dateiaufruf::Schreibe) return !eintrag->Gestoert;
         return false;
     }
+    bool Gesagt() const {
+        return p_->Status.Enthaelt("Datendatei " + std::string(Pfad) + ": unterbrochene Einarbeitung ");
+    }
     struct Titel : clTitelobjekt {
         Titel() { Dateiname = "T", Katalog = "K"; }
     };
@@ -150,9 +153,26 @@ TEST_P(Absturz, TheAppendOfTheNextRunFinishesTheWorkFirst) {
         Titel titel;
         Datensatzschreiber schreiber(p_->Modul, p_->Dateien, p_->Status, {});
         const KursDatensatz satz{p_->Welt.Jetzt() + 1, 5000, 1};
+        const bool unterbrochen = p_->Ram.DateiExistiert(Pfad + std::string(Journalendung));
+        p_->Status.Eintraege.clear();
         schreiber.DatensatzAnhaengen(titel, kursart::Brief, satz.Kurs, 1, false, satz.Datum);
+        EXPECT_EQ(Gesagt(), unterbrochen) << "call " << n;
         ticks_.push_back(satz);
         PruefeDatei(n);
+        if (HasFailure()) return;
+    }
+}
+
+TEST_P(Absturz, TheMergeOfTheNextRunFinishesTheWorkFirstAndSaysSo) {
+    Merge(0);
+    for (std::uint64_t n = aufrufe_; n >= 1; n -= std::min<std::uint64_t>(n, 5)) {
+        Merge(n);
+        Titel titel;
+        const bool unterbrochen = p_->Ram.DateiExistiert(Pfad + std::string(Journalendung));
+        p_->Status.Eintraege.clear();
+        Einarbeiter einarbeiter(p_->Modul, p_->Dateien, p_->Welt, p_->Welt, p_->Status, Portion);
+        EXPECT_GT(einarbeiter.DatenEinarbeiten(form_, titel, Reihe(9000, 9000, 7), kursart::Brief), 0);
+        EXPECT_EQ(Gesagt(), unterbrochen) << "call " << n;
         if (HasFailure()) return;
     }
 }
