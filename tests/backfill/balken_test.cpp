@@ -29,6 +29,14 @@ TEST(Balkendatum, AllFormsOfTheServiceAreRead) {
     EXPECT_EQ(Gelesen("20250415"), "15.04.2025 00:00:00 []");
     EXPECT_EQ(Gelesen("2025-04-15 15:29:58.0"), "15.04.2025 15:29:58 []");
     EXPECT_EQ(Gelesen("20250415 15:29"), "15.04.2025 15:29:00 []");
+    EXPECT_EQ(Gelesen("20250101 00:00:00"), "01.01.2025 00:00:00 []");
+    EXPECT_EQ(Gelesen("20251231 23:59:59"), "31.12.2025 23:59:59 []");
+}
+
+TEST(Balkendatum, AFractionOfASecondCountsToItsLastDigit) {
+    const auto ganz = LiesBalkendatum("20250415 15:29:58"), teil = LiesBalkendatum("20250415 15:29:58.375");
+    ASSERT_TRUE(ganz && teil);
+    EXPECT_NEAR((teil->Zeit - ganz->Zeit) * 86400, 0.375, 1e-5);
 }
 
 TEST(Balkendatum, AZoneWithAHyphenDoesntDisturbTheTime) {
@@ -41,11 +49,29 @@ TEST(Balkendatum, AZoneOfSeveralWordsIsTakenWhole) {
 }
 
 TEST(Balkendatum, NonsenseIsNoDate) {
-    for (const char* text :
-         {"", " ", "2025041", "abcd0415 10:00:00", "20250230 10:00:00", "20251301 10:00:00", "20250100 10:00:00",
-          "20250415 24:00:00", "20250415 10:60:00", "20250415 10:00:60", "20250415 1:00:00", "20250415x10:00:00",
-          "1744727398", "0415 15:29:58 US/Eastern", "20250415-", "20250415 10:00:00US/Eastern", "18991231 10:00:00",
-          "2025-0415 10:00:00", "20250415 -1:00:00"})
+    for (const char* text : {"",
+                             " ",
+                             "2025041",
+                             "abcd0415 10:00:00",
+                             "20250230 10:00:00",
+                             "20251301 10:00:00",
+                             "20250100 10:00:00",
+                             "20250415 24:00:00",
+                             "20250415 10:60:00",
+                             "20250415 10:00:60",
+                             "20250415 1:00:00",
+                             "20250415x10:00:00",
+                             "1744727398",
+                             "0415 15:29:58 US/Eastern",
+                             "20250415-",
+                             "20250415 10:00:00US/Eastern",
+                             "18991231 10:00:00",
+                             "2025-0415 10:00:00",
+                             "20250415 -1:00:00",
+                             "2025-04",
+                             "2025-04 10:00:00",
+                             "20250400",
+                             "20250432"})
         EXPECT_EQ(Gelesen(text), "-") << text;
 }
 

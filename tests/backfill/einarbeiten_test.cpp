@@ -200,6 +200,14 @@ TEST_F(EinarbeitenTest, TheButtonIsLockedFromTheBlockOnAndProgressComesEveryThou
 
 // ---- what is read
 
+TEST_F(EinarbeitenTest, ABlockThatIsInMemoryIsntReadBackFromItsJournal) {
+    Vorher(Reihe(1, 50));
+    EXPECT_EQ(Merge(Reihe(20, 30, 9)), 11);
+    for (const auto& eintrag : p_.Dateien.Protokoll())
+        if (eintrag.Pfad.ends_with(".Einarbeitung")) EXPECT_NE(eintrag.Art, hilfen::Dateiaufruf::Lies);
+    EXPECT_EQ(Nachher(), Reihe(1, 19) + Reihe(20, 30, 9) + Reihe(31, 50));
+}
+
 TEST_F(EinarbeitenTest, AMergeAtTheEndOfABigFileReadsOnlyTheEnd) {
     Vorher(Reihe(1, 50000));
     p_.Dateien.VergissProtokoll();

@@ -11,6 +11,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Ge;
 using testing::Le;
+using testing::StartsWith;
 
 TEST_F(LaufTest, AfterAPacingViolationTheSameEndIsAskedAgainWhenTheServiceIsBack) {
     Mit("ES");
@@ -174,6 +175,37 @@ TEST_F(LaufTest, TheTimeToGoFollowsWhatTheServiceAllows) {
     EXPECT_EQ(Anzeige().Gesamt.front().second, -1);
     for (std::size_t i = 1; i < Anzeige().Gesamt.size(); ++i)
         EXPECT_GE(Anzeige().Gesamt[i].first, Anzeige().Gesamt[i - 1].first);
+}
+
+TEST_F(LaufTest, ARequestThatIsHeldBackSaysOnceWhenItGoesOn) {
+    p_.Historie.Begrenzt = true;
+    Mit("ES");
+    lauf_->Startdatum = Mittag - Sekunden(120 * 2000 - 1);
+    lauf_->KursBezahlt = true;
+    Starte();
+    Neu();
+    Mit("NQ");
+    lauf_->Startdatum = p_.Jetzt() - Sekunden(30);
+    lauf_->KursBezahlt = true;
+    const std::string jetzt = Datumtext(p_.Jetzt());
+    Starte();
+    std::vector<std::string> wartend;
+    for (const auto& text : Texte(Anzeige().Datumtexte))
+        if (text.find("Zugriffsbegrenzung") != std::string::npos) wartend.push_back(text);
+    ASSERT_EQ(wartend.size(), 1u);
+    EXPECT_THAT(wartend[0], StartsWith("Datum: " + jetzt + " (Zugriffsbegrenzung des IB Servers, weiter um "));
+}
+
+TEST_F(LaufTest, TheShareThatIsDoneGrowsFromNothingToAllTitlesAndKinds) {
+    Mit("ES")->BidAsk = true;
+    Mit("NQ");
+    Automatisch(4 * 2000 - 1);
+    Starte();
+    std::vector<double> anteile;
+    for (const auto& [anteil, dauer] : Anzeige().Gesamt)
+        if (anteile.empty() || anteil != anteile.back()) anteile.push_back(anteil);
+    ASSERT_EQ(anteile.size(), 16u) << "four series of four requests";
+    for (std::size_t i = 0; i < anteile.size(); ++i) EXPECT_NEAR(anteile[i], static_cast<double>(i) / 16, 0.01) << i;
 }
 
 TEST_F(LaufTest, AnOpenQuestionDoesntChangeTheTimeToGo) {

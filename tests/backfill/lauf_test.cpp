@@ -78,6 +78,13 @@ TEST_F(LaufTest, AsksWithExactlyTheseArguments) {
                                 ", 20261116 12:00:00, 2000, 1 secs, TRADES, true, 1, false)"));
 }
 
+TEST_F(LaufTest, AllHoursAreAskedForUnlessAPersonWantsTheRegularOnesOnly) {
+    Mit("ES");
+    Automatisch(100);
+    Starte();
+    EXPECT_EQ(p_.Historie.Anfragen.at(0).RTH, "false");
+}
+
 TEST_F(LaufTest, ALocalSymbolIsAskedWithoutTheOtherContractFields) {
     auto titel = Mit("ESZ6");
     titel->IstLokalesSymbol = true;

@@ -1,12 +1,15 @@
 // The settings store: which of the two stores is used, what is bounded and checked, command 1041.
 #include "session/einstellungen.h"
 #include "datafiles/dateinamen.h"
+#include "hilfen/fehlerwaechter.h"
 #include "hilfen/ram_speicher.h"
 #include "hilfen/test_rollen.h"
 #include "platform/datum.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <stdexcept>
 
 namespace zek {
 namespace {
@@ -249,6 +252,17 @@ TEST_F(EinstellungenTest, WhatWasSavedIsReadBackTheSame) {
     EXPECT_EQ(e.BFTimeOut, 77);
     EXPECT_THAT(e.NeustartFehlerliste, ElementsAre("1", "2"));
     EXPECT_EQ(NurZeittext(e.KeineAufzeichungStart), "23:59:59");
+}
+
+TEST_F(EinstellungenTest, AValueThatCannotBeReadIsEmpty) {
+    ErwarteVerschluckte("Einstellung lesen");
+    struct : hilfen::RamNutzerspeicher {
+        std::optional<std::string> Lies(std::string_view, std::string_view, std::string_view) override {
+            throw std::runtime_error("kein Speicher");
+        }
+    } kaputt;
+    Einstellungsspeicher ausKaputtem(modul, kaputt, datei);
+    EXPECT_EQ(ausKaputtem.LeseEinstellung(Programmtitel, "Optionen", "Nix", "vorgabe", true), "");
 }
 
 TEST_F(EinstellungenTest, AValueThatCantBeStoredIsLostQuietly) {

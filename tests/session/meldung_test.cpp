@@ -179,6 +179,17 @@ TEST(DienstgesichtTest, AQuestionIsLoggedAndAnsweredWithZero) {
     EXPECT_EQ(status.Eintraege[1].Text, "Hinweis: Nur so");
 }
 
+TEST(DienstgesichtTest, WhateverHasMoreThanOneButtonIsAQuestion) {
+    hilfen::TestStatus status;
+    Dienstgesicht gesicht;
+    gesicht.ProtokollierenIn(status);
+    for (const int satz : {meldung::OkAbbrechen, meldung::AbbrechenWiederholenIgnorieren, meldung::JaNeinAbbrechen,
+                           meldung::JaNein, meldung::WiederholenAbbrechen}) {
+        gesicht.ZeigeMeldung("Und?", satz, 0);
+        EXPECT_EQ(status.Letzte(), "Frage (ohne Bildschirm mit 0 beantwortet): Und?") << satz;
+    }
+}
+
 TEST(DienstgesichtTest, ABackfillLogsEachTitleOnce) {
     hilfen::TestStatus status;
     Dienstgesicht gesicht;

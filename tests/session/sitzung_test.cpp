@@ -625,6 +625,21 @@ TEST(DienstoptionenTest, OptionsAndClassicSwitchesStandSideBySide) {
     EXPECT_TRUE(LiesDienstoptionen({"--version"}).Version);
 }
 
+TEST(DienstoptionenTest, ADelayWithoutItsNumberAtTheEndIsNoHarm) {
+    const Dienstoptionen o = LiesDienstoptionen({"--ausgabe", "/W"});
+    EXPECT_TRUE(o.Ausgabe);
+    EXPECT_EQ(o.Fehler, "");
+}
+
+TEST(DienstoptionenTest, TheExplanationsStandInOneColumn) {
+    const std::string auskunft = Dienstauskunft();
+    for (const char* text : {"Protokollzeilen auch", "Beispiel-Titel aller", "diese Auskunft"}) {
+        const std::size_t stelle = auskunft.find(text);
+        ASSERT_NE(stelle, std::string::npos) << text;
+        EXPECT_EQ(stelle - auskunft.rfind('\n', stelle) - 1, 30u) << text;
+    }
+}
+
 TEST(DienstoptionenTest, ABackfillTakesTheArgumentsBehindIt) {
     const Dienstoptionen o = LiesDienstoptionen({"--datenpflege", "10.11.2026", "12.11.2026", "Bezahlt", "/K"});
     ASSERT_TRUE(o.Datenpflege.has_value()) << o.Fehler;
