@@ -225,6 +225,39 @@ TEST_P(VollePlatte, TheEvidenceOfAFullDiskSurvivesTheEndOnIt) {
 }
 INSTANTIATE_TEST_SUITE_P(EndedOrKilled, VollePlatte, testing::Bool());
 
+// However short: it is told by a message, not seen by a look once a second.
+TEST(LueckenTest, ABreakOfAMillisecondHasItsLineAndEndsWithTheFirstTickBehindIt) {
+    for (const bool erhalten : {true, false})
+        for (const double dauer : {0.001, 0.005, 0.019}) {
+            Rekorderwelt w(Morgen, Boersentag(3));
+            const clTitelobjekt& es = w.Future();
+            w.Aktie();
+            w.Setze("Optionen", "AutoDatenpflege", "1");  // lost streams are asked for again only then
+            ASSERT_TRUE(w.Starte());
+            w.tws.HistoriefarmGestoert();
+            w.Bis(9, 30);
+            w.tws.VerbindungVerloren();
+            w.welt.Laufe(dauer);
+            erhalten ? w.tws.VerbindungWieder() : w.tws.VerbindungWiederDatenWeg();
+            w.Bis(9, 40);
+            const auto zeilen = Buch(w);
+            const auto offline = std::ranges::find_if(zeilen, [](const Lueckenzeile& zeile) {
+                return zeile.Ursache == ursache::TwsOffline && !zeile.IstOffen();
+            });
+            ASSERT_NE(offline, zeilen.end()) << dauer;
+            const Datum unterbrechung = DatumAus(2026, 11, 16, 9, 30, 0);
+            EXPECT_LE(offline->Von, unterbrechung);
+            EXPECT_GT(offline->Von, unterbrechung - 60 * EineSekunde);
+            EXPECT_GE(offline->Bis, unterbrechung);
+            EXPECT_LT(offline->Bis, unterbrechung + 60 * EineSekunde);
+            const Vergleich v =
+                Vergleiche(w, es, w.tws.PfadVon({0, "ES", "FUT", "20261218", 0, "", "", "CME", "", "USD", "", ""}));
+            EXPECT_EQ(v.FehlendOhneNamen, 0u) << v.Beispiele;
+            EXPECT_EQ(v.AufgezeichnetInLuecke, 0u) << v.Beispiele;
+            w.Beende();
+        }
+}
+
 TEST(LueckenTest, TheHoursOfAMarketComeFromTheBrokerOnceAndOnTheRecordersClock) {
     Rekorderwelt w(Morgen, Boersentag(1));
     const clTitelobjekt& es = w.Future();
