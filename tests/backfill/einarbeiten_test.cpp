@@ -141,6 +141,13 @@ TEST_F(EinarbeitenTest, AFileOfAnotherMagicStaysUnchanged) {
     EXPECT_TRUE(p_.Status.Eintraege.empty());
 }
 
+TEST_F(EinarbeitenTest, AFileShorterThanAHeaderIsForeignAndNoError) {
+    ram().LegeDateiAn(Pfad, "kurz");
+    EXPECT_EQ(Merge(Reihe(2, 3)), 0);
+    EXPECT_EQ(Inhalt(), "kurz");
+    EXPECT_TRUE(p_.Status.Eintraege.empty());
+}
+
 TEST_F(EinarbeitenTest, AHeaderOfZerosIsForeign) {
     const std::string nullen = std::string(856, '\0') + Bytes(Reihe(1, 5));
     ram().LegeDateiAn(Pfad, nullen);

@@ -277,6 +277,22 @@ TEST_F(SitzungTest, TheEndIsReachedOnlyOnceAndNothingRunsBehindIt) {
     EXPECT_THAT(prozesse.Starts, IsEmpty());
 }
 
+TEST_F(SitzungTest, BehindTheEndNoGapWaitsAndNoTicksAreCounted) {
+    MitTiteln(2);
+    ASSERT_TRUE(Starte());
+    welt.Laufe(5);
+    sitzung->Modul().Datenpflegewarteschlange.emplace_back(Mittag - 1, Mittag);
+    sitzung->Modul().DatenpflegeLaeuft = true;  // so that it waits
+    sitzung->Beende();
+    EXPECT_TRUE(sitzung->Modul().Datenpflegewarteschlange.empty());
+    const std::string text = gesicht.TitelInfoText;
+    for (int i = 0; i < 10; ++i) {
+        sitzung->Modul().Kursanzahl += 1000;
+        welt.Laufe(1);
+    }
+    EXPECT_EQ(gesicht.TitelInfoText, text);
+}
+
 TEST_F(SitzungTest, TheQuitOrderOfASecondInstanceEndsTheSession) {
     ASSERT_TRUE(Starte());
     prozesse.AndereInstanz = true;
