@@ -142,8 +142,10 @@ TEST_F(Toetung, AtAnyMomentOfAMergeCostsNoRecordAndDoublesNone) {
     }
     std::mt19937_64 zufall(Umgebungszahl("ZEK_SAAT", 1));
     const std::uint64_t toetungen = Umgebungszahl("ZEK_TOETUNGEN", 40);
-    std::uint64_t mitten = 0, verworfen = 0, ticks = 0;
-    for (std::uint64_t i = 0; i < toetungen; ++i) {
+    std::uint64_t mitten = 0, verworfen = 0, ticks = 0, i = 0;
+    // On a busy machine the merge may have taken much longer when it was timed; more kills meet it then.
+    const auto genug = [&] { return i >= toetungen && ((mitten > 0 && verworfen > 0) || i >= 10 * toetungen); };
+    for (; !genug(); ++i) {
         const std::size_t fall = i % bloecke.size();
         Lege(datei);
         const auto wann = dauer[fall].count() * static_cast<long>(zufall() % 1100) / 1000;
@@ -163,7 +165,7 @@ TEST_F(Toetung, AtAnyMomentOfAMergeCostsNoRecordAndDoublesNone) {
         ticks += static_cast<std::uint64_t>(gefunden);
         ASSERT_FALSE(std::filesystem::exists(pfad_ + std::string(Journalendung)));
     }
-    std::cout << toetungen << " kills: " << mitten << " with the file half done, " << verworfen
+    std::cout << i << " kills: " << mitten << " with the file half done, " << verworfen
               << " with the journal half done, " << ticks << " ticks meanwhile\n";
     EXPECT_GT(mitten, 0u);
     EXPECT_GT(verworfen, 0u);
