@@ -16,22 +16,6 @@ constexpr std::array<char16_t, 32> Sonderbereich = {0x20AC, 0x0081, 0x201A, 0x01
 
 constexpr char32_t Ungueltig = 0xFFFFFFFF;
 
-void HaengeAn(std::string& ziel, char32_t zeichen) {
-    const auto byte = [&](char32_t wert) { ziel.push_back(static_cast<char>(static_cast<unsigned char>(wert))); };
-    if (zeichen < 0x80) return byte(zeichen);
-    if (zeichen < 0x800) {
-        byte(0xC0 | (zeichen >> 6));
-    } else if (zeichen < 0x10000) {
-        byte(0xE0 | (zeichen >> 12));
-        byte(0x80 | ((zeichen >> 6) & 0x3F));
-    } else {
-        byte(0xF0 | (zeichen >> 18));
-        byte(0x80 | ((zeichen >> 12) & 0x3F));
-        byte(0x80 | ((zeichen >> 6) & 0x3F));
-    }
-    byte(0x80 | (zeichen & 0x3F));
-}
-
 // Takes one character from the front of `rest` (not empty). A malformed sequence takes one byte and gives Ungueltig.
 char32_t NimmZeichen(std::string_view& rest) {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(rest[i]); };
@@ -89,7 +73,7 @@ std::string JedesZeichen(std::string_view utf8, Wandler wandler) {
         if (zeichen == Ungueltig) {
             ergebnis.push_back(byte);
         } else {
-            HaengeAn(ergebnis, wandler(zeichen));
+            Utf8Anhaengen(ergebnis, wandler(zeichen));
         }
     }
     return ergebnis;
@@ -192,6 +176,22 @@ std::string GerundeteZiffern(double wert, int stellen) {
 
 }  // namespace
 
+void Utf8Anhaengen(std::string& ziel, char32_t zeichen) {
+    const auto byte = [&](char32_t wert) { ziel.push_back(static_cast<char>(static_cast<unsigned char>(wert))); };
+    if (zeichen < 0x80) return byte(zeichen);
+    if (zeichen < 0x800) {
+        byte(0xC0 | (zeichen >> 6));
+    } else if (zeichen < 0x10000) {
+        byte(0xE0 | (zeichen >> 12));
+        byte(0x80 | ((zeichen >> 6) & 0x3F));
+    } else {
+        byte(0xF0 | (zeichen >> 18));
+        byte(0x80 | ((zeichen >> 12) & 0x3F));
+        byte(0x80 | ((zeichen >> 6) & 0x3F));
+    }
+    byte(0x80 | (zeichen & 0x3F));
+}
+
 std::string NachCodepage(std::string_view utf8) {
     std::string ergebnis;
     ergebnis.reserve(utf8.size());
@@ -204,7 +204,7 @@ std::string AusCodepage(std::string_view bytes) {
     ergebnis.reserve(bytes.size());
     for (const char b : bytes) {
         const auto byte = static_cast<unsigned char>(b);
-        HaengeAn(ergebnis, byte >= 0x80 && byte < 0xA0 ? Sonderbereich[byte - 0x80U] : byte);
+        Utf8Anhaengen(ergebnis, byte >= 0x80 && byte < 0xA0 ? Sonderbereich[byte - 0x80U] : byte);
     }
     return ergebnis;
 }

@@ -9,6 +9,9 @@
 
 namespace zek {
 
+// One character, at most U+10FFFF, as UTF-8 at the end of `ziel`.
+void Utf8Anhaengen(std::string& ziel, char32_t zeichen);
+
 // Windows-1252 from and to UTF-8. What has no place in the code page becomes "?"; a malformed UTF-8 byte too. The
 // five bytes without a meaning in the code page (81 8D 8F 90 9D) travel as U+0081 and so on, both ways.
 std::string NachCodepage(std::string_view utf8);

@@ -8,6 +8,8 @@
 #include "werkzeug/lueckenbericht.h"
 #include "werkzeug/titelakten.h"
 
+#include <fnmatch.h>
+
 #include <algorithm>
 #include <map>
 #include <optional>
@@ -24,12 +26,11 @@ constexpr Zeit Umstellung = 70 * Minute;
 constexpr std::string_view OhneZeichen = "Kein Lebenszeichen";
 constexpr std::size_t GenannteTitel = 5;
 
-// True when the text is of the form of the pattern.
-bool Passt(std::string_view muster, std::string_view text) {
-    if (muster.empty()) return text.empty();
-    if (muster.front() == '*') return Passt(muster.substr(1), text) || (!text.empty() && Passt(muster, text.substr(1)));
-    if (text.empty() || (muster.front() != '?' && muster.front() != text.front())) return false;
-    return Passt(muster.substr(1), text.substr(1));
+// True when the text is of the form of the pattern, in which only * and ? stand for others.
+bool Passt(std::string_view muster, const std::string& text) {
+    std::string woertlich;
+    for (const char c : muster) woertlich += c == '[' ? "[[]" : std::string(1, c);
+    return ::fnmatch(woertlich.c_str(), text.c_str(), FNM_NOESCAPE) == 0;
 }
 
 std::string MitStrich(const std::string& ordner) {

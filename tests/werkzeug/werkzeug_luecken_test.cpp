@@ -130,6 +130,8 @@ TEST_F(GapsTest, ATitleIsNotJudgedBeforeItsFirstRecordNorBeforeTheBookBegins) {
     EXPECT_THAT(Aus(), Not(HasSubstr("\nES\n")));
     EXPECT_THAT(Aus(), HasSubstr("TWS offline: es war nichts aufzuzeichnen\n"));
     EXPECT_EQ(Gaps({"--titel", "e*", "/d"}), 1);
+    EXPECT_EQ(Gaps({"--titel", "*********x", "/d"}), 2) << "many stars take no time";
+    EXPECT_EQ(Gaps({"--titel", "[A-Z]*", "/d"}), 2) << "only * and ? stand for others";
     EXPECT_THAT(Aus(), Not(HasSubstr("15.11.2026")));
 }
 

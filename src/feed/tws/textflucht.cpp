@@ -1,5 +1,7 @@
 #include "feed/tws/textflucht.h"
 
+#include "platform/text.h"
+
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
@@ -14,23 +16,6 @@ constexpr std::size_t Fluchtlaenge = 6;  // \uXXXX
 
 unsigned char Byte(std::string_view text, std::size_t i) {
     return static_cast<unsigned char>(text[i]);
-}
-
-void HaengeAn(std::string& ziel, Codepunkt punkt) {
-    const auto byte = [&](Codepunkt wert) { ziel.push_back(static_cast<char>(wert)); };
-    if (punkt < 0x80) return byte(punkt);
-    if (punkt < 0x800) {
-        byte(0xC0 | (punkt >> 6));
-        return byte(0x80 | (punkt & 0x3F));
-    }
-    if (punkt < 0x10000) {
-        byte(0xE0 | (punkt >> 12));
-    } else {
-        byte(0xF0 | (punkt >> 18));
-        byte(0x80 | ((punkt >> 12) & 0x3F));
-    }
-    byte(0x80 | ((punkt >> 6) & 0x3F));
-    byte(0x80 | (punkt & 0x3F));
 }
 
 // Length of the well-formed UTF-8 letter at `i`, 0 when there is none.
@@ -66,7 +51,7 @@ bool IstUtf8(std::string_view text) {
 std::string AusLatin1(std::string_view text) {
     std::string utf8;
     utf8.reserve(text.size() * 2);
-    for (std::size_t i = 0; i < text.size(); ++i) HaengeAn(utf8, Byte(text, i));
+    for (std::size_t i = 0; i < text.size(); ++i) Utf8Anhaengen(utf8, Byte(text, i));
     return utf8;
 }
 
@@ -96,7 +81,7 @@ std::size_t UebernimmZeichen(std::string_view text, std::size_t i, std::string& 
         return 1;
     }
     if (!IstHoheHaelfte(*punkt)) {
-        HaengeAn(ziel, *punkt);
+        Utf8Anhaengen(ziel, *punkt);
         return Fluchtlaenge;
     }
     const auto zweite = Flucht(text, i + Fluchtlaenge);
@@ -104,7 +89,7 @@ std::size_t UebernimmZeichen(std::string_view text, std::size_t i, std::string& 
         ziel.push_back(text[i]);
         return 1;
     }
-    HaengeAn(ziel, 0x10000 + ((*punkt - 0xD800) << 10) + (*zweite - 0xDC00));
+    Utf8Anhaengen(ziel, 0x10000 + ((*punkt - 0xD800) << 10) + (*zweite - 0xDC00));
     return 2 * Fluchtlaenge;
 }
 
