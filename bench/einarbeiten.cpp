@@ -47,14 +47,14 @@ public:
     bool Fehler = false;
 };
 
-struct Zeitpunkt {
-    static Zeitpunkt Jetzt() {
+struct Messpunkt {
+    static Messpunkt Jetzt() {
         timespec prozess{};
         clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &prozess);
         return {static_cast<double>(prozess.tv_sec) + static_cast<double>(prozess.tv_nsec) / 1e9,
                 std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count()};
     }
-    Zeitpunkt operator-(const Zeitpunkt& b) const { return {Rechenzeit - b.Rechenzeit, Uhrzeit - b.Uhrzeit}; }
+    Messpunkt operator-(const Messpunkt& b) const { return {Rechenzeit - b.Rechenzeit, Uhrzeit - b.Uhrzeit}; }
     double Rechenzeit, Uhrzeit;
 };
 
@@ -97,10 +97,10 @@ public:
             block.push_back(Satz(ab));
             block.back().Datum += std::round(static_cast<double>(i) * schritt * 2) / 2 / 86400;
         }
-        const Zeitpunkt anfang = Zeitpunkt::Jetzt();
+        const Messpunkt anfang = Messpunkt::Jetzt();
         Einarbeiter einarbeiter(modul_, dateien_, uhr_, stumm_, stumm_);
         if (einarbeiter.DatenEinarbeiten(stumm_, titel_, block, kursart::Bezahlt) != anzahl) std::abort();
-        MergeZeit = Zeitpunkt::Jetzt() - anfang;
+        MergeZeit = Messpunkt::Jetzt() - anfang;
     }
 
     // The same bytes: the tail from its old to its new place, and the block. The copy's own file only grows and
@@ -109,7 +109,7 @@ public:
         const std::vector<KursDatensatz> block(static_cast<std::size_t>(Blocksaetze), Satz(ab));
         std::vector<char> puffer(Kopierblock);
         const std::int64_t schwanz = (Dateisaetze - ab - Blocksaetze) * 16;
-        const Zeitpunkt anfang = Zeitpunkt::Jetzt();
+        const Messpunkt anfang = Messpunkt::Jetzt();
         const int handle = ::open(kopie_.c_str(), O_RDWR | O_CLOEXEC);
         const off_t von = 856 + (ab + vorher) * 16, nach = 856 + (ab + Blocksaetze) * 16;
         for (std::int64_t fertig = 0; fertig < schwanz;) {
@@ -127,7 +127,7 @@ public:
         }
         Pruefe(::ftruncate(handle, 856 + Dateisaetze * 16));
         ::close(handle);
-        KopieZeit = Zeitpunkt::Jetzt() - anfang;
+        KopieZeit = Messpunkt::Jetzt() - anfang;
     }
     // Puts the copy's file back to the size that it has before a merge. What is new are bytes and no hole: cutting
     // them off again is part of the work.
@@ -143,7 +143,7 @@ public:
 
     bool IstGesund() { return !stumm_.Fehler && std::filesystem::file_size(Pfad()) == 856 + Dateisaetze * 16; }
 
-    Zeitpunkt MergeZeit{}, KopieZeit{};
+    Messpunkt MergeZeit{}, KopieZeit{};
 
 private:
     static void Pruefe(ssize_t ergebnis) {
@@ -173,7 +173,7 @@ void Einarbeiten(benchmark::State& state) {
     Aufbau aufbau;
     const std::int64_t ab = state.range(0) * Million;
     const std::int64_t vorher = state.range(1) * 1000;
-    Zeitpunkt merge{}, kopie{};
+    Messpunkt merge{}, kopie{};
     for (auto _ : state) {
         aufbau.Merge(ab, vorher);  // not measured: the file with another number of records in the span
         aufbau.LaengeDerKopie(Dateisaetze - Blocksaetze + vorher);

@@ -32,7 +32,7 @@ namespace fs = std::filesystem;
 
 constexpr double Hoechstens = 50;        // ms, a start
 constexpr double HoechstensWoche = 200;  // ms, a week of the tool
-const Datum Ende = DatumAus(2026, 11, 16);
+constexpr Kalendertag Ende = TagAus(2026, 11, 16);
 
 template <typename Tun>
 double Millisekunden(Tun tun) {
@@ -62,15 +62,16 @@ double Speicherspitze(Tun tun) {
 
 void SchreibeJahr(const fs::path& ordner, int titel, int zeilen) {
     for (int tag = 365; tag > 0; --tag) {
-        const Datum datum = Ende - tag;
+        const Zeit datum = Ende - std::chrono::days(tag);
         std::ofstream datei(ordner / (Felderstempel(datum, '-').substr(0, 10) + ".txt"), std::ios::binary);
         for (int i = 0; i < titel; ++i) {
             const std::string name = "TITEL" + std::to_string(i) + "@SMART_STK_USD";
-            if (tag == 365) datei << Zeilentext({datum, 0, name, "Titel aktiv", "Bezahlt, Brief, Geld, BAVolume"});
+            if (tag == 365)
+                datei << Zeilentext({datum, KeineZeit, name, "Titel aktiv", "Bezahlt, Brief, Geld, BAVolume"});
             for (int z = 0; z < zeilen; ++z) {
-                const Datum von = datum + (z + 1) / 24.0;
-                if (z % 2 == 0) datei << Zeilentext({von, 0, name, "Noch keine Kurse", ""});
-                datei << Zeilentext({von, von + 5 * EineSekunde, name, "Noch keine Kurse", ""});
+                const Zeit von = datum + std::chrono::hours(z + 1);
+                if (z % 2 == 0) datei << Zeilentext({von, KeineZeit, name, "Noch keine Kurse", ""});
+                datei << Zeilentext({von, von + 5s, name, "Noch keine Kurse", ""});
             }
         }
     }
@@ -94,7 +95,7 @@ int main(int anzahl, char** argumente) {
     fs::create_directories(ordner);
     SchreibeJahr(ordner, titel, zeilen);
     PosixDateisystem dateien;
-    const Zeit jetzt = Zeitspannen::Aus(Ende);
+    const Zeit jetzt = Ende;
     Zwischenlesung ganz, kurz;
     const double alles = Millisekunden([&] { ganz = LiesZwischenstand(dateien, ordner, jetzt); });
     double schreiben = 0, lesen = 0;

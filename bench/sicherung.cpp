@@ -73,7 +73,7 @@ Messung Miss(const std::string& ordner, double sekunden, const std::string& art,
         messung.Anhaengen.push_back(Millisekunden(Takt::now() - vorher));
         if (helfer.Ergebnis()) messung.Runden.push_back(Millisekunden(Takt::now() - runde));
         if (art == "helper" && vorher - runde > std::chrono::duration<double>(Runde) &&
-            dateien.BeginneSicherung(ordner, ordner + "/marke", std::to_string(uhr.Jetzt()) + "\n") == 0)
+            dateien.BeginneSicherung(ordner, ordner + "/marke", std::to_string(i) + "\n") == 0)
             runde = vorher;
         ::poll(nullptr, 0, Abstand);
     }

@@ -18,6 +18,7 @@
 // The stream leaves this process once a millisecond, all that is due by then, as a broker's server bundles it.
 #include "datafiles/datensatz.h"
 #include "platform/dateisystem_posix.h"
+#include "platform/datum.h"
 #include "platform/qt/qt_plattform.h"
 #include "platform/qt/qt_tcp.h"
 #include "platform/systemuhr_posix.h"
@@ -42,6 +43,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -186,8 +188,8 @@ struct Strom {
 };
 
 struct Messung {
-    std::vector<Datum> Gesendet;
-    std::vector<Datum> Angenommen;  // 0: never
+    std::vector<Zeitpunkt> Gesendet;
+    std::vector<std::optional<Zeitpunkt>> Angenommen;  // none: never
     std::int64_t Doppelt = 0;
 };
 
@@ -223,7 +225,7 @@ void SendeAlles(simulator::Simulator& server, const Uhr& uhr, Pumpe& pumpe, cons
 
 // The numbers that stand in the files so far.
 std::int64_t LiesDateien(const Ordner& ordner, Messung& messung) {
-    std::fill(messung.Angenommen.begin(), messung.Angenommen.end(), 0.0);
+    std::fill(messung.Angenommen.begin(), messung.Angenommen.end(), std::nullopt);
     messung.Doppelt = 0;
     std::int64_t gefunden = 0;
     PosixDateisystem dateien;
@@ -236,9 +238,9 @@ std::int64_t LiesDateien(const Ordner& ordner, Messung& messung) {
             std::memcpy(&satz, inhalt.data() + stelle, sizeof satz);
             const auto nummer = static_cast<std::int64_t>(satz.Volume) - ErsteNummer;
             if (nummer < 0 || nummer >= static_cast<std::int64_t>(messung.Angenommen.size())) continue;
-            Datum& zeit = messung.Angenommen[static_cast<std::size_t>(nummer)];
-            (zeit == 0 ? gefunden : messung.Doppelt) += 1;
-            zeit = satz.Datum;
+            std::optional<Zeitpunkt>& zeit = messung.Angenommen[static_cast<std::size_t>(nummer)];
+            (zeit ? messung.Doppelt : gefunden) += 1;
+            zeit = ZeitpunktAus(satz.Datum);
         }
     }
     return gefunden;
@@ -253,12 +255,11 @@ double Perzentil(std::vector<double>& werte, double anteil) {
 int Berichte(const Wahl& wahl, const Messung& messung, double prozessorzeit) {
     std::vector<double> wege;  // ms
     for (std::size_t i = 0; i < messung.Gesendet.size(); ++i)
-        if (messung.Angenommen[i] > 0)
-            wege.push_back((messung.Angenommen[i] - messung.Gesendet[i]) * SekundenProTag * 1e3);
+        if (messung.Angenommen[i]) wege.push_back(AlsSekunden(*messung.Angenommen[i] - messung.Gesendet[i]) * 1e3);
     const auto verloren = wahl.Anzahl() - static_cast<std::int64_t>(wege.size());
     if (wege.empty()) return std::puts("no tick arrived"), 1;
-    const double dauer = (*std::ranges::max_element(messung.Angenommen) - messung.Gesendet.front()) * SekundenProTag;
-    const double sendedauer = (messung.Gesendet.back() - messung.Gesendet.front()) * SekundenProTag;
+    const double dauer = AlsSekunden(**std::ranges::max_element(messung.Angenommen) - messung.Gesendet.front());
+    const double sendedauer = AlsSekunden(messung.Gesendet.back() - messung.Gesendet.front());
     const double p99 = Perzentil(wege, 0.99);
     std::printf("rate wanted %lld/s, sent %.0f/s, recorded %.0f/s, ticks %lld, lost %lld, twice %lld\n",
                 static_cast<long long>(wahl.Rate), static_cast<double>(wahl.Anzahl()) / sendedauer,

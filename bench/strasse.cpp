@@ -210,7 +210,7 @@ BENCHMARK_CAPTURE(TickBisDatei, KursUndVolumen, true)
 void TickBisAblage(benchmark::State& zustand) {
     class Keine : public Datensatzablage {
     public:
-        void DatensatzAnhaengen(clTitelobjekt&, std::int32_t, float kurs, float, bool, Datum) noexcept override {
+        void DatensatzAnhaengen(clTitelobjekt&, std::int32_t, float kurs, float, bool, Zeitpunkt) noexcept override {
             benchmark::DoNotOptimize(kurs);
         }
     } keine;

@@ -4,6 +4,7 @@
 //
 // Input: lines "<close> <volume> <date text>"; the first byte chooses the kind and whether the title is an index.
 #include "backfill/balken.h"
+#include "platform/datum.h"
 #include "platform/text.h"
 
 #include <cmath>
@@ -27,11 +28,11 @@ void Verlange(bool bedingung) {
     if (!bedingung) std::abort();
 }
 
-void PruefeZeit(zek::Datum zeit) {
-    Verlange(zeit > 1 && zeit < 3'000'000);
+void PruefeZeit(zek::Zeitpunkt zeit) {
+    Verlange(zeit > zek::TagAus(1899, 12, 31) && zeit < zek::TagAus(10000, 1, 1));
     const auto wieder = zek::LiesBalkendatum(zek::Endzeittext(zeit));
     Verlange(wieder.has_value());
-    Verlange(std::abs(wieder->Zeit - zeit) * 86400 < 1.001);
+    Verlange(zeit - wieder->Zeit >= zek::Dauer(0) && zeit - wieder->Zeit < std::chrono::seconds(1));
 }
 
 }  // namespace
@@ -59,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* daten, std::size_t gro
     puffer.Schliesse(Ende);
     zek::Datum bisher = 0;
     for (const auto& satz : puffer.Saetze()) {
-        PruefeZeit(satz.Datum);
+        PruefeZeit(zek::ZeitpunktAus(satz.Datum));
         Verlange(satz.Datum >= bisher && satz.Datum <= Ende);
         bisher = satz.Datum;
         Verlange(std::isfinite(satz.Kurs) && std::isfinite(satz.Volume) && satz.Volume >= 0);

@@ -37,12 +37,12 @@ void HaengeAn(zek::fuzz::EineDatei& datei) {
     zek::Datensatzschreiber schreiber(modul, datei, status, {});
     const std::vector<std::byte> vorher = datei.Inhalt;
     const bool ganz = vorher.empty() || (vorher.size() >= 856 && (vorher.size() - 856) % 16 == 0);
-    schreiber.DatensatzAnhaengen(titel, 1, 1, 1, false, 46342.5);
+    schreiber.DatensatzAnhaengen(titel, 1, 1, 1, false, zek::ZeitpunktAus(46342.5));
     if (!ganz && datei.Inhalt != vorher) std::abort();
     if (!ganz) return;
     if (datei.Inhalt.size() < 856 || (datei.Inhalt.size() - 856) % 16 != 0) std::abort();
     const std::size_t einmal = datei.Inhalt.size();
-    schreiber.DatensatzAnhaengen(titel, 1, 1, 1, false, 46342.5);
+    schreiber.DatensatzAnhaengen(titel, 1, 1, 1, false, zek::ZeitpunktAus(46342.5));
     if (datei.Inhalt.size() != einmal + 16) std::abort();
 }
 

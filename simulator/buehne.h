@@ -61,9 +61,8 @@ struct Buehne {
         const Zeitzone zone = Clock.Zone();
         return -(zone.Bias + (zone.Sommerzeit ? zone.DaylightBias : 0));
     }
-    // The clock, in seconds since 1970 UTC. Whole microseconds: a date resolves them just so, and a whole second must
-    // not come out as the one before.
-    double Utc() const { return std::round((UnixAus(Clock.Jetzt()) - Versatz() * 60) * 1e6) / 1e6; }
+    // The clock, in seconds since 1970 UTC.
+    double Utc() const { return AlsSekunden(Clock.Jetzt().time_since_epoch() - std::chrono::minutes(Versatz())); }
     // The same on the time line of the path.
     double Pfadzeit() const { return Nullpunkt + (Utc() - Nullpunkt) * Wahl.Tempo; }
 

@@ -77,7 +77,7 @@ struct Einstellungen {
     bool MerkeAnfragen = true;
 
     // Called for every payload of both directions; `richtung` is '<' for the client's and '>' for the own.
-    std::function<void(Datum zeit, int serverVersion, char richtung, std::string_view inhalt)> Protokoll;
+    std::function<void(Zeitpunkt zeit, int serverVersion, char richtung, std::string_view inhalt)> Protokoll;
 };
 
 }  // namespace zek::simulator

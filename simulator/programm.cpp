@@ -162,14 +162,12 @@ std::string Programmhilfe() {
     return app.help() + "\ncommands, one per line on standard input or with a time in a script:\n\n" + Befehlsliste();
 }
 
-std::string Protokollzeile(Datum zeit, int serverVersion, char richtung, std::string_view inhalt) {
-    const auto millis = std::llround((zeit - std::floor(zeit)) * SekundenProTag * 1000) % 86400000;
-    const Kalender k = Zerlege(std::floor(zeit));
-    std::array<char, 64> kopf;
-    const int n = std::snprintf(kopf.data(), kopf.size(), "%04d-%02d-%02d %02lld:%02lld:%02lld.%03lld %d %c ", k.Jahr,
-                                k.Monat, k.Tag, millis / 3600000, millis / 60000 % 60, millis / 1000 % 60,
-                                millis % 1000, serverVersion, richtung);
-    return std::string(kopf.data(), static_cast<std::size_t>(n)) + AlsZeile(inhalt);
+std::string Protokollzeile(Zeitpunkt zeit, int serverVersion, char richtung, std::string_view inhalt) {
+    const auto millis = std::chrono::floor<std::chrono::milliseconds>(zeit + 500us);
+    const auto bruch = millis - std::chrono::floor<std::chrono::seconds>(millis);
+    return Felderstempel(millis, '-').substr(0, 10) + " " + NurZeittext(millis) + "." +
+           std::to_string(1000 + bruch.count()).substr(1) + " " + std::to_string(serverVersion) + " " + richtung + " " +
+           AlsZeile(inhalt);
 }
 
 Programm::Programm(TcpServerfabrik& netz, Zeitgeberfabrik& zeitgeber, const Uhr& uhr, Dateisystem& dateien,
@@ -181,7 +179,7 @@ Programm::Programm(TcpServerfabrik& netz, Zeitgeberfabrik& zeitgeber, const Uhr&
 
 Einstellungen Programm::MitProtokoll(Einstellungen wahl) {
     if (optionen_.Protokoll.empty()) return wahl;
-    wahl.Protokoll = [this](Datum zeit, int sv, char richtung, std::string_view inhalt) {
+    wahl.Protokoll = [this](Zeitpunkt zeit, int sv, char richtung, std::string_view inhalt) {
         protokoll_ << Protokollzeile(zeit, sv, richtung, inhalt) << '\n' << std::flush;
     };
     return wahl;

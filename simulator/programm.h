@@ -31,7 +31,7 @@ Programmoptionen LiesProgrammoptionen(const std::vector<std::string>& argumente)
 std::string Programmhilfe();
 
 // "2026-11-16 12:00:00.000 187 > 49|1|1794826800|"
-std::string Protokollzeile(Datum zeit, int serverVersion, char richtung, std::string_view inhalt);
+std::string Protokollzeile(Zeitpunkt zeit, int serverVersion, char richtung, std::string_view inhalt);
 
 class Programm {
 public:

@@ -65,7 +65,7 @@ class Quellenwahl;
 
 // One tick message as it was sent (tickPrice or tickSize), with the simulator's clock at that moment.
 struct GesendeterTick {
-    Datum Zeit = 0;  // local
+    Zeitpunkt Zeit{};  // local
     int Klient = 0;
     int Id = 0;
     bool IstKurs = false;  // tickPrice: Kurs and Groesse; otherwise tickSize: Groesse alone
@@ -76,7 +76,7 @@ struct GesendeterTick {
 
 // One request as it came.
 struct EmpfangeneAnfrage {
-    Datum Zeit = 0;
+    Zeitpunkt Zeit{};
     int Klient = 0;
     std::vector<std::string> Felder;  // the first is the message id
 };

@@ -69,6 +69,11 @@ double OhneRest(float wert) {
     return ergebnis;
 }
 
+// Seconds since 1970 of a day count, no zone applied.
+double Sekundenzeit(Datum datum) {
+    return AlsSekunden(ZeitpunktAus(datum).time_since_epoch());
+}
+
 template <typename T>
 T Lies(std::string_view inhalt, std::size_t stelle) {
     T wert;
@@ -122,7 +127,7 @@ std::vector<Pfadtick> Wiedergabe::LiesDatei(const std::string& pfad, Tickart art
         if (datum == 0) continue;  // padding
         const auto groesse = double{Lies<float>(inhalt, stelle + 12)};
         if (art == Tickart::Handel) umsatz += groesse;
-        ticks.push_back({UnixAus(datum), art, OhneRest(Lies<float>(inhalt, stelle + 8)), groesse, umsatz});
+        ticks.push_back({Sekundenzeit(datum), art, OhneRest(Lies<float>(inhalt, stelle + 8)), groesse, umsatz});
     }
     return ticks;
 }
@@ -141,7 +146,7 @@ double Wiedergabe::ErsteZeit(const std::string& pfad) const {
     if (gelesen < static_cast<std::int64_t>(puffer.size()) || inhalt.rfind(Kennung, 0) != 0 || !kurse) {
         return std::numeric_limits<double>::infinity();
     }
-    return UnixAus(Lies<double>(inhalt, Kopf));
+    return Sekundenzeit(Lies<double>(inhalt, Kopf));
 }
 
 std::unique_ptr<Tickquelle> Wiedergabe::QuelleFuer(const Kontraktsuche& suche, double pfadzeit) {

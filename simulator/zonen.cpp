@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdio>
 
 namespace zek::simulator {
 
@@ -39,25 +38,27 @@ constexpr std::array<Zonenzeile, 18> Zonen{{{"UTC", 0, Sommer::Nie},
                                             {"Hongkong", 480, Sommer::Nie},
                                             {"CTT", 480, Sommer::Nie}}};
 
-Sekunde UtcAus(int jahr, int monat, int tag, int stunde, int minute, int sekunde) {
-    return static_cast<Sekunde>(UnixAus(DatumAus(jahr, monat, tag))) + stunde * 3600 + minute * 60 + sekunde;
+std::chrono::local_seconds AlsZeit(Sekunde seit1970) {
+    return std::chrono::local_seconds(std::chrono::seconds(seit1970));
 }
 
-// Midnight UTC of the n-th Sunday of a month; 0 stands for the last one.
-Sekunde Sonntag(int jahr, int monat, int n) {
-    const Datum erster = n > 0 ? DatumAus(jahr, monat, 1) : DatumAus(jahr, monat + 1, 1) - 7;
-    const Datum sonntag = erster + (7 - Wochentag(erster)) % 7 + (n > 0 ? (n - 1) * 7 : 0);
-    return static_cast<Sekunde>(UnixAus(sonntag));
+Sekunde UtcAus(int jahr, int monat, int tag, int stunde, int minute, int sekunde) {
+    const std::chrono::seconds mitternacht = TagAus(jahr, monat, tag).time_since_epoch();
+    return mitternacht.count() + stunde * 3600 + minute * 60 + sekunde;
 }
 
 bool IstSommer(const Zonenzeile& zone, Sekunde utc) {
+    using namespace std::chrono;
     if (zone.Regel == Sommer::Nie) return false;
-    const int jahr = Zerlege(DatumAusUnix(static_cast<double>(utc))).Jahr;
-    if (zone.Regel == Sommer::Europa) return utc >= Sonntag(jahr, 3, 0) + 3600 && utc < Sonntag(jahr, 10, 0) + 3600;
+    const sys_seconds moment{seconds(utc)};
+    const year jahr = year_month_day(floor<days>(moment)).year();
+    if (zone.Regel == Sommer::Europa)
+        return moment >= sys_days(jahr / March / Sunday[last]) + 1h &&
+               moment < sys_days(jahr / October / Sunday[last]) + 1h;
     // 02:00 on the clock of the zone, standard time in spring and summer time in autumn.
-    const Sekunde beginn = Sonntag(jahr, 3, 2) + 7200 - zone.Minuten * 60;
-    const Sekunde ende = Sonntag(jahr, 11, 1) + 3600 - zone.Minuten * 60;
-    return utc >= beginn && utc < ende;
+    const sys_seconds beginn = sys_days(jahr / March / Sunday[2]) + 2h - minutes(zone.Minuten);
+    const sys_seconds ende = sys_days(jahr / November / Sunday[1]) + 1h - minutes(zone.Minuten);
+    return moment >= beginn && moment < ende;
 }
 
 // Exactly `stellen` digits from the front of the text.
@@ -85,11 +86,9 @@ std::optional<int> Zonenversatz(std::string_view zone, Sekunde utc) {
 }
 
 std::string Datumzeit(Sekunde utc, int versatzMinuten, std::string_view trenner) {
-    const Kalender k = Zerlege(DatumAusUnix(static_cast<double>(utc + versatzMinuten * 60)));
-    std::array<char, 48> puffer;
-    const int n = std::snprintf(puffer.data(), puffer.size(), "%04d%02d%02d%.*s%02d:%02d:%02d", k.Jahr, k.Monat, k.Tag,
-                                static_cast<int>(trenner.size()), trenner.data(), k.Stunde, k.Minute, k.Sekunde);
-    return {puffer.data(), static_cast<std::size_t>(n)};
+    // yyyy:mm:dd:hh:mm:ss
+    const std::string felder = Felderstempel(AlsZeit(utc + versatzMinuten * 60), ':');
+    return felder.substr(0, 4) + felder.substr(5, 2) + felder.substr(8, 2) + std::string(trenner) + felder.substr(11);
 }
 
 std::string Datumtag(Sekunde utc, int versatzMinuten) {

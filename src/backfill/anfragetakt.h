@@ -11,10 +11,11 @@
 // been reached again, the code meant something else; from then on everything counts, 2107 or not.
 #pragma once
 
-#include "platform/uhr.h"
+#include "platform/zeitpunkt.h"
 
 #include <cstddef>
 #include <deque>
+#include <optional>
 #include <string>
 
 namespace zek {
@@ -22,41 +23,41 @@ namespace zek {
 class Anfragetakt {
 public:
     static constexpr std::size_t Fensterbreite = 60;  // requests
-    static constexpr double FensterSekunden = 600;
-    static constexpr double GleicheAnfrageSekunden = 15;
-    static constexpr double MindestabstandSekunden = 1;
+    static constexpr Dauer Fenster = 600s;
+    static constexpr Dauer GleicheAnfrage = 15s;
+    static constexpr Dauer Mindestabstand = 1s;
     // Travel times differ; requests are counted where they arrive.
-    static constexpr double SicherheitSekunden = 2;
+    static constexpr Dauer Sicherheit = 2s;
 
     // The moment from which a request may go out; `jetzt` or earlier when at once. `schluessel` tells requests for
     // the same thing.
-    Datum FruehestensUm(const std::string& schluessel, Datum jetzt);
-    void Gesendet(const std::string& schluessel, Datum jetzt);
+    Zeitpunkt FruehestensUm(const std::string& schluessel, Zeitpunkt jetzt);
+    void Gesendet(const std::string& schluessel, Zeitpunkt jetzt);
     // The service answered with a pacing violation.
-    void Verletzung(Datum jetzt);
+    void Verletzung(Zeitpunkt jetzt);
     // The service says that it is back (2107 during the wait for it).
-    void Freigabe(Datum jetzt);
+    void Freigabe(Zeitpunkt jetzt);
 
     // True once the service has shown that it enforces its limits.
     bool Begrenzt() const { return begrenzt_; }
 
-    // Seconds that `anfragen` further requests will take, when one takes `sekundenJeAnfrage` without any limit.
-    double DauerFuer(std::size_t anfragen, double sekundenJeAnfrage, Datum jetzt) const;
+    // What `anfragen` further requests will take, when one takes `jeAnfrage` without any limit.
+    Dauer DauerFuer(std::size_t anfragen, Dauer jeAnfrage, Zeitpunkt jetzt) const;
 
 private:
     struct Anfrage {
-        Datum Zeit;
+        Zeitpunkt Zeit;
         std::string Schluessel;
     };
 
-    void Angleichen(Datum jetzt);
-    bool Zaehlt(const Anfrage& anfrage) const { return anfrage.Zeit > freigabe_; }
+    void Angleichen(Zeitpunkt jetzt);
+    bool Zaehlt(const Anfrage& anfrage) const { return !freigabe_ || anfrage.Zeit > *freigabe_; }
 
     std::deque<Anfrage> anfragen_;  // of the last ten minutes, at most Hoechstzahl
     bool begrenzt_ = false;
-    bool freigabeGilt_ = true;  // 2107 has been right so far
-    Datum freigabe_ = 0;        // requests up to here don't count
-    bool sofort_ = false;       // the next request follows a 2107
+    bool freigabeGilt_ = true;           // 2107 has been right so far
+    std::optional<Zeitpunkt> freigabe_;  // requests up to here don't count
+    bool sofort_ = false;                // the next request follows a 2107
     static constexpr std::size_t Hoechstzahl = 700;
 };
 

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 namespace zek {
 namespace {
@@ -52,25 +51,26 @@ private:
     std::string_view rest_;
 };
 
-bool LiesTag(Leser& leser, Datum& ziel) {
+bool LiesTag(Leser& leser, Kalendertag& ziel) {
     int jahr = 0, monat = 0, tag = 0;
     if (!leser.Zahl(4, jahr)) return false;
     const bool mitStrichen = leser.Zeichen('-');
     if (!leser.Zahl(2, monat)) return false;
     if (mitStrichen && !leser.Zeichen('-')) return false;
     if (!leser.Zahl(2, tag)) return false;
-    if (jahr < 1900 || monat < 1 || monat > 12 || tag < 1 || tag > 31) return false;
-    ziel = DatumAus(jahr, monat, tag);
-    return Zerlege(ziel).Tag == tag;  // the 30th of February carries over
+    if (jahr < 1900) return false;
+    const auto datum = std::chrono::year(jahr) / monat / tag;
+    if (datum.ok()) ziel = Kalendertag(datum);
+    return datum.ok();
 }
 
-bool LiesUhrzeit(Leser& leser, Datum& ziel) {
+bool LiesUhrzeit(Leser& leser, Tageszeit& ziel) {
     int stunde = 0, minute = 0, sekunde = 0;
     if (!leser.Zahl(2, stunde) || !leser.Zeichen(':') || !leser.Zahl(2, minute)) return false;
     if (leser.Zeichen(':') && !leser.Zahl(2, sekunde)) return false;
     if (stunde > 23 || minute > 59 || sekunde > 59) return false;
     const double bruchteil = leser.Zeichen('.') ? leser.Bruchteil() : 0;
-    ziel = Uhrzeit(stunde, minute, sekunde + bruchteil);
+    ziel = Tageszeit(std::chrono::hours(stunde) + std::chrono::minutes(minute) + DauerAusSekunden(sekunde + bruchteil));
     return true;
 }
 
@@ -78,11 +78,11 @@ bool LiesUhrzeit(Leser& leser, Datum& ziel) {
 
 std::optional<Balkenzeit> LiesBalkendatum(std::string_view text) {
     Leser leser(Getrimmt(text));
-    Datum tag = 0;
+    Kalendertag tag;
     if (!LiesTag(leser, tag)) return std::nullopt;
     if (leser.Rest().empty()) return Balkenzeit{tag, {}};
     if (!leser.Zeichen('-') && !leser.Leerzeichen()) return std::nullopt;
-    Datum uhrzeit = 0;
+    Tageszeit uhrzeit;
     if (!LiesUhrzeit(leser, uhrzeit)) return std::nullopt;
     leser.Zeichen('Z');
     if (leser.Rest().empty()) return Balkenzeit{tag + uhrzeit, {}};
@@ -94,13 +94,11 @@ bool IstFertigmeldung(std::string_view datumtext) {
     return datumtext.starts_with("finished");
 }
 
-std::string Endzeittext(Datum ende) {
-    if (ende == 0) return {};
-    const Kalender k = Zerlege(ende);
-    char puffer[64];
-    std::snprintf(puffer, sizeof puffer, "%04d%02d%02d %02d:%02d:%02d", k.Jahr, k.Monat, k.Tag, k.Stunde, k.Minute,
-                  k.Sekunde);
-    return puffer;
+std::string Endzeittext(std::optional<Zeitpunkt> ende) {
+    if (!ende) return {};
+    // yyyy:mm:dd:hh:mm:ss
+    const std::string felder = Felderstempel(*ende, ':');
+    return felder.substr(0, 4) + felder.substr(5, 2) + felder.substr(8, 2) + " " + felder.substr(11);
 }
 
 std::string_view Historienart(std::int32_t kursart) {
@@ -133,7 +131,7 @@ void Balkenpuffer::Nimm(const tws::Bar& balken) {
     if (!zeit) return;
     zone_ = istIndex_ ? std::string(zeit->Zone) : std::string();
     // A volume that is none: as a service says that it has none.
-    saetze_.push_back({zeit->Zeit, kurs, std::isfinite(volume) ? volume : -1});
+    saetze_.push_back({DatumAus(zeit->Zeit), kurs, std::isfinite(volume) ? volume : -1});
 }
 
 void Balkenpuffer::Schliesse(Datum bis) {

@@ -18,7 +18,7 @@ namespace zek {
 
 // The date text of a bar, taken apart.
 struct Balkenzeit {
-    Datum Zeit = 0;
+    Zeitpunkt Zeit{};
     std::string_view Zone;  // the third piece, into the text read; may be empty
 };
 
@@ -31,7 +31,7 @@ std::optional<Balkenzeit> LiesBalkendatum(std::string_view text);
 bool IstFertigmeldung(std::string_view datumtext);
 
 // The end time of a history request: "" for 0 (now), otherwise "yyyymmdd hh:mm:ss".
-std::string Endzeittext(Datum ende);
+std::string Endzeittext(std::optional<Zeitpunkt> ende);
 
 // What to show, by kind: "TRADES", "ASK" or "BID".
 std::string_view Historienart(std::int32_t kursart);

@@ -2,12 +2,12 @@
 
 #include "datafiles/dateinamen.h"
 #include "feed/abonnement.h"
+#include "platform/datum.h"
 #include "platform/laufmarke.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -19,12 +19,8 @@ namespace {
 
 constexpr int Historiennummer = 1;  // ticker id of every history request
 constexpr std::chrono::milliseconds Warteschritt(250);
-constexpr int AeltesterStartTage = 7;
+constexpr std::chrono::days AeltesterStart(7);
 constexpr std::int64_t GroessteDatei = std::numeric_limits<std::int32_t>::max();
-
-double SekundenSeit(Datum beginn, Datum jetzt) {
-    return (jetzt - beginn) / EineSekunde;
-}
 
 std::string Kursartwort(std::int32_t kursart) {
     return std::string(KursartName(kursart));
@@ -59,7 +55,7 @@ void LiesAb(Dateisystem& dateien, Dateihandle handle, std::int64_t stelle, std::
 }  // namespace
 
 bool ErmittleStartDatum(const IBModul& modul, Dateisystem& dateien, Meldungen& fragen, clTitelobjekt& titel,
-                        Datum& startDatum) {
+                        Zeitpunkt& startDatum) {
     try {
         const std::string pfad = Dateipfad(modul, dateien, titel, kursart::Bezahlt);
         const auto handle = static_cast<Dateihandle>(Geprueft(dateien.Oeffne(pfad, Oeffnen::Anlegen)));
@@ -71,7 +67,7 @@ bool ErmittleStartDatum(const IBModul& modul, Dateisystem& dateien, Meldungen& f
         if (!KennungStimmt(kopf)) return false;
         KursDatensatz satz;
         LiesAb(dateien, handle, groesse - DatensatzBytes, std::as_writable_bytes(std::span(&satz, 1)));
-        startDatum = satz.Datum;
+        startDatum = ZeitpunktAus(satz.Datum);
         return true;
     } catch (const std::exception& fehler) {
         fragen.ZeigeMeldung("Fehler aufgetreten: " + Fehlertext(fehler), meldung::Ok, 0);
@@ -98,7 +94,7 @@ void Datenpflegelauf::StarteBackfill() {
         anzeige_ = &um_.Fenster.Erzeuge();
         anzeige_->BeiAbbruch([this] { btnAbbruch(); });
         anzeige_->AbbruchMoeglich(true);
-        zufall_.seed(std::bit_cast<std::uint64_t>(Jetzt()));
+        zufall_.seed(static_cast<std::uint64_t>(Jetzt().time_since_epoch().count()));
         clientId_ = NeueClientId();
         IBBackfill_ = um_.Fabrik(*this);
         if (!Verbinde()) return MeldeVerbindungsfehler();
@@ -160,7 +156,7 @@ void Datenpflegelauf::BearbeiteTitel(std::size_t nummer) {
 }
 
 bool Datenpflegelauf::IstFesterStart() const {
-    return AutoDatenPflegeStart <= 0 && std::floor(Startdatum) != 0;
+    return !AutoDatenPflegeStart && Startdatum;
 }
 
 void Datenpflegelauf::BestimmeStart(clTitelobjekt& titel) {
@@ -171,11 +167,12 @@ void Datenpflegelauf::BestimmeStart(clTitelobjekt& titel) {
         return;
     }
     // A start in the future makes a series ask once and stop.
-    const Datum uebersprungen = Jetzt() + 1;
-    Startdatum = AutoDatenPflegeStart;
-    if (AutoDatenPflegeStart == 0 && !ErmittleStartDatum(um_.Modul, um_.Dateien, um_.Fragen, titel, Startdatum))
-        Startdatum = uebersprungen;
-    if (GanzeTage(Startdatum, Jetzt()) > AeltesterStartTage) Startdatum = uebersprungen;
+    const Zeitpunkt uebersprungen = Jetzt() + 24h;
+    Zeitpunkt start = AutoDatenPflegeStart.value_or(uebersprungen);
+    if (!AutoDatenPflegeStart && !ErmittleStartDatum(um_.Modul, um_.Dateien, um_.Fragen, titel, start))
+        start = uebersprungen;
+    if (Grenzen<std::chrono::days>(start, Jetzt()) > AeltesterStart) start = uebersprungen;
+    Startdatum = start;
     KursBezahlt = true;
     KursGeldBrief = titel.BidAsk;
 }
@@ -187,12 +184,12 @@ void Datenpflegelauf::BearbeiteSerie(clTitelobjekt& titel, std::int32_t kursart)
     Statuslabel("Status: Daten laden, bitte warten...");
     Anzeige().FortschrittWert(0);
     Serie serie{titel, kursart};
-    if (BackfillEndZeit > 0)
+    if (BackfillEndZeit)
         serie.Ende = BackfillEndZeit;
-    else if (EndDatum != 0)
-        serie.Ende = EndDatum + EineSekunde;
+    else if (EndDatum)
+        serie.Ende = *EndDatum + 1s;
     serie.Spanne = Restspanne(serie);
-    serie.Bis = serie.Ende == 0 ? Jetzt() : serie.Ende;
+    serie.Bis = serie.Ende.value_or(Jetzt());
     KeineDaten_ = false;
     fehlercode_ = 0;
     TimeZoneId.clear();
@@ -236,13 +233,14 @@ bool Datenpflegelauf::StelleAnfrage(Serie& serie) {
     if (!VerwirfSpaeteAntwort(serie)) return false;
 
     puffer_.Beginne(serie.Kursart, IstIndextitel(serie.Titel));  // late bars of an answer given up may have come
-    Anzeige().Datumlabel("Datum: " + Datumtext(serie.Ende == 0 ? Jetzt() : serie.Ende), false);
+    Anzeige().Datumlabel("Datum: " + Datumtext(serie.Ende.value_or(Jetzt())), false);
     Fertig_ = abgelehnt_ = false;
     pacingGesehen_ = verbindungGesehen_ = false;
-    serie.GefragtBis = ende.empty() ? 0 : LiesBalkendatum(ende).value_or(Balkenzeit{serie.Ende, {}}).Zeit;
+    serie.GefragtBis = serie.Ende;
+    if (const auto gefragt = LiesBalkendatum(ende)) serie.GefragtBis = gefragt->Zeit;
     serie.Anfragezeit = Jetzt();
-    if (serie.Verbindungsversuch > 0 && OhneSitzung()) return true;  // the wait for an answer sees to it
-    serie.Verbindungsversuch = 0;
+    if (serie.Verbindungsversuch && OhneSitzung()) return true;  // the wait for an answer sees to it
+    serie.Verbindungsversuch.reset();
     const tws::Contract kontrakt = KontraktVon(serie.Titel);
     if (serie.Anfragenummer == Historiennummer) ++vertraegeOffen_;
     IBBackfill_->reqContractDetailsEx(serie.Anfragenummer++, kontrakt);
@@ -264,8 +262,10 @@ bool Datenpflegelauf::VerwirfSpaeteAntwort(Serie& serie) {
 // request is to be repeated.
 bool Datenpflegelauf::WiederVerbunden(Serie& serie) {
     if (Fertig_ || VerbindungWeg_ || !OhneSitzung() || serie.Wechsel >= Verbindungswechsel) return false;
-    const double vergangen = SekundenSeit(serie.Verbindungsversuch, Jetzt());
-    if (vergangen >= 0 && vergangen < Verbindungspause) return false;
+    if (serie.Verbindungsversuch) {
+        const Dauer vergangen = Jetzt() - *serie.Verbindungsversuch;
+        if (vergangen >= 0s && vergangen < Verbindungspause) return false;
+    }
     if (!VerbindeNeu(serie)) return false;
     ++serie.Wechsel;
     return true;
@@ -275,33 +275,33 @@ bool Datenpflegelauf::WiederVerbunden(Serie& serie) {
 bool Datenpflegelauf::WarteAufTakt(const Serie& serie, const std::string& schluessel) {
     bool gezeigt = false;
     while (!entladen_) {
-        const Datum jetzt = Jetzt();
-        const Datum frei = takt_.FruehestensUm(schluessel, jetzt);
-        const double sekunden = SekundenSeit(jetzt, frei);
-        if (sekunden <= 0) return true;
+        const Zeitpunkt jetzt = Jetzt();
+        const Zeitpunkt frei = takt_.FruehestensUm(schluessel, jetzt);
+        const Dauer rest = frei - jetzt;
+        if (rest <= 0s) return true;
         if (Abbruch) return false;
-        if (!gezeigt && sekunden > 2 * Anfragetakt::MindestabstandSekunden) {
+        if (!gezeigt && rest > 2 * Anfragetakt::Mindestabstand) {
             gezeigt = true;
-            Anzeige().Datumlabel("Datum: " + Datumtext(serie.Ende == 0 ? jetzt : serie.Ende) +
+            Anzeige().Datumlabel("Datum: " + Datumtext(serie.Ende.value_or(jetzt)) +
                                      " (Zugriffsbegrenzung des IB Servers, weiter um " + NurZeittext(frei) + ")",
                                  false);
         }
         if (gezeigt) ZeigeFortschritt(serie);
-        um_.Pumpe.Warte(WarteschrittBis(sekunden));
+        um_.Pumpe.Warte(WarteschrittBis(rest));
     }
     return false;
 }
 
-// At most a quarter of a second, and just long enough to be past a moment that is `sekunden` away.
-std::chrono::milliseconds Datenpflegelauf::WarteschrittBis(double sekunden) {
-    if (sekunden * 1000 >= static_cast<double>(Warteschritt.count())) return Warteschritt;
-    return std::chrono::milliseconds(std::max<std::int64_t>(static_cast<std::int64_t>(sekunden * 1000) + 1, 1));
+// At most a quarter of a second, and just long enough to be past a moment that is `rest` away.
+std::chrono::milliseconds Datenpflegelauf::WarteschrittBis(Dauer rest) {
+    if (rest >= Warteschritt) return Warteschritt;
+    return std::max(std::chrono::duration_cast<std::chrono::milliseconds>(rest) + 1ms, 1ms);
 }
 
 Datenpflegelauf::Wartet Datenpflegelauf::WarteAufAntwort(Serie& serie) {
     for (;;) {
         um_.Pumpe.Ereignisse();
-        const double pause = 1 - SekundenSeit(serie.Anfragezeit, Jetzt());
+        const Dauer pause = 1s - (Jetzt() - serie.Anfragezeit);
         um_.Pumpe.Warte(Fertig_ ? WarteschrittBis(pause) : Warteschritt);
         um_.Pumpe.Ereignisse();
         // The clock was set back, or summer time ended.
@@ -314,29 +314,29 @@ Datenpflegelauf::Wartet Datenpflegelauf::WarteAufAntwort(Serie& serie) {
         }
         if (Abbruch) return Wartet::Ende;
         if (WiederVerbunden(serie)) return Wartet::NeueAnfrage;
-        const double vergangen = SekundenSeit(serie.Anfragezeit, Jetzt());
-        if (vergangen > um_.Modul.Einstellungen.BFTimeOut) {
+        const Dauer vergangen = Jetzt() - serie.Anfragezeit;
+        if (vergangen > std::chrono::seconds(um_.Modul.Einstellungen.BFTimeOut)) {
             um_.Status.Statusmeldung("Backfill Timeout " + serie.Titel.Dateiname);
             serie.Zeitablauf = true;
             serie.OhneVerbindung = OhneSitzung();
             return Wartet::Ende;
         }
-        if (Fertig_ && vergangen > 1) return Wartet::Ende;
+        if (Fertig_ && vergangen > 1s) return Wartet::Ende;
     }
 }
 
 // True when the same request is to be repeated, false when the run was cancelled.
 bool Datenpflegelauf::WarteNachPacing(const Serie& serie) {
-    Datum beginn = Jetzt();
+    Zeitpunkt beginn = Jetzt();
     if (!PacingFrei_)
         Anzeige().Datumlabel(Datumtext(beginn) + ": 'Pacing Violation' - Datenpflege wartet max. 10 Minuten", true);
     while (!PacingFrei_) {
         if (Abbruch) return false;
-        const Datum jetzt = Jetzt();
+        const Zeitpunkt jetzt = Jetzt();
         beginn = std::min(beginn, jetzt);
-        const double vergangen = SekundenSeit(beginn, jetzt);
-        if (vergangen >= PacingSekunden) break;
-        ZeigeFortschritt(serie, PacingSekunden - vergangen);
+        const Dauer vergangen = jetzt - beginn;
+        if (vergangen >= Pacingwartezeit) break;
+        ZeigeFortschritt(serie, Pacingwartezeit - vergangen);
         um_.Pumpe.Warte(Warteschritt);
     }
     PacingWartet_ = false;
@@ -345,14 +345,14 @@ bool Datenpflegelauf::WarteNachPacing(const Serie& serie) {
 
 // Ende: cancelled. Weiter: the time is over and the wait loop begins anew.
 Datenpflegelauf::Wartet Datenpflegelauf::WarteAufVerbindung(Serie& serie) {
-    Datum beginn = Jetzt();
+    Zeitpunkt beginn = Jetzt();
     if (!VerbindungWieder_)
         Anzeige().Datumlabel(Datumtext(beginn) + ": 'Verbindungsabbruch!' - Datenpflege wartet max. 30 Minuten", true);
     while (!VerbindungWieder_) {
         if (Abbruch) return Wartet::Ende;
-        const Datum jetzt = Jetzt();
+        const Zeitpunkt jetzt = Jetzt();
         beginn = std::min(beginn, jetzt);
-        if (SekundenSeit(beginn, jetzt) >= VerbindungSekunden) {
+        if (jetzt - beginn >= Verbindungswartezeit) {
             serie.Anfragezeit = jetzt;
             // Over a socket that has closed meanwhile no code can tell that the connection is back.
             if (!OhneSitzung() || !VerbindeNeu(serie)) return Wartet::Weiter;
@@ -367,40 +367,40 @@ Datenpflegelauf::Wartet Datenpflegelauf::WarteAufVerbindung(Serie& serie) {
 
 void Datenpflegelauf::BehalteBalken(Serie& serie) {
     // Bars stand at whole seconds.
-    puffer_.Schliesse((serie.GefragtBis > 0 ? serie.GefragtBis : Jetzt()) + 0.5 * EineSekunde);
+    puffer_.Schliesse(DatumAus(serie.GefragtBis.value_or(Jetzt()) + 500ms));
     serie.ZuNeu += puffer_.ZuNeu();
     const auto saetze = puffer_.Saetze();
-    const Datum altesEnde = serie.Ende;
+    const std::optional<Zeitpunkt> altesEnde = serie.Ende;
     if (saetze.empty()) {
         serie.Beendet = KeineDaten_;
-        serie.Ende = altesEnde - AnfrageSekunden * EineSekunde;
+        serie.Ende = altesEnde.value_or(Tagesnull) - Anfragespanne;  // without an end that ends the series
     } else {
-        gesamt_.Uebernimm(saetze, Startdatum);
-        serie.Ende = saetze.front().Datum - EineSekunde;
+        gesamt_.Uebernimm(saetze, DatumAus(*Startdatum));
+        serie.Ende = ZeitpunktAus(saetze.front().Datum) - 1s;
         // A service that answers beside the span it was asked for mustn't hold the run.
-        if (altesEnde > 0 && serie.Ende >= altesEnde) serie.Ende = altesEnde - AnfrageSekunden * EineSekunde;
+        if (altesEnde && serie.Ende >= altesEnde) serie.Ende = *altesEnde - Anfragespanne;
     }
     MerkeBeantwortet(serie, altesEnde);
     if (serie.Zeitablauf || Abbruch) return;
     ++antworten_;
-    antwortSekunden_ += std::max(Anfragetakt::MindestabstandSekunden, SekundenSeit(serie.Anfragezeit, fertigUm_));
-    bewegt_ += SekundenSeit(serie.Ende, altesEnde > 0 ? altesEnde : std::max(Jetzt(), serie.Ende));
+    antwortdauer_ += std::max(Anfragetakt::Mindestabstand, fertigUm_ - serie.Anfragezeit);
+    bewegt_ += altesEnde.value_or(std::max(Jetzt(), *serie.Ende)) - *serie.Ende;
 }
 
 // A whole answer stands for the span that was asked for, and as far back as its bars reach. One without an end has
 // come as far as its bars: they come from old to new.
-void Datenpflegelauf::MerkeBeantwortet(Serie& serie, Datum altesEnde) {
+void Datenpflegelauf::MerkeBeantwortet(Serie& serie, std::optional<Zeitpunkt> altesEnde) {
     const auto saetze = puffer_.Saetze();
     if (Fertig_ && !abgelehnt_ && !serie.Zeitablauf) {
         // Up to the present of the question that was answered at last, or of its answer.
-        if (altesEnde == 0) serie.Bis = std::max(serie.Bis, serie.Anfragezeit);
-        if (altesEnde == 0 && !saetze.empty()) serie.Bis = std::max(serie.Bis, saetze.back().Datum);
-        const Datum bis = altesEnde > 0 ? altesEnde : serie.Bis;
-        Datum von = bis - AnfrageSekunden * EineSekunde;
-        if (!saetze.empty()) von = std::min(von, serie.Ende);
-        serie.Beantwortet.Fuege(Zeitspannen::Aus(von), Zeitspannen::Aus(bis));
+        if (!altesEnde) serie.Bis = std::max(serie.Bis, serie.Anfragezeit);
+        if (!altesEnde && !saetze.empty()) serie.Bis = std::max(serie.Bis, ZeitpunktAus(saetze.back().Datum));
+        const Zeitpunkt bis = altesEnde.value_or(serie.Bis);
+        Zeitpunkt von = bis - Anfragespanne;
+        if (!saetze.empty()) von = std::min(von, *serie.Ende);
+        serie.Beantwortet.Fuege(AufMillisekunde(von), AufMillisekunde(bis));
     } else if (!saetze.empty()) {
-        serie.Beantwortet.Fuege(Zeitspannen::Aus(serie.Ende), Zeitspannen::Aus(saetze.back().Datum));
+        serie.Beantwortet.Fuege(AufMillisekunde(*serie.Ende), AufMillisekunde(ZeitpunktAus(saetze.back().Datum)));
     }
 }
 
@@ -411,8 +411,8 @@ std::string Datenpflegelauf::Speichere(Serie& serie) {
     const auto saetze = gesamt_.Abgeben(korrektur);
     if (um_.BeiMergebeginn)
         OhneFehler("Beginn des Einarbeitens melden", [&] {
-            um_.BeiMergebeginn(serie.Titel, serie.Kursart, saetze.front().Datum - korrektur,
-                               saetze.back().Datum - korrektur);
+            um_.BeiMergebeginn(serie.Titel, serie.Kursart, ZeitpunktAus(saetze.front().Datum - korrektur),
+                               ZeitpunktAus(saetze.back().Datum - korrektur));
         });
     const bool gespeichert = einarbeiter_.DatenEinarbeiten(*this, serie.Titel, saetze, serie.Kursart) != 0;
     if (um_.BeiMergeende)
@@ -476,13 +476,15 @@ void Datenpflegelauf::AbbruchMoeglich(bool moeglich) {
 
 void Datenpflegelauf::SpanneGeht(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
     if (um_.BeiLeerung)
-        OhneFehler("Geleerte Spanne melden",
-                   [&] { um_.BeiLeerung(titel, kursart, von - titel.ZeitKorrektur, bis - titel.ZeitKorrektur); });
+        OhneFehler("Geleerte Spanne melden", [&] {
+            um_.BeiLeerung(titel, kursart, ZeitpunktAus(von - titel.ZeitKorrektur),
+                           ZeitpunktAus(bis - titel.ZeitKorrektur));
+        });
 }
 
-// Seconds of history that the series still has before it.
-double Datenpflegelauf::Restspanne(const Serie& serie) const {
-    return std::max(0.0, SekundenSeit(Startdatum, serie.Ende == 0 ? Jetzt() : serie.Ende));
+// The history that the series still has before it.
+Dauer Datenpflegelauf::Restspanne(const Serie& serie) const {
+    return std::max<Dauer>(0s, serie.Ende.value_or(Jetzt()) - *Startdatum);
 }
 
 int Datenpflegelauf::SerienVon(const clTitelobjekt& titel) const {
@@ -494,19 +496,19 @@ int Datenpflegelauf::SerienVon(const clTitelobjekt& titel) const {
     return (bezahlt ? 1 : 0) + (geldBrief ? 2 : 0);
 }
 
-// The time to go comes from what the service has really allowed so far. `wartezeit`: seconds before the next request.
-void Datenpflegelauf::ZeigeFortschritt(const Serie& serie, double wartezeit) {
+// The time to go comes from what the service has really allowed so far. `wartezeit`: before the next request.
+void Datenpflegelauf::ZeigeFortschritt(const Serie& serie, Dauer wartezeit) {
     const double offen = std::max(0, serienGesamt_ - serienFertig_ - 1);
-    const double rest = Restspanne(serie);
-    const double teil = serie.Spanne > 0 ? 1 - std::min(1.0, rest / serie.Spanne) : 0;
+    const double rest = AlsSekunden(Restspanne(serie)), spanne = AlsSekunden(serie.Spanne);
+    const double teil = spanne > 0 ? 1 - std::min(1.0, rest / spanne) : 0;
     const double anteil = serienGesamt_ > 0 ? (serienFertig_ + teil) / serienGesamt_ : 0;
     double dauer = -1;
     if (antworten_ > 0) {
-        const double schritt = std::max(1.0, bewegt_ / antworten_);
+        const double schritt = std::max(1.0, AlsSekunden(bewegt_) / antworten_);
         const double anfragen =
-            std::max(1.0, std::ceil(rest / schritt)) + offen * std::max(1.0, std::ceil(serie.Spanne / schritt));
-        dauer = wartezeit + takt_.DauerFuer(static_cast<std::size_t>(std::min(anfragen, 1e9)),
-                                            antwortSekunden_ / antworten_, Jetzt() + wartezeit * EineSekunde);
+            std::max(1.0, std::ceil(rest / schritt)) + offen * std::max(1.0, std::ceil(spanne / schritt));
+        dauer = AlsSekunden(wartezeit + takt_.DauerFuer(static_cast<std::size_t>(std::min(anfragen, 1e9)),
+                                                        antwortdauer_ / antworten_, Jetzt() + wartezeit));
     }
     Anzeige().Gesamtfortschritt(std::min(anteil, 1.0), dauer);
 }

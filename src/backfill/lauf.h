@@ -56,8 +56,8 @@ public:
 struct Datenpflegeergebnis {
     const clTitelobjekt* Titel = nullptr;  // null: all titles of the run
     std::int32_t Kursart = 0;              // of a title
-    Datum Von = 0;
-    Datum Bis = 0;
+    Zeitpunkt Von{};
+    Zeitpunkt Bis{};
     bool Ergaenzt = false;        // the service has answered for all of it, and what it gave is in the file
     bool NurHandelszeit = false;  // of the regular trading hours only
     std::size_t Kurse = 0;        // stored bars of the span
@@ -77,17 +77,18 @@ struct Datenpflegeumgebung {
     std::function<void(const Datenpflegeergebnis&)> BeiErgebnis = {};  // may be empty
     // A merge is about to change the title's file between these times of the recorder's clock; and it has ended,
     // however it came out. Both may be empty.
-    std::function<void(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis)> BeiMergebeginn = {};
+    std::function<void(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis)> BeiMergebeginn =
+        {};
     std::function<void(const clTitelobjekt& titel, std::int32_t kursart)> BeiMergeende = {};
     // A merge that brings nothing is about to take the title's records between these times. May be empty.
-    std::function<void(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis)> BeiLeerung = {};
+    std::function<void(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis)> BeiLeerung = {};
 };
 
 // The start of a run without a given one: the time of the last record of the title's traded file. True when the file
-// has a header of ours; an existing header without records gives 0. Creates an empty file when none exists. Files of
-// 2 GiB and more are out of its reach. An error shows a message and gives false.
+// has a header of ours; an existing header without records gives one that is too old. Creates an empty file when none
+// exists. Files of 2 GiB and more are out of its reach. An error shows a message and gives false.
 bool ErmittleStartDatum(const IBModul& modul, Dateisystem& dateien, Meldungen& fragen, clTitelobjekt& titel,
-                        Datum& startDatum);
+                        Zeitpunkt& startDatum);
 
 class Datenpflegelauf final : public tws::TwsEreignisse, private Einarbeiter::Form {
 public:
@@ -98,20 +99,20 @@ public:
     Datenpflegelauf& operator=(const Datenpflegelauf&) = delete;
 
     // ---- filled by the caller before the run
-    bool Abbruch = false;                   // the run is to stop; may be set at any time
-    std::int16_t UpdateTage = 0;            // day count of the options dialog; read by nothing
-    Datum Startdatum = 0;                   // oldest time wanted; worked out per title when 0
-    Datum EndDatum = 0;                     // newest time wanted by a manual run; 0 the present
-    bool KursBezahlt = false;               // fetch the traded series
-    bool KursGeldBrief = false;             // fetch the ask and the bid series
-    bool useRTH = false;                    // regular trading hours only
-    bool IsManuelleDatenpflege = false;     // started by a person: failures come as a message
-    Datum BackfillEndZeit = 0;              // newest time wanted by an automatic run; above 0 it wins over EndDatum
-    std::vector<Titelzeiger> cAktualTitel;  // the titles, in processing order
-    Datum AutoDatenPflegeStart = 0;         // above 0: an automatic run, start of the gap
-    bool AlleAktivenTitelAktualisieren = false;  // all active titles with a fixed Startdatum
-    std::string LastTimezone;                    // zone of the last index bar; stored, used by nothing
-    std::string TimeZoneId;                      // zone of the contract; stored, used by nothing
+    bool Abbruch = false;                           // the run is to stop; may be set at any time
+    std::int16_t UpdateTage = 0;                    // day count of the options dialog; read by nothing
+    std::optional<Zeitpunkt> Startdatum;            // oldest time wanted; worked out per title when there is none
+    std::optional<Zeitpunkt> EndDatum;              // newest time wanted by a manual run; none: the present
+    bool KursBezahlt = false;                       // fetch the traded series
+    bool KursGeldBrief = false;                     // fetch the ask and the bid series
+    bool useRTH = false;                            // regular trading hours only
+    bool IsManuelleDatenpflege = false;             // started by a person: failures come as a message
+    std::optional<Zeitpunkt> BackfillEndZeit;       // newest time wanted by an automatic run; wins over EndDatum
+    std::vector<Titelzeiger> cAktualTitel;          // the titles, in processing order
+    std::optional<Zeitpunkt> AutoDatenPflegeStart;  // an automatic run: start of the gap
+    bool AlleAktivenTitelAktualisieren = false;     // all active titles with a fixed Startdatum
+    std::string LastTimezone;                       // zone of the last index bar; stored, used by nothing
+    std::string TimeZoneId;                         // zone of the contract; stored, used by nothing
 
     // The whole run; returns when it is over. Does nothing when Abbruch is set or a run is going. Throws nothing.
     void StarteBackfill();
@@ -130,11 +131,11 @@ public:
     void historicalData(int reqId, const tws::Bar& bar) override;
     void historicalDataEnd(int reqId, std::string_view start, std::string_view end) override;
 
-    static constexpr double AnfrageSekunden = 2000;  // one-second bars per request
-    static constexpr double PacingSekunden = 600;
-    static constexpr double VerbindungSekunden = 1800;
+    static constexpr Dauer Anfragespanne = 2000s;  // of a request, in one-second bars
+    static constexpr Dauer Pacingwartezeit = 600s;
+    static constexpr Dauer Verbindungswartezeit = 1800s;
     // Between two attempts to connect anew; how often one series may begin a request again on a new connection.
-    static constexpr double Verbindungspause = 5;
+    static constexpr Dauer Verbindungspause = 5s;
     static constexpr int Verbindungswechsel = 10;
 
 private:
@@ -142,19 +143,19 @@ private:
     struct Serie {
         clTitelobjekt& Titel;
         std::int32_t Kursart;
-        Datum Ende = 0;  // of the next request; 0 now
-        Datum Anfragezeit = 0;
-        Datum GefragtBis = 0;          // newest time that the request asks for; 0 the present
-        Datum Verbindungsversuch = 0;  // the last one since the session ended
-        int Anfragenummer = 1;         // id of the next contract request
-        int Wechsel = 0;               // connections made anew in mid-request
-        double Spanne = 0;             // seconds of history wanted
-        bool Zeitablauf = false;       // no answer came
-        bool OhneVerbindung = false;   // since there was no session
-        bool Beendet = false;          // the service has nothing older
-        Datum Bis = 0;                 // newest time wanted
-        Zeitspannen Beantwortet{};     // what the service has answered for
-        std::size_t ZuNeu = 0;         // bars that were dropped for being newer than what was asked for
+        std::optional<Zeitpunkt> Ende{};  // of the next request; none: now
+        Zeitpunkt Anfragezeit{};
+        std::optional<Zeitpunkt> GefragtBis{};          // newest time that the request asks for; none: the present
+        std::optional<Zeitpunkt> Verbindungsversuch{};  // the last one since the session ended
+        int Anfragenummer = 1;                          // id of the next contract request
+        int Wechsel = 0;                                // connections made anew in mid-request
+        Dauer Spanne{};                                 // of history wanted
+        bool Zeitablauf = false;                        // no answer came
+        bool OhneVerbindung = false;                    // since there was no session
+        bool Beendet = false;                           // the service has nothing older
+        Zeitpunkt Bis{};                                // newest time wanted
+        Zeitspannen Beantwortet{};                      // what the service has answered for
+        std::size_t ZuNeu = 0;  // bars that were dropped for being newer than what was asked for
     };
     enum class Wartet { Weiter, NeueAnfrage, Ende };
 
@@ -171,12 +172,12 @@ private:
     bool OhneSitzung() const { return IBBackfill_->TwsConnectionTime().empty(); }
     bool WiederVerbunden(Serie& serie);
     bool WarteAufTakt(const Serie& serie, const std::string& schluessel);
-    static std::chrono::milliseconds WarteschrittBis(double sekunden);
+    static std::chrono::milliseconds WarteschrittBis(Dauer rest);
     Wartet WarteAufAntwort(Serie& serie);
     bool WarteNachPacing(const Serie& serie);
     Wartet WarteAufVerbindung(Serie& serie);
     void BehalteBalken(Serie& serie);
-    void MerkeBeantwortet(Serie& serie, Datum altesEnde);
+    void MerkeBeantwortet(Serie& serie, std::optional<Zeitpunkt> altesEnde);
     std::string Speichere(Serie& serie);
     std::vector<Datenpflegeergebnis> Befund(const Serie& serie) const;
     void Berichte(std::vector<Datenpflegeergebnis> ergebnisse, const std::string& fehlschlag);
@@ -188,10 +189,10 @@ private:
     void NimmAblehnung(int errorCode);
     void Protokolliere(int errorCode, std::string_view errorMsg);
     void SetzeMerker(int errorCode);
-    double Restspanne(const Serie& serie) const;
+    Dauer Restspanne(const Serie& serie) const;
     int SerienVon(const clTitelobjekt& titel) const;
-    void ZeigeFortschritt(const Serie& serie, double wartezeit = 0);
-    Datum Jetzt() const { return um_.Zeit.Jetzt(); }
+    void ZeigeFortschritt(const Serie& serie, Dauer wartezeit = {});
+    Zeitpunkt Jetzt() const { return um_.Zeit.Jetzt(); }
     Datenpflegeanzeige& Anzeige();
     void Statuslabel(const std::string& text, bool rot = false);
 
@@ -214,7 +215,7 @@ private:
     Balkenpuffer puffer_;
     Gesamtreihe gesamt_;
     bool Fertig_ = false;        // the request has ended
-    Datum fertigUm_ = 0;         // when; a question on top may keep the run from looking at it for long
+    Zeitpunkt fertigUm_{};       // when; a question on top may keep the run from looking at it for long
     bool KeineDaten_ = false;    // a request of the series ended in an error
     int fehlercode_ = 0;         // its code; 0 for none
     bool abgelehnt_ = false;     // the present request did
@@ -233,8 +234,8 @@ private:
 
     int serienGesamt_ = 0;
     int serienFertig_ = 0;
-    double bewegt_ = 0;           // seconds of history covered by the answers of this run
-    double antwortSekunden_ = 0;  // time that these answers took
+    Dauer bewegt_{};        // of history covered by the answers of this run
+    Dauer antwortdauer_{};  // time that these answers took
     int antworten_ = 0;
 };
 

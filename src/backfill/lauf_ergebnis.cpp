@@ -18,23 +18,24 @@ std::vector<Datenpflegeergebnis> Datenpflegelauf::Befund(const Serie& serie) con
     ergebnis.Titel = &serie.Titel;
     ergebnis.Kursart = serie.Kursart;
     ergebnis.NurHandelszeit = useRTH;
-    if (Startdatum > serie.Bis) {
+    if (*Startdatum > serie.Bis) {
         // Left out on purpose: a start that is too old was replaced by one in the future.
-        if (AutoDatenPflegeStart <= 0) return {};
-        ergebnis.Von = AutoDatenPflegeStart;
+        if (!AutoDatenPflegeStart) return {};
+        ergebnis.Von = *AutoDatenPflegeStart;
         ergebnis.Bis = serie.Bis;
         ergebnis.Grund = Uebersprungen;
         return {ergebnis};
     }
-    const Zeitspannen gewuenscht(Zeitspannen::Aus(Startdatum), Zeitspannen::Aus(serie.Bis));
+    const Zeitspannen gewuenscht(AufMillisekunde(*Startdatum), AufMillisekunde(serie.Bis));
     std::vector<Datenpflegeergebnis> ergebnisse;
     const auto fuege = [&](const Zeitspannen& spannen) {
         for (auto spanne = spannen.Alle().rbegin(); spanne != spannen.Alle().rend(); ++spanne) {
-            ergebnis.Von = Zeitspannen::AlsDatum(spanne->Von);
-            ergebnis.Bis = Zeitspannen::AlsDatum(spanne->Bis);
+            ergebnis.Von = spanne->Von;
+            ergebnis.Bis = spanne->Bis;
             // A bar stands at the end of a span as often as at its beginning.
-            const Datum rand = EineSekunde / 4;
-            ergebnis.Kurse = ergebnis.Ergaenzt ? gesamt_.Anzahl(ergebnis.Von - rand, ergebnis.Bis + rand) : 0;
+            const Dauer rand = 250ms;
+            ergebnis.Kurse =
+                ergebnis.Ergaenzt ? gesamt_.Anzahl(DatumAus(ergebnis.Von - rand), DatumAus(ergebnis.Bis + rand)) : 0;
             ergebnisse.push_back(ergebnis);
         }
     };
@@ -72,10 +73,12 @@ std::string Datenpflegelauf::Fehlgrund(const Serie& serie) const {
 
 void Datenpflegelauf::BerichteOhneVerbindung() {
     Datenpflegeergebnis ergebnis;
-    ergebnis.Von = AutoDatenPflegeStart > 0 ? AutoDatenPflegeStart : Startdatum;
-    ergebnis.Bis = BackfillEndZeit > 0 ? BackfillEndZeit : Jetzt();
+    const std::optional<Zeitpunkt> von = AutoDatenPflegeStart ? AutoDatenPflegeStart : Startdatum;
+    if (!von) return;
+    ergebnis.Von = *von;
+    ergebnis.Bis = BackfillEndZeit.value_or(Jetzt());
     ergebnis.Grund = "keine Verbindung";
-    if (ergebnis.Von > 0 && ergebnis.Von < ergebnis.Bis) Melde(ergebnis);
+    if (ergebnis.Von < ergebnis.Bis) Melde(ergebnis);
 }
 
 void Datenpflegelauf::Melde(const Datenpflegeergebnis& ergebnis) {

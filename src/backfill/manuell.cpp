@@ -26,9 +26,9 @@ std::vector<std::string> Worte(const std::vector<std::string>& argumente) {
 
 enum class Wortart { Datum, Uhrzeit, Art, Unbekannt };
 
-Wortart ArtVon(const std::string& wort, Datum& wert) {
-    if (const auto datum = DatumAusText(wort)) {
-        wert = *datum;
+Wortart ArtVon(const std::string& wort, Zeitpunkt& wert) {
+    if (const auto zeit = ZeitpunktAusText(wort)) {
+        wert = *zeit;
         return wort.find(':') == std::string::npos ? Wortart::Datum : Wortart::Uhrzeit;
     }
     for (const auto* art : {"bezahlt", "geldbrief", "geld/brief", "rth"})
@@ -54,14 +54,14 @@ ManuelleEingabe Fehler(std::string text) {
 
 ManuelleEingabe LiesManuelleDatenpflege(const std::vector<std::string>& argumente) {
     ManuelleDatenpflege ergebnis;
-    std::vector<Datum> zeiten;
+    std::vector<Zeitpunkt> zeiten;
     bool nachDatum = false;  // the word before was a date: a time belongs to it
     for (const auto& wort : Worte(argumente)) {
-        Datum wert = 0;
+        Zeitpunkt wert;
         const Wortart art = ArtVon(wort, wert);
         if (art == Wortart::Unbekannt) return Fehler("Unbekannte Angabe: " + wort);
         if (art == Wortart::Uhrzeit && !nachDatum) return Fehler("Uhrzeit ohne Datum: " + wort);
-        if (art == Wortart::Uhrzeit) zeiten.back() += wert;
+        if (art == Wortart::Uhrzeit) zeiten.back() += wert - Tagesnull;
         if (art == Wortart::Datum) zeiten.push_back(wert);
         if (art == Wortart::Art) UebernimmArt(wort, ergebnis);
         nachDatum = art == Wortart::Datum;

@@ -1,12 +1,13 @@
 #include "backfill/planung.h"
 
 #include "backfill/prioritaet.h"
+#include "modul/einstellungstabelle.h"
+#include "platform/datum.h"
 #include "platform/laufmarke.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 namespace zek {
@@ -14,11 +15,11 @@ namespace {
 
 constexpr std::int16_t Startverzoegerung = 4;  // rounds of the start timer
 constexpr std::chrono::milliseconds Startintervall(1000);
-constexpr double HoechstesAlterTage = 7;
-constexpr double VorlaufMinuten = 3;
+constexpr std::chrono::days HoechstesAlter(7);
+constexpr Dauer Vorlauf = 3min;
 
-std::string Spanne(Datum von, Datum bis) {
-    return Datumtext(von) + " bis " + Datumtext(bis);
+std::string Spanne(std::optional<Zeitpunkt> von, Zeitpunkt bis) {
+    return Datumtext(von.value_or(Tagesnull)) + " bis " + Datumtext(bis);
 }
 
 }  // namespace
@@ -29,7 +30,7 @@ Datenpflegeplanung::Datenpflegeplanung(const Umgebung& umgebung) : um_(umgebung)
 
 // ---- automatic starts
 
-bool Datenpflegeplanung::StarteAutoBackfill(Datum zeitpunkt) {
+bool Datenpflegeplanung::StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt) {
     if (LaufSteht()) return false;
     bool ergebnis = false;
     bool luecke = true;
@@ -52,24 +53,25 @@ bool Datenpflegeplanung::StarteAutoBackfill(Datum zeitpunkt) {
 }
 
 // The span of an automatic run and its log text. False when no gap is known.
-bool Datenpflegeplanung::BestimmeLuecke(Datenpflegelauf& lauf, Datum zeitpunkt) {
+bool Datenpflegeplanung::BestimmeLuecke(Datenpflegelauf& lauf, std::optional<Zeitpunkt> zeitpunkt) {
     auto& schlange = um_.Lauf.Modul.Datenpflegewarteschlange;
     if (!schlange.empty()) {
-        std::tie(lauf.AutoDatenPflegeStart, lauf.BackfillEndZeit) = schlange.front();
+        const auto [von, bis] = schlange.front();
         schlange.pop_front();
-        startmeldung_ =
-            "Backfill aus Warteschlange von " + Spanne(lauf.AutoDatenPflegeStart, lauf.BackfillEndZeit) + " gestartet";
+        lauf.AutoDatenPflegeStart = von;
+        lauf.BackfillEndZeit = bis;
+        startmeldung_ = "Backfill aus Warteschlange von " + Spanne(von, bis) + " gestartet";
         return true;
     }
-    const Datum jetzt = um_.Lauf.Zeit.Jetzt();
-    if (zeitpunkt == 0) {
-        zeitpunkt = Zahlwert(um_.Ablage.Lies("Datenpflege", "IBLastEnd", "0"));
-        if (zeitpunkt == 0) return false;
-        zeitpunkt = std::max(zeitpunkt, jetzt - HoechstesAlterTage);
+    const Zeitpunkt jetzt = um_.Lauf.Zeit.Jetzt();
+    if (!zeitpunkt) {
+        zeitpunkt = EinstellungZeitpunkt(um_.Ablage.Lies("Datenpflege", "IBLastEnd", "0"));
+        if (!zeitpunkt) return false;
+        zeitpunkt = std::max<Zeitpunkt>(*zeitpunkt, jetzt - HoechstesAlter);
         um_.Lauf.Modul.LetzteDatenZeit = zeitpunkt;
     }
     // Right after midnight the step back would make the start a day older.
-    if (Zerlege(zeitpunkt).Stunde > 1) zeitpunkt -= Uhrzeit(0, 0, VorlaufMinuten * 60);
+    if (Tageszeit(*zeitpunkt) >= Tageszeit(2h)) *zeitpunkt -= Vorlauf;
     lauf.BackfillEndZeit = jetzt;
     lauf.AutoDatenPflegeStart = zeitpunkt;
     startmeldung_ = "Auto-Backfill von " + Spanne(zeitpunkt, jetzt) + " gestartet";
@@ -91,8 +93,8 @@ void Datenpflegeplanung::StartDatenpflegeZeitgeber() {
     const auto& modul = um_.Lauf.Modul;
     if (!um_.TwsVerbunden() || modul.Dialogsperre) return;
     startZeitgeber_->Stoppe();
-    StarteAutoBackfill(0);
-    if (!modul.Datenpflegewarteschlange.empty()) StarteAutoBackfill(0);
+    StarteAutoBackfill(std::nullopt);
+    if (!modul.Datenpflegewarteschlange.empty()) StarteAutoBackfill(std::nullopt);
 }
 
 // ---- manual starts
@@ -152,7 +154,7 @@ void Datenpflegeplanung::FuehreManuellAus(const Datenpflegewahl& wahl, const std
         lauf->KursGeldBrief = wahl.GeldBrief;
         lauf->useRTH = wahl.UseRTH;
         lauf->Startdatum = wahl.Start;
-        lauf->EndDatum = wahl.AktualBisAktuell ? 0 : wahl.Ende;
+        if (!wahl.AktualBisAktuell) lauf->EndDatum = wahl.Ende;
         lauf->IsManuelleDatenpflege = true;
         if (lauf->cAktualTitel.empty()) return;
         um_.Lauf.Status.Statusmeldung("Datenpflege aktiver Titel gestartet");
@@ -160,7 +162,7 @@ void Datenpflegeplanung::FuehreManuellAus(const Datenpflegewahl& wahl, const std
         um_.Lauf.Status.Statusmeldung("Datenpflege beendet");
     });
     FensterEntladen();
-    if (!um_.Lauf.Modul.Datenpflegewarteschlange.empty()) StarteAutoBackfill(0);
+    if (!um_.Lauf.Modul.Datenpflegewarteschlange.empty()) StarteAutoBackfill(std::nullopt);
 }
 
 // ---- the run and its window

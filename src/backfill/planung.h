@@ -31,13 +31,13 @@ public:
     Datenpflegeplanung(const Datenpflegeplanung&) = delete;
     Datenpflegeplanung& operator=(const Datenpflegeplanung&) = delete;
 
-    // An automatic run over the active titles: of the first waiting gap, or from `zeitpunkt` to now; 0 takes the
-    // stored end of the last session, at most seven days back. Returns when the run is over. True when a run was
+    // An automatic run over the active titles: of the first waiting gap, or from `zeitpunkt` to now; without one from
+    // the stored end of the last session, at most seven days back. Returns when the run is over. True when a run was
     // made or no title needed one; false when another run stands in the way or no gap is known.
     //
     // Wanted oddity: where no end of a last session is known the window stays, so that until the program ends every
     // further automatic start gives false and every manual one reports a run in progress.
-    bool StarteAutoBackfill(Datum zeitpunkt);
+    bool StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt);
 
     // The main window's manual start for all active titles; the kinds are decided per title.
     void DatenpflegeAktiveTitel();
@@ -67,7 +67,7 @@ private:
     };
 
     bool LaufSteht() const { return lauf_ != nullptr || um_.Lauf.Modul.DatenpflegeLaeuft; }
-    bool BestimmeLuecke(Datenpflegelauf& lauf, Datum zeitpunkt);
+    bool BestimmeLuecke(Datenpflegelauf& lauf, std::optional<Zeitpunkt> zeitpunkt);
     void StartDatenpflegeZeitgeber();
     void ManuellerStart(const std::string& ueberschrift, const std::vector<Titelzeiger>& quelle, Umfang umfang);
     bool AndererLaufGemeldet();

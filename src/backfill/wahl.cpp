@@ -1,16 +1,18 @@
 #include "backfill/wahl.h"
 
+#include "platform/datum.h"
 #include "platform/text.h"
-
-#include <cmath>
 
 namespace zek {
 namespace {
 
 constexpr std::string_view Abschnitt = "Datenpflege";
 constexpr int FeldBezahlt = 1, FeldGeldBrief = 2, FeldRTH = 4;
-constexpr double HoechstesAlterTage = 1825;
-constexpr double WarnalterTage = 7;
+using std::chrono::days;
+using std::chrono::seconds;
+
+constexpr days HoechstesAlter(1825);
+constexpr days Warnalter(7);
 
 // Day fractions are stored with the decimal comma; a point is understood as well.
 double LiesBruchteil(const std::string& text) {
@@ -20,16 +22,16 @@ double LiesBruchteil(const std::string& text) {
 
 }  // namespace
 
-Datenpflegewahl LiesDatenpflegewahl(Einstellungszugang& ablage, Datum jetzt) {
+Datenpflegewahl LiesDatenpflegewahl(Einstellungszugang& ablage, Zeitpunkt jetzt) {
     const auto lies = [&](std::string_view schluessel, std::string_view vorgabe) {
         return ablage.Lies(Abschnitt, schluessel, vorgabe);
     };
     Datenpflegewahl wahl;
-    const double uhrzeit = LiesBruchteil(lies("IBUhrzeit", "0"));
-    wahl.Start = GanzerTag(jetzt - Zahlwert(lies("IBStartTage", "0"))) + Tagesbruchteil(uhrzeit);
+    const Tageszeit uhrzeit(ZeitpunktAus(LiesBruchteil(lies("IBUhrzeit", "0"))));
+    wahl.Start = TagVon(jetzt - DauerAusTagen(Zahlwert(lies("IBStartTage", "0")))) + uhrzeit;
     wahl.AktualBisAktuell = Zahlwert(lies("IBAktualBisAktuell", "1")) != 0;
     wahl.Ende = jetzt;
-    if (wahl.AktualBisAktuell) wahl.Ende = DatumAusText(lies("IBEndDatum", "")).value_or(jetzt);
+    if (wahl.AktualBisAktuell) wahl.Ende = ZeitpunktAusText(lies("IBEndDatum", "")).value_or(jetzt);
     const int felder = static_cast<int>(Ganzzahl(lies("IBFelder", "1")).value_or(FeldBezahlt) & 7);
     wahl.Bezahlt = (felder & FeldBezahlt) != 0;
     wahl.GeldBrief = (felder & FeldGeldBrief) != 0;
@@ -37,31 +39,30 @@ Datenpflegewahl LiesDatenpflegewahl(Einstellungszugang& ablage, Datum jetzt) {
     return wahl;
 }
 
-void SpeichereDatenpflegewahl(Einstellungszugang& ablage, const Datenpflegewahl& wahl, Datum jetzt) {
+void SpeichereDatenpflegewahl(Einstellungszugang& ablage, const Datenpflegewahl& wahl, Zeitpunkt jetzt) {
     const int felder =
         (wahl.Bezahlt ? FeldBezahlt : 0) + (wahl.GeldBrief ? FeldGeldBrief : 0) + (wahl.UseRTH ? FeldRTH : 0);
-    const Kalender start = Zerlege(wahl.Start);
-    const double uhrzeit = Uhrzeit(start.Stunde, start.Minute, start.Sekunde);
-    ablage.Schreibe(Abschnitt, {{"IBStartTage", std::to_string(GanzeTage(wahl.Start, jetzt))},
-                                {"IBUhrzeit", Zahltext(uhrzeit)},
+    const Dauer uhrzeit = std::chrono::floor<seconds>(wahl.Start) - TagVon(wahl.Start);
+    ablage.Schreibe(Abschnitt, {{"IBStartTage", std::to_string(Grenzen<days>(wahl.Start, jetzt).count())},
+                                {"IBUhrzeit", Zahltext(AlsTage(uhrzeit))},
                                 {"IBEndDatum", Datumtext(wahl.Ende)},
                                 {"IBAktualBisAktuell", wahl.AktualBisAktuell ? "1" : "0"},
                                 {"IBFelder", std::to_string(felder)}});
 }
 
-std::optional<Beanstandung> NaechsteBeanstandung(const Datenpflegewahl& wahl, Datum jetzt,
+std::optional<Beanstandung> NaechsteBeanstandung(const Datenpflegewahl& wahl, Zeitpunkt jetzt,
                                                  bool langerZeitraumBestaetigt) {
-    const Datum heute = GanzerTag(jetzt);
-    if (GanzeSekunden(wahl.Start, jetzt) <= 0)
+    const Kalendertag heute = TagVon(jetzt);
+    if (Grenzen<seconds>(wahl.Start, jetzt) <= 0s)
         return Beanstandung{
             "Ungültiges Startdatum/Zeit! Geben Sie bitte ein Datum/Uhrzeit an, das in der Vergangenheit liegt."};
-    if (!wahl.AktualBisAktuell && GanzeSekunden(wahl.Start, wahl.Ende) <= 0)
+    if (!wahl.AktualBisAktuell && Grenzen<seconds>(wahl.Start, wahl.Ende) <= 0s)
         return Beanstandung{
             "Die 'Bis'-Einstellung des Zeitraums für die Aktualisierung ist nicht korrekt (muss nach dem "
             "Startzeitpunkt liegen)."};
-    if (wahl.Start < heute - HoechstesAlterTage)
+    if (wahl.Start < heute - HoechstesAlter)
         return Beanstandung{"Ungültiges Startdatum/Zeit! Das Startdatum darf höchstens 5 Jahre zurück liegen."};
-    if (wahl.Start < heute - WarnalterTage && !langerZeitraumBestaetigt)
+    if (wahl.Start < heute - Warnalter && !langerZeitraumBestaetigt)
         return Beanstandung{
             "Sie starten hiermit einer Datenpflege über mehr als sieben Tage. Beachten Sie, dass die Datenpflege über "
             "einen solchen Zeitraum lange Zeit dauert und dass es vom IB-Server abhängt, ab welchem Zeitpunkt Daten "
@@ -72,7 +73,7 @@ std::optional<Beanstandung> NaechsteBeanstandung(const Datenpflegewahl& wahl, Da
     return std::nullopt;
 }
 
-bool WahlBestaetigt(const Datenpflegewahl& wahl, Datum jetzt, Meldungen& meldungen) {
+bool WahlBestaetigt(const Datenpflegewahl& wahl, Zeitpunkt jetzt, Meldungen& meldungen) {
     bool bestaetigt = false;
     while (const auto beanstandung = NaechsteBeanstandung(wahl, jetzt, bestaetigt)) {
         const int flags = beanstandung->IstRueckfrage ? meldung::OkAbbrechen : meldung::Ok;

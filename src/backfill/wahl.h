@@ -2,7 +2,7 @@
 #pragma once
 
 #include "modul/rollen.h"
-#include "platform/datum.h"
+#include "platform/zeitpunkt.h"
 
 #include <optional>
 #include <string>
@@ -11,9 +11,9 @@
 namespace zek {
 
 struct Datenpflegewahl {
-    Datum Start = 0;               // date with time of day
+    Zeitpunkt Start{};             // date with time of day
     bool AktualBisAktuell = true;  // up to the present
-    Datum Ende = 0;                // date with time of day; counts only without AktualBisAktuell
+    Zeitpunkt Ende{};              // date with time of day; counts only without AktualBisAktuell
     bool Bezahlt = true;
     bool GeldBrief = false;
     bool UseRTH = false;  // regular trading hours only
@@ -35,9 +35,9 @@ public:
 
 // The last choice, as the dialog shows it at first. Wanted oddity: the stored end comes only with AktualBisAktuell,
 // where its fields are disabled; without it the end is the present.
-Datenpflegewahl LiesDatenpflegewahl(Einstellungszugang& ablage, Datum jetzt);
+Datenpflegewahl LiesDatenpflegewahl(Einstellungszugang& ablage, Zeitpunkt jetzt);
 // Stores a choice: "IBStartTage", "IBUhrzeit", "IBEndDatum", "IBAktualBisAktuell", "IBFelder" of "Datenpflege".
-void SpeichereDatenpflegewahl(Einstellungszugang& ablage, const Datenpflegewahl& wahl, Datum jetzt);
+void SpeichereDatenpflegewahl(Einstellungszugang& ablage, const Datenpflegewahl& wahl, Zeitpunkt jetzt);
 
 // What is wrong with a choice, in the system's own words.
 struct Beanstandung {
@@ -46,10 +46,10 @@ struct Beanstandung {
 };
 
 // The first objection, or none. `langerZeitraumBestaetigt`: the question about a long span has been answered with OK.
-std::optional<Beanstandung> NaechsteBeanstandung(const Datenpflegewahl& wahl, Datum jetzt,
+std::optional<Beanstandung> NaechsteBeanstandung(const Datenpflegewahl& wahl, Zeitpunkt jetzt,
                                                  bool langerZeitraumBestaetigt);
 
 // Goes through all objections, each shown to the user. False when one of them stands.
-bool WahlBestaetigt(const Datenpflegewahl& wahl, Datum jetzt, Meldungen& meldungen);
+bool WahlBestaetigt(const Datenpflegewahl& wahl, Zeitpunkt jetzt, Meldungen& meldungen);
 
 }  // namespace zek

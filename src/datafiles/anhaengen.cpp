@@ -3,6 +3,7 @@
 #include "datafiles/dateikopf.h"
 #include "datafiles/dateinamen.h"
 #include "datafiles/reparatur.h"
+#include "platform/datum.h"
 #include "platform/ohnefehler.h"
 
 #include <algorithm>
@@ -108,7 +109,7 @@ Datensatzschreiber::Datensatzschreiber(IBModul& modul, Dateisystem& dateien, Sta
       wissen_(dateien) {}
 
 void Datensatzschreiber::DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
-                                            bool kontodaten, Datum jetzt) noexcept {
+                                            bool kontodaten, Zeitpunkt jetzt) noexcept {
     Ausgang ausgang = Ausgang::Gescheitert;
     OhneFehler("Datensatz anhängen", [&] {
         try {
@@ -173,7 +174,7 @@ void Datensatzschreiber::Oeffne(clTitelobjekt& titel, std::int32_t kursart, bool
 }
 
 Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs,
-                                                          float volume, Datum jetzt) {
+                                                          float volume, Zeitpunkt jetzt) {
     std::int64_t groesse = datei_.FileSize().Bytes();
     if (groesse != 0 && !titel.KonsistenzGecheckt(kursart)) groesse = NachUnterbrochenerEinarbeitung(groesse);
     if (groesse == 0) {
@@ -185,7 +186,7 @@ Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, 
         groesse = Erstpruefung(titel, kursart, groesse);
     }
     Setze(datei_, groesse);
-    KursDatensatz satz{jetzt + titel.ZeitKorrektur, kurs, volume};
+    KursDatensatz satz{DatumAus(jetzt) + titel.ZeitKorrektur, kurs, volume};
     if (kursart == kursart::BAVolume) satz.Volume = vorzeichenVolumen_(titel);
     const std::int64_t geschrieben = Gelungen(datei_.Schreibe(std::as_bytes(std::span(&satz, 1))));
     if (geschrieben == DatensatzBytes) return Ausgang::Gespeichert;

@@ -37,13 +37,13 @@ public:
     // alone without a word. An error gives one line in the log and loses this record only. `kontodaten` sends the
     // record to the folder of account data, when one is set.
     void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool kontodaten,
-                            Datum jetzt) noexcept override;
+                            Zeitpunkt jetzt) noexcept override;
 
 private:
     void BildePfad(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten);
     void Oeffne(clTitelobjekt& titel, std::int32_t kursart, bool kontodaten);
     enum class Ausgang { Gespeichert, Gescheitert, Beschaedigt };
-    Ausgang Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt);
+    Ausgang Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Zeitpunkt jetzt);
     void Unterrichte(const clTitelobjekt& titel, std::int32_t kursart, Ausgang ausgang);
     std::int64_t NachUnterbrochenerEinarbeitung(std::int64_t groesse);
     std::int64_t Erstpruefung(clTitelobjekt& titel, std::int32_t kursart, std::int64_t groesse);

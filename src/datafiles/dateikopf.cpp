@@ -104,7 +104,7 @@ void ParameterErneuern(DatenDateikopf& kopf, const clTitelobjekt& titel) {
     SetzeFeld(kopf.Titelparameter, TitelparameterText(titel));
 }
 
-void SetzeLetztePflege(DatenDateikopf& kopf, Datum zeit) {
+void SetzeLetztePflege(DatenDateikopf& kopf, Zeitpunkt zeit) {
     SetzeFeld(kopf.LetztePflege, Felderstempel(zeit, '#'));
 }
 

@@ -97,7 +97,7 @@ std::string_view KursartName(std::int32_t kursart);
 // Sets Datenquelle and Titelparameter anew; the other fields stay.
 void ParameterErneuern(DatenDateikopf& kopf, const clTitelobjekt& titel);
 // Sets the time of the last merge.
-void SetzeLetztePflege(DatenDateikopf& kopf, Datum zeit);
+void SetzeLetztePflege(DatenDateikopf& kopf, Zeitpunkt zeit);
 
 // Writes the parameters of a title into the header of an existing file; records and other fields stay. A file that
 // is missing, shorter than a header or of another magic is left alone (false). Throws DateiFehler when it can't be

@@ -75,17 +75,14 @@ std::optional<KursDatensatz> Dateileser::Satz(std::int64_t nummer) {
 
 namespace {
 
-constexpr double Stunde = 1.0 / 24;
-
 // At the end of summer time the hour from 2 to 3 o'clock of October's last Sunday comes twice. The times of a title may
 // be corrected by up to a day; then a leap back by most of an hour is known by its length alone.
-bool IstUmstellung(double vorher, double danach) {
-    const int jahr = Zerlege(danach).Jahr;
-    const Datum letzter = DatumAus(jahr, 10, 31);
-    const double ab = letzter - Wochentag(letzter) % 7 + 2 * Stunde, bis = ab + Stunde;
+bool IstUmstellung(Zeitpunkt vorher, Zeitpunkt danach, std::chrono::year jahr) {
+    const Zeitpunkt ab = Kalendertag(jahr / std::chrono::October / std::chrono::Sunday[std::chrono::last]) + 2h;
+    const Zeitpunkt bis = ab + 1h;
     if (danach >= ab && vorher <= bis) return true;
-    const double sprung = vorher - danach;
-    return sprung >= Stunde / 2 && sprung <= Stunde && danach >= ab - 1 && danach <= bis + 1;
+    const Dauer sprung = vorher - danach;
+    return sprung >= 30min && sprung <= 1h && danach >= ab - 24h && danach <= bis + 24h;
 }
 
 // Follows the records of a file from the first to the last.
@@ -111,8 +108,9 @@ public:
 private:
     // Once a year the clock is set back.
     void NimmRuecksprung(double danach, std::int64_t nummer) {
-        const int jahr = Zerlege(danach).Jahr;
-        if (jahr != umgestelltIm_ && IstUmstellung(befund_.Letztes, danach)) {
+        const Zeitpunkt zeit = ZeitpunktAus(danach);
+        const auto jahr = std::chrono::year_month_day(TagVon(zeit)).year();
+        if (jahr != umgestelltIm_ && IstUmstellung(ZeitpunktAus(befund_.Letztes), zeit, jahr)) {
             umgestelltIm_ = jahr;
             return;
         }
@@ -121,7 +119,7 @@ private:
 
     Dateibefund& befund_;
     bool begonnen_ = false;
-    int umgestelltIm_ = 0;
+    std::chrono::year umgestelltIm_{};
 };
 
 }  // namespace

@@ -1,40 +1,37 @@
 #include "feed/aufzeichnung.h"
 
 #include "datafiles/kursart.h"
-#include "feed/zeitvergleich.h"
-#include "platform/datum.h"
 #include "platform/ohnefehler.h"
 
 namespace zek {
 
 namespace {
 
-constexpr int Samstag = 6;
-
-bool ImPausenfenster(const Einstellungen& einstellungen, Datum jetzt) {
-    const auto beginn = Tagesmillisekunde(einstellungen.KeineAufzeichungStart);
-    const auto ende = Tagesmillisekunde(einstellungen.KeineAufzeichungEnde);
+bool ImPausenfenster(const Einstellungen& einstellungen, Zeitpunkt jetzt) {
+    const Tageszeit beginn = einstellungen.KeineAufzeichungStart;
+    const Tageszeit ende = einstellungen.KeineAufzeichungEnde;
     if (beginn == ende) return false;
-    const auto zeit = Tagesmillisekunde(Tagesbruchteil(jetzt));
+    const Tageszeit zeit(jetzt);
     if (beginn < ende) return beginn <= zeit && zeit <= ende;
     return zeit >= beginn || zeit <= ende;  // the pause spans midnight
 }
 
 }  // namespace
 
-bool ZeitfensterAktiv(const Einstellungen& einstellungen, const clTitelobjekt& titel, Datum jetzt) {
+bool ZeitfensterAktiv(const Einstellungen& einstellungen, const clTitelobjekt& titel, Zeitpunkt jetzt) {
     return titel.AufzeichnungspauseVerwenden && ImPausenfenster(einstellungen, jetzt);
 }
 
-bool RuhezeitAktiv(const Einstellungen& einstellungen, Datum jetzt) {
-    if (Wochentag(jetzt) >= Samstag) return true;
+bool RuhezeitAktiv(const Einstellungen& einstellungen, Zeitpunkt jetzt) {
+    const std::chrono::weekday tag(TagVon(jetzt));
+    if (tag == std::chrono::Saturday || tag == std::chrono::Sunday) return true;
     return einstellungen.KursAufzeichnungDeaktivieren && ImPausenfenster(einstellungen, jetzt);
 }
 
 Aufzeichnung::Aufzeichnung(IBModul& modul, Monitorausgabe& monitor, Datensatzablage& ablage)
     : modul_(modul), monitor_(monitor), ablage_(ablage) {}
 
-void Aufzeichnung::BezahltSchreiben(clTitelobjekt& titel, Datum jetzt) {
+void Aufzeichnung::BezahltSchreiben(clTitelobjekt& titel, Zeitpunkt jetzt) {
     modul_.LetzteDatenZeit = jetzt;
     if (modul_.Einstellungen.IBBezahlt && titel.LastVol == 0) return;
     if (!Angenommen(titel, kursart::Bezahlt, titel.LastPrice, titel.LastVol, jetzt)) return;
@@ -42,25 +39,27 @@ void Aufzeichnung::BezahltSchreiben(clTitelobjekt& titel, Datum jetzt) {
     Anhaengen(titel, kursart::Bezahlt, titel.LastPrice, titel.LastVol, jetzt);
 }
 
-void Aufzeichnung::BriefSchreiben(clTitelobjekt& titel, Datum jetzt) {
+void Aufzeichnung::BriefSchreiben(clTitelobjekt& titel, Zeitpunkt jetzt) {
     modul_.LetzteDatenZeit = jetzt;
     if (modul_.Einstellungen.IBAndere && titel.AskVol == 0) return;
     if (!Angenommen(titel, kursart::Brief, titel.AskPrice, titel.AskVol, jetzt)) return;
     Anhaengen(titel, kursart::Brief, titel.AskPrice, titel.AskVol, jetzt);
 }
 
-void Aufzeichnung::GeldSchreiben(clTitelobjekt& titel, Datum jetzt) {
+void Aufzeichnung::GeldSchreiben(clTitelobjekt& titel, Zeitpunkt jetzt) {
     modul_.LetzteDatenZeit = jetzt;
     if (modul_.Einstellungen.IBAndere && titel.BidVol == 0) return;
     if (!Angenommen(titel, kursart::Geld, titel.BidPrice, titel.BidVol, jetzt)) return;
     Anhaengen(titel, kursart::Geld, titel.BidPrice, titel.BidVol, jetzt);
 }
 
-void Aufzeichnung::TiefeSchreiben(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt) {
+void Aufzeichnung::TiefeSchreiben(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
+                                  Zeitpunkt jetzt) {
     if (Angenommen(titel, kursart, kurs, volume, jetzt)) Anhaengen(titel, kursart, kurs, volume, jetzt);
 }
 
-bool Aufzeichnung::Angenommen(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt) {
+bool Aufzeichnung::Angenommen(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
+                              Zeitpunkt jetzt) {
     const bool verworfen = ZeitfensterAktiv(modul_.Einstellungen, titel, jetzt);
     OhneFehler("Eintrag des Monitors", [&] { monitor_.Protokolleintrag(titel, kursart, kurs, volume, verworfen); });
     if (verworfen) return false;
@@ -68,7 +67,7 @@ bool Aufzeichnung::Angenommen(const clTitelobjekt& titel, std::int32_t kursart, 
     return true;
 }
 
-void Aufzeichnung::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum jetzt) {
+void Aufzeichnung::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Zeitpunkt jetzt) {
     ablage_.DatensatzAnhaengen(titel, kursart, kurs, volume, false, jetzt);
 }
 

@@ -17,7 +17,6 @@
 //   vertragsfragen     trading hours, from the contract details of the titles
 //   kontodaten         account values and positions, straight to the append
 //   einfach            numbers of the wire as the singles of the records
-//   zeitvergleich      times of day, compared to the millisecond
 //
 // `Feed` puts them together.
 #pragma once

@@ -1,7 +1,6 @@
 #include "feed/tickannahme.h"
 
 #include "feed/einfach.h"
-#include "feed/zeitvergleich.h"
 #include "platform/datum.h"
 
 #include <cmath>
@@ -35,7 +34,7 @@ Kursfelder Geldfelder(clTitelobjekt& t) {
     return {t.NewBid, t.BidPrice, t.VorigerBid, t.BidVol, t.LastBidTimer, t.LastBidVolTimer};
 }
 
-void NeuerKurs(Kursfelder felder, double price, Datum jetzt) {
+void NeuerKurs(Kursfelder felder, double price, Zeitpunkt jetzt) {
     if (felder.Price != KeinWert)
         felder.Voriger = felder.Price;
     else
@@ -46,7 +45,7 @@ void NeuerKurs(Kursfelder felder, double price, Datum jetzt) {
 }
 
 // A size that repeats right behind a price tick and its first size. It disarms the test for the next one.
-bool IstEcho(Kursfelder felder, double size, Datum jetzt) {
+bool IstEcho(Kursfelder felder, double size, Zeitpunkt jetzt) {
     const float timer = Uhr::TimerAus(jetzt);
     const bool echo = felder.New && timer <= static_cast<float>(felder.VolTimer) + EchoNachVolumen &&
                       timer <= static_cast<float>(felder.PriceTimer) + EchoNachKurs && AlsEinfach(size) == felder.Vol;
@@ -54,7 +53,7 @@ bool IstEcho(Kursfelder felder, double size, Datum jetzt) {
     return echo;
 }
 
-void NeuesVolumen(Kursfelder felder, double size, Datum jetzt) {
+void NeuesVolumen(Kursfelder felder, double size, Zeitpunkt jetzt) {
     SetzeEinfach(felder.Vol, size);
     felder.VolTimer = Uhr::TimerAus(jetzt);
 }
@@ -63,19 +62,19 @@ bool KursGueltig(const clTitelobjekt& titel, float kurs) {
     return titel.NegativeWerteErlaubt ? kurs != KeinWert : kurs > 0;
 }
 
-bool StartzeitErreicht(const clTitelobjekt& titel, Datum jetzt) {
-    return Tagesmillisekunde(Tagesbruchteil(jetzt) + titel.ZeitKorrektur) >= Tagesmillisekunde(titel.StartZeit);
+bool StartzeitErreicht(const clTitelobjekt& titel, Zeitpunkt jetzt) {
+    return jetzt - TagVon(jetzt) + DauerAusTagen(titel.ZeitKorrektur) >= DauerAusTagen(titel.StartZeit);
 }
 
-bool GeldBriefGewuenscht(const clTitelobjekt& titel, Datum jetzt) {
+bool GeldBriefGewuenscht(const clTitelobjekt& titel, Zeitpunkt jetzt) {
     if (!titel.BidAsk) return false;
-    return !titel.TitelBidAskWartetaufLast || titel.LastPriceDate == GanzerTag(jetzt);
+    return !titel.TitelBidAskWartetaufLast || titel.LastPriceDate == TagVon(jetzt);
 }
 
 // Shows that the title's own stream stands, whatever became of the tick.
-void MerkeKurs(clTitelobjekt& titel, Datum jetzt) {
+void MerkeKurs(clTitelobjekt& titel, Zeitpunkt jetzt) {
     titel.LetzterKursZeitpunkt = jetzt;
-    if (titel.ErsterKursZeitpunkt == 0) titel.ErsterKursZeitpunkt = jetzt;
+    if (!titel.ErsterKursZeitpunkt) titel.ErsterKursZeitpunkt = jetzt;
 }
 
 // The size between two totals. A large total leaves the last digits of its decimals inexact: the shortest decimal that
@@ -96,18 +95,18 @@ Tickannahme::Tickannahme(IBModul& modul, const Uhr& uhr, Aufzeichnung& aufzeichn
     : modul_(modul), uhr_(uhr), aufzeichnung_(aufzeichnung) {}
 
 // Every event counts as life of the stream, also one of an unknown id or an ignored type.
-clTitelobjekt* Tickannahme::Empfange(int id, Datum& jetzt) {
+clTitelobjekt* Tickannahme::Empfange(int id, Zeitpunkt& jetzt) {
     clTitelobjekt* const titel = modul_.Titelliste.Finde(id);
     if (titel) titel->HoleVor();
     jetzt = uhr_.Jetzt();
     if (titel) titel->HoleNamenVor();
     modul_.LetzterKursZeitpunkt = jetzt;
-    if (modul_.ErsterKursZeitpunkt == 0) modul_.ErsterKursZeitpunkt = jetzt;
+    if (!modul_.ErsterKursZeitpunkt) modul_.ErsterKursZeitpunkt = jetzt;
     return titel;
 }
 
 void Tickannahme::tickPrice(int id, int tickType, double price) {
-    Datum jetzt = 0;
+    Zeitpunkt jetzt;
     clTitelobjekt* const titel = Empfange(id, jetzt);
     if (!titel) return;
     switch (tickType) {
@@ -119,7 +118,7 @@ void Tickannahme::tickPrice(int id, int tickType, double price) {
             break;
         case ticktyp::Bezahlt:
             NeuerKurs(Bezahltfelder(*titel), price, jetzt);
-            titel->LastPriceDate = GanzerTag(jetzt);
+            titel->LastPriceDate = TagVon(jetzt);
             break;
         default:
             return;
@@ -128,7 +127,7 @@ void Tickannahme::tickPrice(int id, int tickType, double price) {
 }
 
 void Tickannahme::tickSize(int id, int tickType, double size) {
-    Datum jetzt = 0;
+    Zeitpunkt jetzt;
     clTitelobjekt* const titel = Empfange(id, jetzt);
     if (!titel) return;
     switch (tickType) {
@@ -150,7 +149,7 @@ void Tickannahme::tickSize(int id, int tickType, double size) {
     MerkeKurs(*titel, jetzt);
 }
 
-void Tickannahme::Geldregel(clTitelobjekt& titel, double size, Datum jetzt) {
+void Tickannahme::Geldregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt) {
     const Kursfelder felder = Geldfelder(titel);
     if (!GeldBriefGewuenscht(titel, jetzt) || IstEcho(felder, size, jetzt)) return;
     NeuesVolumen(felder, size, jetzt);
@@ -159,7 +158,7 @@ void Tickannahme::Geldregel(clTitelobjekt& titel, double size, Datum jetzt) {
     modul_.LetzteDatenZeit = jetzt;
 }
 
-void Tickannahme::Briefregel(clTitelobjekt& titel, double size, Datum jetzt) {
+void Tickannahme::Briefregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt) {
     const Kursfelder felder = Brieffelder(titel);
     if (!GeldBriefGewuenscht(titel, jetzt) || IstEcho(felder, size, jetzt)) return;
     NeuesVolumen(felder, size, jetzt);
@@ -168,7 +167,7 @@ void Tickannahme::Briefregel(clTitelobjekt& titel, double size, Datum jetzt) {
     modul_.LetzteDatenZeit = jetzt;
 }
 
-void Tickannahme::Bezahltregel(clTitelobjekt& titel, double size, Datum jetzt) {
+void Tickannahme::Bezahltregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt) {
     const Kursfelder felder = Bezahltfelder(titel);
     if (IstEcho(felder, size, jetzt)) return;
     NeuesVolumen(felder, size, jetzt);
@@ -180,7 +179,7 @@ void Tickannahme::Bezahltregel(clTitelobjekt& titel, double size, Datum jetzt) {
 
 // A trade's size is the difference of two totals. A total that didn't grow, or fell as at a new trading day, only
 // sets the base.
-void Tickannahme::Gesamtvolumenregel(clTitelobjekt& titel, double size, Datum jetzt) {
+void Tickannahme::Gesamtvolumenregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt) {
     if (!modul_.Einstellungen.UseGesamtvolumen || titel.DontUseGesamtVol) return;
     titel.UseGesamtVol = true;
     if (size == 0 || std::isnan(size)) return;

@@ -28,11 +28,11 @@ public:
     void tickString(int, int, std::string_view) {}
 
 private:
-    clTitelobjekt* Empfange(int id, Datum& jetzt);
-    void Geldregel(clTitelobjekt& titel, double size, Datum jetzt);
-    void Briefregel(clTitelobjekt& titel, double size, Datum jetzt);
-    void Bezahltregel(clTitelobjekt& titel, double size, Datum jetzt);
-    void Gesamtvolumenregel(clTitelobjekt& titel, double size, Datum jetzt);
+    clTitelobjekt* Empfange(int id, Zeitpunkt& jetzt);
+    void Geldregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt);
+    void Briefregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt);
+    void Bezahltregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt);
+    void Gesamtvolumenregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt);
 
     IBModul& modul_;
     const Uhr& uhr_;

@@ -132,8 +132,8 @@ void Verbindung::VerbindungWiederhergestellt() {
     OhneFehler("Offlinewarnung nach der Rückkehr verbergen", [&] { anzeige_.VerbergeOfflinewarnung(); });
     if (!modul_.Offline) return;
     modul_.Offline = false;
-    const Datum jetzt = uhr_.Jetzt();
-    const bool luecke = modul_.LetzteDatenZeit > 0 && jetzt > modul_.LetzteDatenZeit + EineSekunde;
+    const Zeitpunkt jetzt = uhr_.Jetzt();
+    const bool luecke = modul_.LetzteDatenZeit && jetzt > *modul_.LetzteDatenZeit + 1s;
     if (!luecke || !modul_.Einstellungen.AutoDatenpflege) return;
     Melde("Verbindung wiederhergestellt - Datenpflege wartet bis zu drei Sekunden auf Marktdaten-Farm-Aktivierung");
     modul_.FarmAktiv = false;

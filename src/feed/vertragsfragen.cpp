@@ -4,30 +4,31 @@
 #include "platform/ohnefehler.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace zek {
 
 namespace {
 
 // Subscriptions come first.
-constexpr Datum Anlauf = 60 * EineSekunde;
-constexpr Datum Geduld = 10 * EineSekunde;
+using Halbtage = std::chrono::duration<int, std::ratio<12 * 3600>>;
+
+constexpr Dauer Anlauf = 60s;
+constexpr Dauer Geduld = 10s;
 // Titles that one pass looks at, so that it costs the ticks nothing when there are thousands.
 constexpr std::size_t HoechstensJeDurchlauf = 64;
 
 }  // namespace
 
 void Vertragsfragen::Durchlauf() {
-    const Datum jetzt = uhr_.Jetzt();
+    const Zeitpunkt jetzt = uhr_.Jetzt();
     if (!modul_.TWSVerbunden || modul_.Offline || wache_ == nullptr) {
-        verbundenSeit_ = 0;
+        verbundenSeit_.reset();
         titel_ = 0;
         return;
     }
-    if (verbundenSeit_ == 0 || jetzt < verbundenSeit_) verbundenSeit_ = jetzt;
-    if (jetzt - verbundenSeit_ < Anlauf) return;
-    if (titel_ != 0 && std::fabs(jetzt - gefragtUm_) < Geduld) return;
+    if (!verbundenSeit_ || jetzt < *verbundenSeit_) verbundenSeit_ = jetzt;
+    if (jetzt - *verbundenSeit_ < Anlauf) return;
+    if (titel_ != 0 && std::chrono::abs(jetzt - gefragtUm_) <= Geduld) return;
     titel_ = 0;
     const std::size_t anzahl = modul_.Titelliste.Anzahl();
     for (std::size_t i = 0; i < std::min(anzahl, HoechstensJeDurchlauf); ++i) {
@@ -36,10 +37,11 @@ void Vertragsfragen::Durchlauf() {
     }
 }
 
-bool Vertragsfragen::Frage(const clTitelobjekt& titel, Datum jetzt) {
-    const double halbtag = std::floor(jetzt * 2);
-    const auto [ort, neu] = gefragt_.try_emplace(titel.id, 0);
-    if (!titel.Aktiv() || ort->second == halbtag) return false;
+bool Vertragsfragen::Frage(const clTitelobjekt& titel, Zeitpunkt jetzt) {
+    if (!titel.Aktiv()) return false;
+    const auto halbtag = std::chrono::floor<Halbtage>(jetzt);
+    const auto [ort, neu] = gefragt_.try_emplace(titel.id, halbtag);
+    if (!neu && ort->second == halbtag) return false;
     ort->second = halbtag;
     titel_ = titel.id;
     gefragtUm_ = jetzt;

@@ -9,6 +9,7 @@
 #include "platform/uhr.h"
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 
@@ -32,18 +33,18 @@ public:
     void Ende(int id);
 
 private:
-    bool Frage(const clTitelobjekt& titel, Datum jetzt);
+    bool Frage(const clTitelobjekt& titel, Zeitpunkt jetzt);
 
     IBModul& modul_;
     IBControl& control_;
     const Uhr& uhr_;
     Stromwache* wache_;
-    std::unordered_map<std::int32_t, double> gefragt_;  // by title: the half day
-    std::size_t naechster_ = 0;                         // place in the list
-    int nummer_ = ErsteNummer;                          // of the open request
-    std::int32_t titel_ = 0;                            // its title; 0 for none
-    Datum gefragtUm_ = 0;
-    Datum verbundenSeit_ = 0;  // 0 while there is no connection
+    std::unordered_map<std::int32_t, Zeitpunkt> gefragt_;  // by title: the half day
+    std::size_t naechster_ = 0;                            // place in the list
+    int nummer_ = ErsteNummer;                             // of the open request
+    std::int32_t titel_ = 0;                               // its title; 0 for none
+    Zeitpunkt gefragtUm_;
+    std::optional<Zeitpunkt> verbundenSeit_;
 };
 
 }  // namespace zek

@@ -16,11 +16,11 @@ namespace zek {
 
 struct Aufzeichnungsweise {
     Artmenge Arten = 0;
-    Zeit Zeitkorrektur = 0;  // added to the time stamps of the title's records
-    Zeit Startzeit = 0;      // time of day of a corrected time stamp from which on records are kept
+    std::chrono::milliseconds Zeitkorrektur{};  // added to the time stamps of the title's records
+    std::chrono::milliseconds Startzeit{};      // time of day of a corrected time stamp from which on records are kept
 
     // The time of day on the recorder's clock before which nothing is recorded; 0 for none.
-    Zeit Ruhe() const;
+    std::chrono::milliseconds Ruhe() const;
     friend bool operator==(const Aufzeichnungsweise&, const Aufzeichnungsweise&) = default;
 };
 

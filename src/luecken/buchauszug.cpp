@@ -13,7 +13,7 @@ namespace zek {
 namespace {
 
 // What belongs to a day may have been written a little before it: a clock that was set back.
-constexpr Zeit Vorlauf = Zeitspannen::MillisekundenProTag;
+constexpr std::chrono::days Vorlauf(1);
 
 }  // namespace
 
@@ -106,11 +106,10 @@ Buchauszug LiesBuchauszug(Dateisystem& dateien, const std::string& datenordner, 
         buch, [&](const Buchdatei& d) { return d.Ende + Vorlauf <= rahmen.Von || d.Beginn >= rahmen.Bis; });
     if (teilweise) stand = GespeicherterZwischenstand(dateien, ordner, buch);
     if (stand) {
-        if (stand->Beginn != 0) auszug.Beginn = stand->Beginn;
+        if (stand->Beginn != KeineZeit) auszug.Beginn = stand->Beginn;
         auszug.Letzte = stand->Letzte;
         for (const Lueckenzeile& zeile : stand->Offen.Alle())
-            auszug.Nimm({Zeitspannen::Aus(zeile.Von), Zeitspannen::Aus(zeile.Von), true, zeile.Titel, zeile.Ursache,
-                         zeile.Ergaenzung});
+            auszug.Nimm({zeile.Von, zeile.Von, true, zeile.Titel, zeile.Ursache, zeile.Ergaenzung});
     }
     for (const Buchdatei& datei : buch) {
         std::int64_t ab = 0;

@@ -8,7 +8,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <limits>
 #include <map>
 #include <span>
 #include <string>
@@ -35,14 +34,14 @@ private:
 };
 
 struct Buchzeile {
-    Zeit Von = 0;
-    Zeit Bis = 0;  // of an open line: the end of all time
+    Zeit Von = KeineZeit;
+    Zeit Bis = KeineZeit;  // of an open line: the end of all time
     std::uint32_t Titel = 0;
     std::uint32_t Ursache = 0;
     std::uint32_t Ergaenzung = 0;
     bool IstErgaenzt = false;  // a backfill that brought all
 
-    static constexpr Zeit OhneEnde = std::numeric_limits<Zeit>::max();
+    static constexpr Zeit OhneEnde = TagAus(10000, 1, 1);  // behind all that a line can name
     bool IstOffen() const { return Bis == OhneEnde; }
     friend bool operator==(const Buchzeile&, const Buchzeile&) = default;
 };
@@ -51,7 +50,7 @@ class Buchauszug {
 public:
     // Number of all titles together; the others follow, by base name without regard to letter case.
     static constexpr std::uint32_t Alle = 0;
-    static constexpr Zeit Anlaufzeit = 120000;
+    static constexpr std::chrono::milliseconds Anlaufzeit = 2min;
 
     // Lines that don't touch the span, and open ones that turn out to have an end, aren't kept.
     explicit Buchauszug(Zeitspanne rahmen);
@@ -83,10 +82,10 @@ public:
     const std::string& Ergaenzungstext(std::uint32_t nummer) const { return ergaenzungen_.Text(nummer); }
 
     // Of the whole book, as far as it was read.
-    Zeit Beginn = Buchzeile::OhneEnde;               // the earliest line but those of backfills
-    Zeit ErsteAngabe = Buchzeile::OhneEnde;          // the earliest line that says that a title is active
-    Zeit Letzte = std::numeric_limits<Zeit>::min();  // the last moment that a line names
-    std::size_t Vorzeitige = 0;                      // lines that begin before all recording
+    Zeit Beginn = Buchzeile::OhneEnde;       // the earliest line but those of backfills
+    Zeit ErsteAngabe = Buchzeile::OhneEnde;  // the earliest line that says that a title is active
+    Zeit Letzte = KeineZeit;                 // the last moment that a line names
+    std::size_t Vorzeitige = 0;              // lines that begin before all recording
     std::int64_t Bytes = 0;
     bool Lesbar = true;
 

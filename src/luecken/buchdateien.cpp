@@ -1,7 +1,6 @@
 #include "luecken/buchdateien.h"
 
 #include "luecken/lueckenbuch.h"
-#include "platform/datum.h"
 
 #include <algorithm>
 #include <iterator>
@@ -37,9 +36,7 @@ std::optional<Buchdatei> BuchdateiMitNamen(const std::string& name) {
     const int jahr = Zahl(text.substr(0, 4)), mm = Zahl(text.substr(5, 2));
     const int tag = monat ? 1 : Zahl(text.substr(8, 2));
     if (jahr < 100 || mm < 1 || mm > 12 || tag < 1 || tag > 31) return std::nullopt;
-    const Datum beginn = DatumAus(jahr, mm, tag);
-    const Datum ende = monat ? DatumAus(jahr, mm + 1, 1) : beginn + 1;
-    return Buchdatei{name, Zeitspannen::Aus(beginn), Zeitspannen::Aus(ende), monat};
+    return Buchdatei{name, TagAus(jahr, mm, tag), monat ? TagAus(jahr, mm + 1, 1) : TagAus(jahr, mm, tag + 1), monat};
 }
 
 std::vector<Buchdatei> Buchdateien(Dateisystem& dateien, const std::string& ordner) {

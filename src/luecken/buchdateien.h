@@ -16,8 +16,8 @@ namespace zek {
 // A file of one day, or of a month of the past.
 struct Buchdatei {
     std::string Name;
-    Zeit Beginn = 0;  // the first moment at which a line of it may have been written
-    Zeit Ende = 0;    // behind the last one
+    Zeit Beginn = KeineZeit;  // the first moment at which a line of it may have been written
+    Zeit Ende = KeineZeit;    // behind the last one
     bool IstMonat = false;
 };
 

@@ -10,40 +10,40 @@ namespace {
 
 constexpr std::array<std::string_view, 7> Tagnamen{"Mo", "Di", "Mi", "Do", "Fr", "Sa", "So"};
 constexpr std::string_view NieOffen = "nie";
-constexpr Zeit Tag = Zeitspannen::MillisekundenProTag, Stunde = Tag / 24, Minute = Stunde / 60;
-constexpr Zeit ErsterMontag = 2 * Tag;  // 1900-01-01
+using std::chrono::days;
+using std::chrono::minutes;
 
 // "Mo 09:00", or the time alone; `tag` is then left as it is.
-bool LiesZeitpunkt(std::string_view text, std::optional<Zeit>& tag, Zeit& uhrzeit) {
+bool LiesZeitpunkt(std::string_view text, std::optional<days>& tag, minutes& uhrzeit) {
     text = Getrimmt(text);
     for (std::size_t i = 0; i < Tagnamen.size(); ++i) {
         if (!text.starts_with(Tagnamen[i])) continue;
-        tag = static_cast<Zeit>(i);
+        tag = days(i);
         text = Getrimmt(text.substr(Tagnamen[i].size()));
         break;
     }
     const auto ziffer = [&](std::size_t stelle) { return text[stelle] >= '0' && text[stelle] <= '9'; };
     if (text.size() != 5 || text[2] != ':' || !ziffer(0) || !ziffer(1) || !ziffer(3) || !ziffer(4)) return false;
-    const Zeit stunde = (text[0] - '0') * 10 + (text[1] - '0'), minute = (text[3] - '0') * 10 + (text[4] - '0');
-    uhrzeit = stunde * Stunde + minute * Minute;
-    return minute < 60 && uhrzeit <= Tag;
+    const minutes minute((text[3] - '0') * 10 + (text[4] - '0'));
+    uhrzeit = std::chrono::hours((text[0] - '0') * 10 + (text[1] - '0')) + minute;
+    return minute < 1h && uhrzeit <= days(1);
 }
 
 std::optional<Zeitspanne> LiesSitzung(std::string_view text) {
     const std::size_t strich = text.find('-');
     if (strich == std::string_view::npos) return std::nullopt;
-    std::optional<Zeit> tag, endtag;
-    Zeit von = 0, bis = 0;
+    std::optional<days> tag, endtag;
+    minutes von{}, bis{};
     if (!LiesZeitpunkt(text.substr(0, strich), tag, von) || !tag) return std::nullopt;
     if (!LiesZeitpunkt(text.substr(strich + 1), endtag, bis)) return std::nullopt;
-    von += *tag * Tag;
-    bis += endtag.value_or(*tag) * Tag;
-    if (bis <= von) bis += endtag ? Handelszeiten::Wochenlaenge : Tag;
-    return Zeitspanne{von, bis};
+    von += *tag;
+    bis += endtag.value_or(*tag);
+    if (bis <= von) bis += endtag ? Handelszeiten::Wochenlaenge : days(1);
+    return Zeitspanne{Handelszeiten::Montag + von, Handelszeiten::Montag + bis};
 }
 
-std::string Uhrzeittext(Zeit uhrzeit) {
-    const std::string minuten = std::to_string(uhrzeit / Minute % 60), stunden = std::to_string(uhrzeit / Stunde);
+std::string Uhrzeittext(std::chrono::milliseconds uhrzeit) {
+    const std::string minuten = std::to_string(uhrzeit % 1h / 1min), stunden = std::to_string(uhrzeit / 1h);
     return (stunden.size() < 2 ? "0" : "") + stunden + ":" + (minuten.size() < 2 ? "0" : "") + minuten;
 }
 
@@ -51,8 +51,9 @@ std::string Uhrzeittext(Zeit uhrzeit) {
 
 Handelszeiten::Handelszeiten(const Zeitspannen& woche) {
     for (const Zeitspanne& s : woche.Alle()) {
-        offen_.Fuege(s.Von, std::min(s.Bis, Wochenlaenge));
-        if (s.Bis > Wochenlaenge) offen_.Fuege(0, std::min(s.Bis - Wochenlaenge, Wochenlaenge));
+        constexpr Zeit Ende = Montag + Wochenlaenge;
+        offen_.Fuege(s.Von, std::min(s.Bis, Ende));
+        if (s.Bis > Ende) offen_.Fuege(Montag, std::min(s.Bis - Wochenlaenge, Ende));
     }
 }
 
@@ -68,19 +69,19 @@ std::optional<Handelszeiten> Handelszeiten::Aus(std::string_view text) {
 }
 
 const Handelszeiten& Handelszeiten::Uebliche(std::string_view basisname) {
-    static const Handelszeiten werktags{Zeitspannen(0, 5 * Tag)};
-    static const Handelszeiten devisen{Zeitspannen(6 * Tag + 23 * Stunde, 11 * Tag + 23 * Stunde)};
+    static const Handelszeiten werktags{Zeitspannen(Montag, Montag + days(5))};
+    static const Handelszeiten devisen{Zeitspannen(Montag + days(6) + 23h, Montag + days(11) + 23h)};
     return Kleinbuchstaben(basisname).find("_cash_") == std::string::npos ? werktags : devisen;
 }
 
 std::string Handelszeiten::Text() const {
     std::string text;
     for (const Zeitspanne& s : offen_.Alle()) {
-        const Zeit tag = s.Von / Tag, endtag = (s.Bis - 1) / Tag;
-        text.append(text.empty() ? "" : ", ").append(Tagnamen[static_cast<std::size_t>(tag)]);
-        text += " " + Uhrzeittext(s.Von % Tag) + "-";
-        if (endtag != tag) text.append(Tagnamen[static_cast<std::size_t>(endtag)]).append(" ");
-        text += Uhrzeittext(s.Bis - endtag * Tag);
+        const Kalendertag tag = TagVon(s.Von), endtag = TagVon(s.Bis - 1ms);
+        text.append(text.empty() ? "" : ", ").append(Tagnamen[static_cast<std::size_t>((tag - Montag).count())]);
+        text += " " + Uhrzeittext(s.Von - tag) + "-";
+        if (endtag != tag) text.append(Tagnamen[static_cast<std::size_t>((endtag - Montag).count())]).append(" ");
+        text += Uhrzeittext(s.Bis - endtag);
     }
     return text.empty() ? std::string(NieOffen) : text;
 }
@@ -88,13 +89,13 @@ std::string Handelszeiten::Text() const {
 Zeitspannen Handelszeiten::Ruhe(Zeit von, Zeit bis) const {
     if (von >= bis) return {};
     std::vector<Zeitspanne> ruhe;
-    const Zeit imVon = von - ErsterMontag;
-    const Zeit rest = ((imVon % Wochenlaenge) + Wochenlaenge) % Wochenlaenge;
+    const Kalendertag tag = TagVon(von);
     Zeit ab = von;
-    for (Zeit montag = von - rest; montag < bis; montag += Wochenlaenge)
+    for (Kalendertag montag = tag - (std::chrono::weekday(tag) - std::chrono::Monday); montag < bis;
+         montag += Wochenlaenge)
         for (const Zeitspanne& s : offen_.Alle()) {
-            ruhe.push_back({ab, std::min(montag + s.Von, bis)});
-            ab = std::max(ab, montag + s.Bis);
+            ruhe.push_back({ab, std::min(s.Von + (montag - Montag), bis)});
+            ab = std::max(ab, s.Bis + (montag - Montag));
         }
     ruhe.push_back({ab, bis});
     return Zeitspannen(std::move(ruhe));

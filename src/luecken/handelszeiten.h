@@ -16,9 +16,11 @@ namespace zek {
 
 class Handelszeiten {
 public:
-    static constexpr Zeit Wochenlaenge = 7 * Zeitspannen::MillisekundenProTag;
+    // The week that stands for all: from this Monday on.
+    static constexpr Kalendertag Montag = TagAus(1900, 1, 1);
+    static constexpr std::chrono::days Wochenlaenge{7};
 
-    // Spans from Monday 00:00 on; one that reaches beyond Sunday goes on at the week's beginning.
+    // Spans of that week; one that reaches beyond its Sunday goes on at its beginning.
     explicit Handelszeiten(const Zeitspannen& woche);
     static std::optional<Handelszeiten> Aus(std::string_view text);
     // Of a title of which nothing better is known: from Monday to Friday, currencies from Sunday evening on.
@@ -31,7 +33,7 @@ public:
     friend bool operator==(const Handelszeiten&, const Handelszeiten&) = default;
 
 private:
-    Zeitspannen offen_;  // in [0, Wochenlaenge)
+    Zeitspannen offen_;  // in [Montag, Montag + Wochenlaenge)
 };
 
 }  // namespace zek

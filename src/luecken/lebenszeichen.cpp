@@ -15,8 +15,8 @@ constexpr std::size_t Hoechstlaenge = 200;
 }  // namespace
 
 std::string Lebenszeichentext(const Lebenszeichen& zeichen) {
-    std::string text = Lueckenzeittext(Zeitspannen::AlsDatum(zeichen.Moment)) + "\t";
-    if (zeichen.Daten) text += Lueckenzeittext(Zeitspannen::AlsDatum(*zeichen.Daten));
+    std::string text = Lueckenzeittext(zeichen.Moment) + "\t";
+    if (zeichen.Daten) text += Lueckenzeittext(*zeichen.Daten);
     return text + "\t" + zeichen.Rechnerstart + "\n";
 }
 

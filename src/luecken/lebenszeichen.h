@@ -21,8 +21,8 @@ namespace zek {
 inline constexpr std::string_view Lebenszeichendatei = "Lebenszeichen.txt";
 
 struct Lebenszeichen {
-    Zeit Moment = 0;
-    std::optional<Zeit> Daten;  // 0: on the disk, but there were none
+    Zeit Moment = KeineZeit;
+    std::optional<Zeit> Daten;  // KeineZeit: on the disk, but there were none
     std::string Rechnerstart;
 
     friend bool operator==(const Lebenszeichen&, const Lebenszeichen&) = default;

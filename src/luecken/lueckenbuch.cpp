@@ -13,8 +13,8 @@ constexpr std::string_view Abriss = "\t\t\t\t\tabgerissen\n";
 constexpr std::string_view Endung = ".txt";
 constexpr std::int64_t Zeilenlaenge = 160;  // bytes; what is set aside for a line
 
-std::string Tagesname(Datum zeit) {
-    return Felderstempel(GanzerTag(zeit), '-').substr(0, 10).append(Endung);
+std::string Tagesname(Zeitpunkt zeit) {
+    return Felderstempel(zeit, '-').substr(0, 10).append(Endung);
 }
 
 // Takes the end of the file; closes a torn line there. 0 or -errno.

@@ -10,9 +10,6 @@ namespace zek {
 
 namespace {
 
-constexpr Zeit FruehsterBeginnMs = static_cast<Zeit>(FruehsterBeginn) * Zeitspannen::MillisekundenProTag;
-constexpr std::int64_t TageBis1970 = 25569;
-
 constexpr std::array Tabelle{
     Ursachenangabe{ursache::ProgrammBeendet, Wertung::Luecke},
     Ursachenangabe{ursache::ProgrammNichtAktiv, Wertung::Luecke},
@@ -98,16 +95,9 @@ Artmenge ArtenVon(std::string_view ursache) {
     return art == 0 ? artmenge::Alle : art;
 }
 
-Datum AufMillisekunde(Datum zeit) {
-    return Zeitspannen::AlsDatum(Zeitspannen::Aus(zeit));
-}
-
-std::string Lueckenzeittext(Datum zeit) {
-    const Zeit ms = Zeitspannen::Aus(zeit);
-    const Zeit rest = ((ms % 1000) + 1000) % 1000;
-    const Datum sekunde = Zeitspannen::AlsDatum(ms - rest);
-    const std::string bruch = std::to_string(1000 + rest);
-    return NurDatumtext(sekunde) + " " + NurZeittext(sekunde) + "," + bruch.substr(1);
+std::string Lueckenzeittext(Zeit zeit) {
+    const auto bruch = zeit - std::chrono::floor<std::chrono::seconds>(zeit);
+    return NurDatumtext(zeit) + " " + NurZeittext(zeit) + "," + std::to_string(1000 + bruch.count()).substr(1);
 }
 
 std::optional<Zeit> Lueckenzeit(std::string_view text) {
@@ -123,8 +113,8 @@ std::optional<Zeit> Lueckenzeit(std::string_view text) {
     const std::chrono::year_month_day datum(std::chrono::year(jahr), std::chrono::month(static_cast<unsigned>(monat)),
                                             std::chrono::day(static_cast<unsigned>(tag)));
     if (!datum.ok()) return std::nullopt;
-    const Zeit tage = std::chrono::sys_days(datum).time_since_epoch().count() + TageBis1970;
-    return ((tage * 24 + stunde) * 60 + minute) * 60000 + sekunde * 1000 + bruch;
+    return Kalendertag(datum) + std::chrono::hours(stunde) + std::chrono::minutes(minute) +
+           std::chrono::seconds(sekunde) + std::chrono::milliseconds(bruch);
 }
 
 std::string Zeilentext(const Lueckenzeile& zeile) {
@@ -133,8 +123,7 @@ std::string Zeilentext(const Lueckenzeile& zeile) {
 }
 
 Lueckenzeile Zeilenteile::AlsZeile() const {
-    return {Zeitspannen::AlsDatum(Von), Offen ? 0 : Zeitspannen::AlsDatum(Bis), std::string(Titel),
-            std::string(Ursache), std::string(Ergaenzung)};
+    return {Von, Offen ? KeineZeit : Bis, std::string(Titel), std::string(Ursache), std::string(Ergaenzung)};
 }
 
 Zeilenart ZerlegeLueckenzeile(std::string_view text, Zeilenteile& teile) {
@@ -150,7 +139,7 @@ Zeilenart ZerlegeLueckenzeile(std::string_view text, Zeilenteile& teile) {
     teile.Von = *von;
     teile.Bis = *bis;
     teile.Offen = bisText.empty();
-    return *von < FruehsterBeginnMs ? Zeilenart::Vorzeitig : Zeilenart::Gut;
+    return *von < FruehsterBeginn ? Zeilenart::Vorzeitig : Zeilenart::Gut;
 }
 
 std::optional<Lueckenzeile> LiesLueckenzeile(std::string_view text) {

@@ -10,7 +10,6 @@
 
 #include "luecken/arten.h"
 #include "luecken/zeitspannen.h"
-#include "platform/uhr.h"
 
 #include <optional>
 #include <string>
@@ -20,7 +19,7 @@ namespace zek {
 
 inline constexpr std::string_view AlleTitelZeichen = "*";
 // Nothing was recorded by anybody before this moment, 2000-01-01; a line that begins earlier is none.
-inline constexpr Datum FruehsterBeginn = 36526;
+inline constexpr Zeit FruehsterBeginn = TagAus(2000, 1, 1);
 
 namespace ursache {
 // The recorder didn't run, or had no stream.
@@ -95,13 +94,13 @@ std::string_view ZusatzVon(std::string_view ursache);
 Artmenge ArtenVon(std::string_view ursache);
 
 struct Lueckenzeile {
-    Datum Von = 0;
-    Datum Bis = 0;  // 0 while it isn't known
+    Zeit Von = KeineZeit;
+    Zeit Bis = KeineZeit;  // while it isn't known
     std::string Titel;
     std::string Ursache;
     std::string Ergaenzung;
 
-    bool IstOffen() const { return Bis == 0; }
+    bool IstOffen() const { return Bis == KeineZeit; }
     bool FuerAlle() const { return Titel == AlleTitelZeichen; }
     Wertung Bedeutung() const { return WertungVon(Ursache); }
     std::string_view Zusatz() const { return ZusatzVon(Ursache); }
@@ -109,10 +108,8 @@ struct Lueckenzeile {
     friend bool operator==(const Lueckenzeile&, const Lueckenzeile&) = default;
 };
 
-// To the millisecond, as all times of the evidence.
-Datum AufMillisekunde(Datum zeit);
 // "16.11.2026 10:00:07,250"; always date, time and three digits.
-std::string Lueckenzeittext(Datum zeit);
+std::string Lueckenzeittext(Zeit zeit);
 std::optional<Zeit> Lueckenzeit(std::string_view text);
 
 // With its LF. Control characters in the texts become blanks.
@@ -120,8 +117,8 @@ std::string Zeilentext(const Lueckenzeile& zeile);
 
 // The fields of a line where they stand.
 struct Zeilenteile {
-    Zeit Von = 0;
-    Zeit Bis = 0;
+    Zeit Von = KeineZeit;
+    Zeit Bis = KeineZeit;
     bool Offen = false;
     std::string_view Titel, Ursache, Ergaenzung;
 

@@ -6,8 +6,6 @@ namespace zek {
 
 namespace {
 
-constexpr Zeit Tag = Zeitspannen::MillisekundenProTag;
-
 Zeitspannen Von(const std::map<Artmenge, Zeitspannen>& menge, Artmenge art) {
     const auto ort = menge.find(art);
     return ort == menge.end() ? Zeitspannen() : ort->second;
@@ -114,9 +112,9 @@ Titelurteil Urteil::Ueber(std::uint32_t titel, const Titelakte& akte) const {
     Lose beurteilt, gewollt;
     for (const auto& [spanne, weise] : abschnitte) {
         beurteilt.Fuege(spanne);
-        const Zeit ruhe = weise.Ruhe();
-        if (ruhe == 0) continue;
-        for (Zeit tag = Zeitspannen::Tagesbeginn(spanne.Von); tag < spanne.Bis; tag += Tag)
+        const auto ruhe = weise.Ruhe();
+        if (ruhe == 0ms) continue;
+        for (Zeit tag = TagVon(spanne.Von); tag < spanne.Bis; tag += std::chrono::days(1))
             gewollt.Fuege({std::max(tag, spanne.Von), std::min(tag + ruhe, spanne.Bis)});
     }
     urteil.Beurteilt = beurteilt.Ganzes().Ohne(alle_.Unwirklich);

@@ -39,7 +39,7 @@ struct Titelurteil {
     Artmenge Unwiederbringlich = 0;  // the kinds of that
     bool OhneDatei = false;          // none of its files has a record
 
-    Zeit Live() const { return Beurteilt.Dauer() - Luecken.Dauer() - Gewollt.Dauer(); }
+    std::chrono::milliseconds Live() const { return Beurteilt.Dauer() - Luecken.Dauer() - Gewollt.Dauer(); }
 };
 
 class Urteil {

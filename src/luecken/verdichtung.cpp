@@ -19,7 +19,7 @@ std::string Monatsname(const std::string& tagesname) {
 bool IstFaellig(const Buchdatei& datei, Zeit jetzt) {
     if (datei.IstMonat) return false;
     const auto monat = BuchdateiMitNamen(Monatsname(datei.Name));
-    return monat && monat->Ende + Buchverdichtung::Karenz * Zeitspannen::MillisekundenProTag <= jetzt;
+    return monat && monat->Ende + Buchverdichtung::Karenz <= jetzt;
 }
 
 std::int64_t Dateigroesse(Dateisystem& dateien, const std::string& pfad) {
@@ -33,7 +33,7 @@ std::int64_t Dateigroesse(Dateisystem& dateien, const std::string& pfad) {
 // The lines of a file without those that say nothing more: open ones with their end behind them, and lines as before.
 std::string Verdichtet(const std::vector<std::string>& zeilen) {
     const auto schluessel = [](const Zeilenteile& teile) {
-        return std::to_string(teile.Von) + "\t" + std::string(teile.Titel) + "\t" + std::string(teile.Ursache);
+        return Lueckenzeittext(teile.Von) + "\t" + std::string(teile.Titel) + "\t" + std::string(teile.Ursache);
     };
     std::unordered_set<std::string> geschlossen, gesehen;
     std::vector<const std::string*> behalten;
@@ -123,10 +123,10 @@ void Buchverdichtung::SetzeEin(Zeit jetzt) {
     const auto bekannt = [&](const Teil& tag) { return stand.Dateien.contains(tag.Name); };
     if (!lesung.Lesbar || !std::ranges::all_of(tage_, bekannt)) return;
     if (dateien_.BenenneUm(neu, ordner_ + ziel_) != 0) return;
-    Zwischenstand::Gelesen monat{groesse, 0};
+    Zwischenstand::Gelesen monat{groesse, KeineZeit};
     for (const Teil& tag : tage_) {
         const Zeit ab = stand.Dateien[tag.Name].Ab;
-        if (ab != 0) monat.Ab = monat.Ab == 0 ? ab : std::min(monat.Ab, ab);
+        if (ab != KeineZeit) monat.Ab = monat.Ab == KeineZeit ? ab : std::min(monat.Ab, ab);
     }
     for (const Teil& tag : tage_) {
         if (tag.Name == ziel_) continue;

@@ -18,7 +18,7 @@ namespace zek {
 class Buchverdichtung {
 public:
     // Days behind its end after which a month is put together.
-    static constexpr int Karenz = 31;
+    static constexpr std::chrono::days Karenz{31};
 
     explicit Buchverdichtung(Dateisystem& dateien) : dateien_(dateien) {}
 

@@ -26,14 +26,14 @@ Zeitspannen::Zeitspannen(std::vector<Zeitspanne> lose) : spannen_(std::move(lose
     Verschmelze(spannen_);
 }
 
-Zeit Zeitspannen::Dauer() const {
-    Zeit summe = 0;
+std::chrono::milliseconds Zeitspannen::Dauer() const {
+    std::chrono::milliseconds summe{};
     for (const Zeitspanne& s : spannen_) summe += s.Bis - s.Von;
     return summe;
 }
 
-Zeit Zeitspannen::DauerIn(Zeit von, Zeit bis) const {
-    Zeit summe = 0;
+std::chrono::milliseconds Zeitspannen::DauerIn(Zeit von, Zeit bis) const {
+    std::chrono::milliseconds summe{};
     for (auto s = std::ranges::upper_bound(spannen_, von, {}, &Zeitspanne::Bis); s != spannen_.end() && s->Von < bis;
          ++s)
         summe += std::min(s->Bis, bis) - std::max(s->Von, von);

@@ -1,36 +1,34 @@
 // Times of the evidence in whole milliseconds, and sets of spans of them.
 #pragma once
 
-#include "platform/uhr.h"
+#include "platform/zeitpunkt.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdint>
 #include <utility>
 #include <vector>
 
 namespace zek {
 
-// Milliseconds since 1899-12-30 00:00 on the recorder's local clock.
-using Zeit = std::int64_t;
+// A moment of the evidence, on the recorder's local clock.
+using Zeit = std::chrono::local_time<std::chrono::milliseconds>;
+// None: before all others, and what the evidence's own files write for it.
+inline constexpr Zeit KeineZeit = TagAus(1899, 12, 30);
+
+// The nearest millisecond.
+constexpr Zeit AufMillisekunde(Zeitpunkt zeit) {
+    return std::chrono::floor<std::chrono::milliseconds>(zeit + 500us);
+}
 
 // Half open.
 struct Zeitspanne {
-    Zeit Von = 0;
-    Zeit Bis = 0;
+    Zeit Von = KeineZeit;
+    Zeit Bis = KeineZeit;
     friend bool operator==(const Zeitspanne&, const Zeitspanne&) = default;
 };
 
 // Ascending, without overlap, none empty.
 class Zeitspannen {
 public:
-    static constexpr Zeit MillisekundenProTag = 86400000;
-    static Zeit Aus(Datum zeit) { return std::llround(zeit * static_cast<double>(MillisekundenProTag)); }
-    static Datum AlsDatum(Zeit ms) { return static_cast<double>(ms) / static_cast<double>(MillisekundenProTag); }
-    static Zeit Tagesbeginn(Zeit zeit) {
-        return zeit - ((zeit % MillisekundenProTag) + MillisekundenProTag) % MillisekundenProTag;
-    }
-
     Zeitspannen() = default;
     Zeitspannen(Zeit von, Zeit bis) {
         if (von < bis) spannen_.push_back({von, bis});
@@ -40,9 +38,9 @@ public:
 
     const std::vector<Zeitspanne>& Alle() const { return spannen_; }
     bool IstLeer() const { return spannen_.empty(); }
-    Zeit Dauer() const;
+    std::chrono::milliseconds Dauer() const;
     // Length of what lies in [von, bis).
-    Zeit DauerIn(Zeit von, Zeit bis) const;
+    std::chrono::milliseconds DauerIn(Zeit von, Zeit bis) const;
 
     void Fuege(Zeit von, Zeit bis);
     void Fuege(const Zeitspannen& andere);

@@ -15,10 +15,6 @@ namespace {
 constexpr std::string_view Kopf = "Zwischenstand\t1\t";
 constexpr std::string_view Schluss = "Ende\t";
 
-std::string Zeittext(Zeit zeit) {
-    return Lueckenzeittext(Zeitspannen::AlsDatum(zeit));
-}
-
 std::string_view NimmZeile(std::string_view& text) {
     const std::size_t ende = text.find('\n');
     const std::string_view zeile = text.substr(0, ende);
@@ -76,7 +72,7 @@ std::int64_t Groesse(Dateisystem& dateien, const std::string& pfad) {
 
 void NimmZeile(Zwischenstand& stand, Zwischenstand::Gelesen& gelesen, const Zeilenteile& teile, Zeit jetzt) {
     stand.Offen.Nimm(teile);
-    const auto frueher = [](Zeit bisher, Zeit zeit) { return bisher == 0 ? zeit : std::min(bisher, zeit); };
+    const auto frueher = [](Zeit bisher, Zeit zeit) { return bisher == KeineZeit ? zeit : std::min(bisher, zeit); };
     gelesen.Ab = frueher(gelesen.Ab, teile.Von);
     if (WertungVon(teile.Ursache) != Wertung::Pflege) stand.Beginn = frueher(stand.Beginn, teile.Von);
     for (const Zeit zeit : {teile.Von, teile.Bis})
@@ -87,7 +83,8 @@ void NimmZeile(Zwischenstand& stand, Zwischenstand::Gelesen& gelesen, const Zeil
 
 std::size_t OffeneZeilen::Streuung::operator()(const Blick& blick) const {
     const std::hash<std::string_view> text;
-    return (static_cast<std::size_t>(blick.Von) * 31 + text(blick.Titel)) * 31 + text(blick.Ursache);
+    return (static_cast<std::size_t>(blick.Von.time_since_epoch().count()) * 31 + text(blick.Titel)) * 31 +
+           text(blick.Ursache);
 }
 
 void OffeneZeilen::Nimm(const Zeilenteile& zeile) {
@@ -105,7 +102,7 @@ std::vector<Lueckenzeile> OffeneZeilen::Alle() const {
     std::vector<Lueckenzeile> zeilen;
     zeilen.reserve(offen_.size());
     for (const auto& [schluessel, ergaenzung] : offen_)
-        zeilen.push_back({Zeitspannen::AlsDatum(schluessel.Von), 0, schluessel.Titel, schluessel.Ursache, ergaenzung});
+        zeilen.push_back({schluessel.Von, KeineZeit, schluessel.Titel, schluessel.Ursache, ergaenzung});
     std::ranges::sort(zeilen, {}, [](const Lueckenzeile& z) { return std::tie(z.Von, z.Titel, z.Ursache); });
     return zeilen;
 }
@@ -147,9 +144,9 @@ Zwischenlesung LiesZwischenstand(Dateisystem& dateien, const std::string& ordner
 
 int SchreibeZwischenstand(Dateisystem& dateien, const std::string& ordner, const Zwischenstand& stand) {
     std::string text(Kopf);
-    text += Zeittext(stand.Beginn) + "\t" + Zeittext(stand.Letzte) + "\n";
+    text += Lueckenzeittext(stand.Beginn) + "\t" + Lueckenzeittext(stand.Letzte) + "\n";
     for (const auto& [name, gelesen] : stand.Dateien)
-        text += name + "\t" + std::to_string(gelesen.Bytes) + "\t" + Zeittext(gelesen.Ab) + "\n";
+        text += name + "\t" + std::to_string(gelesen.Bytes) + "\t" + Lueckenzeittext(gelesen.Ab) + "\n";
     text += "\n";
     for (const Lueckenzeile& zeile : stand.Offen.Alle()) text += Zeilentext(zeile);
     text.append(Schluss).append(std::to_string(stand.Offen.Anzahl())).append("\n");

@@ -63,12 +63,12 @@ private:
 struct Zwischenstand {
     struct Gelesen {
         std::int64_t Bytes = 0;
-        Zeit Ab = 0;  // the earliest moment that a line names; 0 for a file without lines
+        Zeit Ab = KeineZeit;  // the earliest moment that a line names; none for a file without lines
     };
     std::map<std::string, Gelesen> Dateien;
     OffeneZeilen Offen;
-    Zeit Beginn = 0;  // the earliest moment of all lines but those of backfills; 0 for none
-    Zeit Letzte = 0;  // the latest
+    Zeit Beginn = KeineZeit;  // the earliest moment of all lines but those of backfills
+    Zeit Letzte = KeineZeit;  // the latest
 };
 
 struct Zwischenlesung {

@@ -1,7 +1,7 @@
 // The settings as plain fields, named like their keys in the stores. Read once at the start; the dialogs write them.
 #pragma once
 
-#include "platform/datum.h"
+#include "platform/zeitpunkt.h"
 
 #include <string>
 #include <vector>
@@ -21,14 +21,14 @@ struct Einstellungen {
     int BFTimeOut = 60;                     // seconds, at least 10
     bool BidAskWartetLast = false;
     bool NeuStartbeiUhrzeit = false;
-    Datum NeustartUhrzeit = Uhrzeit(6, 30);        // day fraction
+    Tageszeit NeustartUhrzeit{6h + 30min};
     std::string NeustartFehlernummern;             // comma list as stored
     std::vector<std::string> NeustartFehlerliste;  // the same, split at ","
     bool NeuStartBeiFehlendenKursen = false;
     int NeuStartBeiFehlendenKursenSekunden = 90;  // at least 10
     bool KursAufzeichnungDeaktivieren = false;
-    Datum KeineAufzeichungStart = Uhrzeit(5, 0);
-    Datum KeineAufzeichungEnde = Uhrzeit(6, 0);
+    Tageszeit KeineAufzeichungStart{5h};
+    Tageszeit KeineAufzeichungEnde{6h};
     std::string AufzeichnungsPauseBoersen;  // comma list; empty means all
     bool AutoUhrzeitStellen = false;
     bool KomprimierteAnsicht = false;

@@ -1,5 +1,6 @@
 #include "modul/einstellungstabelle.h"
 
+#include "platform/datum.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -83,7 +84,7 @@ constexpr std::array Tabelle = {
     Schalter("AutoUhrzeitStellen", &E::AutoUhrzeitStellen, "optSystemzeitStellen", "Systemuhr mit Atomuhr abgleichen"),
     Schalter("KomprimierteAnsicht", &E::KomprimierteAnsicht, "", "platzsparende Oberfläche",
              Einstellungsschreiber::BeiAenderung),
-    Option("LetzterNeustartFehler", Zeitpunkt, "0", {}, "", "letzter Neustart wegen einer Fehlernummer",
+    Option("LetzterNeustartFehler", DatumUhrzeit, "0", {}, "", "letzter Neustart wegen einer Fehlernummer",
            Einstellungszeile::Unbegrenzt, Einstellungsschreiber::BeiAenderung),
     Verbindung("IBIPAdr", Text, "", &E::IBIPAdr, "Adresse der TWS; leer: dieser Rechner"),
     Verbindung("IBPort", Ganzzahl, "", &E::IBPort, "Port der TWS, 1 bis 65535"),
@@ -96,8 +97,8 @@ std::string InForm(std::string text, Einstellungsform form) {
     return text;
 }
 
-Datum NurTageszeit(Datum wert) {
-    return wert > 1 ? Tagesbruchteil(wert) : wert;
+zek::Tageszeit NurTageszeit(zek::Tageszeit zeit) {
+    return zeit.SeitMitternacht > 24h ? zek::Tageszeit(Tagesnull + zeit.SeitMitternacht) : zeit;
 }
 
 int InGrenzen(int wert, const Einstellungszeile& zeile) {
@@ -111,22 +112,23 @@ std::span<const Einstellungszeile> Einstellungstabelle() {
 }
 
 std::string Einstellungstext(const Einstellungen& e, const Einstellungszeile& zeile) {
-    return std::visit(
-        JeNachFeld{[](std::monostate) { return std::string(); },
-                   [&](bool E::*feld) { return std::string(e.*feld ? "1" : "0"); },
-                   [&](int E::*feld) { return std::to_string(e.*feld); },
-                   [&](Datum E::*feld) { return Datumtext(e.*feld); }, [&](std::string E::*feld) { return e.*feld; }},
-        zeile.Ziel);
+    return std::visit(JeNachFeld{[](std::monostate) { return std::string(); },
+                                 [&](bool E::*feld) { return std::string(e.*feld ? "1" : "0"); },
+                                 [&](int E::*feld) { return std::to_string(e.*feld); },
+                                 [&](zek::Tageszeit E::*feld) { return Datumtext(e.*feld); },
+                                 [&](std::string E::*feld) { return e.*feld; }},
+                      zeile.Ziel);
 }
 
 bool SetzeEinstellung(Einstellungen& e, const Einstellungszeile& zeile, std::string_view text) {
     bool inForm = true;
     std::visit(JeNachFeld{[](std::monostate) {}, [&](bool E::*feld) { e.*feld = EinstellungWahr(text); },
                           [&](int E::*feld) { e.*feld = InGrenzen(EinstellungGanzzahl(text), zeile); },
-                          [&](Datum E::*feld) {
-                              const auto zeit = DatumAusText(text);
+                          [&](zek::Tageszeit E::*feld) {
+                              auto zeit = ZeitpunktAusText(text);
                               inForm = zeit.has_value();
-                              e.*feld = NurTageszeit(inForm ? *zeit : DatumAusText(zeile.Vorgabe).value_or(0));
+                              if (!zeit) zeit = ZeitpunktAusText(zeile.Vorgabe);
+                              e.*feld = NurTageszeit(zek::Tageszeit(zeit.value_or(Tagesnull) - Tagesnull));
                           },
                           [&](std::string E::*feld) { e.*feld = InForm(std::string(text), zeile.Form); }},
                zeile.Ziel);
@@ -136,7 +138,7 @@ bool SetzeEinstellung(Einstellungen& e, const Einstellungszeile& zeile, std::str
 void Begrenze(Einstellungen& e) {
     for (const Einstellungszeile& zeile : Tabelle) {
         std::visit(JeNachFeld{[](auto) {}, [&](int E::*feld) { e.*feld = InGrenzen(e.*feld, zeile); },
-                              [&](Datum E::*feld) { e.*feld = NurTageszeit(e.*feld); },
+                              [&](zek::Tageszeit E::*feld) { e.*feld = NurTageszeit(e.*feld); },
                               [&](std::string E::*feld) { e.*feld = InForm(std::move(e.*feld), zeile.Form); }},
                    zeile.Ziel);
     }
@@ -151,6 +153,13 @@ std::string Kontoordner(std::string ordner) {
 
 bool EinstellungWahr(std::string_view text) {
     return Zahlwert(text) != 0;
+}
+
+std::optional<Zeitpunkt> EinstellungZeitpunkt(std::string_view text) {
+    using Zehntel = std::chrono::duration<std::int64_t, std::ratio<1, 100'000>>;
+    const Datum datum = Zahlwert(text);
+    if (datum == 0) return std::nullopt;
+    return std::chrono::round<Zehntel>(ZeitpunktAus(datum));
 }
 
 int EinstellungGanzzahl(std::string_view text) {

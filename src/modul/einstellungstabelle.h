@@ -6,6 +6,7 @@
 #include "modul/einstellungen.h"
 
 #include <limits>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <variant>
@@ -24,7 +25,7 @@ enum class Einstellungsform {
     Wahrheitswert,  // "1" or "0"; any number but 0 counts as true
     Ganzzahl,       // decimal text
     Tageszeit,      // text form of a date; only the time of day counts
-    Zeitpunkt,      // text form of a date
+    DatumUhrzeit,   // text form of a date
     Text,           // as it stands
     Liste,          // blanks around it don't count
     Ordner,         // empty, or with a separator at its end
@@ -35,7 +36,7 @@ enum class Einstellungsschreiber { Alle, AlleUndVerbindung, BeiAenderung };
 
 struct Einstellungszeile {
     // std::monostate: has no plain field.
-    using Feld = std::variant<std::monostate, bool Einstellungen::*, int Einstellungen::*, Datum Einstellungen::*,
+    using Feld = std::variant<std::monostate, bool Einstellungen::*, int Einstellungen::*, Tageszeit Einstellungen::*,
                               std::string Einstellungen::*>;
     static constexpr int Unbegrenzt = std::numeric_limits<int>::min();
 
@@ -70,6 +71,9 @@ void Begrenze(Einstellungen& e);
 
 // A setting as a boolean: its numeric value isn't 0. "True" is not a number and counts as false.
 bool EinstellungWahr(std::string_view text);
+// A setting as a moment: a day count, of which the text has 15 digits, good to five microseconds; hence to the nearest
+// ten. Empty for 0.
+std::optional<Zeitpunkt> EinstellungZeitpunkt(std::string_view text);
 // A setting as a whole number, bounded to 32 bits.
 int EinstellungGanzzahl(std::string_view text);
 // The folder of account data with its separator. A text of one character gets one too, and counts as none all the same

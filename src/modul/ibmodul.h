@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -16,12 +17,13 @@ namespace zek {
 inline constexpr std::string_view Programmtitel = "Tessaron ZEK für IB";
 inline constexpr std::string_view ProduktName = "Tessaron";
 
-// Gaps (from, to) that wait for a backfill of all titles; first in, first out.
-using Datenpflegeliste = std::deque<std::pair<Datum, Datum>>;
+// Gaps (from, to) that wait for a backfill of all titles; first in, first out. Without a beginning each title goes on
+// where its file ends.
+using Datenpflegeliste = std::deque<std::pair<std::optional<Zeitpunkt>, Zeitpunkt>>;
 
 struct IBModul {
     // Set first thing at the start, and again when the main window loads; the second value counts.
-    Datum Startzeitpunkt = 0;
+    Zeitpunkt Startzeitpunkt{};
     std::string Programmordner;  // ends in "/"
     std::string Hilfedatei;
     bool LokalSettings = false;
@@ -45,12 +47,12 @@ struct IBModul {
     bool TWSVerbunden = false;
     bool Offline = false;
     bool FarmAktiv = false;
-    Datum NeuverbindungsZeit = 0;
+    std::optional<Zeitpunkt> NeuverbindungsZeit;
     std::int32_t Verbindungsversuche = 0;
-    Datum LetzterKursZeitpunkt = 0;  // last tickPrice or tickSize event of any kind
-    Datum ErsterKursZeitpunkt = 0;   // the first such event since this was set to 0
-    Datum LetzteDatenZeit = 0;       // last data that reached a title; 0 never
-    double Kursanzahl = 0;           // records of this session
+    std::optional<Zeitpunkt> LetzterKursZeitpunkt;  // last tickPrice or tickSize event of any kind
+    std::optional<Zeitpunkt> ErsterKursZeitpunkt;   // the first such event since this was emptied
+    std::optional<Zeitpunkt> LetzteDatenZeit;       // last data that reached a title
+    double Kursanzahl = 0;                          // records of this session
     bool NeustartAngefordert = false;
     bool BeendenAngefordert = false;
     std::int32_t AktiveTitel = 0;   // refreshed by TitelInfoAktualisieren

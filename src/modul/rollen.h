@@ -89,7 +89,7 @@ public:
     // the signed volume. `jetzt`: the present time, as read when the event came in; a reading of the clock costs a tick
     // some percent of its whole road, so each event reads it once and hands it down.
     virtual void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
-                                    bool kontodaten, Datum jetzt) noexcept = 0;
+                                    bool kontodaten, Zeitpunkt jetzt) noexcept = 0;
 };
 
 // Told of records that don't reach their file. A record that does costs nothing as long as every file takes its own.

@@ -1,64 +1,63 @@
 #include "platform/systemuhr_posix.h"
 
-#include "platform/datum.h"
-
 #include <ctime>
 
 namespace zek {
 namespace {
 
+using std::chrono::seconds;
+
 constexpr std::int64_t Viertelstunde = 900;
 
-std::tm Felder(std::int64_t unixSekunden) {
-    const auto zeit = static_cast<std::time_t>(unixSekunden);
+std::tm Felder(UtcZeitpunkt moment) {
+    const std::time_t zeit = std::chrono::floor<seconds>(moment).time_since_epoch().count();
     std::tm felder{};
     ::localtime_r(&zeit, &felder);
     return felder;
 }
 
-std::int64_t Abstand(std::int64_t unixSekunden) {
-    return Felder(unixSekunden).tm_gmtoff;
+seconds Abstand(UtcZeitpunkt moment) {
+    return seconds(Felder(moment).tm_gmtoff);
 }
 
-// A full second whose day count came out a hair too small still counts as that second.
-std::int64_t Ganz(double sekunden) {
-    return static_cast<std::int64_t>(std::floor(sekunden + 0.0005));
+UtcZeitpunkt Utc() {
+    timespec zeit{};
+    ::clock_gettime(CLOCK_REALTIME, &zeit);
+    return UtcZeitpunkt(seconds(zeit.tv_sec) + Dauer(zeit.tv_nsec / 1000));
+}
+
+Zeitpunkt Verschoben(UtcZeitpunkt moment, seconds abstand) {
+    return Zeitpunkt(moment.time_since_epoch() + abstand);
 }
 
 }  // namespace
 
-Datum PosixUhr::Jetzt() const {
-    timespec zeit{};
-    ::clock_gettime(CLOCK_REALTIME, &zeit);
-    if (zeit.tv_sec / Viertelstunde != viertelstunde_) {
+Zeitpunkt PosixUhr::Jetzt() const {
+    const UtcZeitpunkt jetzt = Utc();
+    const std::int64_t viertelstunde = std::chrono::floor<seconds>(jetzt).time_since_epoch().count() / Viertelstunde;
+    if (viertelstunde != viertelstunde_) {
         // The zone itself may have been changed by the user.
         ::tzset();
-        viertelstunde_ = zeit.tv_sec / Viertelstunde;
-        abstand_ = Abstand(zeit.tv_sec);
+        viertelstunde_ = viertelstunde;
+        abstand_ = Abstand(jetzt);
     }
-    const std::int64_t lokal = zeit.tv_sec + abstand_;
-    const std::int64_t tag = lokal / 86400;
-    // Day and fraction apart: one sum, one rounding.
-    const double sekunde = static_cast<double>(lokal % 86400) + static_cast<double>(zeit.tv_nsec) * 1e-9;
-    return Unixbeginn + static_cast<double>(tag) + sekunde / SekundenProTag;
+    return Verschoben(jetzt, abstand_);
 }
 
 Zeitzone PosixUhr::Zone() const {
-    timespec zeit{};
-    ::clock_gettime(CLOCK_REALTIME, &zeit);
     ::tzset();
-    return ZoneAm(zeit.tv_sec);
+    return ZoneAm(Utc());
 }
 
-Zeitzone PosixUhr::ZoneAm(std::int64_t unixSekunden) {
-    const std::tm jetzt = Felder(unixSekunden);
+Zeitzone PosixUhr::ZoneAm(UtcZeitpunkt moment) {
+    const std::tm jetzt = Felder(moment);
     Zeitzone zone;
     zone.Sommerzeit = jetzt.tm_isdst > 0;
     std::int64_t winter = jetzt.tm_gmtoff;
     std::int64_t sommer = jetzt.tm_gmtoff;
     // The other half of the year, looked for within the next twelve months.
     for (int monat = 1; monat <= 12; ++monat) {
-        const std::tm spaeter = Felder(unixSekunden + monat * std::int64_t{30} * 86400);
+        const std::tm spaeter = Felder(moment + monat * std::chrono::days(30));
         if ((spaeter.tm_isdst > 0) == zone.Sommerzeit) continue;
         (zone.Sommerzeit ? winter : sommer) = spaeter.tm_gmtoff;
         break;
@@ -68,30 +67,28 @@ Zeitzone PosixUhr::ZoneAm(std::int64_t unixSekunden) {
     return zone;
 }
 
-Datum PosixUhr::OrtszeitAus(double unixSekunden) {
-    return DatumAusUnix(unixSekunden + static_cast<double>(Abstand(Ganz(unixSekunden))));
+Zeitpunkt PosixUhr::OrtszeitAus(UtcZeitpunkt moment) {
+    return Verschoben(moment, Abstand(moment));
 }
 
-double PosixUhr::UnixAusOrtszeit(Datum ortszeit, double bezug) {
-    const double lokal = UnixAus(ortszeit);
-    const std::int64_t jetzt = Abstand(Ganz(bezug));
-    const double erster = lokal - static_cast<double>(jetzt);
-    const std::int64_t dann = Abstand(Ganz(erster));
+UtcZeitpunkt PosixUhr::UtcAusOrtszeit(Zeitpunkt ortszeit, UtcZeitpunkt bezug) {
+    const UtcZeitpunkt lokal(ortszeit.time_since_epoch());
+    const seconds jetzt = Abstand(bezug);
+    const UtcZeitpunkt erster = lokal - jetzt;
+    const seconds dann = Abstand(erster);
     if (dann == jetzt) return erster;
-    const double zweiter = lokal - static_cast<double>(dann);
-    return Abstand(Ganz(zweiter)) == dann ? zweiter : erster;
+    const UtcZeitpunkt zweiter = lokal - dann;
+    return Abstand(zweiter) == dann ? zweiter : erster;
 }
 
-bool PosixUhr::SetzeSystemzeit(Datum neueZeit) {
-    timespec jetzt{};
-    ::clock_gettime(CLOCK_REALTIME, &jetzt);
-    // Rounded to the microsecond, which is what a day count holds.
-    const double unix = std::round(UnixAusOrtszeit(neueZeit, static_cast<double>(jetzt.tv_sec)) * 1e6) / 1e6;
-    timespec neu{};
-    neu.tv_sec = static_cast<std::time_t>(std::floor(unix));
-    neu.tv_nsec = static_cast<long>((unix - std::floor(unix)) * 1e9);
+bool PosixUhr::SetzeSystemzeit(Zeitpunkt neueZeit) {
+    const Dauer neu = UtcAusOrtszeit(neueZeit, Utc()).time_since_epoch();
+    const auto ganze = std::chrono::floor<seconds>(neu);
+    timespec zeit{};
+    zeit.tv_sec = ganze.count();
+    zeit.tv_nsec = std::chrono::nanoseconds(neu - ganze).count();
     viertelstunde_ = -1;
-    return ::clock_settime(CLOCK_REALTIME, &neu) == 0;
+    return ::clock_settime(CLOCK_REALTIME, &zeit) == 0;
 }
 
 }  // namespace zek

@@ -2,15 +2,9 @@
 // run a month of recorder life on a virtual clock.
 #pragma once
 
-#include <cmath>
+#include "platform/zeitpunkt.h"
 
 namespace zek {
-
-// A date: days since 1899-12-30 00:00 on the local clock; the fraction is the time of day.
-using Datum = double;
-
-inline constexpr double SekundenProTag = 86400.0;
-inline constexpr Datum EineSekunde = 1.0 / SekundenProTag;
 
 // Offsets of the local clock, all in minutes; UTC = local time + Bias (+ DaylightBias while Sommerzeit is true).
 // Central Europe: Bias -60, StandardBias 0, DaylightBias -60.
@@ -25,18 +19,18 @@ class Uhr {
 public:
     virtual ~Uhr() = default;
 
-    // Present local date and time at the full resolution of the system clock.
-    virtual Datum Jetzt() const = 0;
+    // Present local date and time to the microsecond.
+    virtual Zeitpunkt Jetzt() const = 0;
 
     virtual Zeitzone Zone() const = 0;
 
     // Sets the system clock to a local time. False when the right to do so is missing; nothing happens then.
-    virtual bool SetzeSystemzeit(Datum neueZeit) = 0;
+    virtual bool SetzeSystemzeit(Zeitpunkt neueZeit) = 0;
 
     // Seconds since midnight in single precision (a step is 1/128 s in the evening). Wraps at midnight.
     float Timer() const { return TimerAus(Jetzt()); }
 
-    static float TimerAus(Datum zeit) { return static_cast<float>((zeit - std::floor(zeit)) * SekundenProTag); }
+    static float TimerAus(Zeitpunkt zeit) { return static_cast<float>(AlsSekunden(zeit - TagVon(zeit))); }
 };
 
 }  // namespace zek

@@ -38,12 +38,29 @@ constexpr Kalendertag TagAus(int jahr, int monat, int tag) {
     return Kalendertag(erster) + std::chrono::days(tag - 1);
 }
 
+constexpr Zeitpunkt operator+(Kalendertag tag, Tageszeit zeit) {
+    return tag + zeit.SeitMitternacht;
+}
+
+// Moment of the day count 0.
+inline constexpr Zeitpunkt Tagesnull = TagAus(1899, 12, 30);
+
+// The nearest day count: every moment up to the year 2079 comes back from it as it was.
+constexpr double AlsTage(Dauer dauer) {
+    return static_cast<double>(dauer.count()) / 86400e6;
+}
+
 // Seconds as settings and other programs count them, to the nearest microsecond; and back.
 constexpr Dauer DauerAusSekunden(double sekunden) {
     return std::chrono::round<Dauer>(std::chrono::duration<double>(sekunden));
 }
 constexpr double AlsSekunden(Dauer dauer) {
     return std::chrono::duration<double>(dauer).count();
+}
+
+constexpr Zeitpunkt ZeitpunktAus(int jahr, int monat, int tag, int stunde, int minute, double sekunde) {
+    return TagAus(jahr, monat, tag) + std::chrono::hours(stunde) + std::chrono::minutes(minute) +
+           DauerAusSekunden(sekunde);
 }
 
 // How many whole seconds (hours, days) the clock on the wall shows between: the boundaries of that unit that it passes.

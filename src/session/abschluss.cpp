@@ -8,9 +8,8 @@ namespace zek {
 
 namespace {
 
-// A session that lived no longer leaves the mark of the one before in place. Half a millisecond of tolerance keeps
-// the rounding of day fractions out.
-constexpr double Mindestlebensdauer = 10.0005;  // seconds
+// A session that lived no longer leaves the mark of the one before in place.
+constexpr Dauer Mindestlebensdauer = 10s;
 
 }  // namespace
 
@@ -54,10 +53,11 @@ void Abschluss::TitelAbbestellen() {
 }
 
 void Abschluss::SchreibeIBLastEnd() {
-    if (modul_.LetzteDatenZeit <= 0) return;
-    if ((plattform_.Uhr.Jetzt() - modul_.Startzeitpunkt) * SekundenProTag <= Mindestlebensdauer) return;
+    if (!modul_.LetzteDatenZeit) return;
+    if (plattform_.Uhr.Jetzt() - modul_.Startzeitpunkt <= Mindestlebensdauer) return;
+    const Zeitpunkt ende = rekorder_.GespeichertBis(*modul_.LetzteDatenZeit);
     einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd",
-                                       ZahltextPunkt(rekorder_.GespeichertBis(modul_.LetzteDatenZeit)));
+                                       ZahltextPunkt(DatumAus(ende)));
 }
 
 void Abschluss::SchreibeTrayzustand() {

@@ -23,7 +23,7 @@ public:
         virtual void MarktdatenAbbestellen(const clTitelobjekt& titel) = 0;
         virtual void TwsTrennen() = 0;
         // How far what came until `zeit` has reached files.
-        virtual Datum GespeichertBis(Datum zeit) const = 0;
+        virtual Zeitpunkt GespeichertBis(Zeitpunkt zeit) const = 0;
     };
 
     Abschluss(const Plattform& plattform, IBModul& modul, Einstellungsspeicher& einstellungen, Gesicht& gesicht,

@@ -9,7 +9,7 @@ namespace zek {
 
 namespace {
 
-constexpr double TageBisZumKontrakt = 30;
+constexpr std::chrono::days BisZumKontrakt(30);
 
 // "JPN" and "SKD" are no currency codes; they are wanted as they stand.
 constexpr std::array<std::string_view, 15> EuroGegen = {"AUD", "CAD", "CHF", "CNY", "CZK", "GBP", "HKD", "HUF",
@@ -33,15 +33,15 @@ void FuegeFutures(Zeilen& zeilen, std::span<const std::string_view> symbole, std
 
 }  // namespace
 
-std::string Quartalslaufzeit(Datum heute) {
-    const Kalender tag = Zerlege(GanzerTag(heute) + TageBisZumKontrakt);
-    const int monat = (tag.Monat + 2) / 3 * 3;
-    std::string jahr = std::to_string(tag.Jahr);
+std::string Quartalslaufzeit(Kalendertag heute) {
+    const std::chrono::year_month_day tag(heute + BisZumKontrakt);
+    const unsigned monat = (static_cast<unsigned>(tag.month()) + 2) / 3 * 3;
+    std::string jahr = std::to_string(static_cast<int>(tag.year()));
     jahr.insert(0, 4 - std::min<std::size_t>(4, jahr.size()), '0');
     return jahr + (monat < 10 ? "0" : "") + std::to_string(monat);
 }
 
-std::vector<Beispieltitel> BeispieltitelListe(const Beispielbereiche& bereiche, Datum heute) {
+std::vector<Beispieltitel> BeispieltitelListe(const Beispielbereiche& bereiche, Kalendertag heute) {
     Zeilen zeilen;
     if (bereiche.Forex) {
         FuegeDevisen(zeilen, "EUR", EuroGegen);
@@ -61,7 +61,7 @@ std::vector<Beispieltitel> BeispieltitelListe(const Beispielbereiche& bereiche, 
     return zeilen;
 }
 
-void BeispieltitelAnlegen(const Beispielbereiche& bereiche, Datum heute,
+void BeispieltitelAnlegen(const Beispielbereiche& bereiche, Kalendertag heute,
                           const std::function<void(const Beispieltitel&)>& anlegen) {
     for (const auto& zeile : BeispieltitelListe(bereiche, heute)) anlegen(zeile);
 }

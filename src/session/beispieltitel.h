@@ -30,13 +30,13 @@ struct Beispieltitel {
 };
 
 // Expiry of the sample futures, the quarter's contract 30 days from `heute`: "202612".
-std::string Quartalslaufzeit(Datum heute);
+std::string Quartalslaufzeit(Kalendertag heute);
 
 // The rows of the chosen areas, in the order of their adding.
-std::vector<Beispieltitel> BeispieltitelListe(const Beispielbereiche& bereiche, Datum heute);
+std::vector<Beispieltitel> BeispieltitelListe(const Beispielbereiche& bereiche, Kalendertag heute);
 
 // Adds each row through `anlegen`, which refuses duplicates on its own. Saving is the caller's job.
-void BeispieltitelAnlegen(const Beispielbereiche& bereiche, Datum heute,
+void BeispieltitelAnlegen(const Beispielbereiche& bereiche, Kalendertag heute,
                           const std::function<void(const Beispieltitel&)>& anlegen);
 
 }  // namespace zek

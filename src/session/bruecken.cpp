@@ -55,7 +55,7 @@ void Rundenbruecke::VerbergeOfflinewarnung() {
     anzeige_.VerbergeOfflinewarnung();
 }
 
-bool Rundenbruecke::StarteAutoBackfill(Datum zeitpunkt) {
+bool Rundenbruecke::StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt) {
     return teile_.Datenpflege.StarteAutoBackfill(zeitpunkt);
 }
 
@@ -63,7 +63,7 @@ void Rundenbruecke::AtomZeitAbfrage() {
     teile_.Atomuhr.AtomZeitAbfrage();
 }
 
-Datum Rundenbruecke::GespeichertBis(Datum zeit) const {
+Zeitpunkt Rundenbruecke::GespeichertBis(Zeitpunkt zeit) const {
     return teile_.Luecken.GespeichertBis(zeit);
 }
 

@@ -41,9 +41,9 @@ public:
     bool TwsVerbunden() const override;
     void reqCurrentTime() override;
     void VerbergeOfflinewarnung() override;
-    bool StarteAutoBackfill(Datum zeitpunkt) override;
+    bool StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt) override;
     void AtomZeitAbfrage() override;
-    Datum GespeichertBis(Datum zeit) const override;
+    Zeitpunkt GespeichertBis(Zeitpunkt zeit) const override;
 
 private:
     Zusammenbau& teile_;

@@ -40,7 +40,7 @@ bool Dienstgesicht::Verbindungseinstellungen(Verbindungsangaben&) {
     return false;
 }
 
-void Dienstgesicht::StatuslisteEintrag(Datum zeit, const std::string& text, bool) {
+void Dienstgesicht::StatuslisteEintrag(Zeitpunkt zeit, const std::string& text, bool) {
     ausgabe_(Datumtext(zeit) + ": " + text);
 }
 

@@ -34,7 +34,7 @@ public:
     bool HauptfensterMinimiert() const override { return true; }
     bool Verbindungseinstellungen(Verbindungsangaben& angaben) override;
 
-    void StatuslisteEintrag(Datum zeit, const std::string& text, bool fett) override;
+    void StatuslisteEintrag(Zeitpunkt zeit, const std::string& text, bool fett) override;
     Datenpflegeanzeige& DatenpflegeFensterErzeugen() override;
     void DatenpflegeFensterFreigeben() override;
 

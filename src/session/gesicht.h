@@ -63,7 +63,7 @@ public:
     virtual void ZeigeBeispieltitel() {}
 
     // ---- while it runs
-    virtual void StatuslisteEintrag(Datum zeit, const std::string& text, bool fett) = 0;
+    virtual void StatuslisteEintrag(Zeitpunkt zeit, const std::string& text, bool fett) = 0;
     // Text of TitelinfoLabel.
     virtual void TitelInfo(const std::string& /*text*/) {}
     // Second panel of the status bar while a backfill runs; an empty text takes the panel away.

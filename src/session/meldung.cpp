@@ -13,7 +13,7 @@ namespace {
 constexpr int Knopfsatzmaske = 15;
 
 // A timer's round that comes a hair before the full second belongs to it.
-constexpr Datum Spielraum = 0.0005 * EineSekunde;
+constexpr Dauer Spielraum = 500us;
 
 Meldungsknoepfe Grundsatz(int satz) {
     switch (satz) {
@@ -91,7 +91,7 @@ Meldungsmasse MasseFuer(int knopfAnzahl, int knopfbreite, int knopfhoehe, int te
 }
 
 Meldungstakt::Meldungstakt(const Uhr& uhr, int sekunden) : uhr_(uhr) {
-    if (sekunden > 0) closeZeit_ = uhr.Jetzt() + sekunden * EineSekunde;
+    if (sekunden > 0) closeZeit_ = uhr.Jetzt() + std::chrono::seconds(sekunden);
 }
 
 bool Meldungstakt::Abgelaufen() const {
@@ -102,7 +102,7 @@ std::string Meldungstakt::Text() const {
     if (!closeZeit_) return {};
     // The nearest second: at a round of the timer that is the difference of the two clock readings, also where a round
     // that is a hair late has passed a second's edge.
-    return Restzeittext(std::llround((*closeZeit_ - uhr_.Jetzt()) * SekundenProTag));
+    return Restzeittext(std::llround(AlsSekunden(*closeZeit_ - uhr_.Jetzt())));
 }
 
 }  // namespace zek

@@ -68,7 +68,7 @@ public:
 
 private:
     const Uhr& uhr_;
-    std::optional<Datum> closeZeit_;
+    std::optional<Zeitpunkt> closeZeit_;
 };
 
 }  // namespace zek

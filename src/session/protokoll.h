@@ -51,7 +51,7 @@ public:
     static constexpr std::size_t KuerzenUnter = 400;
 
     struct Eintrag {
-        Datum Zeit = 0;
+        Zeitpunkt Zeit{};
         std::string Text;
         bool Fett = false;
     };

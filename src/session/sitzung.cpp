@@ -49,8 +49,10 @@ void Sitzung::BaueZusammen() {
     teile_ = std::make_unique<Zusammenbau>(
         Zusammenbau::Umgebung{plattform_, modul_, einstellungen_, gesicht_, protokoll_, [this] { Beende(); }});
     modul_.Startzeitpunkt = plattform_.Uhr.Jetzt();
-    const std::string ende = einstellungen_.LeseEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd", "0");
-    OhneFehler("Lückenwache beginnen", [&] { teile_->Luecken.Beginne(Zahlwert(ende)); });
+    auto ende =
+        EinstellungZeitpunkt(einstellungen_.LeseEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd", "0"));
+    if (ende < Tagesnull) ende.reset();
+    OhneFehler("Lückenwache beginnen", [&] { teile_->Luecken.Beginne(ende); });
     OhneFehler("Bestand wiederherstellen", [this] { teile_->StelleBestandWiederHer(); });
     teile_->StarteZeitgeber();
     plattform_.MeldeVerwalter("READY=1");
@@ -77,7 +79,7 @@ void Sitzung::MarktdatenAbbestellen(const clTitelobjekt& titel) {
     if (teile_->Marktdaten.Control.Verbunden()) teile_->Marktdaten.Abos.MarktdatenAbbestellen(titel);
 }
 
-Datum Sitzung::GespeichertBis(Datum zeit) const {
+Zeitpunkt Sitzung::GespeichertBis(Zeitpunkt zeit) const {
     return teile_->Luecken.GespeichertBis(zeit);
 }
 

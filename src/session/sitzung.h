@@ -49,7 +49,7 @@ private:
     bool EndeVerlangt() const override { return beendet_; }
     void MarktdatenAbbestellen(const clTitelobjekt& titel) override;
     void TwsTrennen() override;
-    Datum GespeichertBis(Datum zeit) const override;
+    Zeitpunkt GespeichertBis(Zeitpunkt zeit) const override;
 
     Plattform plattform_;
     Gesicht& gesicht_;

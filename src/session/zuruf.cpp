@@ -13,9 +13,9 @@ constexpr char Trenner = '\t';
 
 }  // namespace
 
-void RufeNachVorn(Einstellungsspeicher& speicher, std::string_view programmordner, Datum jetzt) {
+void RufeNachVorn(Einstellungsspeicher& speicher, std::string_view programmordner, Zeitpunkt jetzt) {
     speicher.SchreibeRegistry(Programmtitel, abschnitt::Kommando, Schluessel,
-                              std::string(programmordner) + Trenner + ZahltextPunkt(jetzt));
+                              std::string(programmordner) + Trenner + ZahltextPunkt(DatumAus(jetzt)));
 }
 
 Zurufhoerer::Zurufhoerer(Einstellungsspeicher& speicher, std::string programmordner)

@@ -10,7 +10,7 @@
 
 namespace zek {
 
-void RufeNachVorn(Einstellungsspeicher& speicher, std::string_view programmordner, Datum jetzt);
+void RufeNachVorn(Einstellungsspeicher& speicher, std::string_view programmordner, Zeitpunkt jetzt);
 
 class Zurufhoerer {
 public:

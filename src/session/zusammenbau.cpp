@@ -39,13 +39,13 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
       Datenpflege({{um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Plattform.Pumpe, um.Status, um.Gesicht,
                     datenpflegebruecke_, um.Plattform.Tws,
                     [this](const Datenpflegeergebnis& ergebnis) { Luecken.DatenpflegeErgebnis(ergebnis); },
-                    [this](const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+                    [this](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
                         Luecken.BeimEinarbeitenBegonnen(titel, kursart, von, bis);
                     },
                     [this](const clTitelobjekt& titel, std::int32_t kursart) {
                         Luecken.BeimEinarbeitenBeendet(titel, kursart);
                     },
-                    [this](const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+                    [this](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
                         Luecken.BeimLeeren(titel, kursart, von, bis);
                     }},
                    um.Plattform.Zeitgeber,
@@ -108,7 +108,7 @@ Titelzeiger Zusammenbau::TitelAnlegen(const Titelangaben& angaben) {
 }
 
 void Zusammenbau::BeispieltitelAnlegen(const Beispielbereiche& bereiche) {
-    zek::BeispieltitelAnlegen(bereiche, um_.Plattform.Uhr.Jetzt(), [this](const Beispieltitel& zeile) {
+    zek::BeispieltitelAnlegen(bereiche, TagVon(um_.Plattform.Uhr.Jetzt()), [this](const Beispieltitel& zeile) {
         Titelangaben angaben;
         angaben.Symbol = zeile.Symbol;
         angaben.Börsenplatz = zeile.Börsenplatz;

@@ -10,9 +10,9 @@ namespace zek {
 namespace {
 
 // So long files are counted before the failure is told.
-constexpr double Sammelzeit = 2;
+constexpr Dauer Sammelzeit = 2s;
 // Saving works again when a file took a record and none failed for so long.
-constexpr double Ruhezeit = 60;
+constexpr Dauer Ruhezeit = 60s;
 
 std::string Dateizahl(std::size_t anzahl) {
     return anzahl == 1 ? "1 Datei" : std::to_string(anzahl) + " Dateien";
@@ -20,9 +20,9 @@ std::string Dateizahl(std::size_t anzahl) {
 
 }  // namespace
 
-void Dateiluecken::Gescheitert(const clTitelobjekt& titel, std::int32_t kursart, int systemfehler, Datum jetzt) {
+void Dateiluecken::Gescheitert(const clTitelobjekt& titel, std::int32_t kursart, int systemfehler, Zeitpunkt jetzt) {
     if (titel.Dateiname.empty()) return;
-    if (beginn_ == 0) {
+    if (!beginn_) {
         beginn_ = jetzt;
         letzterErfolg_ = jetzt;
     }
@@ -32,28 +32,28 @@ void Dateiluecken::Gescheitert(const clTitelobjekt& titel, std::int32_t kursart,
     offen_.Oeffne(titel.Dateiname, MitZusatz(ursache::SpeichernFehlgeschlagen, Kursartzusatz(kursart)), jetzt);
 }
 
-void Dateiluecken::Beschaedigt(const clTitelobjekt& titel, std::int32_t kursart, Datum jetzt) {
+void Dateiluecken::Beschaedigt(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt jetzt) {
     if (titel.Dateiname.empty()) return;
     gescheitert_.insert_or_assign({titel.Dateiname, kursart}, true);
     offen_.Oeffne(titel.Dateiname, MitZusatz(ursache::DateiBeschaedigt, Kursartzusatz(kursart)), jetzt);
 }
 
-void Dateiluecken::WiederGespeichert(const clTitelobjekt& titel, std::int32_t kursart, Datum jetzt) {
+void Dateiluecken::WiederGespeichert(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt jetzt) {
     letzterErfolg_ = jetzt;
     gescheitert_.erase({titel.Dateiname, kursart});
     for (const auto grund : {ursache::DateiBeschaedigt, ursache::SpeichernFehlgeschlagen})
         offen_.Schliesse(titel.Dateiname, MitZusatz(grund, Kursartzusatz(kursart)), jetzt);
 }
 
-void Dateiluecken::AnderesGespeichert(Datum jetzt) {
+void Dateiluecken::AnderesGespeichert(Zeitpunkt jetzt) {
     letzterErfolg_ = jetzt;
 }
 
-Datum Dateiluecken::GespeichertBis(Datum zeit) const {
-    return beginn_ == 0 ? zeit : std::min(zeit, letzterErfolg_);
+Zeitpunkt Dateiluecken::GespeichertBis(Zeitpunkt zeit) const {
+    return beginn_ ? std::min(zeit, letzterErfolg_) : zeit;
 }
 
-void Dateiluecken::Pruefe(Datum jetzt) {
+void Dateiluecken::Pruefe(Zeitpunkt jetzt) {
     const auto beschaedigte =
         static_cast<std::size_t>(std::ranges::count_if(gescheitert_, [](const auto& e) { return e.second; }));
     const std::size_t gescheiterte = gescheitert_.size() - beschaedigte;
@@ -62,10 +62,10 @@ void Dateiluecken::Pruefe(Datum jetzt) {
               (beschaedigte == 1 ? " ist beschädigt und nimmt" : " sind beschädigt und nehmen") +
               " keine Kurse mehr auf. Welche, sagt „zek check“.");
     beschaedigteGemeldet_ = beschaedigte;
-    if (beginn_ == 0) return;
+    if (!beginn_) return;
     hoechstens_ = std::max(hoechstens_, gescheiterte);
-    if (!gemeldet_ && gescheiterte > 0 && SekundenZwischen(beginn_, jetzt) >= Sammelzeit) MeldeAusfall();
-    const bool ruhig = letzterErfolg_ > letzterFehler_ && SekundenZwischen(letzterFehler_, jetzt) >= Ruhezeit;
+    if (!gemeldet_ && gescheiterte > 0 && jetzt - *beginn_ >= Sammelzeit) MeldeAusfall();
+    const bool ruhig = letzterErfolg_ > letzterFehler_ && jetzt - letzterFehler_ >= Ruhezeit;
     if (gescheiterte == 0 || ruhig) MeldeEnde(jetzt);
 }
 
@@ -76,11 +76,11 @@ void Dateiluecken::MeldeAusfall() {
           " keine Kurse auf" + (grund.empty() ? "" : " (" + grund + ")") + ". Diese Kurse gehen verloren!");
 }
 
-void Dateiluecken::MeldeEnde(Datum jetzt) {
+void Dateiluecken::MeldeEnde(Zeitpunkt jetzt) {
     if (gemeldet_)
-        Melde("Das Speichern gelingt wieder (zuvor " + Dateizahl(hoechstens_) + ", seit " + NurZeittext(beginn_) +
-              (GanzerTag(beginn_) == GanzerTag(jetzt) ? "" : " am " + NurDatumtext(beginn_)) + ").");
-    beginn_ = 0;
+        Melde("Das Speichern gelingt wieder (zuvor " + Dateizahl(hoechstens_) + ", seit " + NurZeittext(*beginn_) +
+              (TagVon(*beginn_) == TagVon(jetzt) ? "" : " am " + NurDatumtext(*beginn_)) + ").");
+    beginn_.reset();
     hoechstens_ = 0;
     gemeldet_ = false;
 }

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -16,30 +17,30 @@ class Dateiluecken {
 public:
     Dateiluecken(OffeneLuecken& offen, Statusausgabe& status) : offen_(offen), status_(status) {}
 
-    void Gescheitert(const clTitelobjekt& titel, std::int32_t kursart, int systemfehler, Datum jetzt);
-    void Beschaedigt(const clTitelobjekt& titel, std::int32_t kursart, Datum jetzt);
-    void WiederGespeichert(const clTitelobjekt& titel, std::int32_t kursart, Datum jetzt);
-    void AnderesGespeichert(Datum jetzt);
+    void Gescheitert(const clTitelobjekt& titel, std::int32_t kursart, int systemfehler, Zeitpunkt jetzt);
+    void Beschaedigt(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt jetzt);
+    void WiederGespeichert(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt jetzt);
+    void AnderesGespeichert(Zeitpunkt jetzt);
     // Once a second.
-    void Pruefe(Datum jetzt);
+    void Pruefe(Zeitpunkt jetzt);
 
     // How far what came until `zeit` has reached files: not beyond the last record that any file took, while some fail.
-    Datum GespeichertBis(Datum zeit) const;
+    Zeitpunkt GespeichertBis(Zeitpunkt zeit) const;
 
 private:
     using Reihe = std::pair<std::string, std::int32_t>;  // base name and kind
 
     void Melde(const std::string& text) { status_.Statusmeldung(text, true); }
     void MeldeAusfall();
-    void MeldeEnde(Datum jetzt);
+    void MeldeEnde(Zeitpunkt jetzt);
 
     OffeneLuecken& offen_;
     Statusausgabe& status_;
     std::map<Reihe, bool> gescheitert_;  // torn ones are true
     int systemfehler_ = 0;               // of the last failure
-    Datum beginn_ = 0;                   // of the failures; 0 for none
-    Datum letzterFehler_ = 0;
-    Datum letzterErfolg_ = 0;  // counts while some file fails
+    std::optional<Zeitpunkt> beginn_;    // of the failures
+    Zeitpunkt letzterFehler_{};
+    Zeitpunkt letzterErfolg_{};  // counts while some file fails
     std::size_t hoechstens_ = 0;
     bool gemeldet_ = false;
     std::size_t beschaedigteGemeldet_ = 0;

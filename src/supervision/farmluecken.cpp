@@ -10,43 +10,43 @@ namespace zek {
 namespace {
 
 // Ticks that were on their way when the farm broke.
-constexpr Datum Nachzuegler = 2 * EineSekunde;
+constexpr Dauer Nachzuegler = 2s;
 // A title that is silent for so long while a farm is broken gets its line, without knowing whether it hangs on it.
-constexpr double Geduld = 10;  // seconds
+constexpr Dauer Geduld = 10s;
 
 }  // namespace
 
-void Farmluecken::Gestoert(std::string_view text, Datum jetzt) {
+void Farmluecken::Gestoert(std::string_view text, Zeitpunkt jetzt) {
     Pruefe(jetzt);
     const std::size_t punkt = text.rfind(':');
     const std::string_view farm = punkt == std::string_view::npos ? std::string_view() : text.substr(punkt + 1);
     const std::string grund =
         MitZusatz(ursache::FarmGestoert, farm.empty() ? std::string() : "(" + std::string(farm) + ")");
     gestoertSeit_ = jetzt;
-    wiederSeit_ = 0;
+    wiederSeit_.reset();
     for (const std::int32_t id : titel_.Laufende()) {
         clTitelobjekt* titel = modul_.Titelliste.Finde(id);
         const std::string* name = titel_.Name(id);
         if (titel == nullptr || name == nullptr || verdacht_.contains(id)) continue;
-        const Datum letzter = titel->LetzterKursZeitpunkt > 0 ? titel->LetzterKursZeitpunkt : jetzt;
+        const Zeitpunkt letzter = titel->LetzterKursZeitpunkt.value_or(jetzt);
         verdacht_.emplace(id, Verdacht{*name, grund, std::min(letzter, jetzt), false});
-        titel->ErsterKursZeitpunkt = 0;
+        titel->ErsterKursZeitpunkt.reset();
     }
 }
 
-void Farmluecken::WiederDa(Datum jetzt) {
+void Farmluecken::WiederDa(Zeitpunkt jetzt) {
     Pruefe(jetzt);
-    if (wiederSeit_ == 0) wiederSeit_ = jetzt;
+    if (!wiederSeit_) wiederSeit_ = jetzt;
 }
 
-void Farmluecken::Schliesse(const Verdacht& verdacht, Datum bis) const {
+void Farmluecken::Schliesse(const Verdacht& verdacht, Zeitpunkt bis) const {
     if (verdacht.Geschrieben)
         offen_.Schliesse(verdacht.Name, verdacht.Ursache, bis);
     else
         offen_.Schreibe(verdacht.Seit, bis, verdacht.Name, verdacht.Ursache);
 }
 
-void Farmluecken::Vergiss(std::int32_t id, Datum jetzt) {
+void Farmluecken::Vergiss(std::int32_t id, Zeitpunkt jetzt) {
     Pruefe(jetzt);
     const auto ort = verdacht_.find(id);
     if (ort == verdacht_.end()) return;
@@ -54,19 +54,19 @@ void Farmluecken::Vergiss(std::int32_t id, Datum jetzt) {
     verdacht_.erase(ort);
 }
 
-void Farmluecken::VergissAlle(Datum jetzt) {
+void Farmluecken::VergissAlle(Zeitpunkt jetzt) {
     while (!verdacht_.empty()) Vergiss(verdacht_.begin()->first, jetzt);
 }
 
 bool Farmluecken::Entscheide(clTitelobjekt& titel, Verdacht& verdacht) const {
-    const Datum erster = titel.ErsterKursZeitpunkt;
-    if (wiederSeit_ > 0 && erster >= wiederSeit_) {
+    const Zeitpunkt erster = *titel.ErsterKursZeitpunkt;
+    if (wiederSeit_ && erster >= *wiederSeit_) {
         Schliesse(verdacht, erster);
         return true;
     }
     if (titel.LetzterKursZeitpunkt < gestoertSeit_ + Nachzuegler) {
-        verdacht.Seit = std::max(verdacht.Seit, titel.LetzterKursZeitpunkt);
-        titel.ErsterKursZeitpunkt = 0;
+        verdacht.Seit = std::max(verdacht.Seit, titel.LetzterKursZeitpunkt.value_or(verdacht.Seit));
+        titel.ErsterKursZeitpunkt.reset();
         return false;
     }
     // It hangs on another farm.
@@ -74,17 +74,17 @@ bool Farmluecken::Entscheide(clTitelobjekt& titel, Verdacht& verdacht) const {
     return true;
 }
 
-void Farmluecken::Pruefe(Datum jetzt) {
+void Farmluecken::Pruefe(Zeitpunkt jetzt) {
     for (auto ort = verdacht_.begin(); ort != verdacht_.end();) {
         clTitelobjekt* titel = modul_.Titelliste.Finde(ort->first);
         Verdacht& verdacht = ort->second;
-        const bool tick = titel != nullptr && titel->ErsterKursZeitpunkt != 0;
+        const bool tick = titel != nullptr && titel->ErsterKursZeitpunkt;
         if (titel == nullptr || (tick && Entscheide(*titel, verdacht))) {
             if (titel == nullptr) Schliesse(verdacht, jetzt);
             ort = verdacht_.erase(ort);
             continue;
         }
-        if (!tick && !verdacht.Geschrieben && SekundenZwischen(gestoertSeit_, jetzt) > Geduld) {
+        if (!tick && !verdacht.Geschrieben && jetzt - gestoertSeit_ > Geduld) {
             offen_.Oeffne(verdacht.Name, verdacht.Ursache, verdacht.Seit);
             verdacht.Geschrieben = true;
         }

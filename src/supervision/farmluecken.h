@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,31 +21,31 @@ public:
         : modul_(modul), offen_(offen), titel_(titel) {}
 
     // `text` of the message names the farm behind its last colon.
-    void Gestoert(std::string_view text, Datum jetzt);
-    void WiederDa(Datum jetzt);
+    void Gestoert(std::string_view text, Zeitpunkt jetzt);
+    void WiederDa(Zeitpunkt jetzt);
     // The title's stream is over, or asked for anew: what it lacks has another cause from here on.
-    void Vergiss(std::int32_t id, Datum jetzt);
-    void VergissAlle(Datum jetzt);
+    void Vergiss(std::int32_t id, Zeitpunkt jetzt);
+    void VergissAlle(Zeitpunkt jetzt);
     // Once a second.
-    void Pruefe(Datum jetzt);
+    void Pruefe(Zeitpunkt jetzt);
 
 private:
     struct Verdacht {
         std::string Name;
         std::string Ursache;
-        Datum Seit = 0;
+        Zeitpunkt Seit{};
         bool Geschrieben = false;
     };
-    // True when the title's case is settled.
+    // Of a title with a tick. True when its case is settled.
     bool Entscheide(clTitelobjekt& titel, Verdacht& verdacht) const;
-    void Schliesse(const Verdacht& verdacht, Datum bis) const;
+    void Schliesse(const Verdacht& verdacht, Zeitpunkt bis) const;
 
     IBModul& modul_;
     OffeneLuecken& offen_;
     const Titelluecken& titel_;
     std::map<std::int32_t, Verdacht> verdacht_;
-    Datum gestoertSeit_ = 0;
-    Datum wiederSeit_ = 0;  // 0 while it is broken
+    Zeitpunkt gestoertSeit_{};
+    std::optional<Zeitpunkt> wiederSeit_;  // none while it is broken
 };
 
 }  // namespace zek

@@ -4,7 +4,7 @@
 
 namespace zek {
 
-void Handelsluecken::Stunden(const std::string& name, std::string_view zone, std::string_view text, Datum jetzt) {
+void Handelsluecken::Stunden(const std::string& name, std::string_view zone, std::string_view text, Zeitpunkt jetzt) {
     const auto stunden = LiesHandelsstunden(zone, text, jetzt, uhr_.Zone());
     if (!stunden) return;
     const std::string bisher = offen_.Ergaenzung(name, std::string(ursache::Handelszeiten));
@@ -14,7 +14,7 @@ void Handelsluecken::Stunden(const std::string& name, std::string_view zone, std
         offen_.Oeffne(name, ursache::Handelszeiten, jetzt, woche.Text());
     }
     // What began before nobody had said so may have been said by an earlier run.
-    const Zeit ab = Zeitspannen::Aus(jetzt);
+    const Zeit ab = AufMillisekunde(jetzt);
     const Zeitspannen frei = Handelsfreies(woche, *stunden).Schnitt({ab, std::max(ab, stunden->Bekannt.Bis)});
     if (frei.IstLeer() && !offen_.IstOffen(name, ursache::Handelsfrei))
         frei_.erase(name);
@@ -23,10 +23,10 @@ void Handelsluecken::Stunden(const std::string& name, std::string_view zone, std
     Pruefe(jetzt);
 }
 
-void Handelsluecken::Pruefe(Datum jetzt) {
-    const Zeit zeit = Zeitspannen::Aus(jetzt);
+void Handelsluecken::Pruefe(Zeitpunkt jetzt) {
+    const Zeit zeit = AufMillisekunde(jetzt);
     for (auto ort = frei_.begin(); ort != frei_.end();) {
-        Zeit bis = 0;  // of the last one that is over
+        std::optional<Zeit> bis;  // of the last one that is over
         const Zeitspanne* laufende = nullptr;
         bool kommt = false;
         for (const Zeitspanne& s : ort->second.Alle()) {
@@ -35,9 +35,9 @@ void Handelsluecken::Pruefe(Datum jetzt) {
             kommt = kommt || s.Von > zeit;
         }
         if (laufende != nullptr)
-            offen_.Oeffne(ort->first, ursache::Handelsfrei, Zeitspannen::AlsDatum(laufende->Von));
+            offen_.Oeffne(ort->first, ursache::Handelsfrei, laufende->Von);
         else
-            offen_.Schliesse(ort->first, ursache::Handelsfrei, bis > 0 ? Zeitspannen::AlsDatum(bis) : jetzt);
+            offen_.Schliesse(ort->first, ursache::Handelsfrei, bis ? *bis : jetzt);
         ort = laufende == nullptr && !kommt ? frei_.erase(ort) : std::next(ort);
     }
 }

@@ -16,9 +16,9 @@ public:
     Handelsluecken(OffeneLuecken& offen, const Uhr& uhr) : offen_(offen), uhr_(uhr) {}
 
     // The broker's words on the hours of a title of this base name.
-    void Stunden(const std::string& name, std::string_view zone, std::string_view text, Datum jetzt);
+    void Stunden(const std::string& name, std::string_view zone, std::string_view text, Zeitpunkt jetzt);
     // Once a second.
-    void Pruefe(Datum jetzt);
+    void Pruefe(Zeitpunkt jetzt);
 
 private:
     OffeneLuecken& offen_;

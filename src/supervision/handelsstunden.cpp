@@ -1,19 +1,18 @@
 #include "supervision/handelsstunden.h"
 
-#include "platform/datum.h"
 #include "platform/text.h"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 namespace zek {
 
 namespace {
 
-constexpr Zeit Minute = 60000, Tag = Zeitspannen::MillisekundenProTag;
-constexpr Zeit ErsterMontag = 2 * Tag;  // 1900-01-01
-constexpr double MinutenProTag = 1440;
+using std::chrono::days;
+using std::chrono::hours;
+using std::chrono::minutes;
+
 constexpr std::size_t Hoechstlaenge = 16 * 1024;
 
 enum class Sommer { Nie, Europa, Amerika };
@@ -72,23 +71,17 @@ constexpr std::array Zonen{
     Zone{"Asia/Seoul", 540, Sommer::Nie},
 };
 
-// Midnight of the n-th Sunday of a month; 0 stands for the last one.
-Datum Sonntag(int jahr, int monat, int n) {
-    const Datum erster = n > 0 ? DatumAus(jahr, monat, 1) : DatumAus(jahr, monat + 1, 1) - 7;
-    return erster + (7 - Wochentag(erster)) + (n > 0 ? 7 * (n - 1) : 0);
-}
-
-// `minute` since 1899-12-30 UTC.
-bool IstSommer(const Zone& zone, long long minute) {
-    const int jahr = Zerlege(static_cast<double>(minute) / MinutenProTag).Jahr;
-    const auto am = [&](int monat, int sonntag, int uhrzeit) {
-        return std::llround(Sonntag(jahr, monat, sonntag) * MinutenProTag) + uhrzeit;
-    };
+bool IstSommer(const Zone& zone, UtcZeitpunkt moment) {
+    using namespace std::chrono;
+    const year jahr = year_month_day(floor<days>(moment)).year();
+    const minutes ab(-zone.Minuten);
     switch (zone.Regel) {
         case Sommer::Europa:
-            return am(3, 0, 60) <= minute && minute < am(10, 0, 60);
+            return sys_days(jahr / March / Sunday[last]) + 1h <= moment &&
+                   moment < sys_days(jahr / October / Sunday[last]) + 1h;
         case Sommer::Amerika:
-            return am(3, 2, 120 - zone.Minuten) <= minute && minute < am(11, 1, 60 - zone.Minuten);
+            return sys_days(jahr / March / Sunday[2]) + 2h + ab <= moment &&
+                   moment < sys_days(jahr / November / Sunday[1]) + 1h + ab;
         case Sommer::Nie:
             break;
     }
@@ -101,42 +94,42 @@ std::optional<int> Ziffern(std::string_view text) {
     return zahl ? std::optional(static_cast<int>(*zahl)) : std::nullopt;
 }
 
-std::optional<Zeit> LiesTag(std::string_view text) {
+std::optional<Kalendertag> LiesTag(std::string_view text) {
     if (text.size() != 8) return std::nullopt;
     const auto jahr = Ziffern(text.substr(0, 4)), monat = Ziffern(text.substr(4, 2)), tag = Ziffern(text.substr(6));
     if (!jahr || !monat || !tag || *jahr < 2000 || *monat < 1 || *monat > 12 || *tag < 1 || *tag > 31)
         return std::nullopt;
-    return Zeitspannen::Aus(DatumAus(*jahr, *monat, *tag));
+    return TagAus(*jahr, *monat, *tag);
 }
 
-std::optional<Zeit> LiesUhrzeit(std::string_view text) {
+std::optional<minutes> LiesUhrzeit(std::string_view text) {
     if (text.size() != 4) return std::nullopt;
     const auto stunde = Ziffern(text.substr(0, 2)), minute = Ziffern(text.substr(2));
     if (!stunde || !minute || *stunde > 24 || *minute > 59) return std::nullopt;
-    return (*stunde * 60 + *minute) * Minute;
+    return hours(*stunde) + minutes(*minute);
 }
 
 // "20250522:1600", or the time alone, of the day `tag`.
-std::optional<Zeit> LiesMoment(std::string_view text, Zeit& tag) {
+std::optional<Zeit> LiesMoment(std::string_view text, std::optional<Kalendertag>& tag) {
     const std::size_t doppelpunkt = text.find(':');
     if (doppelpunkt != std::string_view::npos) {
         const auto neuer = LiesTag(text.substr(0, doppelpunkt));
         if (!neuer) return std::nullopt;
-        tag = *neuer;
+        tag = neuer;
         text.remove_prefix(doppelpunkt + 1);
     }
     const auto uhrzeit = LiesUhrzeit(text);
-    return uhrzeit ? std::optional(tag + *uhrzeit) : std::nullopt;
+    return uhrzeit && tag ? std::optional<Zeit>(*tag + *uhrzeit) : std::nullopt;
 }
 
 // One day of the list.
 bool LiesHandelstag(std::string_view text, Handelsstunden& stunden) {
-    const auto nimm = [&](Zeit tag) {
+    const auto nimm = [&](Kalendertag tag) {
         Zeitspanne& b = stunden.Bekannt;
-        b.Von = b.Von == 0 ? tag : std::min(b.Von, tag);
-        b.Bis = std::max(b.Bis, tag + Tag);
+        b.Von = b.Von == KeineZeit ? Zeit(tag) : std::min<Zeit>(b.Von, tag);
+        b.Bis = std::max<Zeit>(b.Bis, tag + days(1));
     };
-    Zeit tag = 0;
+    std::optional<Kalendertag> tag;
     if (text.ends_with(":CLOSED")) {
         const auto geschlossen = LiesTag(text.substr(0, text.find(':')));
         if (geschlossen) nimm(*geschlossen);
@@ -146,18 +139,18 @@ bool LiesHandelstag(std::string_view text, Handelsstunden& stunden) {
         const std::size_t strich = spanne.find('-');
         if (strich == std::string::npos) return false;
         const auto von = LiesMoment(std::string_view(spanne).substr(0, strich), tag);
-        if (!von || tag == 0) return false;
-        nimm(tag);
+        if (!von) return false;
+        nimm(*tag);
         auto bis = LiesMoment(std::string_view(spanne).substr(strich + 1), tag);
-        if (bis && *bis < *von) *bis += Tag;
-        if (!bis || *bis - *von > 7 * Tag) return false;
+        if (bis && *bis < *von) *bis += days(1);
+        if (!bis || *bis - *von > days(7)) return false;
         stunden.Offen.Fuege(*von, *bis);
-        nimm(*bis % Tag == 0 ? *bis - Tag : Zeitspannen::Tagesbeginn(*bis));
+        nimm(TagVon(*bis - 1ms));
     }
     return true;
 }
 
-Zeitspannen Verschoben(const Zeitspannen& spannen, Zeit um) {
+Zeitspannen Verschoben(const Zeitspannen& spannen, std::chrono::milliseconds um) {
     std::vector<Zeitspanne> neue;
     for (const Zeitspanne& s : spannen.Alle()) neue.push_back({s.Von + um, s.Bis + um});
     return Zeitspannen(std::move(neue));
@@ -169,40 +162,38 @@ Zeitspannen Offene(const Handelszeiten& woche, Zeit von, Zeit bis) {
 
 }  // namespace
 
-std::optional<int> Boersenversatz(std::string_view zone, double unixzeit) {
+std::optional<int> Boersenversatz(std::string_view zone, UtcZeitpunkt moment) {
     const std::string_view name = zone.substr(0, zone.find(' '));
     const auto ort = std::ranges::find(Zonen, name, &Zone::Name);
     if (ort == Zonen.end()) return std::nullopt;
-    return ort->Minuten +
-           (IstSommer(*ort, static_cast<long long>(std::floor(DatumAusUnix(unixzeit) * MinutenProTag + 1e-4))) ? 60
-                                                                                                               : 0);
+    return ort->Minuten + (IstSommer(*ort, moment) ? 60 : 0);
 }
 
-std::optional<Handelsstunden> LiesHandelsstunden(std::string_view zone, std::string_view text, Datum jetzt,
+std::optional<Handelsstunden> LiesHandelsstunden(std::string_view zone, std::string_view text, Zeitpunkt jetzt,
                                                  const Zeitzone& eigene) {
     const int hier = -(eigene.Bias + (eigene.Sommerzeit ? eigene.DaylightBias : eigene.StandardBias));
-    const auto dort = Boersenversatz(zone, UnixAus(jetzt) - hier * 60.0);
+    const auto dort = Boersenversatz(zone, UtcZeitpunkt(jetzt.time_since_epoch() - minutes(hier)));
     if (!dort || text.size() > Hoechstlaenge) return std::nullopt;
     Handelsstunden stunden;
     for (const std::string& tag : Teile(text, ';'))
         if (!Getrimmt(tag).empty() && !LiesHandelstag(Getrimmt(tag), stunden)) return std::nullopt;
-    if (stunden.Bekannt.Von == 0) return std::nullopt;
-    const Zeit um = (hier - *dort) * Minute;
+    if (stunden.Bekannt.Von == KeineZeit) return std::nullopt;
+    const minutes um(hier - *dort);
     stunden.Offen = Verschoben(stunden.Offen, um);
     stunden.Bekannt = {stunden.Bekannt.Von + um, stunden.Bekannt.Bis + um};
     // What was open on the evening before would stand in the list.
-    if (um > 0) stunden.Bekannt.Von = Zeitspannen::Tagesbeginn(stunden.Bekannt.Von);
+    if (um > 0min) stunden.Bekannt.Von = TagVon(stunden.Bekannt.Von);
     return stunden;
 }
 
 Handelszeiten Handelswoche(const std::optional<Handelszeiten>& bisher, std::string_view basisname,
-                           const Handelsstunden& stunden, Datum jetzt) {
+                           const Handelsstunden& stunden, Zeitpunkt jetzt) {
     const Handelszeiten& vorher = bisher ? *bisher : Handelszeiten::Uebliche(basisname);
     const Zeitspannen bekannt(stunden.Bekannt.Von, stunden.Bekannt.Bis);
     Zeitspannen woche;
     for (int i = 0; i < 7; ++i) {
-        const Zeit tag = Zeitspannen::Aus(GanzerTag(jetzt)) + i * Tag;
-        const Zeitspannen ganz(tag, tag + Tag), alt = Offene(vorher, tag, tag + Tag);
+        const Kalendertag tag = TagVon(jetzt) + days(i);
+        const Zeitspannen ganz(tag, tag + days(1)), alt = Offene(vorher, tag, tag + days(1));
         const Zeitspannen gesagt = stunden.Offen.Schnitt(ganz).Schnitt(bekannt);
         const bool kuerzer = gesagt.Ohne(alt).IstLeer() && (bisher || gesagt.IstLeer());
         Zeitspannen neu = alt;
@@ -210,8 +201,8 @@ Handelszeiten Handelswoche(const std::optional<Handelszeiten>& bisher, std::stri
             neu = alt.Ohne(bekannt);
             neu.Fuege(gesagt);
         }
-        const Zeit wochentag = (tag - ErsterMontag) % Handelszeiten::Wochenlaenge / Tag * Tag;
-        woche.Fuege(Verschoben(neu, wochentag - tag));
+        const days seitMontag = std::chrono::weekday(tag) - std::chrono::Monday;
+        woche.Fuege(Verschoben(neu, Handelszeiten::Montag + seitMontag - tag));
     }
     return Handelszeiten(woche);
 }

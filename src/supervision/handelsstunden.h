@@ -22,16 +22,16 @@ struct Handelsstunden {
 };
 
 // Empty for a zone or a text that can't be read.
-std::optional<Handelsstunden> LiesHandelsstunden(std::string_view zone, std::string_view text, Datum jetzt,
+std::optional<Handelsstunden> LiesHandelsstunden(std::string_view zone, std::string_view text, Zeitpunkt jetzt,
                                                  const Zeitzone& eigene);
 
 // Minutes from UTC to the time of an exchange, with its summer time; empty for a zone that isn't known.
-std::optional<int> Boersenversatz(std::string_view zone, double unixzeit);
+std::optional<int> Boersenversatz(std::string_view zone, UtcZeitpunkt moment);
 
 // What a week looks like by `stunden`, where they and `bisher` speak of it; else as markets of this kind mostly do. A
 // day that is shorter than before, or closed, is a holiday and leaves the week as it was.
 Handelszeiten Handelswoche(const std::optional<Handelszeiten>& bisher, std::string_view basisname,
-                           const Handelsstunden& stunden, Datum jetzt);
+                           const Handelsstunden& stunden, Zeitpunkt jetzt);
 // When `woche` says open and `stunden` say closed.
 Zeitspannen Handelsfreies(const Handelszeiten& woche, const Handelsstunden& stunden);
 

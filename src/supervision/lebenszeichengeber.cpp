@@ -1,12 +1,8 @@
 #include "supervision/lebenszeichengeber.h"
 
-#include "supervision/offeneluecken.h"
-
-#include <cmath>
-
 namespace zek {
 
-void Lebenszeichengeber::Beginne(Datum jetzt) {
+void Lebenszeichengeber::Beginne(Zeitpunkt jetzt) {
     rechnerstart_ = Rechnerstart(dateien_);
     zuletzt_ = jetzt;
 }
@@ -21,36 +17,40 @@ bool Lebenszeichengeber::IstNeues() {
     return neu;
 }
 
-void Lebenszeichengeber::Pruefe(Datum jetzt) {
+Zeit Lebenszeichengeber::DatenBis() const {
+    return datenBis_ ? AufMillisekunde(*datenBis_) : KeineZeit;
+}
+
+void Lebenszeichengeber::Pruefe(Zeitpunkt jetzt) {
     neues_ = IstNeues() || neues_;
-    const double vergangen = std::fabs(SekundenZwischen(zuletzt_, jetzt));
+    const Dauer vergangen = std::chrono::abs(jetzt - zuletzt_);
     if (laeuft_) {
         const auto ergebnis = dateien_.Sicherungsergebnis();
         if (ergebnis) {
             laeuft_ = false;
             gesichert_ = *ergebnis == 0;
             if (!gesichert_) GibZeichen(jetzt);
-        } else if (vergangen > Ruhetakt) {
+        } else if (vergangen >= Ruhetakt) {
             GibZeichen(jetzt);  // a disk that hangs
         }
         return;
     }
-    if (vergangen < Takt - 0.5 || (!neues_ && vergangen < Ruhetakt - 0.5)) return;
+    if (vergangen < Takt - 500ms || (!neues_ && vergangen < Ruhetakt - 500ms)) return;
     if (neues_)
         BeginneSicherung(jetzt);
     else
         GibZeichen(jetzt);
 }
 
-void Lebenszeichengeber::Beende(Datum jetzt) {
+void Lebenszeichengeber::Beende(Zeitpunkt jetzt) {
     IstNeues();
     dateien_.Sicherungsergebnis();  // makes room for another round when one is over
     BeginneSicherung(jetzt);
 }
 
-void Lebenszeichengeber::BeginneSicherung(Datum jetzt) {
+void Lebenszeichengeber::BeginneSicherung(Zeitpunkt jetzt) {
     const std::string ordner = Lueckenpfad(modul_.Datenordner);
-    const Lebenszeichen zeichen{Zeitspannen::Aus(jetzt), Zeitspannen::Aus(datenBis_), rechnerstart_};
+    const Lebenszeichen zeichen{AufMillisekunde(jetzt), DatenBis(), rechnerstart_};
     laeuft_ = dateien_.BeginneSicherung(modul_.Datenordner, ordner + std::string(Lebenszeichendatei),
                                         Lebenszeichentext(zeichen)) == 0;
     zuletzt_ = jetzt;
@@ -59,9 +59,9 @@ void Lebenszeichengeber::BeginneSicherung(Datum jetzt) {
     if (!laeuft_) GibZeichen(jetzt);
 }
 
-void Lebenszeichengeber::GibZeichen(Datum jetzt) {
-    Lebenszeichen zeichen{Zeitspannen::Aus(jetzt), std::nullopt, rechnerstart_};
-    if (gesichert_) zeichen.Daten = Zeitspannen::Aus(datenBis_);
+void Lebenszeichengeber::GibZeichen(Zeitpunkt jetzt) {
+    Lebenszeichen zeichen{AufMillisekunde(jetzt), std::nullopt, rechnerstart_};
+    if (gesichert_) zeichen.Daten = DatenBis();
     SchreibeLebenszeichen(dateien_, Lueckenpfad(modul_.Datenordner), zeichen);
     zuletzt_ = jetzt;
 }

@@ -7,39 +7,41 @@
 #include "modul/ibmodul.h"
 #include "platform/dateisystem.h"
 
+#include <optional>
 #include <string>
 
 namespace zek {
 
 class Lebenszeichengeber {
 public:
-    // Seconds between two rounds while there is something to bring to the disk, and while there isn't.
-    static constexpr double Takt = 5;
-    static constexpr double Ruhetakt = 60;
+    // Between two rounds while there is something to bring to the disk, and while there isn't.
+    static constexpr Dauer Takt = 5s;
+    static constexpr Dauer Ruhetakt = 60s;
 
     Lebenszeichengeber(const IBModul& modul, Dateisystem& dateien, const Lueckenbuch& buch)
         : modul_(modul), dateien_(dateien), buch_(buch) {}
 
-    void Beginne(Datum jetzt);
+    void Beginne(Zeitpunkt jetzt);
     // Once a second.
-    void Pruefe(Datum jetzt);
+    void Pruefe(Zeitpunkt jetzt);
     // The program ends: one round more, which nobody waits for.
-    void Beende(Datum jetzt);
+    void Beende(Zeitpunkt jetzt);
 
 private:
     bool IstNeues();
-    void BeginneSicherung(Datum jetzt);
-    void GibZeichen(Datum jetzt);
+    Zeit DatenBis() const;
+    void BeginneSicherung(Zeitpunkt jetzt);
+    void GibZeichen(Zeitpunkt jetzt);
 
     const IBModul& modul_;
     Dateisystem& dateien_;
     const Lueckenbuch& buch_;
     std::string rechnerstart_;
-    Datum zuletzt_ = 0;       // sign, or beginning of a round
+    Zeitpunkt zuletzt_{};     // sign, or beginning of a round
     bool laeuft_ = false;     // a round
     bool gesichert_ = false;  // all that there is
     bool neues_ = true;       // has come since the last round began
-    Datum datenBis_ = 0;
+    std::optional<Zeitpunkt> datenBis_;
     double kursanzahl_ = -1;
     std::uint64_t geschrieben_ = 0;
 };

@@ -1,7 +1,6 @@
 #include "supervision/lueckenwache.h"
 
 #include "luecken/zwischenstand.h"
-#include "platform/datum.h"
 #include "platform/ohnefehler.h"
 
 namespace zek {
@@ -41,7 +40,7 @@ Lueckenwache::Lueckenwache(IBModul& modul, Dateisystem& dateien, const Uhr& uhr,
 
 // ---- start and end
 
-void Lueckenwache::Beginne(Datum letztesEnde) {
+void Lueckenwache::Beginne(std::optional<Zeitpunkt> letztesEnde) {
     buch_.HalteZurueck(true);
     start_ = AufMillisekunde(uhr_.Jetzt());
     vorleben_.Uebernimm(letztesEnde, start_);
@@ -68,7 +67,7 @@ void Lueckenwache::TitelGeladen() {
 
 void Lueckenwache::Beende() {
     if (!laeuft_) return;
-    const Datum jetzt = uhr_.Jetzt();
+    const Zeitpunkt jetzt = uhr_.Jetzt();
     vorleben_.SchreibeStart();
     farm_.VergissAlle(jetzt);
     titel_.Beende(jetzt);
@@ -83,7 +82,7 @@ void Lueckenwache::Beende() {
 
 void Lueckenwache::VerbindungWeg() {
     if (!laeuft_) return;
-    const Datum jetzt = uhr_.Jetzt();
+    const Zeitpunkt jetzt = uhr_.Jetzt();
     if (!strom_.VerbindungWeg(jetzt, titel_.Lage())) return;
     farm_.VergissAlle(jetzt);
     titel_.VerbindungWeg(jetzt);
@@ -108,7 +107,7 @@ void Lueckenwache::Meldung(int code, std::string_view text) {
 
 void Lueckenwache::Abonniert(const clTitelobjekt& titel) {
     if (!laeuft_) return;
-    const Datum jetzt = uhr_.Jetzt();
+    const Zeitpunkt jetzt = uhr_.Jetzt();
     farm_.Vergiss(titel.id, jetzt);
     if (strom_.Abonniert(jetzt)) titel_.DurchgangBeginnt(jetzt);
     titel_.Abonniert(titel, jetzt);
@@ -149,7 +148,8 @@ void Lueckenwache::AnderesGespeichert() {
 
 // ---- backfills
 
-void Lueckenwache::BeimEinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+void Lueckenwache::BeimEinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von,
+                                           Zeitpunkt bis) {
     pflege_.EinarbeitenBegonnen(titel, kursart, von, bis);
 }
 
@@ -157,7 +157,7 @@ void Lueckenwache::BeimEinarbeitenBeendet(const clTitelobjekt& titel, std::int32
     pflege_.EinarbeitenBeendet(titel, kursart);
 }
 
-void Lueckenwache::BeimLeeren(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+void Lueckenwache::BeimLeeren(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
     pflege_.Geleert(titel, kursart, von, bis);
 }
 
@@ -169,8 +169,8 @@ void Lueckenwache::DatenpflegeErgebnis(const Datenpflegeergebnis& ergebnis) {
 
 void Lueckenwache::Durchlauf() {
     if (!laeuft_) return;
-    const Datum jetzt = uhr_.Jetzt();
-    const Datum zuletzt = uhrluecken_.Zuletzt();
+    const Zeitpunkt jetzt = uhr_.Jetzt();
+    const Zeitpunkt zuletzt = uhrluecken_.Zuletzt();
     OhneFehler("Lücken der Uhr", [&] {
         if (uhrluecken_.Pruefe(jetzt)) strom_.RuheBis(jetzt);
     });
@@ -189,21 +189,21 @@ void Lueckenwache::Durchlauf() {
 }
 
 // A checkpoint each day, and when the book has grown by much.
-void Lueckenwache::PflegeBuch(Datum jetzt) {
+void Lueckenwache::PflegeBuch(Zeitpunkt jetzt) {
     buch_.Nachholen();
     if (!titelGeladen_ || !buch_.IstVollstaendig()) return;
-    if (GanzerTag(jetzt) == standVom_ && buch_.Geschrieben() - standBei_ < HoechstensNachzulesen) return;
-    standVom_ = GanzerTag(jetzt);
+    if (TagVon(jetzt) == standVom_ && buch_.Geschrieben() - standBei_ < HoechstensNachzulesen) return;
+    standVom_ = TagVon(jetzt);
     standBei_ = buch_.Geschrieben();
     const std::string ordner = Lueckenpfad(modul_.Datenordner);
-    const Zwischenlesung lesung = LiesZwischenstand(dateien_, ordner, Zeitspannen::Aus(jetzt));
+    const Zwischenlesung lesung = LiesZwischenstand(dateien_, ordner, AufMillisekunde(jetzt));
     if (lesung.Lesbar) SchreibeZwischenstand(dateien_, ordner, lesung.Stand);
     verdichten_ = lesung.Lesbar;
 }
 
 // Month by month, a day of it a second.
-void Lueckenwache::VerdichteBuch(Datum jetzt) {
-    const Zeit zeit = Zeitspannen::Aus(jetzt);
+void Lueckenwache::VerdichteBuch(Zeitpunkt jetzt) {
+    const Zeit zeit = AufMillisekunde(jetzt);
     if (verdichtung_.Laeuft())
         verdichtung_.Schritt(zeit);
     else if (verdichten_)

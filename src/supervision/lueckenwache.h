@@ -43,9 +43,9 @@ public:
     Lueckenwache(const Lueckenwache&) = delete;
     Lueckenwache& operator=(const Lueckenwache&) = delete;
 
-    // The program starts, and isn't connected. `letztesEnde`: when data last arrived in an earlier run, 0 unknown. From
+    // The program starts, and isn't connected. `letztesEnde`: when data last arrived in an earlier run. From
     // here on events count; nothing goes to the disk yet.
-    void Beginne(Datum letztesEnde);
+    void Beginne(std::optional<Zeitpunkt> letztesEnde);
     // The earlier run died, or left no word. Known behind Beginne.
     bool EndeOhneOrdnung() const { return vorleben_.OhneOrdnung(); }
     // What the start has found in a data file, in German words.
@@ -73,22 +73,22 @@ public:
     void AnderesGespeichert() override;
     // A merge is about to change the title's file between these times. Its end, however it came about, takes the mark
     // away; one that stays open tells that the program died in the merge.
-    void BeimEinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
+    void BeimEinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis);
     void BeimEinarbeitenBeendet(const clTitelobjekt& titel, std::int32_t kursart);
     // The merge takes the records of the span and brings none, by the volume filter.
-    void BeimLeeren(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
+    void BeimLeeren(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis);
     void DatenpflegeErgebnis(const Datenpflegeergebnis& ergebnis);
 
     // How far what came until `zeit` has reached files: not beyond the last record that any file took, while some fail.
-    Datum GespeichertBis(Datum zeit) const { return dateiluecken_.GespeichertBis(zeit); }
+    Zeitpunkt GespeichertBis(Zeitpunkt zeit) const { return dateiluecken_.GespeichertBis(zeit); }
     // True while a gap of this cause is open for the title ("*" for all).
     bool IstBlind(std::string_view titel, std::string_view grund) const { return offen_.IstOffen(titel, grund); }
     // Lines that couldn't be written anywhere yet.
     std::size_t Wartend() const { return buch_.Wartend(); }
 
 private:
-    void PflegeBuch(Datum jetzt);
-    void VerdichteBuch(Datum jetzt);
+    void PflegeBuch(Zeitpunkt jetzt);
+    void VerdichteBuch(Zeitpunkt jetzt);
 
     IBModul& modul_;
     Dateisystem& dateien_;
@@ -108,9 +108,9 @@ private:
     Buchverdichtung verdichtung_;
     bool laeuft_ = false;
     bool titelGeladen_ = false;
-    Datum start_ = 0;
+    Zeitpunkt start_{};
     std::uint32_t durchlaeufe_ = 0;
-    Datum standVom_ = 0;          // day of the last checkpoint
+    Kalendertag standVom_{};      // of the last checkpoint
     std::uint64_t standBei_ = 0;  // bytes of the book at it
     bool verdichten_ = false;     // months of the past may be put together
 };

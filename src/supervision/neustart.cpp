@@ -11,13 +11,8 @@
 namespace zek {
 namespace {
 
-// A round may come this much before the clock time (about 0.04 s).
-constexpr Datum Uhrzeittoleranz = 0.0000005;
-
-// Seconds that have passed; the half millisecond makes up for the resolution of a day count.
-double Vergangen(Datum von, Datum bis) {
-    return (bis - von) * SekundenProTag + 0.0005;
-}
+// A round may come this much before the clock time: 0.0000005 days.
+constexpr Dauer Uhrzeittoleranz = 43200us;
 
 bool Befohlen(const std::string& wert) {
     return Zahlwert(wert) != 0;
@@ -63,20 +58,21 @@ bool Neustart::AutoNeustartStarten(bool nurPruefen) {
 void Neustart::UhrzeitPruefen() {
     const Einstellungen& e = modul_.Einstellungen;
     if (!e.NeuStartbeiUhrzeit) return;
-    const Datum jetzt = uhr_.Jetzt();
+    const Zeitpunkt jetzt = uhr_.Jetzt();
     // The program that comes up just after the restart was started today after that time, and waits for tomorrow.
-    const bool gesternGestartet = GanzerTag(jetzt) > GanzerTag(modul_.Startzeitpunkt);
-    const bool vorherGestartet = e.NeustartUhrzeit - EineSekunde > Tagesbruchteil(modul_.Startzeitpunkt);
+    const bool gesternGestartet = TagVon(jetzt) > TagVon(modul_.Startzeitpunkt);
+    const Dauer uhrzeit = e.NeustartUhrzeit.SeitMitternacht;
+    const bool vorherGestartet = Tageszeit(uhrzeit - 1s) > Tageszeit(modul_.Startzeitpunkt);
     if (!gesternGestartet && !vorherGestartet) return;
-    if (Tagesbruchteil(jetzt) < e.NeustartUhrzeit - Uhrzeittoleranz) return;
+    if (Tageszeit(jetzt) < Tageszeit(uhrzeit - Uhrzeittoleranz)) return;
     Anfordern("ZEK wird zeitbedingt neu gestartet (" + Datumtext(e.NeustartUhrzeit) + ")");
 }
 
 void Neustart::FehlendeKursePruefen() {
     const Einstellungen& e = modul_.Einstellungen;
     if (!e.NeuStartBeiFehlendenKursen || modul_.AktiveTitel < 1) return;
-    const Datum jetzt = uhr_.Jetzt();
-    if (Vergangen(modul_.Startzeitpunkt, jetzt) < KurseKarenz) return;
+    const Zeitpunkt jetzt = uhr_.Jetzt();
+    if (jetzt - modul_.Startzeitpunkt < KurseKarenz) return;
     // A lost connection is the reconnect's business.
     if (!sitzung_.TwsVerbunden()) return;
     if (RuhezeitAktiv(e, jetzt)) {
@@ -84,7 +80,8 @@ void Neustart::FehlendeKursePruefen() {
         modul_.LetzterKursZeitpunkt = jetzt;
         return;
     }
-    if (Vergangen(modul_.LetzterKursZeitpunkt, jetzt) < e.NeuStartBeiFehlendenKursenSekunden) return;
+    const std::chrono::seconds hoechstens(e.NeuStartBeiFehlendenKursenSekunden);
+    if (modul_.LetzterKursZeitpunkt && jetzt - *modul_.LetzterKursZeitpunkt < hoechstens) return;
     Anfordern("ZEK wird neu gestartet, weil längere Zeit keine Kurse eingetroffen sind");
 }
 
@@ -103,8 +100,8 @@ void Neustart::WegenFehler(int code) {
     if (beendet_ || modul_.BeendenAngefordert) return;
     const std::string nummer = std::to_string(code);
     const std::string letzter = einstellungen_.Lies(abschnitt::Optionen, "LetzterNeustartFehler", "0");
-    const Datum jetzt = uhr_.Jetzt();
-    if (Vergangen(DatumAusText(letzter).value_or(Zahlwert(letzter)), jetzt) < FehlerSperrzeit) {
+    const Zeitpunkt jetzt = uhr_.Jetzt();
+    if (jetzt - ZeitpunktAusText(letzter).value_or(ZeitpunktAus(Zahlwert(letzter))) < FehlerSperrzeit) {
         status_.Statusmeldung("ZEK wird trotz Fehlermeldung Nr. " + nummer +
                                   " nicht neu gestartet (<20 s nach letztem Neustart wegen Fehlermeldung)",
                               true);

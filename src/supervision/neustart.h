@@ -19,9 +19,9 @@ public:
     // Name of the restart helper, in the program folder.
     static constexpr std::string_view Helferdatei = "ZEKIBAutoNeustart.exe";
     // No second restart for an error number within so many seconds, also not by the next instance.
-    static constexpr double FehlerSperrzeit = 20;
+    static constexpr Dauer FehlerSperrzeit = 20s;
     // The watch for missing ticks begins so many seconds after the start.
-    static constexpr double KurseKarenz = 300;
+    static constexpr Dauer KurseKarenz = 300s;
 
     // What the session does for it.
     class Sitzung {

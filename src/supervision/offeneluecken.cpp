@@ -1,16 +1,8 @@
 #include "supervision/offeneluecken.h"
 
-#include "platform/datum.h"
-
 #include <algorithm>
 
 namespace zek {
-
-namespace {
-
-constexpr Datum Millisekunde = EineSekunde / 1000;
-
-}  // namespace
 
 std::string MitZusatz(std::string_view ursache, std::string_view zusatz) {
     std::string text(ursache);
@@ -22,13 +14,9 @@ std::string Kursartzusatz(std::int32_t kursart) {
     return Arttext(ArtVon(kursart));
 }
 
-double SekundenZwischen(Datum von, Datum bis) {
-    return (bis - von) * SekundenProTag;
-}
-
-Datum ZuletztUm(Datum tageszeit, Datum jetzt) {
-    const Datum heute = GanzerTag(jetzt) + tageszeit;
-    return heute <= jetzt ? heute : heute - 1;
+Zeitpunkt ZuletztUm(Tageszeit tageszeit, Zeitpunkt jetzt) {
+    const Zeitpunkt heute = TagVon(jetzt) + tageszeit;
+    return heute <= jetzt ? heute : heute - std::chrono::days(1);
 }
 
 bool OffeneLuecken::IstOffen(std::string_view titel, std::string_view ursache) const {
@@ -42,36 +30,38 @@ std::string OffeneLuecken::Ergaenzung(const std::string& titel, const std::strin
 
 // A line is known by its beginning, title and cause. Where no tick came between two losses the second would begin like
 // the first; it goes on where the first has ended. After a clock that was set back there is no such order.
-void OffeneLuecken::Oeffne(const std::string& titel, std::string_view ursache, Datum von,
+void OffeneLuecken::Oeffne(const std::string& titel, std::string_view ursache, Zeitpunkt von,
                            const std::string& ergaenzung) {
     const Schluessel schluessel{titel, std::string(ursache)};
-    von = AufMillisekunde(von);
+    Zeit ab = AufMillisekunde(von);
     if (const auto vorige = geschlossen_.find(schluessel); vorige != geschlossen_.end()) {
         const auto [anfang, ende] = vorige->second;
-        if (von <= anfang && ende <= uhr_.Jetzt()) von = std::max(ende, AufMillisekunde(anfang + Millisekunde));
+        if (ab <= anfang && ende <= uhr_.Jetzt()) ab = std::max(ende, anfang + 1ms);
     }
-    if (offen_.try_emplace(schluessel, Offen{von, ergaenzung}).second)
-        buch_.Schreibe({von, 0, titel, schluessel.second, ergaenzung});
+    if (offen_.try_emplace(schluessel, Offen{ab, ergaenzung}).second)
+        buch_.Schreibe({ab, KeineZeit, titel, schluessel.second, ergaenzung});
 }
 
-void OffeneLuecken::Schliesse(const std::string& titel, std::string_view ursache, Datum bis) {
+void OffeneLuecken::Schliesse(const std::string& titel, std::string_view ursache, Zeitpunkt bis) {
     const auto ort = offen_.find({titel, std::string(ursache)});
     if (ort == offen_.end()) return;
     auto eintrag = offen_.extract(ort);
-    const Datum von = eintrag.mapped().Von;
-    geschlossen_.insert_or_assign(eintrag.key(), std::pair(von, AufMillisekunde(std::max(von, bis))));
+    const Zeit von = eintrag.mapped().Von;
+    geschlossen_.insert_or_assign(eintrag.key(), std::pair(von, std::max(von, AufMillisekunde(bis))));
     Schreibe(von, bis, titel, std::string(ursache), std::move(eintrag.mapped().Ergaenzung));
 }
 
-void OffeneLuecken::Schreibe(Datum von, Datum bis, std::string titel, std::string ursache, std::string ergaenzung) {
-    buch_.Schreibe({von, std::max(von, bis), std::move(titel), std::move(ursache), std::move(ergaenzung)});
+void OffeneLuecken::Schreibe(Zeitpunkt von, Zeitpunkt bis, std::string titel, std::string ursache,
+                             std::string ergaenzung) {
+    buch_.Schreibe({AufMillisekunde(von), AufMillisekunde(std::max(von, bis)), std::move(titel), std::move(ursache),
+                    std::move(ergaenzung)});
 }
 
 bool OffeneLuecken::Uebernimm(const Lueckenzeile& zeile) {
     return offen_.try_emplace({zeile.Titel, zeile.Ursache}, Offen{zeile.Von, zeile.Ergaenzung}).second;
 }
 
-void OffeneLuecken::SchliesseAlleAusser(const std::vector<std::string_view>& ursachen, Datum bis) {
+void OffeneLuecken::SchliesseAlleAusser(const std::vector<std::string_view>& ursachen, Zeitpunkt bis) {
     std::vector<Schluessel> alle;
     for (const auto& [schluessel, offen] : offen_) {
         const Ursachenangabe* angabe = FindeUrsache(schluessel.second);

@@ -23,28 +23,28 @@ public:
     std::string Ergaenzung(const std::string& titel, const std::string& ursache) const;
 
     // Nothing when it is open already.
-    void Oeffne(const std::string& titel, std::string_view ursache, Datum von, const std::string& ergaenzung = {});
+    void Oeffne(const std::string& titel, std::string_view ursache, Zeitpunkt von, const std::string& ergaenzung = {});
     // Nothing when it isn't open. An end before the beginning counts as the beginning.
-    void Schliesse(const std::string& titel, std::string_view ursache, Datum bis);
+    void Schliesse(const std::string& titel, std::string_view ursache, Zeitpunkt bis);
     // What begins and ends with one line.
-    void Schreibe(Datum von, Datum bis, std::string titel, std::string ursache, std::string ergaenzung = {});
+    void Schreibe(Zeitpunkt von, Zeitpunkt bis, std::string titel, std::string ursache, std::string ergaenzung = {});
     // An open line that the book has from an earlier run. False when there is one of its title and cause already.
     bool Uebernimm(const Lueckenzeile& zeile);
     // Closes all but those whose cause has one of these names.
-    void SchliesseAlleAusser(const std::vector<std::string_view>& ursachen, Datum bis);
+    void SchliesseAlleAusser(const std::vector<std::string_view>& ursachen, Zeitpunkt bis);
     // Titles with an open line of this cause.
     std::vector<std::string> Titel(std::string_view ursache) const;
 
 private:
     using Schluessel = std::pair<std::string, std::string>;
     struct Offen {
-        Datum Von = 0;
+        Zeit Von = KeineZeit;
         std::string Ergaenzung;
     };
     Lueckenbuch& buch_;
     const Uhr& uhr_;
     std::map<Schluessel, Offen> offen_;
-    std::map<Schluessel, std::pair<Datum, Datum>> geschlossen_;  // the last closed ones
+    std::map<Schluessel, std::pair<Zeit, Zeit>> geschlossen_;  // the last closed ones
 };
 
 // "Speichern fehlgeschlagen Brief"
@@ -52,9 +52,8 @@ std::string MitZusatz(std::string_view ursache, std::string_view zusatz);
 // The addition of a price kind: "Brief", "Markttiefe".
 std::string Kursartzusatz(std::int32_t kursart);
 
-double SekundenZwischen(Datum von, Datum bis);
 // The latest moment with this time of day that isn't in the future.
-Datum ZuletztUm(Datum tageszeit, Datum jetzt);
+Zeitpunkt ZuletztUm(Tageszeit tageszeit, Zeitpunkt jetzt);
 
 inline const std::string AlleTitel{AlleTitelZeichen};
 

@@ -10,7 +10,7 @@ Pausenluecken::Pausenluecken(const IBModul& modul, OffeneLuecken& offen) : modul
     probe_.AufzeichnungspauseVerwenden = true;
 }
 
-void Pausenluecken::Pruefe(Datum jetzt, Datum zuletzt) {
+void Pausenluecken::Pruefe(Zeitpunkt jetzt, Zeitpunkt zuletzt) {
     const Einstellungen& e = modul_.Einstellungen;
     if (!e.KursAufzeichnungDeaktivieren && !pausiert_) return;
     const bool fuerAlle = e.KursAufzeichnungDeaktivieren && e.AufzeichnungsPauseBoersen.empty();
@@ -23,10 +23,11 @@ void Pausenluecken::Pruefe(Datum jetzt, Datum zuletzt) {
 }
 
 // A pause begins and ends at its clock times, not at the second that sees it.
-bool Pausenluecken::PauseFuer(const std::string& name, bool aktiv, Datum jetzt, Datum zuletzt) {
+bool Pausenluecken::PauseFuer(const std::string& name, bool aktiv, Zeitpunkt jetzt, Zeitpunkt zuletzt) {
     if (aktiv == offen_.IstOffen(name, ursache::Aufzeichnungspause)) return aktiv;
-    const Datum grenze = aktiv ? modul_.Einstellungen.KeineAufzeichungStart : modul_.Einstellungen.KeineAufzeichungEnde;
-    const Datum zeit = std::max(ZuletztUm(grenze, jetzt), std::min(zuletzt, jetzt));
+    const Tageszeit grenze =
+        aktiv ? modul_.Einstellungen.KeineAufzeichungStart : modul_.Einstellungen.KeineAufzeichungEnde;
+    const Zeitpunkt zeit = std::max(ZuletztUm(grenze, jetzt), std::min(zuletzt, jetzt));
     if (aktiv)
         offen_.Oeffne(name, ursache::Aufzeichnungspause, zeit);
     else

@@ -11,10 +11,10 @@ public:
     Pausenluecken(const IBModul& modul, OffeneLuecken& offen);
 
     // Once a second; `zuletzt` is the look before.
-    void Pruefe(Datum jetzt, Datum zuletzt);
+    void Pruefe(Zeitpunkt jetzt, Zeitpunkt zuletzt);
 
 private:
-    bool PauseFuer(const std::string& name, bool aktiv, Datum jetzt, Datum zuletzt);
+    bool PauseFuer(const std::string& name, bool aktiv, Zeitpunkt jetzt, Zeitpunkt zuletzt);
 
     const IBModul& modul_;
     OffeneLuecken& offen_;

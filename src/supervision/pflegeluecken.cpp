@@ -10,7 +10,7 @@ namespace zek {
 // to the present at most.
 void Pflegeluecken::Ergebnis(const Datenpflegeergebnis& ergebnis) {
     if (ergebnis.Titel != nullptr && ergebnis.Titel->Dateiname.empty()) return;
-    const Datum bis = std::min(ergebnis.Bis, uhr_.Jetzt());
+    const Zeitpunkt bis = std::min(ergebnis.Bis, uhr_.Jetzt());
     if (ergebnis.Von >= bis) return;
     const std::string kurse = MitTausenderpunkten(static_cast<double>(ergebnis.Kurse)) + " Sekundenkurse";
     std::string text(ergaenzung::NichtErgaenzt);
@@ -21,15 +21,17 @@ void Pflegeluecken::Ergebnis(const Datenpflegeergebnis& ergebnis) {
     else
         text = std::string(ergaenzung::Ergaenzt) + kurse;
     const std::string art = ergebnis.Titel != nullptr ? Kursartzusatz(ergebnis.Kursart) : std::string();
-    buch_.Schreibe({ergebnis.Von, bis, ergebnis.Titel != nullptr ? ergebnis.Titel->Dateiname : AlleTitel,
+    buch_.Schreibe({AufMillisekunde(ergebnis.Von), AufMillisekunde(bis),
+                    ergebnis.Titel != nullptr ? ergebnis.Titel->Dateiname : AlleTitel,
                     MitZusatz(ursache::Datenpflege, art), std::move(text)});
 }
 
-void Pflegeluecken::EinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+void Pflegeluecken::EinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von,
+                                        Zeitpunkt bis) {
     if (titel.Dateiname.empty()) return;
-    Lueckenzeile zeile{AufMillisekunde(uhr_.Jetzt()), 0, titel.Dateiname,
+    Lueckenzeile zeile{AufMillisekunde(uhr_.Jetzt()), KeineZeit, titel.Dateiname,
                        MitZusatz(ursache::EinarbeitungBegonnen, Kursartzusatz(kursart)),
-                       Lueckenzeittext(von) + " bis " + Lueckenzeittext(bis)};
+                       Lueckenzeittext(AufMillisekunde(von)) + " bis " + Lueckenzeittext(AufMillisekunde(bis))};
     buch_.Schreibe(zeile);
     laufende_.insert_or_assign({titel.Dateiname, kursart}, std::move(zeile));
 }
@@ -39,11 +41,11 @@ void Pflegeluecken::EinarbeitenBeendet(const clTitelobjekt& titel, std::int32_t 
     if (ort == laufende_.end()) return;
     Lueckenzeile zeile = std::move(ort->second);
     laufende_.erase(ort);
-    zeile.Bis = std::max(zeile.Von, uhr_.Jetzt());
+    zeile.Bis = std::max(zeile.Von, AufMillisekunde(uhr_.Jetzt()));
     buch_.Schreibe(zeile);
 }
 
-void Pflegeluecken::Geleert(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+void Pflegeluecken::Geleert(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
     if (titel.Dateiname.empty()) return;
     buch_.Schreibe({AufMillisekunde(von),
                     AufMillisekunde(bis),

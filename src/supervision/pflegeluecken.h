@@ -17,9 +17,9 @@ public:
     Pflegeluecken(Lueckenbuch& buch, const Uhr& uhr) : buch_(buch), uhr_(uhr) {}
 
     void Ergebnis(const Datenpflegeergebnis& ergebnis);
-    void EinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
+    void EinarbeitenBegonnen(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis);
     void EinarbeitenBeendet(const clTitelobjekt& titel, std::int32_t kursart);
-    void Geleert(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis);
+    void Geleert(const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis);
 
 private:
     Lueckenbuch& buch_;

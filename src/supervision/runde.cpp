@@ -18,8 +18,7 @@ std::int32_t Gerundet(float timer) {
 constexpr std::int32_t Wiederverbindungstakt = 20;  // s of the day's clock
 constexpr float Minutentakt = 60;                   // s
 // A quick second start doesn't move the end of the recorded stretch.
-// The half millisecond makes up for the resolution of a day count.
-constexpr double LastEndKarenz = 10.0005;  // s
+constexpr Dauer LastEndKarenz = 10s;
 
 }  // namespace
 
@@ -51,9 +50,10 @@ void Runde::Beende() {
 }
 
 void Runde::NeuverbindungAbschliessen() {
-    if (modul_.NeuverbindungsZeit == 0) return;
-    if (!modul_.FarmAktiv && GanzeSekunden(modul_.NeuverbindungsZeit, uhr_.Jetzt()) <= FarmWartezeit) return;
-    modul_.NeuverbindungsZeit = 0;
+    if (!modul_.NeuverbindungsZeit) return;
+    const auto gewartet = Grenzen<std::chrono::seconds>(*modul_.NeuverbindungsZeit, uhr_.Jetzt());
+    if (!modul_.FarmAktiv && gewartet <= FarmWartezeit) return;
+    modul_.NeuverbindungsZeit.reset();
     std::int32_t count = 0;
     OhneFehler("Abbestellen nach Neuverbindung", [&] { mitspieler_.AlleMarktdatenAbbestellen(count); });
     if (beendet_) return;
@@ -63,12 +63,12 @@ void Runde::NeuverbindungAbschliessen() {
     if (beendet_) return;
     OhneFehler("Kontoabos nach Neuverbindung", [&] { mitspieler_.KontoabosAnfordern(); });
     // A connection that was lost again during the run keeps the beginning of its gap.
-    if (modul_.Offline || !mitspieler_.TwsVerbunden() || modul_.NeuverbindungsZeit != 0) return;
+    if (modul_.Offline || !mitspieler_.TwsVerbunden() || modul_.NeuverbindungsZeit) return;
     modul_.LetzteDatenZeit = uhr_.Jetzt();
 }
 
 // The run pumps until it is over. A nested round finds it going and starts no second one.
-bool Runde::StarteAutoBackfill(Datum zeitpunkt) {
+bool Runde::StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt) {
     laeuft_ = false;
     bool angenommen = false;
     OhneFehler("Datenpflege nach Neuverbindung", [&] { angenommen = mitspieler_.StarteAutoBackfill(zeitpunkt); });
@@ -78,13 +78,14 @@ bool Runde::StarteAutoBackfill(Datum zeitpunkt) {
 
 void Runde::DatenpflegeNachNeuverbindung() {
     if (StarteAutoBackfill(modul_.LetzteDatenZeit)) return;
-    const Datum von = modul_.LetzteDatenZeit;
-    const Datum bis = uhr_.Jetzt();
+    const std::optional<Zeitpunkt> von = modul_.LetzteDatenZeit;
+    const Zeitpunkt bis = uhr_.Jetzt();
     modul_.Datenpflegewarteschlange.emplace_back(von, bis);
     OhneFehler("Meldung: Datenpflege nicht möglich",
                [&] { status_.Statusmeldung("Datenpflege nach Neuverbindung derzeit nicht möglich (läuft bereits)"); });
     OhneFehler("Meldung: Datenpflege wird nachgeholt", [&] {
-        status_.Statusmeldung("Backfill von " + Datumtext(von) + " bis " + Datumtext(bis) + " wird nachgeholt");
+        status_.Statusmeldung("Backfill von " + Datumtext(von.value_or(Tagesnull)) + " bis " + Datumtext(bis) +
+                              " wird nachgeholt");
     });
 }
 
@@ -106,10 +107,9 @@ void Runde::Minutenblock() {
     }
     modul_.Minutenmarke = Gerundet(t);
     OhneFehler("IBLastEnd schreiben", [&] {
-        const double seitStart = (uhr_.Jetzt() - modul_.Startzeitpunkt) * SekundenProTag;
-        if (seitStart > LastEndKarenz && modul_.LetzteDatenZeit > 0) {
-            einstellungen_.SchreibeMarke(abschnitt::Datenpflege, "IBLastEnd",
-                                         ZahltextPunkt(mitspieler_.GespeichertBis(modul_.LetzteDatenZeit)));
+        if (uhr_.Jetzt() - modul_.Startzeitpunkt > LastEndKarenz && modul_.LetzteDatenZeit) {
+            const Zeitpunkt ende = mitspieler_.GespeichertBis(*modul_.LetzteDatenZeit);
+            einstellungen_.SchreibeMarke(abschnitt::Datenpflege, "IBLastEnd", ZahltextPunkt(DatumAus(ende)));
         }
     });
     OhneFehler("Zeit der TWS anfordern", [&] {
@@ -139,7 +139,7 @@ void Runde::Wiederverbinden() {
 
 void Runde::Warteschlange() {
     if (modul_.Datenpflegewarteschlange.empty() || modul_.DatenpflegeLaeuft) return;
-    StarteAutoBackfill(0);
+    StarteAutoBackfill(std::nullopt);
 }
 
 }  // namespace zek

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace zek {
@@ -15,8 +16,8 @@ namespace zek {
 class Runde {
 public:
     static constexpr std::chrono::milliseconds Intervall{1000};
-    // A reconnection waits for the farm at most so many whole seconds.
-    static constexpr long long FarmWartezeit = 5;
+    // A reconnection waits for the farm at most so long, in whole seconds of the clock.
+    static constexpr std::chrono::seconds FarmWartezeit{5};
     // Reconnection attempts until the connection is seen standing again.
     static constexpr std::int32_t Hoechstversuche = 30;
 
@@ -32,11 +33,11 @@ public:
         virtual bool TwsVerbunden() const = 0;
         virtual void reqCurrentTime() = 0;
         virtual void VerbergeOfflinewarnung() = 0;
-        // 0: by the scheduling's own rules. False when a run is active already. Stays until the run is over.
-        virtual bool StarteAutoBackfill(Datum zeitpunkt) = 0;
+        // None: by the scheduling's own rules. False when a run is active already. Stays until the run is over.
+        virtual bool StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt) = 0;
         virtual void AtomZeitAbfrage() = 0;
         // How far what came until `zeit` has reached files.
-        virtual Datum GespeichertBis(Datum zeit) const = 0;
+        virtual Zeitpunkt GespeichertBis(Zeitpunkt zeit) const = 0;
     };
 
     Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Einstellungszugang& einstellungen, Neustart& neustart,
@@ -53,7 +54,7 @@ public:
 private:
     void NeuverbindungAbschliessen();
     void DatenpflegeNachNeuverbindung();
-    bool StarteAutoBackfill(Datum zeitpunkt);
+    bool StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt);
     void Neustartregeln();
     void Minutenblock();
     void Wiederverbinden();

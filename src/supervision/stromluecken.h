@@ -18,34 +18,35 @@ public:
     };
 
     // The program starts, and isn't connected.
-    void Beginne(Datum jetzt);
+    void Beginne(Zeitpunkt jetzt);
     // False when it was lost already.
-    bool VerbindungWeg(Datum jetzt, const Titellage& lage);
-    void TwsIstOffline(Datum jetzt, const Titellage& lage);
+    bool VerbindungWeg(Zeitpunkt jetzt, const Titellage& lage);
+    void TwsIstOffline(Zeitpunkt jetzt, const Titellage& lage);
     // `datenErhalten`: the streams go on; otherwise they stay dead until they are asked for again.
-    void TwsIstWiederDa(bool datenErhalten, Datum jetzt, const Titellage& lage);
+    void TwsIstWiederDa(bool datenErhalten, Zeitpunkt jetzt, const Titellage& lage);
     // A title is asked for. True when that is the first one behind a loss of all streams.
-    bool Abonniert(Datum jetzt);
+    bool Abonniert(Zeitpunkt jetzt);
     // Nothing will be subscribed that could end a lack of connection.
-    void NichtsZuAbonnieren(Datum jetzt);
+    void NichtsZuAbonnieren(Zeitpunkt jetzt);
     // Until then a lack of ticks means nothing.
-    void RuheBis(Datum zeit) { ruheBis_ = zeit; }
+    void RuheBis(Zeitpunkt zeit) { ruheBis_ = zeit; }
     // Once a second.
-    void Pruefe(Datum jetzt, const Titellage& lage);
+    void Pruefe(Zeitpunkt jetzt, const Titellage& lage);
 
 private:
     bool Steht() const;
-    bool PauseFuerAlle(Datum jetzt) const;
-    Datum StromendeSpaetestens(Datum jetzt, const Titellage& lage) const;
-    void SchliesseOffline(Datum bis);
+    bool PauseFuerAlle(Zeitpunkt jetzt) const;
+    Zeitpunkt StromendeSpaetestens(Zeitpunkt jetzt, const Titellage& lage) const;
+    void SchliesseOffline(Zeitpunkt bis);
     void PruefeOffline();
-    void PruefeKurse(Datum jetzt, const Titellage& lage);
+    void PruefeKurse(Zeitpunkt jetzt, const Titellage& lage);
 
     IBModul& modul_;
     OffeneLuecken& offen_;
-    Datum offlineSeit_ = 0;
-    Datum letztesAbo_ = 0;
-    Datum ruheBis_ = 0;
+    // At first long ago.
+    Zeitpunkt offlineSeit_{};
+    Zeitpunkt letztesAbo_{};
+    Zeitpunkt ruheBis_{};
     bool getrennt_ = false;      // the TWS is offline
     bool datenWeg_ = false;      // it came back without streams, and they haven't been asked for since
     clTitelobjekt pausenprobe_;  // takes part in the recording pause

@@ -4,8 +4,8 @@
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 
+#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <span>
 
 namespace zek {
@@ -13,12 +13,13 @@ namespace {
 
 // An answer below this is no time.
 constexpr std::uint32_t KleinsteAntwort = 100000;
-constexpr double SekundenVon1900Bis2000 = 3155673600.0;
+constexpr std::int64_t Spaetestens = 256'000'000'000;  // seconds since 1970, some 8000 years
+constexpr std::chrono::seconds Von1900Bis2000(3155673600);
 // A difference of more whole hours is a wrong zone or a wrong server, and left to the user.
-constexpr long long Hoechststunden = 12;
+constexpr std::chrono::hours Hoechststunden(12);
 // The window after midnight, both ends outside, in which the clock may go back although records were written.
-const Datum FensterBeginn = Uhrzeit(0, 5);
-const Datum FensterEnde = Uhrzeit(0, 30);
+constexpr Tageszeit FensterBeginn(5min);
+constexpr Tageszeit FensterEnde(30min);
 
 std::uint32_t Netzordnung(const std::array<char, 4>& bytes) {
     std::uint32_t wert = 0;
@@ -90,18 +91,18 @@ void Systemuhr::Antwort(std::uint32_t sekundenSeit1900) {
     const Zeitzone zone = uhr_.Zone();
     // StandardBias plays no part here, but does in currentTime.
     const int minuten = zone.Bias + (zone.Sommerzeit ? zone.DaylightBias : 0);
-    const double sekunden = static_cast<double>(sekundenSeit1900) - minuten * 60.0 - SekundenVon1900Bis2000;
-    const Datum neueZeit = DatumAus(2000, 1, 1) + sekunden / SekundenProTag;
+    const Zeitpunkt neueZeit =
+        TagAus(2000, 1, 1) + std::chrono::seconds(sekundenSeit1900) - Von1900Bis2000 - std::chrono::minutes(minuten);
     if (!modul_.Einstellungen.AutoUhrzeitStellen) return;
-    if (std::llabs(GanzeSekunden(uhr_.Jetzt(), neueZeit)) > 1) SetzeNeueSystemzeit(neueZeit);
+    if (std::chrono::abs(Grenzen<std::chrono::seconds>(uhr_.Jetzt(), neueZeit)) > 1s) SetzeNeueSystemzeit(neueZeit);
 }
 
-void Systemuhr::SetzeNeueSystemzeit(Datum neueZeit) {
-    const Datum jetzt = uhr_.Jetzt();
+void Systemuhr::SetzeNeueSystemzeit(Zeitpunkt neueZeit) {
+    const Zeitpunkt jetzt = uhr_.Jetzt();
     const std::string alt = Datumtext(jetzt);
     const std::string neu = Datumtext(neueZeit);
     if (neu == alt) return;
-    if (std::llabs(GanzeStunden(jetzt, neueZeit)) > Hoechststunden) {
+    if (std::chrono::abs(Grenzen<std::chrono::hours>(jetzt, neueZeit)) > Hoechststunden) {
         status_.Statusmeldung(
             "Differenz System-Uhrzeit zu Atomuhr-Zeit (" + neu + ") > 12 Stunden (wird nicht korrigiert)!", true);
         return;
@@ -115,15 +116,15 @@ void Systemuhr::SetzeNeueSystemzeit(Datum neueZeit) {
 }
 
 // Setting the clock back would make time run backwards inside the files.
-bool Systemuhr::DarfZurueckstellen(Datum jetzt, Datum neueZeit) {
-    const Datum tageszeit = Tagesbruchteil(neueZeit);
+bool Systemuhr::DarfZurueckstellen(Zeitpunkt jetzt, Zeitpunkt neueZeit) {
+    const Tageszeit tageszeit(neueZeit);
     if (tageszeit > FensterBeginn && tageszeit < FensterEnde) {
         zeitKorrekturGemeldet_ = false;
         return true;
     }
     if (modul_.Kursanzahl == 0) return true;
     if (zeitKorrekturGemeldet_) return false;
-    const long long sekunden = std::llabs(GanzeSekunden(neueZeit, jetzt));
+    const auto sekunden = std::chrono::abs(Grenzen<std::chrono::seconds>(neueZeit, jetzt)).count();
     status_.Statusmeldung(
         "Die System-Uhrzeit geht gegenüber der Atomuhr-Zeit " + std::to_string(sekunden) + " Sekunden vor", true);
     // The window begins at 0:05; the text says 0:01.
@@ -135,9 +136,12 @@ bool Systemuhr::DarfZurueckstellen(Datum jetzt, Datum neueZeit) {
 void Systemuhr::currentTime(std::int64_t time) {
     const Zeitzone zone = uhr_.Zone();
     const int minuten = -(zone.Bias + (zone.Sommerzeit ? zone.DaylightBias : zone.StandardBias));
-    const Datum twsZeit = DatumAusUnix(static_cast<double>(time) + minuten * 60.0);
-    zeitDifferenzTWS_ = static_cast<double>(GanzeStunden(twsZeit, uhr_.Jetzt()));
-    if (std::fabs(zeitDifferenzTWS_) >= static_cast<double>(Hoechststunden)) {
+    // Beyond what any clock shows the difference stays as large as it can be.
+    const std::chrono::seconds seit1970(std::clamp<std::int64_t>(time, -Spaetestens, Spaetestens));
+    const Zeitpunkt twsZeit(seit1970 + std::chrono::minutes(minuten));
+    const auto stunden = Grenzen<std::chrono::hours>(twsZeit, uhr_.Jetzt());
+    zeitDifferenzTWS_ = static_cast<double>(stunden.count());
+    if (std::chrono::abs(stunden) >= Hoechststunden) {
         status_.Statusmeldung("System-Uhrzeit überprüfen - Abweichung>12h zu TWS-Zeit (wird nicht korrigiert!)", true);
         return;
     }

@@ -44,7 +44,7 @@ public:
     void AtomZeitAbfrage();
 
     // Applies a local time under the rules that keep the recorded series from running backwards.
-    void SetzeNeueSystemzeit(Datum neueZeit);
+    void SetzeNeueSystemzeit(Zeitpunkt neueZeit);
 
     // The broker's clock, seconds since 1970 UTC: compared, never applied.
     void currentTime(std::int64_t time);
@@ -59,7 +59,7 @@ private:
 
     void AbfrageBeenden();
     void Antwort(std::uint32_t sekundenSeit1900);
-    bool DarfZurueckstellen(Datum jetzt, Datum neueZeit);
+    bool DarfZurueckstellen(Zeitpunkt jetzt, Zeitpunkt neueZeit);
 
     IBModul& modul_;
     Uhr& uhr_;

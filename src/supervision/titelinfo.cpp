@@ -26,9 +26,9 @@ void Titelinfo::TitelInfoAktualisieren(bool nurTickRate) {
 }
 
 void Titelinfo::TickrateErneuern() {
-    const Datum jetzt = uhr_.Jetzt();
+    const Zeitpunkt jetzt = uhr_.Jetzt();
     if (basis_ > 0) {
-        const double sekunden = (jetzt - basisZeit_) * SekundenProTag;
+        const double sekunden = AlsSekunden(jetzt - basisZeit_);
         if (sekunden <= 0) return;
         tickrate_ = static_cast<float>((modul_.Kursanzahl - basis_) / sekunden);
     }

@@ -33,7 +33,7 @@ private:
     std::int32_t aktive_ = 0;
     std::int32_t mitGeldBrief_ = 0;
     double basis_ = 0;  // record count at basisZeit_; 0 or less: none yet
-    Datum basisZeit_ = 0;
+    Zeitpunkt basisZeit_{};
     float tickrate_ = 0;
 };
 

@@ -17,11 +17,11 @@ constexpr int Konkurrenz = 10197;
 // Messages that concern a title's depth only.
 constexpr std::array Tiefencodes{309, 310, 316, 10092};
 // An answer that comes later isn't one to the subscription.
-constexpr double AntwortSekunden = 30;
+constexpr Dauer Antwortzeit = 30s;
 // Waits that are over sooner become one line.
-constexpr double KurzesWarten = 2;
+constexpr Dauer KurzesWarten = 2s;
 // So long a new title may go without a tick until its recording counts from its switching on.
-constexpr double Anlaufzeit = 60;
+constexpr Dauer Anlaufzeit = 60s;
 
 }  // namespace
 
@@ -33,7 +33,7 @@ Titelluecken::Titelstand* Titelluecken::Finde(const clTitelobjekt& titel) {
 }
 
 // Titles with the same base name write into the same files; the first one stands for all.
-void Titelluecken::LerneKennen(clTitelobjekt& titel, Datum jetzt) {
+void Titelluecken::LerneKennen(clTitelobjekt& titel, Zeitpunkt jetzt) {
     Titelstand& stand = titel_[titel.id];
     if (!stand.Name.empty()) return;
     const std::string name = Dateinamensbildung(titel, kursart::Basisname);
@@ -44,14 +44,14 @@ void Titelluecken::LerneKennen(clTitelobjekt& titel, Datum jetzt) {
     if (!stand.Aktiv && !titel.Aktiv()) offen_.Oeffne(name, ursache::TitelNichtAktiv, jetzt);
 }
 
-void Titelluecken::TitelGeladen(Datum start) {
+void Titelluecken::TitelGeladen(Zeitpunkt start) {
     geladen_ = true;
     Pruefe(start);
     VergissAlteNamen(start);
 }
 
 // Titles that were removed while the program didn't run.
-void Titelluecken::VergissAlteNamen(Datum start) {
+void Titelluecken::VergissAlteNamen(Zeitpunkt start) {
     for (const std::string& name : offen_.Titel(ursache::TitelAktiv)) {
         if (namen_.contains(name)) continue;
         offen_.Schliesse(name, ursache::TitelAktiv, start);
@@ -59,7 +59,7 @@ void Titelluecken::VergissAlteNamen(Datum start) {
     }
 }
 
-void Titelluecken::Pruefe(Datum jetzt) {
+void Titelluecken::Pruefe(Zeitpunkt jetzt) {
     if (!geladen_) return;
     aktive_ = 0;
     for (const auto& titel : modul_.Titelliste) {
@@ -74,7 +74,7 @@ void Titelluecken::Pruefe(Datum jetzt) {
     PruefeAblehnungen();
 }
 
-void Titelluecken::PruefeTitel(clTitelobjekt& titel, Titelstand& stand, Datum jetzt) {
+void Titelluecken::PruefeTitel(clTitelobjekt& titel, Titelstand& stand, Zeitpunkt jetzt) {
     if (!titel.Aktiv()) {
         if (stand.Aktiv) SchalteAus(titel.id, stand, jetzt);
         return;
@@ -84,7 +84,7 @@ void Titelluecken::PruefeTitel(clTitelobjekt& titel, Titelstand& stand, Datum je
         stand.NeuSeit = jetzt;
         offen_.Schliesse(stand.Name, ursache::TitelNichtAktiv, jetzt);
     }
-    if (stand.NeuSeit > 0) return PruefeNeue(titel, stand, jetzt);
+    if (stand.NeuSeit) return PruefeNeue(titel, stand, jetzt);
     const Aufzeichnungsweise weise = WeiseVon(titel);
     if (weise == stand.Weise) return;
     stand.Weise = weise;
@@ -93,28 +93,28 @@ void Titelluecken::PruefeTitel(clTitelobjekt& titel, Titelstand& stand, Datum je
 }
 
 // A title's recording counts from its first tick, when that comes soon.
-void Titelluecken::PruefeNeue(const clTitelobjekt& titel, Titelstand& stand, Datum jetzt) {
-    const Datum erster = titel.ErsterKursZeitpunkt;
-    if (erster == 0 && SekundenZwischen(stand.NeuSeit, jetzt) < Anlaufzeit) return;
+void Titelluecken::PruefeNeue(const clTitelobjekt& titel, Titelstand& stand, Zeitpunkt jetzt) {
+    const std::optional<Zeitpunkt> erster = titel.ErsterKursZeitpunkt;
+    if (!erster && jetzt - *stand.NeuSeit < Anlaufzeit) return;
     stand.Weise = WeiseVon(titel);
-    offen_.Oeffne(stand.Name, ursache::TitelAktiv, erster != 0 ? erster : stand.NeuSeit, Weisetext(stand.Weise));
-    stand.NeuSeit = 0;
+    offen_.Oeffne(stand.Name, ursache::TitelAktiv, erster.value_or(*stand.NeuSeit), Weisetext(stand.Weise));
+    stand.NeuSeit.reset();
 }
 
 // It is off from the moment at which its stream was cancelled.
-void Titelluecken::SchalteAus(std::int32_t id, Titelstand& stand, Datum jetzt) {
-    const bool abbestellt = stand.WartetSeit > 0 && stand.WartetGrund == ursache::AbonnementErneuert;
-    const Datum aus = abbestellt ? stand.WartetSeit : jetzt;
+void Titelluecken::SchalteAus(std::int32_t id, Titelstand& stand, Zeitpunkt jetzt) {
+    const bool abbestellt = stand.WartetSeit && stand.WartetGrund == ursache::AbonnementErneuert;
+    const Zeitpunkt aus = abbestellt ? *stand.WartetSeit : jetzt;
     BeendeWarten(id, stand, aus);
     SchliesseAblehnung(stand, aus);
     abgelehnte_.erase(id);
-    if (stand.NeuSeit == 0) offen_.Schliesse(stand.Name, ursache::TitelAktiv, aus);
-    stand.NeuSeit = 0;
+    if (!stand.NeuSeit) offen_.Schliesse(stand.Name, ursache::TitelAktiv, aus);
+    stand.NeuSeit.reset();
     stand.Aktiv = false;
     offen_.Oeffne(stand.Name, ursache::TitelNichtAktiv, aus);
 }
 
-void Titelluecken::EntferneVerschwundene(Datum jetzt) {
+void Titelluecken::EntferneVerschwundene(Zeitpunkt jetzt) {
     for (auto ort = titel_.begin(); ort != titel_.end();) {
         const std::int32_t id = ort->first;
         if (modul_.Titelliste.Finde(id) != nullptr) {
@@ -131,55 +131,55 @@ void Titelluecken::EntferneVerschwundene(Datum jetzt) {
 
 // ---- waiting for the first tick
 
-void Titelluecken::LassWarten(std::int32_t id, Titelstand& stand, std::string_view grund, Datum seit) {
-    if (stand.WartetSeit > 0) return;
+void Titelluecken::LassWarten(std::int32_t id, Titelstand& stand, std::string_view grund, Zeitpunkt seit) {
+    if (stand.WartetSeit) return;
     stand.WartetSeit = seit;
     stand.WartetGrund = grund;
     stand.WartetGeschrieben = false;
     wartende_.insert(id);
 }
 
-void Titelluecken::BeendeWarten(std::int32_t id, Titelstand& stand, Datum bis) {
-    if (stand.WartetSeit == 0) return;
+void Titelluecken::BeendeWarten(std::int32_t id, Titelstand& stand, Zeitpunkt bis) {
+    if (!stand.WartetSeit) return;
     if (stand.WartetGeschrieben)
         offen_.Schliesse(stand.Name, stand.WartetGrund, bis);
-    else if (AufMillisekunde(bis) > AufMillisekunde(stand.WartetSeit))
-        offen_.Schreibe(stand.WartetSeit, bis, stand.Name, std::string(stand.WartetGrund));
-    stand.WartetSeit = 0;
+    else if (AufMillisekunde(bis) > AufMillisekunde(*stand.WartetSeit))
+        offen_.Schreibe(*stand.WartetSeit, bis, stand.Name, std::string(stand.WartetGrund));
+    stand.WartetSeit.reset();
     wartende_.erase(id);
 }
 
 // True when it has come: the wait ended with it.
 bool Titelluecken::ErsterKursIstDa(std::int32_t id, Titelstand& stand) {
-    if (stand.WartetSeit == 0 || !stand.Abonniert) return false;
+    if (!stand.WartetSeit || !stand.Abonniert) return false;
     const clTitelobjekt* titel = modul_.Titelliste.Finde(id);
-    if (titel == nullptr || titel->ErsterKursZeitpunkt == 0) return false;
-    BeendeWarten(id, stand, titel->ErsterKursZeitpunkt);
+    if (titel == nullptr || !titel->ErsterKursZeitpunkt) return false;
+    BeendeWarten(id, stand, *titel->ErsterKursZeitpunkt);
     return true;
 }
 
-void Titelluecken::PruefeWartende(Datum jetzt) {
+void Titelluecken::PruefeWartende(Zeitpunkt jetzt) {
     for (const std::int32_t id : std::vector(wartende_.begin(), wartende_.end())) {
         Titelstand& stand = titel_[id];
         if (modul_.Titelliste.Finde(id) == nullptr || ErsterKursIstDa(id, stand)) continue;
-        if (!stand.WartetGeschrieben && SekundenZwischen(stand.WartetSeit, jetzt) > KurzesWarten) {
-            offen_.Oeffne(stand.Name, stand.WartetGrund, stand.WartetSeit);
+        if (!stand.WartetGeschrieben && jetzt - *stand.WartetSeit > KurzesWarten) {
+            offen_.Oeffne(stand.Name, stand.WartetGrund, *stand.WartetSeit);
             stand.WartetGeschrieben = true;
         }
     }
 }
 
-void Titelluecken::DurchgangBeginnt(Datum jetzt) {
+void Titelluecken::DurchgangBeginnt(Zeitpunkt jetzt) {
     durchgang_ = jetzt;
     for (auto& [id, stand] : titel_)
         if (stand.Aktiv && !stand.Name.empty()) LassWarten(id, stand, ursache::NochKeineKurse, jetzt);
 }
 
-void Titelluecken::Abonniert(const clTitelobjekt& titel, Datum jetzt) {
+void Titelluecken::Abonniert(const clTitelobjekt& titel, Zeitpunkt jetzt) {
     clTitelobjekt* objekt = modul_.Titelliste.Finde(titel.id);
     if (objekt == nullptr) return;
     LerneKennen(*objekt, jetzt);
-    objekt->ErsterKursZeitpunkt = 0;
+    objekt->ErsterKursZeitpunkt.reset();
     Titelstand* stand = Finde(titel);
     if (stand == nullptr) return;
     stand->Abonniert = true;
@@ -188,10 +188,10 @@ void Titelluecken::Abonniert(const clTitelobjekt& titel, Datum jetzt) {
     SchliesseAblehnung(*stand, jetzt);
     abgelehnte_.erase(titel.id);
     // While the titles are being loaded, all of them belong to the first pass.
-    LassWarten(titel.id, *stand, ursache::NochKeineKurse, !geladen_ && durchgang_ > 0 ? durchgang_ : jetzt);
+    LassWarten(titel.id, *stand, ursache::NochKeineKurse, !geladen_ ? durchgang_.value_or(jetzt) : jetzt);
 }
 
-void Titelluecken::Abbestellt(const clTitelobjekt& titel, Datum jetzt) {
+void Titelluecken::Abbestellt(const clTitelobjekt& titel, Zeitpunkt jetzt) {
     Titelstand* stand = Finde(titel);
     if (stand == nullptr || !stand->Abonniert) return;
     ErsterKursIstDa(titel.id, *stand);
@@ -202,7 +202,7 @@ void Titelluecken::Abbestellt(const clTitelobjekt& titel, Datum jetzt) {
     LassWarten(titel.id, *stand, ursache::AbonnementErneuert, jetzt);
 }
 
-void Titelluecken::VerbindungWeg(Datum jetzt) {
+void Titelluecken::VerbindungWeg(Zeitpunkt jetzt) {
     for (auto& [id, stand] : titel_) {
         ErsterKursIstDa(id, stand);
         stand.Abonniert = false;
@@ -213,9 +213,9 @@ void Titelluecken::VerbindungWeg(Datum jetzt) {
     abonnierte_.clear();
 }
 
-void Titelluecken::Beende(Datum jetzt) {
+void Titelluecken::Beende(Zeitpunkt jetzt) {
     for (auto& [id, stand] : titel_) {
-        if (stand.NeuSeit > 0) offen_.Oeffne(stand.Name, ursache::TitelAktiv, stand.NeuSeit, Weisetext(stand.Weise));
+        if (stand.NeuSeit) offen_.Oeffne(stand.Name, ursache::TitelAktiv, *stand.NeuSeit, Weisetext(stand.Weise));
         ErsterKursIstDa(id, stand);
         BeendeWarten(id, stand, jetzt);
     }
@@ -224,8 +224,7 @@ void Titelluecken::Beende(Datum jetzt) {
 std::vector<std::int32_t> Titelluecken::Laufende() const {
     std::vector<std::int32_t> ids;
     for (const auto& [id, stand] : titel_)
-        if (stand.Abonniert && stand.WartetSeit == 0 && stand.Abgelehnt.empty() && stand.NeuSeit == 0)
-            ids.push_back(id);
+        if (stand.Abonniert && !stand.WartetSeit && stand.Abgelehnt.empty() && !stand.NeuSeit) ids.push_back(id);
     std::ranges::sort(ids);
     return ids;
 }
@@ -237,27 +236,26 @@ const std::string* Titelluecken::Name(std::int32_t id) const {
 
 // ---- refusals
 
-void Titelluecken::Meldung(const clTitelobjekt& titel, int code, Datum jetzt) {
+void Titelluecken::Meldung(const clTitelobjekt& titel, int code, Zeitpunkt jetzt) {
     const bool kurse = std::ranges::find(Ablehnungscodes, code) != Ablehnungscodes.end();
     const bool tiefe = std::ranges::find(Tiefencodes, code) != Tiefencodes.end();
     Titelstand* stand = Finde(titel);
     if (stand == nullptr || (!kurse && !tiefe)) return;
     std::string& grund = kurse ? stand->Abgelehnt : stand->Tiefe;
     if (!grund.empty()) return;
-    const bool antwort =
-        code != Konkurrenz && stand->Abonniert && SekundenZwischen(stand->Abozeit, jetzt) <= AntwortSekunden;
-    const Datum ab = antwort ? stand->Abozeit : jetzt;
+    const bool antwort = code != Konkurrenz && stand->Abonniert && jetzt - stand->Abozeit <= Antwortzeit;
+    const Zeitpunkt ab = antwort ? stand->Abozeit : jetzt;
     grund = MitZusatz(kurse ? ursache::AbonnementAbgelehnt : ursache::TiefeAbgelehnt, "(" + std::to_string(code) + ")");
     if (kurse) {
         BeendeWarten(titel.id, *stand, ab);
         abgelehnte_.insert(titel.id);
-        if (clTitelobjekt* objekt = modul_.Titelliste.Finde(titel.id)) objekt->ErsterKursZeitpunkt = 0;
+        if (clTitelobjekt* objekt = modul_.Titelliste.Finde(titel.id)) objekt->ErsterKursZeitpunkt.reset();
     }
     offen_.Oeffne(stand->Name, grund, ab);
 }
 
 // Depth has no sign that it has come after all; its refusal lasts until it is asked for anew.
-void Titelluecken::SchliesseAblehnung(Titelstand& stand, Datum bis) {
+void Titelluecken::SchliesseAblehnung(Titelstand& stand, Zeitpunkt bis) {
     for (std::string* grund : {&stand.Abgelehnt, &stand.Tiefe}) {
         if (!grund->empty()) offen_.Schliesse(stand.Name, *grund, bis);
         grund->clear();
@@ -268,9 +266,9 @@ void Titelluecken::SchliesseAblehnung(Titelstand& stand, Datum bis) {
 void Titelluecken::PruefeAblehnungen() {
     for (const std::int32_t id : std::vector(abgelehnte_.begin(), abgelehnte_.end())) {
         const clTitelobjekt* titel = modul_.Titelliste.Finde(id);
-        if (titel == nullptr || titel->ErsterKursZeitpunkt == 0) continue;
+        if (titel == nullptr || !titel->ErsterKursZeitpunkt) continue;
         Titelstand& stand = titel_[id];
-        offen_.Schliesse(stand.Name, stand.Abgelehnt, titel->ErsterKursZeitpunkt);
+        offen_.Schliesse(stand.Name, stand.Abgelehnt, *titel->ErsterKursZeitpunkt);
         stand.Abgelehnt.clear();
         abgelehnte_.erase(id);
     }

@@ -11,6 +11,7 @@
 #include "supervision/stromluecken.h"
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -25,17 +26,17 @@ public:
     Titelluecken(IBModul& modul, OffeneLuecken& offen) : modul_(modul), offen_(offen) {}
 
     // All titles are in the list. From here on they are looked after.
-    void TitelGeladen(Datum start);
+    void TitelGeladen(Zeitpunkt start);
     // All streams were lost, and are being asked for again from now on.
-    void DurchgangBeginnt(Datum jetzt);
-    void Abonniert(const clTitelobjekt& titel, Datum jetzt);
-    void Abbestellt(const clTitelobjekt& titel, Datum jetzt);
-    void Meldung(const clTitelobjekt& titel, int code, Datum jetzt);
-    void VerbindungWeg(Datum jetzt);
+    void DurchgangBeginnt(Zeitpunkt jetzt);
+    void Abonniert(const clTitelobjekt& titel, Zeitpunkt jetzt);
+    void Abbestellt(const clTitelobjekt& titel, Zeitpunkt jetzt);
+    void Meldung(const clTitelobjekt& titel, int code, Zeitpunkt jetzt);
+    void VerbindungWeg(Zeitpunkt jetzt);
     // The program ends.
-    void Beende(Datum jetzt);
+    void Beende(Zeitpunkt jetzt);
     // Once a second.
-    void Pruefe(Datum jetzt);
+    void Pruefe(Zeitpunkt jetzt);
 
     Stromluecken::Titellage Lage() const { return {aktive_, abonnierte_.size()}; }
     // Titles with a stream that gives ticks.
@@ -48,10 +49,10 @@ private:
         std::string Name;
         bool Aktiv = false;  // as the evidence has it
         Aufzeichnungsweise Weise;
-        Datum NeuSeit = 0;  // switched on then, but the evidence doesn't say so yet; 0 for not
+        std::optional<Zeitpunkt> NeuSeit;  // switched on then, but the evidence doesn't say so yet
         bool Abonniert = false;
-        Datum Abozeit = 0;
-        Datum WartetSeit = 0;  // for its first tick; 0 for not
+        Zeitpunkt Abozeit{};
+        std::optional<Zeitpunkt> WartetSeit;  // for its first tick
         std::string_view WartetGrund;
         bool WartetGeschrieben = false;
         std::string Abgelehnt;  // the cause of its refusal; "" for none
@@ -59,17 +60,17 @@ private:
     };
 
     Titelstand* Finde(const clTitelobjekt& titel);
-    void LerneKennen(clTitelobjekt& titel, Datum jetzt);
-    void PruefeTitel(clTitelobjekt& titel, Titelstand& stand, Datum jetzt);
-    void PruefeNeue(const clTitelobjekt& titel, Titelstand& stand, Datum jetzt);
-    void SchalteAus(std::int32_t id, Titelstand& stand, Datum jetzt);
-    void EntferneVerschwundene(Datum jetzt);
-    void VergissAlteNamen(Datum start);
-    void LassWarten(std::int32_t id, Titelstand& stand, std::string_view grund, Datum seit);
-    void BeendeWarten(std::int32_t id, Titelstand& stand, Datum bis);
+    void LerneKennen(clTitelobjekt& titel, Zeitpunkt jetzt);
+    void PruefeTitel(clTitelobjekt& titel, Titelstand& stand, Zeitpunkt jetzt);
+    void PruefeNeue(const clTitelobjekt& titel, Titelstand& stand, Zeitpunkt jetzt);
+    void SchalteAus(std::int32_t id, Titelstand& stand, Zeitpunkt jetzt);
+    void EntferneVerschwundene(Zeitpunkt jetzt);
+    void VergissAlteNamen(Zeitpunkt start);
+    void LassWarten(std::int32_t id, Titelstand& stand, std::string_view grund, Zeitpunkt seit);
+    void BeendeWarten(std::int32_t id, Titelstand& stand, Zeitpunkt bis);
     bool ErsterKursIstDa(std::int32_t id, Titelstand& stand);
-    void PruefeWartende(Datum jetzt);
-    void SchliesseAblehnung(Titelstand& stand, Datum bis);
+    void PruefeWartende(Zeitpunkt jetzt);
+    void SchliesseAblehnung(Titelstand& stand, Zeitpunkt bis);
     void PruefeAblehnungen();
 
     IBModul& modul_;
@@ -79,7 +80,7 @@ private:
     std::set<std::int32_t> wartende_;
     std::set<std::int32_t> abgelehnte_;
     std::unordered_set<std::int32_t> abonnierte_;
-    Datum durchgang_ = 0;  // its beginning
+    std::optional<Zeitpunkt> durchgang_;  // its beginning
     bool geladen_ = false;
     std::size_t aktive_ = 0;
 };

@@ -10,23 +10,23 @@ namespace zek {
 class Uhrluecken {
 public:
     // A second that took longer than this was a jump of the clock, or the process stood still.
-    static constexpr double SprungSekunden = 10;
+    static constexpr Dauer Sprungweite = 10s;
 
     Uhrluecken(const Uhr& uhr, OffeneLuecken& offen) : uhr_(uhr), offen_(offen) {}
 
-    void Beginne(Datum jetzt);
+    void Beginne(Zeitpunkt jetzt);
     // Once a second. True when the clock didn't go on from the last look to this one.
-    bool Pruefe(Datum jetzt);
+    bool Pruefe(Zeitpunkt jetzt);
     // The moment of the last look.
-    Datum Zuletzt() const { return zuletzt_; }
+    Zeitpunkt Zuletzt() const { return zuletzt_; }
 
 private:
-    double Umgestellt(const Zeitzone& zone) const;
-    void MerkeUmstellung(double sekunden, Datum jetzt);
+    Dauer Umgestellt(const Zeitzone& zone) const;
+    void MerkeUmstellung(Dauer umgestellt, Zeitpunkt jetzt);
 
     const Uhr& uhr_;
     OffeneLuecken& offen_;
-    Datum zuletzt_ = 0;
+    Zeitpunkt zuletzt_{};
     Zeitzone zone_;
 };
 

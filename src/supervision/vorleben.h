@@ -19,18 +19,18 @@ public:
 
     // Takes over what the book has left open. An open end of the program closes now; without one the earlier run died,
     // and all that was open then ends with its last sign of life. `letztesEnde`: when data last arrived, as the
-    // settings have it; 0 unknown.
-    void Uebernimm(Datum letztesEnde, Datum start);
+    // settings have it.
+    void Uebernimm(std::optional<Zeitpunkt> letztesEnde, Zeitpunkt start);
     // It died, or left no word.
     bool OhneOrdnung() const { return !ordentlich_; }
     // The titles are known: writes when the earlier run died, and that this one has started. Once.
     void SchreibeStart();
 
 private:
-    Zwischenstand LiesStand(Datum start);
-    Datum Todeszeit();
-    Datum LetzterSatz();
-    Datum LetzterSatz(clTitelobjekt& titel, std::int32_t kursart);
+    Zwischenstand LiesStand(Zeitpunkt start);
+    std::optional<Zeitpunkt> Todeszeit();
+    std::optional<Zeitpunkt> LetzterSatz();
+    std::optional<Zeitpunkt> LetzterSatz(clTitelobjekt& titel, std::int32_t kursart);
 
     const IBModul& modul_;
     Dateisystem& dateien_;
@@ -38,9 +38,9 @@ private:
     Lueckenbuch& buch_;
     std::optional<Lebenszeichen> zeichen_;
     std::string rechnerstart_;
-    Datum start_ = 0;
-    Datum buchSpur_ = 0;   // the latest moment that the book knows; 0 for none
-    Datum datenSpur_ = 0;  // the same of the settings
+    Zeitpunkt start_{};
+    std::optional<Zeitpunkt> buchSpur_;   // the latest moment that the book knows
+    std::optional<Zeitpunkt> datenSpur_;  // the same of the settings
     bool ordentlich_ = false;
     bool gestorben_ = false;
     bool geschrieben_ = false;

@@ -1,13 +1,14 @@
 // The title: one instrument to record, with its contract, its options and the running state of its tick intake.
 #pragma once
 
-#include "platform/uhr.h"
+#include "platform/datum.h"
 #include "titles/wertbaum.h"
 
 #include <array>
 #include <bit>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -27,7 +28,7 @@ public:
     double Basispreis = 0;       // strike; 0 for none
     std::string Ausübungsrecht;  // option right
     std::string Währung;
-    Datum StartZeit = 0;  // time of day from which the title counts as active
+    Datum StartZeit = 0;  // time of day from which the title counts as active, a fraction of a day as in the file
     std::string Multiplikator;
     bool IstLokalesSymbol = false;
     std::string AccountName;              // account of a position; set by portfolio data
@@ -59,13 +60,13 @@ public:
     double LastPriceVolTimer = 0;
     double LastBidVolTimer = 0;
     double LastAskVolTimer = 0;
-    Datum LastPriceDate = 0;
-    Datum ErsterKursZeitpunkt = 0;    // first tick since this was set to 0
-    Datum LetzterKursZeitpunkt = 0;   // last tick; 0 none in this run
-    double ZeitKorrektur = 0;         // days, added to the time stamps of this title
-    double LastGesamtVolume = 0;      // markets exceed 32 bits in a day
-    Datum LastZeitstempel = 0;        // unused
-    double LastZeitstempelTimer = 0;  // unused
+    std::optional<Kalendertag> LastPriceDate;
+    std::optional<Zeitpunkt> ErsterKursZeitpunkt;   // first tick since this was emptied
+    std::optional<Zeitpunkt> LetzterKursZeitpunkt;  // last tick of this run
+    double ZeitKorrektur = 0;                       // days as in the file, added to the time stamps of this title
+    double LastGesamtVolume = 0;                    // markets exceed 32 bits in a day
+    std::optional<Zeitpunkt> LastZeitstempel;       // unused
+    double LastZeitstempelTimer = 0;                // unused
     bool UseGesamtVol = false;
     bool DontUseGesamtVol = false;
 

@@ -13,20 +13,20 @@ namespace zek::werkzeug {
 
 namespace {
 
-constexpr Zeit Tag = Zeitspannen::MillisekundenProTag;
-constexpr Zeit EinzelneTage = 14;
+constexpr days Tag(1), Woche(7);
+constexpr int EinzelneTage = 14;
 constexpr std::size_t EinzelneWochen = 4;
 constexpr std::size_t Hoechstgruppen = 6;     // of days or weeks that came out alike
 constexpr std::size_t Hoechsttitel = 10;      // named of many
 constexpr std::size_t Hoechsteintraege = 12;  // of the list of gaps
-constexpr Zeit Gleichzeitig = 60000;          // what befalls several titles at once
+constexpr milliseconds Gleichzeitig = 1min;   // what befalls several titles at once
 constexpr std::size_t Hoechstgruende = 3;
 
 Anteile AnteileVon(const Titelurteil& befund, Zeit von, Zeit bis) {
     Anteile a;
     a.Gesamt = befund.Beurteilt.DauerIn(von, bis);
-    if (a.Gesamt == 0) return a;
-    const Zeit luecken = befund.Luecken.DauerIn(von, bis);
+    if (a.Gesamt == 0ms) return a;
+    const milliseconds luecken = befund.Luecken.DauerIn(von, bis);
     a.Fehlend = befund.Fehlend.DauerIn(von, bis);
     a.Gewollt = befund.Gewollt.DauerIn(von, bis);
     a.Ruhe = befund.Ruhe.DauerIn(von, bis);
@@ -36,9 +36,9 @@ Anteile AnteileVon(const Titelurteil& befund, Zeit von, Zeit bis) {
     return a;
 }
 
-Zeit Montag(Zeit zeit) {
-    const Zeit tag = Zeitspannen::Tagesbeginn(zeit);
-    return tag - (Wochentag(Zeitspannen::AlsDatum(tag)) - 1) * Tag;
+Kalendertag Montag(Zeit zeit) {
+    const Kalendertag tag = TagVon(zeit);
+    return tag - (std::chrono::weekday(tag) - std::chrono::Monday);
 }
 
 }  // namespace
@@ -66,11 +66,11 @@ Lueckenbericht::Tage Lueckenbericht::TageVon(const Titelurteil& befund) const {
     Tage tage;
     const Zeitspannen zaehlend = befund.Fehlend.Ohne(befund.Ruhe), luecken = befund.Luecken.Ohne(befund.Ruhe);
     const Zeit bis = befund.Beurteilt.Alle().back().Bis;
-    for (Zeit tag = Zeitspannen::Tagesbeginn(befund.Beurteilt.Alle().front().Von); tag < bis; tag += Tag) {
+    for (Kalendertag tag = TagVon(befund.Beurteilt.Alle().front().Von); tag < bis; tag += Tag) {
         Anteile a = AnteileVon(befund, tag, tag + Tag);
         a.FehlendZaehlt = zaehlend.DauerIn(tag, tag + Tag);
         a.LueckenZaehlen = luecken.DauerIn(tag, tag + Tag);
-        if (a.Gesamt > 0) tage.emplace_hint(tage.end(), tag, a);
+        if (a.Gesamt > 0ms) tage.emplace_hint(tage.end(), tag, a);
     }
     return tage;
 }
@@ -82,10 +82,10 @@ void Lueckenbericht::Nimm(std::uint32_t titel, const Titelurteil& befund) {
     for (const auto& [tag, a] : tage) {
         summe.Summe.Fuege(a);
         if (form_ == Form::Csv)
-            ausgabe_ << "Tag;" << auszug_.Titelname(titel) << ";" << Zeittext(tag) << ";" << Zeittext(tag + Tag) << ";"
-                     << Sekundentext(a.Gesamt) << ";" << Sekundentext(a.Live) << ";" << Sekundentext(a.Ergaenzt) << ";"
-                     << Sekundentext(a.Gewollt) << ";" << Sekundentext(a.Fehlend) << ";" << Ruhetext(tag, tag + Tag, a)
-                     << ";\n";
+            ausgabe_ << "Tag;" << auszug_.Titelname(titel) << ";" << Lueckenzeittext(tag) << ";"
+                     << Lueckenzeittext(tag + Tag) << ";" << Sekundentext(a.Gesamt) << ";" << Sekundentext(a.Live)
+                     << ";" << Sekundentext(a.Ergaenzt) << ";" << Sekundentext(a.Gewollt) << ";"
+                     << Sekundentext(a.Fehlend) << ";" << Ruhetext(tag, tag + Tag, a) << ";\n";
         else
             alleTage_[tag].Fuege(a);
     }
@@ -158,9 +158,9 @@ void Lueckenbericht::FuegeEintrag(const Buchzeile& zeile, const Massstab& massst
     if (wertung == Wertung::Luecke) {
         e.Fehlend = massstab.Fehlend.DauerIn(von, bis);
         e.Zaehlt = massstab.Zaehlend.DauerIn(von, bis);
-        e.Betrifft = massstab.Luecken.DauerIn(von, bis) > 0;
+        e.Betrifft = massstab.Luecken.DauerIn(von, bis) > 0ms;
         for (const auto& [text, spannen] : massstab.Gescheitert)
-            if (e.Fehlend > 0 && spannen.DauerIn(von, bis) > 0) e.Gruende.push_back(text);
+            if (e.Fehlend > 0ms && spannen.DauerIn(von, bis) > 0ms) e.Gruende.push_back(text);
         // A program that was ended has missed nothing as long as nobody has started it anew, and a market that is
         // closed sends nothing.
         const bool still = auszug_.IstUrsache(zeile, ursache::KeineKurse) || zeile.Titel != Buchauszug::Alle;
@@ -177,13 +177,12 @@ bool Lueckenbericht::EtwasFehlt() const {
 
 // ---- days and titles
 
-std::string Lueckenbericht::Tagzeile(Zeit von, Zeit bis, const Anteile& a) const {
+std::string Lueckenbericht::Tagzeile(Kalendertag von, Kalendertag bis, const Anteile& a) const {
     constexpr std::array tagnamen{"Mo", "Di", "Mi", "Do", "Fr", "Sa", "So"};
     std::string text = "  ";
-    if (bis - von == Tag)
-        text.append(tagnamen[static_cast<std::size_t>(Wochentag(Zeitspannen::AlsDatum(von)) - 1)]) += " ";
-    text += Tagtext(von);
-    if (bis - von != Tag) text += " bis " + Tagtext(bis - Tag);
+    if (bis - von == Tag) text.append(tagnamen[std::chrono::weekday(von).iso_encoding() - 1]) += " ";
+    text += NurDatumtext(von);
+    if (bis - von != Tag) text += " bis " + NurDatumtext(bis - Tag);
     text += Anteilstext(a);
     const std::string ruhe = Ruhetext(von, bis, a);
     return text + (ruhe.empty() ? "" : "  " + ruhe) + "\n";
@@ -191,8 +190,8 @@ std::string Lueckenbericht::Tagzeile(Zeit von, Zeit bis, const Anteile& a) const
 
 std::string Lueckenbericht::Tagzeilen(const Tage& tage) const {
     if (tage.empty()) return {};
-    std::vector<std::pair<Zeit, Anteile>> liste(tage.begin(), tage.end());
-    const Zeit einzelnAb = liste.back().first - (EinzelneTage - 1) * Tag;
+    std::vector<std::pair<Kalendertag, Anteile>> liste(tage.begin(), tage.end());
+    const Kalendertag einzelnAb = liste.back().first - (EinzelneTage - 1) * Tag;
     std::vector<Zustand> fruehere;
     for (const auto& [tag, a] : liste) {
         if (form_ != Form::Gefaltet || tag >= einzelnAb) break;
@@ -219,7 +218,7 @@ std::string Lueckenbericht::Titelliste() const {
     std::string text = "\n" + std::to_string(titel_.size()) + " Titel zusammen\n" + Tagzeilen(alleTage_);
     std::vector<Titelsumme> mangelhafte;
     std::ranges::copy_if(titel_, std::back_inserter(mangelhafte),
-                         [](const Titelsumme& t) { return t.Summe.FehlendZaehlt > 0; });
+                         [](const Titelsumme& t) { return t.Summe.FehlendZaehlt > 0ms; });
     if (mangelhafte.empty()) return text + "\nKeinem Titel fehlt etwas.\n";
     std::ranges::stable_sort(mangelhafte, std::ranges::greater(),
                              [](const Titelsumme& t) { return t.Summe.FehlendZaehlt; });
@@ -244,7 +243,7 @@ std::vector<Lueckenbericht::Eintrag> Lueckenbericht::Gebuendelt() const {
     std::vector<Eintrag> alle;
     std::map<std::pair<std::string, bool>, std::size_t> letzte;  // by cause, and whether it goes on
     for (Eintrag e : eintraege_) {
-        e.MitFehlendem = e.Fehlend > 0 ? 1 : 0;
+        e.MitFehlendem = e.Fehlend > 0ms ? 1 : 0;
         e.Laengste = e.Bis - e.Von;
         if (form_ == Form::Ganz || e.Titel == Buchauszug::Alle) {
             alle.push_back(e);
@@ -275,25 +274,26 @@ std::vector<Lueckenbericht::Eintrag> Lueckenbericht::Gebuendelt() const {
 std::string Lueckenbericht::Eintragstext(const Eintrag& e) const {
     std::string wer = e.Titel == Buchauszug::Alle ? "alle Titel" : auszug_.Titelname(e.Titel);
     if (e.Anzahl > 1) wer = std::to_string(e.Anzahl) + " Titel";
-    return "  " + Zeittext(e.Von) + " bis " + Zeittext(e.Bis) + "  " + Dauertext(e.Laengste) + "  " + wer + "  " +
-           (e.Zeile == nullptr ? "Keine Datendatei" : auszug_.Ursache(*e.Zeile)) + ": " + Ergebnistext(e) + "\n";
+    return "  " + Lueckenzeittext(e.Von) + " bis " + Lueckenzeittext(e.Bis) + "  " + Dauertext(e.Laengste) + "  " +
+           wer + "  " + (e.Zeile == nullptr ? "Keine Datendatei" : auszug_.Ursache(*e.Zeile)) + ": " + Ergebnistext(e) +
+           "\n";
 }
 
 std::string Lueckenbericht::Ergebnistext(const Eintrag& e) const {
-    if (e.Zeile == nullptr) return e.Zaehlt > 0 ? "fehlt" : "fehlt, Handelspause";
+    if (e.Zeile == nullptr) return e.Zaehlt > 0ms ? "fehlt" : "fehlt, Handelspause";
     std::string text = "ergänzt";
     if (auszug_.Bedeutung(*e.Zeile) == Wertung::Gewollt)
         text = "gewollt";
     else if (auszug_.IstUrsache(*e.Zeile, ursache::TiefeAbgelehnt))
         text = "betrifft nur die Markttiefe";
-    else if (e.Fehlend > 0 && e.Anzahl > 1 && e.MitFehlendem < e.Anzahl)
+    else if (e.Fehlend > 0ms && e.Anzahl > 1 && e.MitFehlendem < e.Anzahl)
         text = "bei " + std::to_string(e.MitFehlendem) + " Titeln fehlt etwas" + Gruende(e);
-    else if (e.Fehlend > 0)
+    else if (e.Fehlend > 0ms)
         text = (e.Fehlend < e.Laengste ? "es fehlen " + Dauertext(e.Fehlend) : "fehlt") + Gruende(e);
     else if (!e.Betrifft)
         text = "es war nichts aufzuzeichnen";
     if (e.Zeile->IstOffen()) text += ", dauert an";
-    if (e.Fehlend > 0 && e.Zaehlt == 0) text += IstWochenende(e.Von, e.Bis) ? ", Wochenende" : ", Handelspause";
+    if (e.Fehlend > 0ms && e.Zaehlt == 0ms) text += IstWochenende(e.Von, e.Bis) ? ", Wochenende" : ", Handelspause";
     return text;
 }
 
@@ -330,42 +330,43 @@ void Lueckenbericht::DruckeLuecken() const {
 void Lueckenbericht::DruckeWochen() const {
     if (beurteilt_.IstLeer()) return;
     const Zeit ende = beurteilt_.Alle().back().Bis;
-    std::vector<Zeit> wochen;
-    for (Zeit montag = Montag(beurteilt_.Alle().front().Von); montag < ende; montag += 7 * Tag)
-        if (beurteilt_.DauerIn(montag, montag + 7 * Tag) > 0) wochen.push_back(montag);
+    std::vector<Kalendertag> wochen;
+    for (Kalendertag montag = Montag(beurteilt_.Alle().front().Von); montag < ende; montag += Woche)
+        if (beurteilt_.DauerIn(montag, montag + Woche) > 0ms) wochen.push_back(montag);
     const std::size_t einzeln =
         form_ == Form::Gefaltet && wochen.size() > EinzelneWochen ? wochen.size() - EinzelneWochen : 0;
     std::vector<Zustand> fruehere;
     for (std::size_t i = 0; i < einzeln; ++i) {
-        const Zeit bis = wochen[i] + 7 * Tag;
-        const bool fehlt = zaehlend_.DauerIn(wochen[i], bis) > 0, luecke = lueckenZaehlen_.DauerIn(wochen[i], bis) > 0;
+        const Kalendertag bis = wochen[i] + Woche;
+        const bool fehlt = zaehlend_.DauerIn(wochen[i], bis) > 0ms,
+                   luecke = lueckenZaehlen_.DauerIn(wochen[i], bis) > 0ms;
         fruehere.push_back(fehlt ? Zustand::Fehlend : luecke ? Zustand::Ergaenzt : Zustand::Lueckenlos);
     }
     for (const auto& [ab, bis] : Falte(fruehere, Hoechstgruppen))
-        ausgabe_ << Wochentext(wochen[ab], wochen[bis - 1] + 7 * Tag);
-    for (std::size_t i = einzeln; i < wochen.size(); ++i) ausgabe_ << Wochentext(wochen[i], wochen[i] + 7 * Tag);
+        ausgabe_ << Wochentext(wochen[ab], wochen[bis - 1] + Woche);
+    for (std::size_t i = einzeln; i < wochen.size(); ++i) ausgabe_ << Wochentext(wochen[i], wochen[i] + Woche);
 }
 
-std::string Lueckenbericht::Wochentext(Zeit von, Zeit bis) const {
+std::string Lueckenbericht::Wochentext(Kalendertag von, Kalendertag bis) const {
     const Zeitspannen woche(von, bis);
     const Zeitspannen luecken = lueckenZaehlen_.Schnitt(woche);
-    const Zeit fehlend = zaehlend_.DauerIn(von, bis), gesamt = luecken.Dauer();
-    const Zeit anzahl = (bis - von) / (7 * Tag);
+    const milliseconds fehlend = zaehlend_.DauerIn(von, bis), gesamt = luecken.Dauer();
+    const int anzahl = static_cast<int>((bis - von) / Woche);
     std::string text = anzahl == 1 ? "Woche " + std::to_string(Wochennummer(von)) : std::to_string(anzahl) + " Wochen";
-    text += " (" + Tagtext(von) + " bis " + Tagtext(bis - Tag) + "): ";
+    text += " (" + NurDatumtext(von) + " bis " + NurDatumtext(bis - Tag) + "): ";
     if (luecken.IstLeer()) {
         text += "lückenlos";
     } else {
         const std::size_t stueck = luecken.Alle().size();
         text += std::to_string(stueck) + (stueck == 1 ? " Lücke, " : " Lücken, zusammen ") + Dauertext(gesamt) +
                 ", davon ergänzt " + Dauertext(gesamt - fehlend);
-        text += fehlend == 0 ? "; es fehlt nichts" : "; es fehlen " + Dauertext(fehlend);
-        if (const Zeit ohneKurse = ohneKurse_.DauerIn(von, bis); ohneKurse > 0)
+        text += fehlend == 0ms ? "; es fehlt nichts" : "; es fehlen " + Dauertext(fehlend);
+        if (const milliseconds ohneKurse = ohneKurse_.DauerIn(von, bis); ohneKurse > 0ms)
             text += ", davon " + Dauertext(ohneKurse) +
                     " ohne Kurse bei stehender Verbindung (Handelspause oder Stillstand)";
     }
     text += "\n";
-    if (const Zeit verloren = verloren_.DauerIn(von, bis); verloren > 0)
+    if (const milliseconds verloren = verloren_.DauerIn(von, bis); verloren > 0ms)
         text += "  Von niemandem nachzuholen: " + Arttext(verloreneArten_) + ", " + Dauertext(verloren) + "\n";
     return text;
 }
@@ -374,8 +375,8 @@ std::string Lueckenbericht::Wochentext(Zeit von, Zeit bis) const {
 
 void Lueckenbericht::DruckeCsvEintraege() const {
     for (const Eintrag& e : eintraege_)
-        ausgabe_ << "Lücke;" << auszug_.Titelname(e.Titel) << ";" << Zeittext(e.Von) << ";"
-                 << (e.Zeile != nullptr && e.Zeile->IstOffen() ? "" : Zeittext(e.Bis)) << ";"
+        ausgabe_ << "Lücke;" << auszug_.Titelname(e.Titel) << ";" << Lueckenzeittext(e.Von) << ";"
+                 << (e.Zeile != nullptr && e.Zeile->IstOffen() ? "" : Lueckenzeittext(e.Bis)) << ";"
                  << Sekundentext(e.Bis - e.Von) << ";;;;" << Sekundentext(e.Fehlend) << ";"
                  << (e.Zeile == nullptr ? "Keine Datendatei" : auszug_.Ursache(*e.Zeile)) << ";" << Ergebnistext([&] {
                         Eintrag einzeln = e;
@@ -389,8 +390,8 @@ void Lueckenbericht::Drucke(const std::string& kopf) {
     SammleGemeinsame();
     if (form_ == Form::Csv) return DruckeCsvEintraege();
     if (!beurteilt_.IstLeer())
-        ausgabe_ << "Beurteilt von " << Zeittext(beurteilt_.Alle().front().Von) << " bis "
-                 << Zeittext(beurteilt_.Alle().back().Bis) << ".\n";
+        ausgabe_ << "Beurteilt von " << Lueckenzeittext(beurteilt_.Alle().front().Von) << " bis "
+                 << Lueckenzeittext(beurteilt_.Alle().back().Bis) << ".\n";
     ausgabe_ << kopf << Titelliste();
     DruckeLuecken();
     DruckeWochen();

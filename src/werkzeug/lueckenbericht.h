@@ -35,13 +35,13 @@ public:
 private:
     // A gap of the list: one line of the book, or one that befell several titles at once.
     struct Eintrag {
-        Zeit Von = 0, Bis = 0;
+        Zeit Von = KeineZeit, Bis = KeineZeit;
         std::uint32_t Titel = 0;
         const Buchzeile* Zeile = nullptr;  // null: the title has no file
-        Zeit Fehlend = 0, Zaehlt = 0;
+        milliseconds Fehlend{}, Zaehlt{};
         bool Betrifft = true;  // something was to be recorded then
         std::size_t Anzahl = 1, MitFehlendem = 0;
-        Zeit Laengste = 0;
+        milliseconds Laengste{};
         std::vector<std::uint32_t> Gruende;  // why backfills that tried brought nothing
     };
     // Backfills that brought nothing, by what they said.
@@ -60,7 +60,7 @@ private:
         std::vector<Zeitspanne> lose_;
         Zeitspannen ganzes_;
     };
-    using Tage = std::map<Zeit, Anteile>;
+    using Tage = std::map<Kalendertag, Anteile>;
 
     Tage TageVon(const Titelurteil& befund) const;
     void SammleEintraege(std::uint32_t titel, const Titelurteil& befund);
@@ -72,7 +72,7 @@ private:
     Versuche VersucheVon(std::uint32_t titel) const;
     void FuegeEintrag(const Buchzeile& zeile, const Massstab& massstab);
     std::string Tagzeilen(const Tage& tage) const;
-    std::string Tagzeile(Zeit von, Zeit bis, const Anteile& a) const;
+    std::string Tagzeile(Kalendertag von, Kalendertag bis, const Anteile& a) const;
     std::string Titelliste() const;
     std::vector<Eintrag> Gebuendelt() const;
     std::string Eintragstext(const Eintrag& e) const;
@@ -80,7 +80,7 @@ private:
     std::string Gruende(const Eintrag& e) const;
     void DruckeLuecken() const;
     void DruckeWochen() const;
-    std::string Wochentext(Zeit von, Zeit bis) const;
+    std::string Wochentext(Kalendertag von, Kalendertag bis) const;
     void DruckeCsvEintraege() const;
 
     const Buchauszug& auszug_;

@@ -2,6 +2,7 @@
 
 #include "datafiles/dateinamen.h"
 #include "datafiles/leser.h"
+#include "luecken/zeitspannen.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
 #include "titles/titeldatei.h"
@@ -26,14 +27,14 @@ bool InOrdner(std::string_view pfad, std::string_view ordner) {
 // The first or the last time stamp that is one.
 Zeit Zeitstempel(Dateisystem& dateien, const std::string& pfad, bool erster) {
     Dateileser leser(dateien);
-    if (leser.Oeffne(pfad) != Dateileser::Ergebnis::Offen) return 0;
+    if (leser.Oeffne(pfad) != Dateileser::Ergebnis::Offen) return KeineZeit;
     const std::int64_t anzahl = leser.Anzahl();
     for (std::int64_t i = 0; i < anzahl; ++i) {
         const auto satz = leser.Satz(erster ? i : anzahl - 1 - i);
-        if (!satz) return 0;
-        if (satz->Datum != 0) return Zeitspannen::Aus(satz->Datum);
+        if (!satz) return KeineZeit;
+        if (satz->Datum != 0) return AufMillisekunde(ZeitpunktAus(satz->Datum));
     }
-    return 0;
+    return KeineZeit;
 }
 
 bool HatSaetze(Dateisystem& dateien, const std::string& pfad) {
@@ -41,7 +42,7 @@ bool HatSaetze(Dateisystem& dateien, const std::string& pfad) {
     if (handle < 0) return false;
     const std::int64_t groesse = dateien.Groesse(handle);
     dateien.Schliesse(handle);
-    return groesse > VielleichtLeer || Zeitstempel(dateien, pfad, true) != 0;
+    return groesse > VielleichtLeer || Zeitstempel(dateien, pfad, true) != KeineZeit;
 }
 
 }  // namespace
@@ -63,7 +64,8 @@ void Titelakten::LiesDefinitionen(const std::string& programmordner) {
         titel.Dateiname = ImOrdner(titel.Dateiname);
         const std::string name = Dateinamensbildung(titel, kursart::Basisname);
         if (name.empty()) continue;
-        korrekturen_.emplace(Kleinbuchstaben(name), Zeitspannen::Aus(titel.ZeitKorrektur));
+        korrekturen_.emplace(Kleinbuchstaben(name),
+                             std::chrono::round<std::chrono::milliseconds>(DauerAusTagen(titel.ZeitKorrektur)));
         if (titel.Aktiv()) definierte_.emplace(Kleinbuchstaben(name), name);
     }
 }
@@ -78,11 +80,11 @@ std::map<std::string, std::string> Titelakten::MitDateien() const {
     return titel;
 }
 
-Titelakte Titelakten::Von(const std::string& name, bool mitErstem, Zeit korrektur) const {
+Titelakte Titelakten::Von(const std::string& name, bool mitErstem, std::chrono::milliseconds korrektur) const {
     Titelakte akte;
     const std::string schluessel = Kleinbuchstaben(name);
     akte.Definiert = definierte_.contains(schluessel);
-    if (const auto ort = korrekturen_.find(schluessel); ort != korrekturen_.end() && korrektur == 0)
+    if (const auto ort = korrekturen_.find(schluessel); ort != korrekturen_.end() && korrektur == 0ms)
         korrektur = ort->second;
     clTitelobjekt titel;
     titel.Dateiname = name;
@@ -100,7 +102,7 @@ Titelakte Titelakten::Von(const std::string& name, bool mitErstem, Zeit korrektu
 }
 
 Zeit Titelakten::LetzterSatz() const {
-    Zeit letzter = 0;
+    Zeit letzter = KeineZeit;
     for (const auto& [name, pfad] : pfade_) letzter = std::max(letzter, Zeitstempel(dateien_, pfad, false));
     return letzter;
 }

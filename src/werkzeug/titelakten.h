@@ -20,7 +20,7 @@ public:
     // Titles that have data files, by their names.
     std::map<std::string, std::string> MitDateien() const;
     // `mitErstem`: the first record is wanted as well. `korrektur` was added to the time stamps.
-    Titelakte Von(const std::string& name, bool mitErstem, Zeit korrektur) const;
+    Titelakte Von(const std::string& name, bool mitErstem, std::chrono::milliseconds korrektur) const;
     // The time of the last record of all, as it stands; 0 for none.
     Zeit LetzterSatz() const;
 
@@ -30,7 +30,7 @@ private:
     Dateisystem& dateien_;
     std::unordered_map<std::string, std::string> pfade_;  // by file name in lower case
     std::map<std::string, std::string> definierte_;
-    std::map<std::string, Zeit> korrekturen_;
+    std::map<std::string, std::chrono::milliseconds> korrekturen_;
 };
 
 }  // namespace zek::werkzeug

@@ -48,8 +48,8 @@ void Drucke(const Summen& summen, std::ostream& ausgabe) {
     Tafel tafel({"Ordner", "Kursart", "Dateien", "Datensätze", "von", "bis", "Bytes"},
                 {false, false, true, true, false, false, true});
     for (const auto& [wovon, s] : summen)
-        tafel.Fuege({wovon.first, wovon.second, Zahl(s.Dateien), Zahl(s.Saetze), Zeitpunkt(s.Erstes),
-                     Zeitpunkt(s.Letztes), Zahl(s.Bytes)});
+        tafel.Fuege({wovon.first, wovon.second, Zahl(s.Dateien), Zahl(s.Saetze), Zeitfeld(s.Erstes),
+                     Zeitfeld(s.Letztes), Zahl(s.Bytes)});
     tafel.Drucke(ausgabe);
     ausgabe << "\n";
 }
@@ -78,7 +78,7 @@ void Tafel::Drucke(std::ostream& ausgabe) const {
     }
 }
 
-std::string Zeitpunkt(double datum) {
+std::string Zeitfeld(double datum) {
     std::string text;
     if (datum != 0) ZeitAnhaengen(datum, Zeitform::Deutsch, text);
     return text;

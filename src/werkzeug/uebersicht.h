@@ -25,7 +25,7 @@ private:
 };
 
 // "15.11.2026 18:21:53,250"; "" for 0.
-std::string Zeitpunkt(double datum);
+std::string Zeitfeld(double datum);
 
 // With the damage; reads the files whole. Exit codes of werkzeug.h.
 int Infouebersicht(const std::vector<std::string>& pfade, Dateisystem& dateien, std::ostream& ausgabe);

@@ -145,19 +145,20 @@ private:
         befehl->footer(HinweiseLuecken);
     }
 
-    static void Tag(CLI::App& befehl, const char* name, Datum& ziel, const char* hilfe) {
+    static void Tag(CLI::App& befehl, const char* name, std::optional<Kalendertag>& ziel, const char* hilfe) {
         befehl
             .add_option_function<std::string>(
-                name, [&ziel](const std::string& text) { ziel = DatumAusText(text).value_or(0); }, hilfe)
+                name, [&ziel](const std::string& text) { ziel = TagVon(*ZeitpunktAusText(text)); }, hilfe)
             ->type_name("DATUM")
             ->check([](const std::string& text) {
-                return DatumAusText(text).value_or(0) >= 1 ? std::string() : "kein Datum: „" + text + "“";
+                return ZeitpunktAusText(text).value_or(Tagesnull) >= Tagesnull + 24h ? std::string()
+                                                                                     : "kein Datum: „" + text + "“";
             });
     }
 
     int SieheLueckenAn() {
         const Lueckenfrage& frage = wunsch_.Luecken;
-        if (frage.Von != 0 && frage.Bis != 0 && frage.Bis < frage.Von) return FalscherAufruf("--bis liegt vor --von.");
+        if (frage.Von && frage.Bis && *frage.Bis < *frage.Von) return FalscherAufruf("--bis liegt vor --von.");
         return werkzeug::Luecken(frage, umgebung_, ausgabe_, fehler_);
     }
 

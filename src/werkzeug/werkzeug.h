@@ -27,7 +27,7 @@ inline constexpr int Gut = 0, Beanstandet = 1, Fehlgeschlagen = 2;
 // The world of the tool.
 struct Umgebung {
     Dateisystem& Dateien;
-    Datum Jetzt = 0;
+    Zeitpunkt Jetzt{};
     // Whether a recorder holds this program folder.
     std::function<bool(const std::string& programmordner)> OrdnerGehalten;
 };

@@ -1,6 +1,7 @@
 #include "werkzeug/werkzeug_befehle.h"
 
 #include "datafiles/dateinamen.h"
+#include "luecken/zeitspannen.h"
 #include "platform/datum.h"
 #include "platform/text.h"
 #include "werkzeug/uebersicht.h"
@@ -19,8 +20,7 @@ namespace {
 using Ergebnis = Dateileser::Ergebnis;
 
 constexpr std::size_t EinzelneInfo = 2;
-constexpr int MaxOrdnertiefe = 16;  // a link back up must not lead round and round
-constexpr double MillisekundenProTag = SekundenProTag * 1000;
+constexpr int MaxOrdnertiefe = 16;      // a link back up must not lead round and round
 constexpr Datum JahrHundert = -657434;  // 0100-01-01
 constexpr Datum JahrZehntausend = 2958466;
 
@@ -141,13 +141,15 @@ void ZiffernAnhaengen(int zahl, int stellen, std::string& ziel) {
     ziel.append(puffer, static_cast<std::size_t>(stellen));
 }
 
-void DatumAnhaengen(const Kalender& k, Zeitform form, std::string& ziel) {
+void DatumAnhaengen(Kalendertag kalendertag, Zeitform form, std::string& ziel) {
+    const std::chrono::year_month_day k(kalendertag);
+    const int jahr = static_cast<int>(k.year()), tag = static_cast<int>(static_cast<unsigned>(k.day()));
     const bool iso = form == Zeitform::Iso;
-    ZiffernAnhaengen(iso ? k.Jahr : k.Tag, iso ? 4 : 2, ziel);
+    ZiffernAnhaengen(iso ? jahr : tag, iso ? 4 : 2, ziel);
     ziel += iso ? '-' : '.';
-    ZiffernAnhaengen(k.Monat, 2, ziel);
+    ZiffernAnhaengen(static_cast<int>(static_cast<unsigned>(k.month())), 2, ziel);
     ziel += iso ? '-' : '.';
-    ZiffernAnhaengen(iso ? k.Tag : k.Jahr, iso ? 2 : 4, ziel);
+    ZiffernAnhaengen(iso ? tag : jahr, iso ? 2 : 4, ziel);
 }
 
 void ZahlAnhaengen(float wert, Zeitform form, std::string& ziel) {
@@ -212,11 +214,10 @@ void ZeitAnhaengen(double datum, Zeitform form, std::string& ziel) {
         ziel.append(puffer, std::to_chars(puffer, puffer + sizeof(puffer), datum).ptr);
         return;
     }
-    const auto gesamt = static_cast<long long>(std::floor(datum * MillisekundenProTag + 0.5));
-    const auto proTag = static_cast<long long>(MillisekundenProTag);
-    const long long tag = gesamt >= 0 ? gesamt / proTag : -((-gesamt + proTag - 1) / proTag);
-    const auto imTag = static_cast<int>(gesamt - tag * proTag);
-    DatumAnhaengen(Zerlege(static_cast<double>(tag)), form, ziel);
+    const Zeit zeit = AufMillisekunde(ZeitpunktAus(datum));
+    const Kalendertag tag = TagVon(zeit);
+    const auto imTag = static_cast<int>((zeit - tag).count());
+    DatumAnhaengen(tag, form, ziel);
     ziel += form == Zeitform::Iso ? 'T' : ' ';
     ZiffernAnhaengen(imTag / 3600000, 2, ziel);
     ziel += ':';

@@ -2,6 +2,7 @@
 
 #include "luecken/lebenszeichen.h"
 #include "luecken/lueckenbuch.h"
+#include "luecken/zeitspannen.h"
 #include "platform/datum.h"
 #include "platform/text.h"
 #include "titles/titeldatei.h"
@@ -18,11 +19,10 @@ namespace zek::werkzeug {
 
 namespace {
 
-constexpr Zeit Tag = Zeitspannen::MillisekundenProTag, Minute = 60000;
 // At rest the recorder gives a sign each minute.
-constexpr Zeit ZeichenFrist = 3 * Minute;
+constexpr milliseconds ZeichenFrist = 3min;
 // So far the clock may be set back at the end of summer time.
-constexpr Zeit Umstellung = 70 * Minute;
+constexpr milliseconds Umstellung = 70min;
 constexpr std::string_view OhneZeichen = "Kein Lebenszeichen";
 constexpr std::size_t GenannteTitel = 5;
 
@@ -58,9 +58,8 @@ public:
           dateien_(umgebung.Dateien),
           ausgabe_(ausgabe),
           fehler_(fehler),
-          jetzt_(Zeitspannen::Aus(umgebung.Jetzt)),
-          rahmen_{frage.Von != 0 ? Zeitspannen::Aus(GanzerTag(frage.Von)) : 0,
-                  frage.Bis != 0 ? Zeitspannen::Aus(GanzerTag(frage.Bis)) + Tag : Buchzeile::OhneEnde},
+          jetzt_(AufMillisekunde(umgebung.Jetzt)),
+          rahmen_{frage.Von ? Zeit(*frage.Von) : KeineZeit, frage.Bis ? *frage.Bis + days(1) : Buchzeile::OhneEnde},
           programmordner_(Programmordner(frage, dateien_)),
           akten_(dateien_, frage.Ordner, programmordner_),
           buch_(LiesBuchauszug(dateien_, frage.Ordner, rahmen_, LiesReserve())) {}
@@ -111,7 +110,7 @@ private:
         const auto zeichen = LiesLebenszeichen(dateien_, Lueckenpfad(frage_.Ordner));
         std::optional<bool> gehalten;
         if (!programmordner_.empty()) gehalten = umgebung_.OrdnerGehalten(programmordner_);
-        const Zeit alter = zeichen ? jetzt_ - zeichen->Moment : 0;
+        const milliseconds alter = zeichen ? jetzt_ - zeichen->Moment : 0ms;
         const bool frisch = zeichen && alter <= ZeichenFrist && alter >= -Umstellung;
         Zeit spur = std::min(buch_.Letzte, jetzt_);
         if (zeichen && zeichen->Moment <= jetzt_) spur = std::max(spur, zeichen->Moment);
@@ -119,19 +118,19 @@ private:
         for (const Buchzeile& zeile : buch_.Zeilen(Buchauszug::Alle)) {
             if (!zeile.IstOffen() || !buch_.IstUrsache(zeile, ursache::ProgrammBeendet) || gehalten == true) continue;
             stand_ = zeile.Von;
-            lagetext_ = "Das Programm ist seit " + Zeittext(zeile.Von) + " ordentlich beendet.\n";
+            lagetext_ = "Das Programm ist seit " + Lueckenzeittext(zeile.Von) + " ordentlich beendet.\n";
             return;
         }
         if (!zeichen && !gehalten) {
-            stand_ = std::min(std::max(spur, akten_.LetzterSatz() + 1), jetzt_);
+            stand_ = std::min(std::max(spur, akten_.LetzterSatz() + 1ms), jetzt_);
             lagetext_ = "Ob das Programm läuft, ist nicht bekannt.\n";
         } else if (gehalten == false || (!gehalten && !frisch)) {
-            lagetext_ =
-                "Das Programm läuft nicht mehr und wurde nicht ordentlich beendet; letzte Spur: " + Zeittext(spur) +
-                ".\n";
+            lagetext_ = "Das Programm läuft nicht mehr und wurde nicht ordentlich beendet; letzte Spur: " +
+                        Lueckenzeittext(spur) + ".\n";
             Vermisse(spur, ursache::ProgrammNichtAktiv);
         } else if (zeichen && !frisch) {
-            lagetext_ = "Das Programm läuft, gibt aber seit " + Zeittext(zeichen->Moment) + " kein Lebenszeichen.\n";
+            lagetext_ =
+                "Das Programm läuft, gibt aber seit " + Lueckenzeittext(zeichen->Moment) + " kein Lebenszeichen.\n";
             Vermisse(std::min(zeichen->Moment, jetzt_), OhneZeichen);
         } else {
             lagetext_ = "Das Programm läuft.\n";
@@ -161,10 +160,10 @@ private:
         return titel;
     }
 
-    Zeit KorrekturVon(std::uint32_t titel) const {
+    milliseconds KorrekturVon(std::uint32_t titel) const {
         for (const Buchzeile& zeile : buch_.Zeilen(titel))
             if (buch_.IstUrsache(zeile, ursache::TitelAktiv)) return LiesWeise(buch_.Ergaenzung(zeile)).Zeitkorrektur;
-        return 0;
+        return 0ms;
     }
 
     std::string Unbekanntentext() const {
@@ -185,7 +184,7 @@ private:
     const std::string programmordner_;
     const Titelakten akten_;
     Buchauszug buch_;
-    Zeit stand_ = 0;
+    Zeit stand_ = KeineZeit;
     std::string lagetext_;
     std::vector<std::string> unbekannte_;  // active, but the book says nothing of them
     bool fehlt_ = false;                   // nobody records

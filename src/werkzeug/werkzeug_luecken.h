@@ -9,6 +9,7 @@
 #include "platform/uhr.h"
 #include "werkzeug/werkzeug.h"
 
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -18,10 +19,10 @@ struct Lueckenfrage {
     std::string Ordner;
     std::string Programmordner;  // with lock and definitions; "" for the one above the data folder
     bool Csv = false;
-    bool Alles = false;  // unfolded
-    Datum Von = 0;       // first day; 0 for none
-    Datum Bis = 0;       // last day; 0 for none
-    std::string Muster;  // of base names, with * and ?, in any letter case; "" for all
+    bool Alles = false;              // unfolded
+    std::optional<Kalendertag> Von;  // first day
+    std::optional<Kalendertag> Bis;  // last day
+    std::string Muster;              // of base names, with * and ?, in any letter case; "" for all
 };
 
 int Luecken(const Lueckenfrage& frage, const Umgebung& umgebung, std::ostream& ausgabe, std::ostream& fehler);

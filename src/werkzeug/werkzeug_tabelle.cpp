@@ -21,8 +21,8 @@ Tafel::Zeile Dateizeile(const std::string& pfad, Dateileser& leser) {
     return {AnzeigeName(leser.Kopf()),
             Kursarttext(leser.Kopf(), pfad),
             MitTausenderpunkten(static_cast<double>(anzahl)),
-            Zeitpunkt(erster ? erster->Datum : 0),
-            Zeitpunkt(letzter ? letzter->Datum : 0),
+            Zeitfeld(erster ? erster->Datum : 0),
+            Zeitfeld(letzter ? letzter->Datum : 0),
             letzter ? Zahltext(letzter->Kurs) : std::string(),
             MitTausenderpunkten(static_cast<double>(leser.Groesse()))};
 }

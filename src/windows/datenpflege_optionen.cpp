@@ -19,14 +19,14 @@ namespace zek {
 
 namespace {
 
-QDate AlsTag(Datum datum) {
-    const Kalender k = Zerlege(datum);
-    return {k.Jahr, k.Monat, k.Tag};
+QDate AlsTag(Zeitpunkt zeit) {
+    const std::chrono::year_month_day tag(TagVon(zeit));
+    return {static_cast<int>(tag.year()), static_cast<int>(static_cast<unsigned>(tag.month())),
+            static_cast<int>(static_cast<unsigned>(tag.day()))};
 }
 
-QTime AlsUhrzeit(Datum datum) {
-    const Kalender k = Zerlege(datum);
-    return {k.Stunde, k.Minute, k.Sekunde};
+QTime AlsUhrzeit(Zeitpunkt zeit) {
+    return QTime(0, 0).addSecs(static_cast<int>((zeit - TagVon(zeit)) / 1s));
 }
 
 }  // namespace
@@ -98,15 +98,19 @@ void frmDatenpflegeOptionen::SchalteEnde() {
     BeschriftungenSchalten(*this);
 }
 
-Datum frmDatenpflegeOptionen::Zeitpunkt(std::size_t ende) const {
+Zeitpunkt frmDatenpflegeOptionen::Wann(std::size_t ende) const {
     const QDate tag = Datumfeld_[ende]->date();
     const QTime zeit = Zeitfeld_[ende]->time();
-    return DatumAus(tag.year(), tag.month(), tag.day(), zeit.hour(), zeit.minute(), zeit.second());
+    return ZeitpunktAus(tag.year(), tag.month(), tag.day(), zeit.hour(), zeit.minute(), zeit.second());
 }
 
 Datenpflegewahl frmDatenpflegeOptionen::Ergebnis() const {
-    return {Zeitpunkt(Von),           optAktualBisAktuell_->isChecked(), Zeitpunkt(Bis),
-            optBezahlt_->isChecked(), optGeldBrief_->isChecked(),        optUseRTH_->isChecked()};
+    return {Wann(Von),
+            optAktualBisAktuell_->isChecked(),
+            Wann(Bis),
+            optBezahlt_->isChecked(),
+            optGeldBrief_->isChecked(),
+            optUseRTH_->isChecked()};
 }
 
 bool frmDatenpflegeOptionen::Pruefe() {

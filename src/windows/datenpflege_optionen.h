@@ -29,7 +29,7 @@ private:
 
     void Fuelle(const Datenpflegewahl& wahl);
     void SchalteEnde();
-    Datum Zeitpunkt(std::size_t ende) const;
+    Zeitpunkt Wann(std::size_t ende) const;
 
     const Uhr& uhr_;
     Meldungen& meldungen_;

@@ -216,7 +216,7 @@ void Desktopgesicht::Ton() {
     QApplication::beep();
 }
 
-void Desktopgesicht::StatuslisteEintrag(Datum zeit, const std::string& text, bool fett) {
+void Desktopgesicht::StatuslisteEintrag(Zeitpunkt zeit, const std::string& text, bool fett) {
     if (fenster_) fenster_->Status().Fuege(zeit, text, fett);
 }
 

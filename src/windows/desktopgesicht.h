@@ -66,7 +66,7 @@ public:
     void KomprimierteAnsichtSetzen(bool an) override;
     void InitSysTray() override;
     void ZeigeBeispieltitel() override;
-    void StatuslisteEintrag(Datum zeit, const std::string& text, bool fett) override;
+    void StatuslisteEintrag(Zeitpunkt zeit, const std::string& text, bool fett) override;
     void TitelInfo(const std::string& text) override;
     void Statuspanel(const std::string& text) override;
     Datenpflegeanzeige& DatenpflegeFensterErzeugen() override;

@@ -23,8 +23,9 @@ public:
                std::function<void(std::int32_t titelId)> beiDoppelklick);
 
     // One tick; `jetzt` is the present date.
-    void Tick(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool verworfen, Datum jetzt) {
-        modell_->Tick(titel, kursart, kurs, volume, verworfen, jetzt + titel.ZeitKorrektur);
+    void Tick(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool verworfen,
+              Zeitpunkt jetzt) {
+        modell_->Tick(titel, kursart, kurs, volume, verworfen, Tageszeit(jetzt + DauerAusTagen(titel.ZeitKorrektur)));
     }
     // Rebuilds the fixed lines after titles have changed; the price list stays.
     void TitelGeaendert();

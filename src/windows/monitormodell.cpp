@@ -52,10 +52,10 @@ Monitormodell::StatischeZeile& Monitormodell::ZeileFuer(const clTitelobjekt& tit
 }
 
 void Monitormodell::Tick(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool verworfen,
-                         Datum zeit) {
+                         Tageszeit zeit) {
     groessterUmsatz_ = std::max(groessterUmsatz_, volume);
     if (statisch_) {
-        if (!kursart::IstTiefe(kursart)) TickStatisch(titel, kursart, kurs, volume, Tagesbruchteil(zeit));
+        if (!kursart::IstTiefe(kursart)) TickStatisch(titel, kursart, kurs, volume, zeit);
         return;
     }
     if (wartend_.size() > HoechsteZeilen) wartend_.erase(wartend_.begin(), wartend_.begin() + Schnitt);
@@ -64,7 +64,7 @@ void Monitormodell::Tick(const clTitelobjekt& titel, std::int32_t kursart, float
 }
 
 void Monitormodell::TickStatisch(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
-                                 Datum zeit) {
+                                 Tageszeit zeit) {
     StatischeZeile& zeile = ZeileFuer(titel);
     zeile.Geaendert = true;
     zeile.Neu[Zeit] = Q(NurZeittext(zeit));
@@ -197,7 +197,7 @@ QString Monitormodell::Listentext(const Listenzeile& zeile, int spalte) const {
         case Boerse:
             return zeile.Boerse;
         case Zeit:
-            return Q(NurZeittext(Tagesbruchteil(zeile.zeit)));
+            return Q(NurZeittext(zeile.zeit));
         case LVolume:
             return Volumentext(zeile.volume);
         default:

@@ -28,7 +28,8 @@ public:
     bool Statisch() const { return statisch_; }
 
     // One tick at day fraction `zeit` (a whole date is cut to its time). `kursart` 1, 2, 3 or a depth kind.
-    void Tick(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool verworfen, Datum zeit);
+    void Tick(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool verworfen,
+              Tageszeit zeit);
 
     // Makes visible what ticks have noted since the last call. True when lines were added to the price list.
     bool Uebernehme();
@@ -67,11 +68,11 @@ private:
         float kurs = 0;
         float volume = 0;
         bool verworfen = false;
-        Datum zeit = 0;
+        Tageszeit zeit;
     };
 
     StatischeZeile& ZeileFuer(const clTitelobjekt& titel);
-    void TickStatisch(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Datum zeit);
+    void TickStatisch(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Tageszeit zeit);
     QString Statischertext(int zeile, int spalte) const;
     QString Listentext(const Listenzeile& zeile, int spalte) const;
     bool UebernehmeListe();

@@ -12,7 +12,7 @@
 
 namespace zek {
 
-void Statuslistenmodell::Fuege(Datum zeit, const std::string& text, bool fett) {
+void Statuslistenmodell::Fuege(Zeitpunkt zeit, const std::string& text, bool fett) {
     if (const int weg = static_cast<int>(liste_.ZuKuerzen()); weg > 0) {
         beginRemoveRows({}, 0, weg - 1);
         liste_.Kuerze();
@@ -71,7 +71,7 @@ Statuslistenansicht::Statuslistenansicht(QWidget* eltern, std::function<void(con
     });
 }
 
-void Statuslistenansicht::Fuege(Datum zeit, const std::string& text, bool fett) {
+void Statuslistenansicht::Fuege(Zeitpunkt zeit, const std::string& text, bool fett) {
     modell_->Fuege(zeit, text, fett);
     const QModelIndex neu = modell_->index(modell_->rowCount() - 1, 0);
     setCurrentIndex(neu);

@@ -14,7 +14,7 @@ public:
     explicit Statuslistenmodell(QObject* eltern = nullptr) : QAbstractTableModel(eltern) {}
 
     // Drops old entries first where the list has grown too long.
-    void Fuege(Datum zeit, const std::string& text, bool fett);
+    void Fuege(Zeitpunkt zeit, const std::string& text, bool fett);
     void Leere();
     const Statusliste::Eintrag& Eintrag(int zeile) const { return liste_[static_cast<std::size_t>(zeile)]; }
 
@@ -32,7 +32,7 @@ public:
     // `beiDoppelklick` gets the text that shows an entry whole.
     Statuslistenansicht(QWidget* eltern, std::function<void(const std::string&)> beiDoppelklick);
 
-    void Fuege(Datum zeit, const std::string& text, bool fett);
+    void Fuege(Zeitpunkt zeit, const std::string& text, bool fett);
     void Leere() { modell_->Leere(); }
     Statuslistenmodell& Modell() { return *modell_; }
 

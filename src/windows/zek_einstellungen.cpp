@@ -27,13 +27,13 @@ constexpr int KleinstesTimeout = 10, GroesstesTimeout = 6000;  // seconds
 constexpr int Spaltenzeichen = 62;                             // width of each of the two columns
 constexpr int KleinsteStille = 15, EmpfohleneStille = 60;      // seconds without prices
 
-QTime AlsZeit(Datum tagesanteil) {
-    return QTime(0, 0).addMSecs(static_cast<int>(std::lround(Tagesbruchteil(tagesanteil) * SekundenProTag)) * 1000);
+QTime AlsZeit(Tageszeit zeit) {
+    const auto sekunden = std::chrono::floor<std::chrono::seconds>(zeit.SeitMitternacht);
+    return QTime(0, 0).addSecs(static_cast<int>((sekunden % 24h).count()));
 }
 
-Datum AlsDatum(const QTimeEdit* feld) {
-    const QTime zeit = feld->time();
-    return Uhrzeit(zeit.hour(), zeit.minute(), zeit.second());
+Tageszeit AlsTageszeit(const QTimeEdit* feld) {
+    return Tageszeit(std::chrono::seconds(QTime(0, 0).secsTo(feld->time())));
 }
 
 std::string Getrimmter(const QLineEdit* feld) {
@@ -211,7 +211,9 @@ void frmZEKEinstellungen::Fuelle(const Einstellungen& e) {
         [&](QWidget* feld, int Einstellungen::*ziel) {
             static_cast<QLineEdit*>(feld)->setText(QString::number(e.*ziel));
         },
-        [&](QWidget* feld, Datum Einstellungen::*ziel) { static_cast<QTimeEdit*>(feld)->setTime(AlsZeit(e.*ziel)); },
+        [&](QWidget* feld, Tageszeit Einstellungen::*ziel) {
+            static_cast<QTimeEdit*>(feld)->setTime(AlsZeit(e.*ziel));
+        },
         [&](QWidget* feld, std::string Einstellungen::*ziel) { static_cast<QLineEdit*>(feld)->setText(Q(e.*ziel)); },
     });
 }
@@ -222,7 +224,7 @@ Einstellungen frmZEKEinstellungen::Ergebnis() const {
         [](QWidget*, std::monostate) {},
         [&](QWidget* feld, bool Einstellungen::*ziel) { e.*ziel = static_cast<QCheckBox*>(feld)->isChecked(); },
         [&](QWidget* feld, int Einstellungen::*ziel) { e.*ziel = AlsZahl(static_cast<QLineEdit*>(feld)); },
-        [&](QWidget* feld, Datum Einstellungen::*ziel) { e.*ziel = AlsDatum(static_cast<QTimeEdit*>(feld)); },
+        [&](QWidget* feld, Tageszeit Einstellungen::*ziel) { e.*ziel = AlsTageszeit(static_cast<QTimeEdit*>(feld)); },
         [&](QWidget* feld, std::string Einstellungen::*ziel) { e.*ziel = Getrimmter(static_cast<QLineEdit*>(feld)); },
     });
     if (!e.NeuStartBeiFehlendenKursen)

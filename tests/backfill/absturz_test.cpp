@@ -81,8 +81,8 @@ protected:
         for (int i = 0; i < GetParam().TicksJePumpe; ++i) {
             const auto vorher = p_->Status.Eintraege.size();
             const bool lebt = !p_->Dateien.Abgestuerzt();
-            const KursDatensatz satz{p_->Welt.Jetzt(), static_cast<float>(1000 + ticks_.size()), 1};
-            schreiber.DatensatzAnhaengen(titel, kursart::Brief, satz.Kurs, 1, false, satz.Datum);
+            const KursDatensatz satz{DatumAus(p_->Welt.Jetzt()), static_cast<float>(1000 + ticks_.size()), 1};
+            schreiber.DatensatzAnhaengen(titel, kursart::Brief, satz.Kurs, 1, false, ZeitpunktAus(satz.Datum));
             // Stored is what was written whole before the death.
             if (lebt && p_->Status.Eintraege.size() == vorher && TickSteht()) ticks_.push_back(satz);
         }
@@ -152,10 +152,10 @@ TEST_P(Absturz, TheAppendOfTheNextRunFinishesTheWorkFirst) {
         if (p_->Ram.Inhalt(Pfad).size() < 856) continue;
         Titel titel;
         Datensatzschreiber schreiber(p_->Modul, p_->Dateien, p_->Status, {});
-        const KursDatensatz satz{p_->Welt.Jetzt() + 1, 5000, 1};
+        const KursDatensatz satz{DatumAus(p_->Welt.Jetzt() + 24h), 5000, 1};
         const bool unterbrochen = p_->Ram.DateiExistiert(Pfad + std::string(Journalendung));
         p_->Status.Eintraege.clear();
-        schreiber.DatensatzAnhaengen(titel, kursart::Brief, satz.Kurs, 1, false, satz.Datum);
+        schreiber.DatensatzAnhaengen(titel, kursart::Brief, satz.Kurs, 1, false, ZeitpunktAus(satz.Datum));
         EXPECT_EQ(Gesagt(), unterbrochen) << "call " << n;
         ticks_.push_back(satz);
         PruefeDatei(n);

@@ -36,7 +36,7 @@ TEST(Balkendatum, AllFormsOfTheServiceAreRead) {
 TEST(Balkendatum, AFractionOfASecondCountsToItsLastDigit) {
     const auto ganz = LiesBalkendatum("20250415 15:29:58"), teil = LiesBalkendatum("20250415 15:29:58.375");
     ASSERT_TRUE(ganz && teil);
-    EXPECT_NEAR((teil->Zeit - ganz->Zeit) * 86400, 0.375, 1e-5);
+    EXPECT_EQ(teil->Zeit - ganz->Zeit, 375ms);
 }
 
 TEST(Balkendatum, AZoneWithAHyphenDoesntDisturbTheTime) {
@@ -85,9 +85,9 @@ TEST(Balkendatum, EveryCutOfAFullTextIsReadOrRefused) {
 }
 
 TEST(Balkendatum, TheEndTimeOfARequestIsWrittenInOneFixedForm) {
-    EXPECT_EQ(Endzeittext(0), "");
-    EXPECT_EQ(Endzeittext(DatumAus(2025, 4, 5, 6, 7, 8)), "20250405 06:07:08");
-    EXPECT_EQ(Endzeittext(DatumAus(2025, 4, 5, 0, 0, 0) - EineSekunde), "20250404 23:59:59");
+    EXPECT_EQ(Endzeittext(std::nullopt), "");
+    EXPECT_EQ(Endzeittext(TagAus(2025, 4, 5) + 6h + 7min + 8s), "20250405 06:07:08");
+    EXPECT_EQ(Endzeittext(TagAus(2025, 4, 5) - 1s), "20250404 23:59:59");
 }
 
 class PufferTest : public testing::Test {
@@ -134,8 +134,8 @@ TEST_F(PufferTest, BarsComeIntoOrderBeforeTheirChangesCount) {
         Nimm(2, -1, "20250415 10:00:01");
     EXPECT_EQ(Text(), "2x0 3x0 ");
     ASSERT_EQ(puffer_.Saetze().size(), 2u);
-    EXPECT_EQ(puffer_.Saetze()[0].Datum, DatumAus(2025, 4, 15, 10, 0, 1));
-    EXPECT_EQ(puffer_.Saetze()[1].Datum, DatumAus(2025, 4, 15, 10, 0, 3));
+    EXPECT_EQ(puffer_.Saetze()[0].Datum, DatumAus(TagAus(2025, 4, 15) + 10h + 1s));
+    EXPECT_EQ(puffer_.Saetze()[1].Datum, DatumAus(TagAus(2025, 4, 15) + 10h + 3s));
 }
 
 TEST_F(PufferTest, BarsOfTheSameSecondKeepTheirOrder) {
@@ -225,11 +225,11 @@ TEST(Gesamtreihe, PassesOverWhatEarlierRequestsGaveAlready) {
 class TaktTest : public testing::Test {
 protected:
     // Seconds from now until the request may go out.
-    double Wartezeit(const std::string& was = "neu") { return (takt_.FruehestensUm(was, Zeit()) - Zeit()) * 86400; }
+    double Wartezeit(const std::string& was = "neu") { return AlsSekunden(takt_.FruehestensUm(was, Zeit()) - Zeit()); }
     void Frage(const std::string& was = "") {
         takt_.Gesendet(was.empty() ? "anfrage " + std::to_string(++nummer_) : was, Zeit());
     }
-    Datum Zeit() const { return 46000 + sekunde_ / 86400; }
+    Zeitpunkt Zeit() const { return TagAus(2025, 12, 9) + DauerAusSekunden(sekunde_); }
 
     Anfragetakt takt_;
     double sekunde_ = 1000;
@@ -279,11 +279,11 @@ TEST_F(TaktTest, AClockSetBackDoesntMakeRequestsWaitForTheFuture) {
 }
 
 TEST_F(TaktTest, TheTimeToGoCountsTheWindows) {
-    EXPECT_NEAR(takt_.DauerFuer(100, 1.0, Zeit()), 100, 1e-6);
+    EXPECT_EQ(takt_.DauerFuer(100, 1s, Zeit()), 100s);
     takt_.Verletzung(Zeit());
-    EXPECT_NEAR(takt_.DauerFuer(59, 1.0, Zeit()), 59, 1e-6);
-    EXPECT_NEAR(takt_.DauerFuer(150, 1.0, Zeit()), 2 * 602 + 30, 1e-6);
-    EXPECT_NEAR(takt_.DauerFuer(150, 20.0, Zeit()), 150 * 20, 1e-6);  // slower than the limit
+    EXPECT_EQ(takt_.DauerFuer(59, 1s, Zeit()), 59s);
+    EXPECT_EQ(takt_.DauerFuer(150, 1s, Zeit()), 2 * 602s + 30s);
+    EXPECT_EQ(takt_.DauerFuer(150, 20s, Zeit()), 150 * 20s);  // slower than the limit
 }
 
 }  // namespace

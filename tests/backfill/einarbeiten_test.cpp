@@ -173,7 +173,7 @@ TEST_F(EinarbeitenTest, AFileThatIsFreeAtTheFifteenthAttemptIsMerged) {
 }
 
 TEST_F(EinarbeitenTest, MidnightEndsAWaitForTheFileEarly) {
-    p_.Welt.StelleUhr(46342 - 0.2 / 86400);
+    p_.Welt.StelleUhr(TagAus(2026, 11, 16) - 200ms);
     p_.Dateien.Stoere({.Art = hilfen::Dateiaufruf::Oeffne, .Ab = 1, .Anzahl = 1, .Fehler = EACCES});
     EXPECT_EQ(Merge(Reihe(1, 3)), 3);
     EXPECT_LT(p_.Welt.Sekunden(), 0.3);
@@ -307,7 +307,7 @@ protected:
 };
 
 KursDatensatz Tick(const Pflegewelt& p) {
-    return {p.Welt.Jetzt(), 55, 1};
+    return {DatumAus(p.Welt.Jetzt()), 55, 1};
 }
 
 TEST_F(TickWaehrendMergeTest, ATickStandsBehindTheRestWhenTheFileGetsShorter) {
@@ -339,7 +339,7 @@ TEST_F(TickWaehrendMergeTest, ATickIntoANewFileStandsBehindTheBlock) {
 
 TEST_F(TickWaehrendMergeTest, ATickOfAClockThatWasSetBackIsKept) {
     Vorher(Reihe(1, 100));
-    p_.Welt.StelleUhr(Tag + 50.0 / 86400);
+    p_.Welt.StelleUhr(ZeitpunktAus(Tag) + 50s);
     TickWartet();
     EXPECT_EQ(Merge({Satz(5, 99), Satz(90, 98)}), 2);
     EXPECT_EQ(Nachher().back(), Tick(p_));

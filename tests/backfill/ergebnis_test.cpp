@@ -26,23 +26,23 @@ protected:
     std::vector<std::string> Lauf(double sekunden) {
         Datenpflegeumgebung umgebung{p_.Modul,  dateien_,  p_.Welt,    p_.Welt,
                                      p_.Status, p_.Fragen, p_.Fenster, p_.Fabrik.Fabrik()};
-        const Datum ende = p_.Jetzt();
-        const auto spanne = [ende](Datum von, Datum bis) {
-            return std::to_string(std::lround((von - ende) / EineSekunde)) + ".." +
-                   std::to_string(std::lround((bis - ende) / EineSekunde));
+        const Zeitpunkt ende = p_.Jetzt();
+        const auto spanne = [ende](Zeitpunkt von, Zeitpunkt bis) {
+            return std::to_string(std::lround(AlsSekunden(von - ende))) + ".." +
+                   std::to_string(std::lround(AlsSekunden(bis - ende)));
         };
         umgebung.BeiErgebnis = [&](const Datenpflegeergebnis& e) {
             texte_.push_back((e.Titel ? e.Titel->Dateiname + " " + std::string(KursartName(e.Kursart)) : "*") + " " +
                              spanne(e.Von, e.Bis) +
                              (e.Ergaenzt ? " ergänzt " + std::to_string(e.Kurse) : " nicht: " + e.Grund));
         };
-        umgebung.BeiMergebeginn = [&](const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+        umgebung.BeiMergebeginn = [&](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
             merges_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " " + spanne(von, bis));
         };
         umgebung.BeiMergeende = [&](const clTitelobjekt& titel, std::int32_t kursart) {
             merges_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " Ende");
         };
-        umgebung.BeiLeerung = [&](const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) {
+        umgebung.BeiLeerung = [&](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
             merges_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " leert " + spanne(von, bis));
         };
         Datenpflegelauf lauf(umgebung, takt_);
@@ -66,7 +66,7 @@ protected:
     // By hand up to the present, over as many seconds.
     std::vector<std::string> LaufBisJetzt(double sekunden) {
         Einrichtung = [this, sekunden](Datenpflegelauf& lauf) {
-            lauf.AutoDatenPflegeStart = lauf.BackfillEndZeit = 0;
+            lauf.AutoDatenPflegeStart = lauf.BackfillEndZeit = std::nullopt;
             lauf.Startdatum = p_.Jetzt() - Sekunden(sekunden);
             lauf.KursBezahlt = lauf.IsManuelleDatenpflege = true;
         };
@@ -225,8 +225,8 @@ TEST_F(ErgebnisTest, AMergeThatTakesRecordsAndBringsNoneNamesItsSpanOnTheRecorde
     BeiStart = [this](clTitelobjekt& titel) {
         titel.BidAsk = true;
         titel.ZeitKorrektur = 0.25;
-        p_.Ram.LegeDateiAn(p_.Pfad("ES-BID"), Kopf() + Bytes({{p_.Jetzt() + 0.25 - Sekunden(50), 1, 1}}));
-        p_.Ram.LegeDateiAn(p_.Pfad("ES-ASK"), Kopf() + Bytes({{p_.Jetzt() + 0.25 - Sekunden(500), 1, 1}}));
+        p_.Ram.LegeDateiAn(p_.Pfad("ES-BID"), Kopf() + Bytes({{DatumAus(p_.Jetzt() + 6h - Sekunden(50)), 1, 1}}));
+        p_.Ram.LegeDateiAn(p_.Pfad("ES-ASK"), Kopf() + Bytes({{DatumAus(p_.Jetzt() + 6h - Sekunden(500)), 1, 1}}));
     };
     Lauf(100);
     EXPECT_THAT(merges_, ElementsAre("ES Brief -100..0", "ES Brief Ende", "ES Geld -100..0", "ES Geld leert -100..0",
@@ -234,7 +234,8 @@ TEST_F(ErgebnisTest, AMergeThatTakesRecordsAndBringsNoneNamesItsSpanOnTheRecorde
 }
 
 TEST_F(ErgebnisTest, AMergeThatFailsFillsNothing) {
-    p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes({{p_.Jetzt() - Sekunden(50), 1, 1}, {p_.Jetzt(), 1, 1}}));
+    p_.Ram.LegeDateiAn(p_.Pfad("ES"),
+                       Kopf() + Bytes({{DatumAus(p_.Jetzt() - Sekunden(50)), 1, 1}, {DatumAus(p_.Jetzt()), 1, 1}}));
     dateien_.StoereArt(hilfen::Dateiaufruf::Schreibe, ENOSPC);
     EXPECT_THAT(Lauf(100), ElementsAre("ES Bezahlt -100..0 nicht: Fehler beim Einarbeiten"));
     EXPECT_THAT(merges_, ElementsAre("ES Bezahlt -100..0", "ES Bezahlt Ende"));

@@ -112,7 +112,7 @@ TEST_F(FilterTest, AClickDuringTheWarningAsksOnlyWhetherToStopAndNoGoesOn) {
 }
 
 TEST_F(FilterTest, MidnightEndsTheWarning) {
-    p_.Welt.StelleUhr(46343 - 3.0 / 86400);
+    p_.Welt.StelleUhr(TagAus(2026, 11, 17) - 3s);
     Mit("ES");
     lauf_->KursGeldBrief = true;
     lauf_->Startdatum = p_.Jetzt() - Sekunden(100);

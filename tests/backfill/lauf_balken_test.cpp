@@ -18,8 +18,8 @@ TEST_F(LaufTest, AnIndexKeepsChangesOnlyAndNoVolume) {
     });
     Automatisch(30);
     Starte();
-    EXPECT_THAT(p_.Datei("DAX"), ElementsAre(KursDatensatz{Mittag - Sekunden(30), 100, 0},
-                                             KursDatensatz{Mittag - Sekunden(10), 101, 0}));
+    EXPECT_THAT(p_.Datei("DAX"), ElementsAre(KursDatensatz{DatumAus(Mittag - Sekunden(30)), 100, 0},
+                                             KursDatensatz{DatumAus(Mittag - Sekunden(10)), 101, 0}));
     EXPECT_EQ(lauf_->LastTimezone, "Europe/Berlin");
 }
 
@@ -32,7 +32,7 @@ TEST_F(LaufTest, TheCorrectionOfATitleIsAddedToItsRecords) {
     Automatisch(30);
     Starte();
     ASSERT_EQ(p_.Datei("ES").size(), 1u);
-    EXPECT_EQ(p_.Datei("ES")[0].Datum, Mittag - Sekunden(30) + 0.25);
+    EXPECT_EQ(p_.Datei("ES")[0].Datum, DatumAus(Mittag - Sekunden(30)) + 0.25);
 }
 
 TEST_F(LaufTest, BarsWithAZoneAndInUtcFormAreTakenAsDelivered) {
@@ -52,7 +52,7 @@ TEST_F(LaufTest, AFinishedBarEndsARequestLikeTheEndEvent) {
     Mit("ES");
     BeiAnfrage(1, [this] {
         p_.Historie.Balken(Mittag - Sekunden(30), 100, 1);
-        p_.Historie.Balken(0, -1, -1, "finished-20261116 11:26:40-20261116 12:00:00");
+        p_.Historie.Balken({}, -1, -1, "finished-20261116 11:26:40-20261116 12:00:00");
     });
     Automatisch(30);
     Starte();
@@ -72,7 +72,7 @@ TEST_F(LaufTest, AnEmptyAnswerMovesTheNextRequest2000SecondsBackFromTheOldEnd) {
 TEST_F(LaufTest, AnEmptyFirstAnswerWithoutAnEndTimeEndsTheSeries) {
     Mit("ES");
     p_.Historie.Leer = true;
-    lauf_->Startdatum = Mittag - 1;
+    lauf_->Startdatum = Mittag - 24h;
     lauf_->KursBezahlt = true;
     Starte();
     EXPECT_EQ(p_.Historie.Anfragen.size(), 1u);
@@ -94,9 +94,11 @@ TEST_F(LaufTest, AServiceThatAnswersBesideTheSpanCantHoldTheRun) {
 }
 
 TEST_F(LaufTest, BarsBehindTheEndOfTheRequestReplaceNoLiveTicks) {
-    const Saetze live = {{Mittag + Sekunden(10), 1, 1}, {Mittag + Sekunden(20), 2, 1}, {Mittag + Sekunden(30), 3, 1}};
-    for (const Datum ende : {Mittag, Datum{0}}) {
-        SCOPED_TRACE(ende);
+    const Saetze live = {{DatumAus(Mittag + Sekunden(10)), 1, 1},
+                         {DatumAus(Mittag + Sekunden(20)), 2, 1},
+                         {DatumAus(Mittag + Sekunden(30)), 3, 1}};
+    for (const std::optional<Zeitpunkt> ende : {std::optional(Mittag), std::optional<Zeitpunkt>()}) {
+        SCOPED_TRACE(ende.has_value());
         Neu();
         p_.Historie.Anfragen.clear();
         p_.Status.Eintraege.clear();
@@ -105,7 +107,7 @@ TEST_F(LaufTest, BarsBehindTheEndOfTheRequestReplaceNoLiveTicks) {
         p_.Historie.Statt = [this](const Anfrage&) {
             p_.Welt.Plane(0.05, [this] {
                 p_.Historie.Balken(Mittag - Sekunden(30), 100, 1);
-                p_.Historie.Balken(0, 101, 1, "20991231 12:00:00");
+                p_.Historie.Balken({}, 101, 1, "20991231 12:00:00");
                 p_.Historie.Ende();
             });
             return true;
@@ -114,7 +116,7 @@ TEST_F(LaufTest, BarsBehindTheEndOfTheRequestReplaceNoLiveTicks) {
         lauf_->BackfillEndZeit = ende;
         lauf_->KursBezahlt = true;
         Starte();
-        EXPECT_EQ(p_.Datei("ES"), (Saetze{{Mittag - Sekunden(30), 100, 1}, live[0], live[1], live[2]}));
+        EXPECT_EQ(p_.Datei("ES"), (Saetze{{DatumAus(Mittag - Sekunden(30)), 100, 1}, live[0], live[1], live[2]}));
         EXPECT_EQ(p_.Status.Letzte(), "Datenpflege ES: 1 Kurse nach dem Ende der Abfrage verworfen");
     }
 }
@@ -128,7 +130,7 @@ TEST_F(LaufTest, ABarAtTheEndOfTheRequestIsTakenOneBehindItIsnt) {
     });
     Automatisch(30);
     Starte();
-    EXPECT_EQ(p_.Datei("ES"), (Saetze{{Mittag - Sekunden(1), 99, 1}, {Mittag, 100, 1}}));
+    EXPECT_EQ(p_.Datei("ES"), (Saetze{{DatumAus(Mittag - Sekunden(1)), 99, 1}, {DatumAus(Mittag), 100, 1}}));
 }
 
 TEST_F(LaufTest, BarsOutOfOrderComeIntoTheFileInOrder) {
@@ -139,24 +141,25 @@ TEST_F(LaufTest, BarsOutOfOrderComeIntoTheFileInOrder) {
     });
     Automatisch(30);
     Starte();
-    EXPECT_EQ(p_.Datei("ES"), (Saetze{{Mittag - Sekunden(30), 30, 1},
-                                      {Mittag - Sekunden(20), 20, 1},
-                                      {Mittag - Sekunden(10), 10, 1},
-                                      {Mittag - Sekunden(5), 5, 1}}));
+    EXPECT_EQ(p_.Datei("ES"), (Saetze{{DatumAus(Mittag - Sekunden(30)), 30, 1},
+                                      {DatumAus(Mittag - Sekunden(20)), 20, 1},
+                                      {DatumAus(Mittag - Sekunden(10)), 10, 1},
+                                      {DatumAus(Mittag - Sekunden(5)), 5, 1}}));
 }
 
 TEST_F(LaufTest, BarsBeforeTheStartStayOutOfTheFileAndEndTheSeries) {
     Mit("ES");
-    p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes({{Mittag - Sekunden(60), 1, 1}}));
+    p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes({{DatumAus(Mittag - Sekunden(60)), 1, 1}}));
     BeiAnfrage(1, [this] {
-        p_.Historie.Balken(0, 50, 1, "19900101 12:00:00");
+        p_.Historie.Balken({}, 50, 1, "19900101 12:00:00");
         p_.Historie.Balken(Mittag - Sekunden(31), 60, 1);
         p_.Historie.Balken(Mittag - Sekunden(30), 70, 1);
         p_.Historie.Ende();
     });
     Automatisch(30);
     Starte();
-    EXPECT_EQ(p_.Datei("ES"), (Saetze{{Mittag - Sekunden(60), 1, 1}, {Mittag - Sekunden(30), 70, 1}}));
+    EXPECT_EQ(p_.Datei("ES"),
+              (Saetze{{DatumAus(Mittag - Sekunden(60)), 1, 1}, {DatumAus(Mittag - Sekunden(30)), 70, 1}}));
     EXPECT_EQ(p_.Historie.Anfragen.size(), 1u);
 }
 

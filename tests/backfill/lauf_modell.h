@@ -71,12 +71,12 @@ inline Modellserie Modell(const Modellauftrag& auftrag, const std::function<Mode
         const auto puffer = Behaltene(auftrag, antwort.Balken);
         if (puffer.empty()) {
             if (keineDaten) break;
-            ende -= 2000.0 / 86400;
+            ende = DatumAus(ZeitpunktAus(ende) - 2000s);
             continue;
         }
         for (auto satz = puffer.rbegin(); satz != puffer.rend() && satz->Datum >= auftrag.Start; ++satz)
             serie.Saetze.insert(serie.Saetze.begin(), *satz);
-        ende = puffer.front().Datum - 1.0 / 86400;
+        ende = DatumAus(ZeitpunktAus(puffer.front().Datum) - 1s);
     } while (ende >= auftrag.Start && !zeitablauf);
     for (auto& satz : serie.Saetze) satz.Datum += auftrag.ZeitKorrektur;
     return serie;

@@ -12,7 +12,7 @@
 namespace zek::pflege {
 namespace {
 
-constexpr Datum Mittag = hilfen::VirtuelleWelt::Vorgabebeginn;
+constexpr Datum Mittag = DatumAus(hilfen::VirtuelleWelt::Vorgabebeginn);
 constexpr int Vergangenheit = 20'000;  // seconds that the service knows of
 
 std::uint64_t Umgebungszahl(const char* name, std::uint64_t vorgabe) {
@@ -53,7 +53,9 @@ public:
     }
 
     int Bis(int hoechstens) { return static_cast<int>(zufall_() % static_cast<unsigned>(hoechstens + 1)); }
-    static Datum At(int sekunde) { return LiesBalkendatum(Endzeittext(Mittag + sekunde / 86400.0))->Zeit; }
+    static Datum At(int sekunde) {
+        return DatumAus(hilfen::VirtuelleWelt::Vorgabebeginn + std::chrono::seconds(sekunde));
+    }
 
 private:
     using Art = Modellantwort::Art;
@@ -74,8 +76,13 @@ std::int32_t KursartVon(const Anfrage& anfrage) {
     return anfrage.Art == "TRADES" ? kursart::Bezahlt : anfrage.Art == "ASK" ? kursart::Brief : kursart::Geld;
 }
 
+// An end of the model; 0 is the present.
+std::optional<Zeitpunkt> AlsEnde(Datum ende) {
+    return ende == 0 ? std::nullopt : std::optional(ZeitpunktAus(ende));
+}
+
 std::string Zeile(std::int32_t kursart, Datum ende) {
-    return std::string(Historienart(kursart)) + " " + Endzeittext(ende);
+    return std::string(Historienart(kursart)) + " " + Endzeittext(AlsEnde(ende));
 }
 
 class Pruefling {
@@ -99,12 +106,12 @@ public:
         Datenpflegelauf lauf(p_.Umgebung(), takt_);
         lauf.cAktualTitel = {titel_};
         if (ende_ == 0) {
-            lauf.Startdatum = start_;
+            lauf.Startdatum = ZeitpunktAus(start_);
             lauf.KursBezahlt = lauf.IsManuelleDatenpflege = true;
             lauf.KursGeldBrief = titel_->BidAsk;
         } else {
-            lauf.AutoDatenPflegeStart = start_;
-            lauf.BackfillEndZeit = ende_;
+            lauf.AutoDatenPflegeStart = ZeitpunktAus(start_);
+            lauf.BackfillEndZeit = ZeitpunktAus(ende_);
         }
         lauf.StarteBackfill();
 
@@ -138,10 +145,10 @@ private:
     }
     bool Beantworte(const Anfrage& anfrage) {
         const std::int32_t art = KursartVon(anfrage);
-        const Datum ende = anfrage.Ende.empty() ? 0 : LiesBalkendatum(anfrage.Ende)->Zeit;
+        const Datum ende = anfrage.Ende.empty() ? 0 : DatumAus(LiesBalkendatum(anfrage.Ende)->Zeit);
         const Modellantwort antwort = vergangenes_.Antwort(art, ++fragen_[art], ende);
         p_.Welt.Plane(0.05, [this, antwort] {
-            for (const auto& b : antwort.Balken) p_.Historie.Balken(b.Zeit, b.Schluss, b.Volumen);
+            for (const auto& b : antwort.Balken) p_.Historie.Balken(ZeitpunktAus(b.Zeit), b.Schluss, b.Volumen);
             switch (antwort.Ausgang) {
                 case Modellantwort::Art::Fertig:
                     return p_.Historie.Ende();

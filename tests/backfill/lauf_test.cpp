@@ -190,7 +190,7 @@ TEST_F(LaufTest, AGapOfSevenDaysByTheCalendarIsFetched) {
 
 TEST_F(LaufTest, WithoutAGivenStartTheLastRecordOfTheTradedFileIsIt) {
     auto titel = Mit("ES");
-    p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes({{Mittag - Sekunden(2500), 1, 1}}));
+    p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes({{DatumAus(Mittag - Sekunden(2500)), 1, 1}}));
     Starte();
     EXPECT_EQ(p_.Historie.Anfragen.size(), 2u);
     PruefeLueckenlos(p_.Datei("ES"), Mittag - Sekunden(2500), Mittag);
@@ -207,15 +207,15 @@ TEST_F(LaufTest, WithoutAGivenStartATitleWithoutAFileAsksOnce) {
 
 TEST_F(LaufTest, TheStartOfATitleIsTakenFromAFileOfOurMagicOnly) {
     auto titel = p_.Titel("ES");
-    Datum start = 0;
+    Zeitpunkt start;
     const auto ermittle = [&] { return ErmittleStartDatum(p_.Modul, p_.Dateien, p_.Fragen, *titel, start); };
-    std::string fremd = Kopf() + Bytes({{Mittag, 1, 1}});
+    std::string fremd = Kopf() + Bytes({{DatumAus(Mittag), 1, 1}});
     fremd[3] = '?';
     p_.Ram.LegeDateiAn(p_.Pfad("ES"), fremd);
     EXPECT_FALSE(ermittle());
     p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf());
     EXPECT_TRUE(ermittle());
-    EXPECT_EQ(start, 0);  // the last 16 bytes of a bare header
+    EXPECT_EQ(start, Tagesnull);  // the last 16 bytes of a bare header
     p_.Dateien.StoereArt(hilfen::Dateiaufruf::Lies, EIO);
     EXPECT_FALSE(ermittle());
     ASSERT_EQ(p_.Fragen.Gezeigt.size(), 1u);
@@ -230,8 +230,8 @@ TEST_F(LaufTest, AFileOfTwoGiBIsOutOfReachForTheStartOfATitle) {
         std::int64_t Bytes = 0;
     } dateien(p_.Ram);
     auto titel = p_.Titel("ES");
-    p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes({{Mittag, 1, 1}}));
-    Datum start = 0;
+    p_.Ram.LegeDateiAn(p_.Pfad("ES"), Kopf() + Bytes({{DatumAus(Mittag), 1, 1}}));
+    Zeitpunkt start;
     const auto ermittle = [&] { return ErmittleStartDatum(p_.Modul, dateien, p_.Fragen, *titel, start); };
     dateien.Bytes = 872;
     EXPECT_TRUE(ermittle());

@@ -9,7 +9,7 @@
 
 namespace zek::pflege {
 
-inline constexpr Datum Mittag = hilfen::VirtuelleWelt::Vorgabebeginn;  // 2026-11-16 12:00
+inline constexpr Zeitpunkt Mittag = hilfen::VirtuelleWelt::Vorgabebeginn;  // 2026-11-16 12:00
 
 class LaufTest : public testing::Test {
 protected:
@@ -51,8 +51,10 @@ protected:
 };
 
 // Every second of (von, bis] once, in order.
-inline void PruefeLueckenlos(const Saetze& saetze, Datum von, Datum bis) {
-    const auto ab = static_cast<long long>(std::ceil(von * 86400 - 1e-3)), ende = std::llround(bis * 86400);
+inline void PruefeLueckenlos(const Saetze& saetze, Zeitpunkt von, Zeitpunkt bis) {
+    using std::chrono::seconds;
+    const long long ab = std::chrono::ceil<seconds>(von - Tagesnull).count();
+    const long long ende = std::chrono::round<seconds>(bis - Tagesnull).count();
     ASSERT_EQ(static_cast<long long>(saetze.size()), ende - ab + 1);
     for (std::size_t i = 0; i < saetze.size(); ++i) {
         const long long s = ab + static_cast<long long>(i);

@@ -130,7 +130,7 @@ public:
     void MeldePacing() const {
         Melde(162, "Historical Market Data Service error message:Historical data request pacing violation", 1);
     }
-    void Balken(Datum zeit, double kurs, double volume, const std::string& text = "") const {
+    void Balken(Zeitpunkt zeit, double kurs, double volume, const std::string& text = "") const {
         const std::string datum = text.empty() ? Datumtext(zeit) : text;
         tws::Bar balken;
         balken.date = datum;
@@ -140,9 +140,9 @@ public:
     }
     void Ende() const { Ereignisse().historicalDataEnd(1, "", ""); }
     // The bars of a request, (end - 2000 s, end].
-    void Liefere(Datum ende) const {
-        const auto bis = static_cast<long long>(std::llround(ende * 86400));
-        for (long long s = bis - 1999; s <= bis; ++s) Balken(static_cast<double>(s) / 86400, Kurs(s), VolumenJeBalken);
+    void Liefere(Zeitpunkt ende) const {
+        const auto bis = std::chrono::round<std::chrono::seconds>(ende - Tagesnull).count();
+        for (auto s = bis - 1999; s <= bis; ++s) Balken(Tagesnull + std::chrono::seconds(s), Kurs(s), VolumenJeBalken);
     }
     static double Kurs(long long sekunde) { return static_cast<double>(sekunde % 5000) + 0.5; }
 
@@ -153,7 +153,7 @@ public:
     }
 
 private:
-    std::string Datumtext(Datum zeit) const {
+    std::string Datumtext(Zeitpunkt zeit) const {
         std::string text = Endzeittext(zeit);
         if (Datumsform == "zone") text += " Europe/Berlin";
         if (Datumsform == "utc") text[8] = '-';
@@ -207,7 +207,8 @@ private:
 
 // Everything that a run and its planning need, on the virtual clock: Monday, 2026-11-16, 12:00.
 struct Pflegewelt {
-    explicit Pflegewelt(Datum beginn = hilfen::VirtuelleWelt::Vorgabebeginn) : Welt(beginn), Historie(Welt, Fabrik) {
+    explicit Pflegewelt(Zeitpunkt beginn = hilfen::VirtuelleWelt::Vorgabebeginn)
+        : Welt(beginn), Historie(Welt, Fabrik) {
         Modul.Datenordner = "/d";
         Modul.Einstellungen.IBIPAdr = "10.0.0.1";
         Modul.Einstellungen.IBPort = 7496;
@@ -233,7 +234,7 @@ struct Pflegewelt {
     }
     std::string Pfad(const std::string& name) const { return "/d/K/" + name + ".ZEK"; }
     Saetze Datei(const std::string& name) const { return SaetzeAus(Ram.Inhalt(Pfad(name))); }
-    Datum Jetzt() const { return Welt.Jetzt(); }
+    Zeitpunkt Jetzt() const { return Welt.Jetzt(); }
 
     hilfen::VirtuelleWelt Welt;
     hilfen::RamDateisystem Ram;
@@ -246,10 +247,10 @@ struct Pflegewelt {
     Dienst Historie;
 };
 
-constexpr Datum Sekunden(double anzahl) {
-    return anzahl * EineSekunde;
+constexpr Dauer Sekunden(double anzahl) {
+    return DauerAusSekunden(anzahl);
 }
-constexpr Datum Minuten(double anzahl) {
+constexpr Dauer Minuten(double anzahl) {
     return Sekunden(anzahl * 60);
 }
 

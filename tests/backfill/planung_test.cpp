@@ -10,13 +10,14 @@
 namespace zek::pflege {
 namespace {
 
+using std::chrono::days;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 using Eintrag = hilfen::TestStatus::Eintrag;
 
-constexpr Datum Mittag = hilfen::VirtuelleWelt::Vorgabebeginn;  // 2026-11-16 12:00, a Monday
+constexpr Zeitpunkt Mittag = hilfen::VirtuelleWelt::Vorgabebeginn;  // 2026-11-16 12:00, a Monday
 
 struct TestOptionen : Datenpflegeoptionen {
     std::optional<Datenpflegewahl> Frage(const Vorgabe& vorgabe) override {
@@ -33,7 +34,7 @@ class PlanungTest : public testing::Test {
 protected:
     PlanungTest() { p_.Modul.Einstellungen.AutoDatenpflege = true; }
 
-    void IBLastEnd(Datum zeit) { ablage_.Werte["Datenpflege/IBLastEnd"] = ZahltextPunkt(zeit); }
+    void IBLastEnd(Zeitpunkt zeit) { ablage_.Werte["Datenpflege/IBLastEnd"] = ZahltextPunkt(DatumAus(zeit)); }
     std::vector<std::string> Enden() { return p_.Historie.Enden(); }
     std::vector<std::string> Logtexte() {
         std::vector<std::string> texte;
@@ -53,7 +54,8 @@ protected:
         p_.Modul.Datenpflegewarteschlange.emplace_back(p_.Modul.LetzteDatenZeit, p_.Jetzt());
     }
     void Rundenende() {
-        if (!p_.Modul.Datenpflegewarteschlange.empty() && !p_.Modul.DatenpflegeLaeuft) planung_.StarteAutoBackfill(0);
+        if (!p_.Modul.Datenpflegewarteschlange.empty() && !p_.Modul.DatenpflegeLaeuft)
+            planung_.StarteAutoBackfill(std::nullopt);
     }
     Datenpflegewahl Wahl(double sekunden) {
         Datenpflegewahl wahl;
@@ -74,11 +76,11 @@ protected:
 TEST_F(PlanungTest, AnAutomaticRunFillsTheGapFromTheStoredEndWithThreeMinutesAhead) {
     p_.Titel("ES");
     IBLastEnd(Mittag - Minuten(20));
-    EXPECT_TRUE(planung_.StarteAutoBackfill(0));
+    EXPECT_TRUE(planung_.StarteAutoBackfill(std::nullopt));
     EXPECT_THAT(p_.Status.Eintraege,
                 ElementsAre(Eintrag{"Auto-Backfill von 16.11.2026 11:37:00 bis 16.11.2026 12:00:00 gestartet", true}));
     EXPECT_EQ(p_.Datei("ES").size(), 23u * 60 + 1);
-    EXPECT_NEAR(p_.Modul.LetzteDatenZeit, Mittag - Minuten(20), 1e-9);
+    EXPECT_EQ(p_.Modul.LetzteDatenZeit, Mittag - Minuten(20));
     EXPECT_FALSE(planung_.LaufVorhanden());
     EXPECT_FALSE(p_.Fenster.Offen);
 }
@@ -93,11 +95,11 @@ TEST_F(PlanungTest, TheStatusBarTellsOfARunWhileItGoes) {
 
 TEST_F(PlanungTest, WithoutAStoredEndTheWindowStaysAndKeepsEveryFurtherRunOut) {
     p_.Titel("ES");
-    EXPECT_FALSE(planung_.StarteAutoBackfill(0));
+    EXPECT_FALSE(planung_.StarteAutoBackfill(std::nullopt));
     EXPECT_TRUE(planung_.LaufVorhanden());
     EXPECT_FALSE(p_.Modul.DatenpflegeLaeuft);
     IBLastEnd(Mittag - Minuten(20));
-    EXPECT_FALSE(planung_.StarteAutoBackfill(0));
+    EXPECT_FALSE(planung_.StarteAutoBackfill(std::nullopt));
     EXPECT_FALSE(planung_.StarteAutoBackfill(Mittag - Minuten(10)));
     planung_.DatenpflegeAktiveTitel();
     ASSERT_EQ(p_.Fragen.Gezeigt.size(), 1u);
@@ -108,12 +110,12 @@ TEST_F(PlanungTest, WithoutAStoredEndTheWindowStaysAndKeepsEveryFurtherRunOut) {
 
 TEST_F(PlanungTest, AStoredEndOfTenDaysAgoStartsSevenDaysBack) {
     p_.Titel("ES");
-    IBLastEnd(Mittag - 10);
+    IBLastEnd(Mittag - days(10));
     BeiAnfrage(1, [this] { planung_.BrichAb(); });
     p_.Fragen.Vorgabeantwort = meldung::AntwortNein;
-    EXPECT_TRUE(planung_.StarteAutoBackfill(0));
+    EXPECT_TRUE(planung_.StarteAutoBackfill(std::nullopt));
     EXPECT_EQ(Logtexte()[0], "Auto-Backfill von 09.11.2026 11:57:00 bis 16.11.2026 12:00:00 gestartet");
-    EXPECT_EQ(p_.Modul.LetzteDatenZeit, Mittag - 7);
+    EXPECT_EQ(p_.Modul.LetzteDatenZeit, Mittag - days(7));
 }
 
 TEST_F(PlanungTest, AStartRightAfterMidnightIsntMovedBack) {
@@ -123,10 +125,10 @@ TEST_F(PlanungTest, AStartRightAfterMidnightIsntMovedBack) {
         return false;
     };
     p_.Fragen.Vorgabeantwort = meldung::AntwortNein;
-    const Datum heute = std::floor(Mittag);
-    planung_.StarteAutoBackfill(heute + Uhrzeit(0, 30));
-    planung_.StarteAutoBackfill(heute + Uhrzeit(1, 59, 59));
-    planung_.StarteAutoBackfill(heute + Uhrzeit(2, 0));
+    const Kalendertag heute = TagVon(Mittag);
+    planung_.StarteAutoBackfill(heute + 30min);
+    planung_.StarteAutoBackfill(heute + 1h + 59min + 59s);
+    planung_.StarteAutoBackfill(heute + 2h);
     const auto texte = Logtexte();
     EXPECT_THAT(texte.at(0), HasSubstr("von 16.11.2026 00:30:00 bis"));
     EXPECT_THAT(texte.at(1), HasSubstr("von 16.11.2026 01:59:59 bis"));
@@ -166,7 +168,7 @@ TEST_F(PlanungTest, AReconnectionDuringARunQueuesItsGapWhichRunsAfterwards) {
     BeiAnfrage(1, [this] {
         Neuverbindung();
         p_.Modul.LetzteDatenZeit = p_.Jetzt();
-        EXPECT_FALSE(planung_.StarteAutoBackfill(0));  // a run is going: the gap stays where it is
+        EXPECT_FALSE(planung_.StarteAutoBackfill(std::nullopt));  // a run is going: the gap stays where it is
         EXPECT_EQ(p_.Historie.Anfragen.size(), 1u);
     });
     planung_.StarteAutoBackfill(Mittag - Minuten(5));
@@ -275,7 +277,7 @@ TEST_F(PlanungTest, AManualRunOfTheActiveTitlesAsksStoresTheChoiceAndFetches) {
 
 TEST_F(PlanungTest, ACancelledDialogLeavesSettingsAndQueueAlone) {
     p_.Titel("ES");
-    p_.Modul.Datenpflegewarteschlange.emplace_back(1, 2);
+    p_.Modul.Datenpflegewarteschlange.emplace_back(Mittag - 2h, Mittag - 1h);
     planung_.DatenpflegeAktiveTitel();
     EXPECT_TRUE(ablage_.Werte.empty());
     EXPECT_EQ(p_.Modul.Datenpflegewarteschlange.size(), 1u);
@@ -284,7 +286,7 @@ TEST_F(PlanungTest, ACancelledDialogLeavesSettingsAndQueueAlone) {
 
 TEST_F(PlanungTest, AManualStartDropsAllGapsThatWaitButNotThoseOfItsOwnTime) {
     p_.Titel("ES");
-    p_.Modul.Datenpflegewarteschlange.emplace_back(Mittag - 3, Mittag - 2);
+    p_.Modul.Datenpflegewarteschlange.emplace_back(Mittag - days(3), Mittag - days(2));
     p_.Modul.LetzteDatenZeit = Mittag - Minuten(1);
     optionen_.Antwort = Wahl(60);
     BeiAnfrage(1, [this] { Neuverbindung(); });
@@ -404,18 +406,18 @@ protected:
         if (!beanstandung) return "";
         return (beanstandung->IstRueckfrage ? "?" : "") + beanstandung->Text.substr(0, 24);
     }
-    static Datenpflegewahl Ab(Datum start) {
+    static Datenpflegewahl Ab(Zeitpunkt start) {
         Datenpflegewahl wahl;
         wahl.Start = start;
         return wahl;
     }
-    static Datenpflegewahl Zwischen(Datum start, Datum ende) {
+    static Datenpflegewahl Zwischen(Zeitpunkt start, Zeitpunkt ende) {
         Datenpflegewahl wahl = Ab(start);
         wahl.AktualBisAktuell = false;
         wahl.Ende = ende;
         return wahl;
     }
-    static constexpr Datum Heute = 46342;
+    static constexpr Kalendertag Heute = TagVon(Mittag);
     hilfen::TestEinstellungen ablage_;
 };
 
@@ -426,28 +428,28 @@ TEST_F(WahlTest, AStartAtThePresentSecondIsntInThePast) {
 }
 
 TEST_F(WahlTest, AnEndBeforeTheStartIsReportedBeforeAWrongDistance) {
-    EXPECT_EQ(NaechsteBeanstandung(Zwischen(Heute - 3000, Heute - 3000), Mittag, false)->Text,
+    EXPECT_EQ(NaechsteBeanstandung(Zwischen(Heute - days(3000), Heute - days(3000)), Mittag, false)->Text,
               "Die 'Bis'-Einstellung des Zeitraums für die Aktualisierung ist nicht korrekt (muss nach dem "
               "Startzeitpunkt liegen).");
-    EXPECT_EQ(Text(Zwischen(Mittag - 1, Mittag - 1 + Sekunden(1))), "");
+    EXPECT_EQ(Text(Zwischen(Mittag - days(1), Mittag - days(1) + Sekunden(1))), "");
 }
 
 TEST_F(WahlTest, WithThePresentAsTheEndTheEndFieldsArentChecked) {
-    auto wahl = Zwischen(Mittag - 1, Mittag - 2);
+    auto wahl = Zwischen(Mittag - days(1), Mittag - days(2));
     wahl.AktualBisAktuell = true;
     EXPECT_EQ(Text(wahl), "");
 }
 
 TEST_F(WahlTest, FiveYearsBackIsTheLimit) {
-    EXPECT_EQ(NaechsteBeanstandung(Ab(Heute - 1825 - Sekunden(1)), Mittag, false)->Text,
+    EXPECT_EQ(NaechsteBeanstandung(Ab(Heute - days(1825) - Sekunden(1)), Mittag, false)->Text,
               "Ungültiges Startdatum/Zeit! Das Startdatum darf höchstens 5 Jahre zurück liegen.");
-    EXPECT_THAT(Text(Ab(Heute - 1825)), StartsWith("?Sie starten hiermit"));
+    EXPECT_THAT(Text(Ab(Heute - days(1825))), StartsWith("?Sie starten hiermit"));
 }
 
 TEST_F(WahlTest, MoreThanSevenDaysBackAreAsked) {
-    EXPECT_EQ(Text(Ab(Heute - 7)), "");
-    EXPECT_EQ(Text(Ab(Heute - 7 - Sekunden(1)), true), "");
-    const auto frage = NaechsteBeanstandung(Ab(Heute - 7 - Sekunden(1)), Mittag, false);
+    EXPECT_EQ(Text(Ab(Heute - days(7))), "");
+    EXPECT_EQ(Text(Ab(Heute - days(7) - Sekunden(1)), true), "");
+    const auto frage = NaechsteBeanstandung(Ab(Heute - days(7) - Sekunden(1)), Mittag, false);
     EXPECT_TRUE(frage->IstRueckfrage);
     EXPECT_EQ(
         frage->Text,
@@ -457,7 +459,7 @@ TEST_F(WahlTest, MoreThanSevenDaysBackAreAsked) {
 }
 
 TEST_F(WahlTest, AKindMustBeChosen) {
-    auto wahl = Ab(Heute - 8);
+    auto wahl = Ab(Heute - days(8));
     wahl.Bezahlt = false;
     hilfen::TestMeldungen fragen;
     fragen.Antworten = {meldung::AntwortOk};
@@ -482,9 +484,9 @@ TEST_F(WahlTest, TheDefaultsAreTodayAtMidnightUpToThePresentAndTheTradedKind) {
 }
 
 TEST_F(WahlTest, AStoredChoiceComesBack) {
-    Datenpflegewahl wahl = Ab(Heute - 3 + Uhrzeit(6, 30));
+    Datenpflegewahl wahl = Ab(Heute - days(3) + 6h + 30min);
     wahl.GeldBrief = wahl.UseRTH = true;
-    wahl.Ende = Heute - 1 + Uhrzeit(8, 15);
+    wahl.Ende = Heute - days(1) + 8h + 15min;
     SpeichereDatenpflegewahl(ablage_, wahl, Mittag);
     EXPECT_EQ(ablage_.Werte["Datenpflege/IBStartTage"], "3");
     EXPECT_EQ(ablage_.Werte["Datenpflege/IBUhrzeit"], "0,270833333333333");
@@ -505,7 +507,7 @@ TEST_F(WahlTest, TheStoredEndShowsOnlyWhereItIsDisabled) {
 
 TEST_F(WahlTest, ATimeStoredWithAPointIsUnderstood) {
     ablage_.Werte["Datenpflege/IBUhrzeit"] = "0.25";
-    EXPECT_EQ(LiesDatenpflegewahl(ablage_, Mittag).Start, Heute + 0.25);
+    EXPECT_EQ(LiesDatenpflegewahl(ablage_, Mittag).Start, Heute + 6h);
 }
 
 // ---- the command line

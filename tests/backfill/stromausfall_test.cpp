@@ -149,7 +149,8 @@ protected:
         Tickpumpe pumpe(p.Welt, [&] {
             if (!mitTicks_) return;
             ++nummer;
-            schreiber.DatensatzAnhaengen(titel, kursart::Brief, static_cast<float>(nummer), 1, false, Tag + nummer);
+            schreiber.DatensatzAnhaengen(titel, kursart::Brief, static_cast<float>(nummer), 1, false,
+                                         ZeitpunktAus(Tag + nummer));
         });
         TestForm form;
         if (n > 0) platte_->StuerzeAb(n, 8 * (n % 5));

@@ -83,7 +83,7 @@ protected:
         } pumpe;
         pumpe.Tick = [&] {
             const KursDatensatz tick = Tick(stand_->Gespeichert);
-            schreiber.DatensatzAnhaengen(titel, kursart::Brief, tick.Kurs, 1, false, tick.Datum);
+            schreiber.DatensatzAnhaengen(titel, kursart::Brief, tick.Kurs, 1, false, ZeitpunktAus(tick.Datum));
             ++stand_->Gespeichert;
         };
         TestForm form;

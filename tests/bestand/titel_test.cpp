@@ -170,7 +170,7 @@ TEST_F(TitelLaden, EventsRunDuringThePause) {
 }
 
 TEST_F(TitelLaden, WhenMidnightPassesAWholeSecondIsWaitedFromThen) {
-    welt.StelleUhr(DatumAus(2026, 11, 16, 23, 59, 59.5));
+    welt.StelleUhr(ZeitpunktAus(2026, 11, 16, 23, 59, 59.5));
     Datei(std::vector<Vorlage>(32, Vorlage{"X"}));
     Laden();
     EXPECT_NEAR(abonniert[31].second, 1.5, 0.03);

@@ -55,7 +55,7 @@ TEST_F(Anhaengen, TheFirstTickCreatesFolderHeaderAndRecord) {
 }
 
 TEST_F(Anhaengen, ARecordIsLaidOutAsByHand) {
-    welt.StelleUhr(46341.25);  // 40 E6 A0 A8 00..: little-endian below
+    welt.StelleUhr(TagAus(2026, 11, 15) + 6h);  // 46341.25 days, 40 E6 A0 A8 00..: little-endian below
     Tick(1.5F, -2);
     EXPECT_EQ(Datei().substr(856), Hex("00 00 00 00 A8 A0 E6 40  00 00 C0 3F  00 00 00 C0"));
 }
@@ -71,7 +71,7 @@ TEST_F(Anhaengen, ALaterTickCostsFiveFileCallsAndNoMore) {
 TEST_F(Anhaengen, TheTimeCorrectionOfTheTitleIsAdded) {
     titel.ZeitKorrektur = -1.0 / 24;
     Tick(1);
-    EXPECT_EQ(Saetze(Datei())[0].Datum, welt.Jetzt() - 1.0 / 24);
+    EXPECT_EQ(Saetze(Datei())[0].Datum, DatumAus(welt.Jetzt()) - 1.0 / 24);
 }
 
 TEST_F(Anhaengen, AHeaderAloneIsAValidFile) {

@@ -105,7 +105,7 @@ TEST_F(Dateikopf, ShowsTheLongFieldsWhenTheyAreValidElseTheShortOnes) {
 
 TEST_F(Dateikopf, TheTimeOfAMergeHasNineteenCharactersAndABlank) {
     DatenDateikopf kopf = Kopf(titel, 1);
-    SetzeLetztePflege(kopf, DatumAus(2012, 3, 9, 17, 5, 44));
+    SetzeLetztePflege(kopf, ZeitpunktAus(2012, 3, 9, 17, 5, 44));
     EXPECT_EQ(std::string(kopf.LetztePflege.data(), 20), "2012#03#09#17#05#44 ");
 }
 

@@ -37,7 +37,7 @@ protected:
     static DatenDateikopf KopfVon(const std::string& datei) {
         DatenDateikopf kopf;
         std::memcpy(&kopf, datei.data(), sizeof kopf);
-        SetzeLetztePflege(kopf, 46000);
+        SetzeLetztePflege(kopf, TagAus(2025, 12, 9));
         return kopf;
     }
     std::string Fertig() const {
@@ -253,7 +253,7 @@ struct Umbau {
     static DatenDateikopf NeuerKopf() {
         DatenDateikopf kopf;
         std::memcpy(&kopf, DaxKopf().data(), sizeof kopf);
-        SetzeLetztePflege(kopf, 46000);
+        SetzeLetztePflege(kopf, TagAus(2025, 12, 9));
         return kopf;
     }
 };

@@ -136,12 +136,12 @@ TEST_F(Leser, EachKindOfDamageAloneIsDamage) {
 class Herbst : public Leser {
 protected:
     // Leaps back that are told of, for records of these times.
-    std::int64_t Rueckspruenge(std::initializer_list<Datum> zeiten) {
+    std::int64_t Rueckspruenge(std::initializer_list<Zeitpunkt> zeiten) {
         std::string datei = DaxKopf();
-        for (const Datum zeit : zeiten) datei += Satzbytes(zeit, 1, 1);
+        for (const Zeitpunkt zeit : zeiten) datei += Satzbytes(zeit, 1, 1);
         return Befund(datei).Rueckspruenge;
     }
-    static Datum Am(int tag, int stunde, int minute) { return DatumAus(2026, 10, tag, stunde, minute, 0); }
+    static Zeitpunkt Am(int tag, int stunde, int minute) { return ZeitpunktAus(2026, 10, tag, stunde, minute, 0); }
 };
 
 TEST_F(Herbst, ALeapWithinTheHourThatComesTwiceIsNone) {
@@ -165,8 +165,8 @@ TEST_F(Herbst, WithCorrectedTimesItIsALeapByMostOfAnHour) {
 
 TEST_F(Herbst, ItComesOnceAYear) {
     EXPECT_EQ(Rueckspruenge({Am(25, 2, 59), Am(25, 2, 0), Am(25, 2, 40), Am(25, 2, 10)}), 1);
-    const Datum naechster = DatumAus(2027, 10, 31, 2, 30, 0);
-    EXPECT_EQ(Rueckspruenge({Am(25, 2, 59), Am(25, 2, 0), naechster, naechster - 20 / 1440.0}), 0);
+    const Zeitpunkt naechster = ZeitpunktAus(2027, 10, 31, 2, 30, 0);
+    EXPECT_EQ(Rueckspruenge({Am(25, 2, 59), Am(25, 2, 0), naechster, naechster - 20min}), 0);
 }
 
 TEST_F(Leser, EveryTruncatedLengthIsReadWithoutAFault) {

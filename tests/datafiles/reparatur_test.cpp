@@ -211,7 +211,8 @@ TEST(Stromausfall, EachFileTakesTicksAgainAndKeepsWhatTheDiskHasKept) {
         Datensatzschreiber schreiber(modul, dateien, status, {});
         const std::string davor = ram.Inhalt(pfad);
         for (const float i : {1.0F, 2.0F})
-            schreiber.DatensatzAnhaengen(titel, kursart::Bezahlt, i, 2, false, 46999 + static_cast<double>(i));
+            schreiber.DatensatzAnhaengen(titel, kursart::Bezahlt, i, 2, false,
+                                         ZeitpunktAus(46999 + static_cast<double>(i)));
         const std::string datei = ram.Inhalt(pfad);
         ASSERT_EQ((datei.size() - 856) % 16, 0u);
         ASSERT_EQ(datei.substr(datei.size() - 16), Satzbytes(47001, 2, 2));

@@ -64,6 +64,9 @@ inline std::string Satzbytes(double datum, float kurs, float volume) {
     std::memcpy(bytes.data() + 12, &volume, 4);
     return bytes;
 }
+inline std::string Satzbytes(Zeitpunkt zeit, float kurs, float volume) {
+    return Satzbytes(DatumAus(zeit), kurs, volume);
+}
 
 inline std::vector<KursDatensatz> Saetze(std::string_view datei) {
     std::vector<KursDatensatz> saetze((datei.size() - 856) / 16);

@@ -36,11 +36,11 @@ public:
         std::int32_t Kursart = 0;
         Satz Werte;
         bool Kontodaten = false;
-        Datum Zeit = 0;
+        Zeitpunkt Zeit{};
     };
 
     void DatensatzAnhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, bool kontodaten,
-                            Datum jetzt) noexcept override {
+                            Zeitpunkt jetzt) noexcept override {
         Eintraege.push_back({titel.Symbol, kursart, {kurs, volume}, kontodaten, jetzt});
     }
 
@@ -93,7 +93,8 @@ protected:
 
     void warte(double sekunden) { welt.Laufe(sekunden); }
     void um(int stunde, int minute, double sekunde = 0) {
-        welt.StelleUhr(GanzerTag(welt.Jetzt()) + Uhrzeit(stunde, minute, sekunde));
+        welt.StelleUhr(TagVon(welt.Jetzt()) + std::chrono::hours(stunde) + std::chrono::minutes(minute) +
+                       DauerAusSekunden(sekunde));
     }
     tws::TwsEreignisse& ereignis() { return fabrik.Letzte().Ereignisse(); }
     void meldung(int id, int code, std::string_view text = "Text") { ereignis().errMsg(id, code, text, ""); }
@@ -110,7 +111,7 @@ protected:
         return alle;
     }
     // Forgets when data came, so that a test sees whether the next tick moves it.
-    void vergissDatenZeit() { modul.LetzteDatenZeit = 0; }
+    void vergissDatenZeit() { modul.LetzteDatenZeit.reset(); }
     bool datenZeitBewegt() const { return modul.LetzteDatenZeit == welt.Jetzt(); }
 
     VirtuelleWelt welt;

@@ -11,7 +11,7 @@ using testing::IsEmpty;
 
 class Aufzeichnungstest : public Feedwelt {
 protected:
-    void pause(Datum von, Datum bis) {
+    void pause(Tageszeit von, Tageszeit bis) {
         modul.Einstellungen.KursAufzeichnungDeaktivieren = true;
         modul.Einstellungen.KeineAufzeichungStart = von;
         modul.Einstellungen.KeineAufzeichungEnde = bis;
@@ -19,7 +19,7 @@ protected:
     bool pauseUm(int stunde, int minute, double sekunde = 0) {
         clTitelobjekt titel;
         titel.AufzeichnungspauseVerwenden = true;
-        return ZeitfensterAktiv(modul.Einstellungen, titel, DatumAus(2026, 11, 16, stunde, minute, sekunde));
+        return ZeitfensterAktiv(modul.Einstellungen, titel, ZeitpunktAus(2026, 11, 16, stunde, minute, sekunde));
     }
 };
 
@@ -35,7 +35,7 @@ TEST_F(Aufzeichnungstest, EveryRecordOfAnEventHasTheMomentAtWhichTheEventCame) {
     welt.Laufe(17);
     auto es = titel("ES");
     es.bezahlt(100).bezahltVol(3);
-    const Datum ereignis = welt.Jetzt();
+    const Zeitpunkt ereignis = welt.Jetzt();
     welt.Laufe(1);
     ASSERT_EQ(ablage.Eintraege.size(), 2U);
     for (const auto& eintrag : ablage.Eintraege) EXPECT_EQ(eintrag.Zeit, ereignis);
@@ -72,7 +72,7 @@ TEST_F(Aufzeichnungstest, TheFiltersOfLastAndOtherKindsAreApart) {
 TEST_F(Aufzeichnungstest, InAPauseTheMonitorSeesTheTickMarkedAndNothingIsKept) {
     auto es = titel("ES");
     es->AufzeichnungspauseVerwenden = true;
-    pause(Uhrzeit(11, 0), Uhrzeit(13, 0));
+    pause(Tageszeit(11h), Tageszeit(13h));
     es.bezahlt(100).bezahltVol(5).geld(99).geldVol(4).brief(101).briefVol(3);
     EXPECT_THAT(monitor.Zeilen, ElementsAre(Monitorzeile{es->id, kursart::Bezahlt, 100, 5, true},
                                             Monitorzeile{es->id, kursart::Geld, 99, 4, true},
@@ -83,7 +83,7 @@ TEST_F(Aufzeichnungstest, InAPauseTheMonitorSeesTheTickMarkedAndNothingIsKept) {
 }
 
 TEST_F(Aufzeichnungstest, APauseOverMidnightHoldsBothItsEnds) {
-    pause(Uhrzeit(22, 0), Uhrzeit(6, 0));
+    pause(Tageszeit(22h), Tageszeit(6h));
     EXPECT_TRUE(pauseUm(23, 0));
     EXPECT_TRUE(pauseUm(5, 0));
     EXPECT_FALSE(pauseUm(12, 0));
@@ -94,7 +94,7 @@ TEST_F(Aufzeichnungstest, APauseOverMidnightHoldsBothItsEnds) {
 }
 
 TEST_F(Aufzeichnungstest, APauseWithinADayHoldsBothItsEnds) {
-    pause(Uhrzeit(5, 0), Uhrzeit(6, 10));
+    pause(Tageszeit(5h), Tageszeit(6h + 10min));
     EXPECT_TRUE(pauseUm(5, 0));
     EXPECT_TRUE(pauseUm(6, 10));
     EXPECT_FALSE(pauseUm(4, 59, 59));
@@ -103,30 +103,30 @@ TEST_F(Aufzeichnungstest, APauseWithinADayHoldsBothItsEnds) {
 
 TEST_F(Aufzeichnungstest, EveryMinuteOfTheDayCanBeTheSharpEndOfAPause) {
     for (int minute = 1; minute < 1439; ++minute) {
-        pause(Uhrzeit(minute / 60, minute % 60), Uhrzeit(minute / 60, minute % 60, 30));
+        pause(Tageszeit(std::chrono::minutes(minute)), Tageszeit(std::chrono::minutes(minute) + 30s));
         ASSERT_TRUE(pauseUm(minute / 60, minute % 60)) << minute;
         ASSERT_TRUE(pauseUm(minute / 60, minute % 60, 30)) << minute;
     }
 }
 
 TEST_F(Aufzeichnungstest, StartEqualToEndIsNoPause) {
-    pause(Uhrzeit(5, 0), Uhrzeit(5, 0));
+    pause(Tageszeit(5h), Tageszeit(5h));
     EXPECT_FALSE(pauseUm(5, 0));
     EXPECT_FALSE(pauseUm(12, 0));
 }
 
 TEST_F(Aufzeichnungstest, APauseIsATitlesOwn) {
-    pause(Uhrzeit(11, 0), Uhrzeit(13, 0));
+    pause(Tageszeit(11h), Tageszeit(13h));
     EXPECT_FALSE(ZeitfensterAktiv(modul.Einstellungen, *titel("ES"), welt.Jetzt()));
 }
 
 TEST_F(Aufzeichnungstest, TheRestTimeIsTheWeekendAndThePause) {
-    const Datum freitag = DatumAus(2026, 11, 20, 12, 0, 0);
+    const Zeitpunkt freitag = ZeitpunktAus(2026, 11, 20, 12, 0, 0);
     EXPECT_FALSE(RuhezeitAktiv(modul.Einstellungen, freitag));
-    EXPECT_TRUE(RuhezeitAktiv(modul.Einstellungen, freitag + 1));
-    EXPECT_TRUE(RuhezeitAktiv(modul.Einstellungen, freitag + 2));
-    EXPECT_FALSE(RuhezeitAktiv(modul.Einstellungen, freitag + 3));
-    pause(Uhrzeit(11, 0), Uhrzeit(13, 0));
+    EXPECT_TRUE(RuhezeitAktiv(modul.Einstellungen, freitag + 24h));
+    EXPECT_TRUE(RuhezeitAktiv(modul.Einstellungen, freitag + 48h));
+    EXPECT_FALSE(RuhezeitAktiv(modul.Einstellungen, freitag + 72h));
+    pause(Tageszeit(11h), Tageszeit(13h));
     modul.Einstellungen.AufzeichnungsPauseBoersen = "EUREX";
     EXPECT_TRUE(RuhezeitAktiv(modul.Einstellungen, freitag));
     modul.Einstellungen.KursAufzeichnungDeaktivieren = false;
@@ -295,7 +295,7 @@ TEST_F(Markttiefetest, ASizeOfZeroIsRecordedWhateverTheFilterSays) {
 
 TEST_F(Markttiefetest, StartTimeAndNegativePricesPlayNoPart) {
     auto es = tiefentitel();
-    es->StartZeit = Uhrzeit(13, 0);
+    es->StartZeit = AlsTage(13h);
     es->TitelBidAskWartetaufLast = true;
     zeile(es->id, 0, 1, 1, -3, 1);
     EXPECT_THAT(saetze(-201), ElementsAre(Satz{-3, 1}));
@@ -304,8 +304,8 @@ TEST_F(Markttiefetest, StartTimeAndNegativePricesPlayNoPart) {
 TEST_F(Markttiefetest, InAPauseOnlyTheMonitorSeesIt) {
     auto es = tiefentitel();
     es->AufzeichnungspauseVerwenden = true;
-    modul.Einstellungen.KeineAufzeichungStart = Uhrzeit(11, 0);
-    modul.Einstellungen.KeineAufzeichungEnde = Uhrzeit(13, 0);
+    modul.Einstellungen.KeineAufzeichungStart = Tageszeit(11h);
+    modul.Einstellungen.KeineAufzeichungEnde = Tageszeit(13h);
     zeile(es->id, 0, 1, 1, 101.5, 20);
     EXPECT_THAT(monitor.Zeilen, ElementsAre(Monitorzeile{es->id, -201, 101.5, 20, true}));
     EXPECT_THAT(ablage.Eintraege, IsEmpty());
@@ -314,8 +314,8 @@ TEST_F(Markttiefetest, InAPauseOnlyTheMonitorSeesIt) {
 
 TEST_F(Markttiefetest, DepthMovesNeitherStreamTimeNorDataTime) {
     zeile(tiefentitel()->id, 0, 1, 1, 101.5, 20);
-    EXPECT_EQ(modul.LetzterKursZeitpunkt, 0);
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
+    EXPECT_EQ(modul.LetzterKursZeitpunkt, std::nullopt);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
 }
 
 TEST_F(Markttiefetest, UnknownIdsAndTitlesWithoutDepthAreDropped) {

@@ -117,8 +117,8 @@ TEST_F(Kontodatentest, AccountDataCountNowhere) {
     wert("Cash", "5");
     position(kontrakt("SAP", "STK", "IBIS"), 10, 100);
     EXPECT_EQ(modul.Kursanzahl, 0.0);
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
-    EXPECT_EQ(modul.LetzterKursZeitpunkt, 0);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
+    EXPECT_EQ(modul.LetzterKursZeitpunkt, std::nullopt);
     EXPECT_THAT(monitor.Zeilen, IsEmpty());
 }
 

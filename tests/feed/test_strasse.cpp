@@ -87,7 +87,7 @@ TEST_F(Strasse, WithoutAccountNamesTwoAccountsShareTheFile) {
 
 class StummeAblage : public Datensatzablage {
 public:
-    void DatensatzAnhaengen(clTitelobjekt&, std::int32_t, float, float, bool, Datum) noexcept override { ++Anzahl; }
+    void DatensatzAnhaengen(clTitelobjekt&, std::int32_t, float, float, bool, Zeitpunkt) noexcept override { ++Anzahl; }
     int Anzahl = 0;
 };
 

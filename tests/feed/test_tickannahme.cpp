@@ -52,7 +52,7 @@ TEST_F(Tickannahmetest, APriceTickNotesTimerAndDate) {
     warte(10);
     es.geld(99);
     EXPECT_EQ(es->LastPriceTimer, 43200.0);
-    EXPECT_EQ(es->LastPriceDate, DatumAus(2026, 11, 16));
+    EXPECT_EQ(es->LastPriceDate, TagAus(2026, 11, 16));
     EXPECT_EQ(es->LastBidTimer, 43210.0);
 }
 
@@ -75,7 +75,7 @@ TEST_F(Tickannahmetest, AnEchoTouchesNeitherTimerNorDataTime) {
     warte(0.1);
     es.geldVol(5);
     EXPECT_EQ(es->LastBidVolTimer, 43200.0);
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
     EXPECT_EQ(modul.LetzterKursZeitpunkt, welt.Jetzt());
 }
 
@@ -155,7 +155,7 @@ TEST_F(Tickannahmetest, WithoutAPriceTheFirstSizeIsStoredAndNotRecorded) {
     EXPECT_EQ(es->BidVol, 5.0F);
     EXPECT_EQ(es->LastBidVolTimer, 43200.0);
     EXPECT_THAT(ablage.Eintraege, IsEmpty());
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
 }
 
 TEST_F(Tickannahmetest, WithNegativeValuesAllowedTheMarkIsStillNoPrice) {
@@ -169,7 +169,7 @@ TEST_F(Tickannahmetest, APriceOfZeroNeedsNegativeValuesAllowed) {
     auto es = titel("ES");
     es.bezahlt(0).bezahltVol(5);
     EXPECT_THAT(ablage.Eintraege, IsEmpty());
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
     es->NegativeWerteErlaubt = true;
     es.bezahltVol(6);
     EXPECT_THAT(saetze(kursart::Bezahlt), ElementsAre(Satz{0, 6}));
@@ -191,7 +191,7 @@ TEST_F(Tickannahmetest, WithoutTheBidAskOptionTheSizeIsNotEvenStored) {
     EXPECT_THAT(ablage.Eintraege, IsEmpty());
     EXPECT_EQ(es->BidVol, 0.0F);
     EXPECT_EQ(es->AskVol, 0.0F);
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
 }
 
 TEST_F(Tickannahmetest, BidAndAskWaitForTheFirstLastPriceOfTheDay) {
@@ -224,7 +224,7 @@ TEST_F(Tickannahmetest, TheLastPriceNeverWaitsAndNeedsNoBidAsk) {
 
 TEST_F(Tickannahmetest, BeforeTheStartTimeNothingIsKeptButTheDataTimeMoves) {
     auto es = titel("ES");
-    es->StartZeit = Uhrzeit(12, 0, 10);
+    es->StartZeit = AlsTage(12h + 10s);
     es.geld(100).geldVol(5);
     EXPECT_TRUE(datenZeitBewegt());
     vergissDatenZeit();
@@ -239,7 +239,7 @@ TEST_F(Tickannahmetest, BeforeTheStartTimeNothingIsKeptButTheDataTimeMoves) {
 
 TEST_F(Tickannahmetest, TheStartTimeItselfCountsToTheSecond) {
     auto es = titel("ES");
-    es->StartZeit = Uhrzeit(8, 20);
+    es->StartZeit = AlsTage(8h + 20min);
     um(8, 19, 59);
     es.bezahlt(100).bezahltVol(1);
     um(8, 20);
@@ -249,19 +249,19 @@ TEST_F(Tickannahmetest, TheStartTimeItselfCountsToTheSecond) {
 
 TEST_F(Tickannahmetest, TheTimeCorrectionCountsForTheStartTime) {
     auto es = titel("ES");
-    es->StartZeit = Uhrzeit(13, 0);
-    es->ZeitKorrektur = Uhrzeit(1, 0);
+    es->StartZeit = AlsTage(13h);
+    es->ZeitKorrektur = AlsTage(1h);
     es.bezahlt(100).bezahltVol(1);
     EXPECT_EQ(saetze(kursart::Bezahlt).size(), 1U);
-    es->ZeitKorrektur = Uhrzeit(0, 59, 59);
+    es->ZeitKorrektur = AlsTage(59min + 59s);
     es.bezahltVol(2);
     EXPECT_EQ(saetze(kursart::Bezahlt).size(), 1U);
 }
 
 TEST_F(Tickannahmetest, ACorrectionThatLeadsPastMidnightIsALateTimeOfTheSameDay) {
     auto es = titel("ES");
-    es->StartZeit = Uhrzeit(8, 0);
-    es->ZeitKorrektur = Uhrzeit(1, 0);
+    es->StartZeit = AlsTage(8h);
+    es->ZeitKorrektur = AlsTage(1h);
     um(23, 30);  // 24:30
     es.bezahlt(100).bezahltVol(1).geld(99).geldVol(2).brief(101).briefVol(3);
     EXPECT_THAT(arten(), ElementsAre(kursart::BAVolume, kursart::Bezahlt, kursart::Geld, kursart::Brief));
@@ -269,7 +269,7 @@ TEST_F(Tickannahmetest, ACorrectionThatLeadsPastMidnightIsALateTimeOfTheSameDay)
 
 TEST_F(Tickannahmetest, ACorrectionThatLeadsBeforeMidnightIsBeforeEveryStartTime) {
     auto es = titel("ES");
-    es->ZeitKorrektur = -Uhrzeit(1, 0);
+    es->ZeitKorrektur = -AlsTage(1h);
     um(0, 59, 59);  // -00:00:01
     es.bezahlt(100).bezahltVol(1).geld(99).geldVol(2).brief(101).briefVol(3);
     EXPECT_THAT(ablage.Eintraege, IsEmpty());
@@ -285,7 +285,7 @@ TEST_F(Tickannahmetest, AnInactiveTitleStoresItsLastSizeAndWritesNothing) {
     es.bezahlt(100).bezahltVol(5);
     EXPECT_EQ(es->LastVol, 5.0F);
     EXPECT_THAT(ablage.Eintraege, IsEmpty());
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
 }
 
 TEST_F(Tickannahmetest, AWrittenTickMovesTheDataTime) {
@@ -301,7 +301,7 @@ TEST_F(Tickannahmetest, AWrittenTickMovesTheDataTime) {
 
 TEST_F(Tickannahmetest, APriceTickDoesNotMoveTheDataTime) {
     titel("ES").geld(1).brief(2).bezahlt(3);
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
 }
 
 TEST_F(Tickannahmetest, EveryTickEventMovesTheStreamTime) {
@@ -320,28 +320,29 @@ TEST_F(Tickannahmetest, ATitleKnowsItsFirstAndItsLastTickWhateverBecameOfThem) {
     auto es = titel("ES");
     auto nq = titel("NQ");
     es.preis(66, 100).volumen(69, 5).preis(9, 99);
-    EXPECT_EQ(es->LetzterKursZeitpunkt, 0) << "delayed prices and yesterday's close are no ticks of the stream";
+    EXPECT_EQ(es->LetzterKursZeitpunkt, std::nullopt)
+        << "delayed prices and yesterday's close are no ticks of the stream";
     es->BidAsk = false;
     warte(1);
-    const Datum erster = welt.Jetzt();
+    const Zeitpunkt erster = welt.Jetzt();
     es.geldVol(5);
     EXPECT_EQ(es->ErsterKursZeitpunkt, erster) << "not even kept, and yet the stream stands";
     warte(1);
     es.bezahlt(100);
     EXPECT_EQ(es->ErsterKursZeitpunkt, erster);
     EXPECT_EQ(es->LetzterKursZeitpunkt, welt.Jetzt());
-    es->ErsterKursZeitpunkt = 0;
+    es->ErsterKursZeitpunkt.reset();
     warte(1);
     es.volumen(ticktyp::Gesamtvolumen, 7);
     EXPECT_EQ(es->ErsterKursZeitpunkt, welt.Jetzt());
-    EXPECT_EQ(nq->ErsterKursZeitpunkt, 0);
+    EXPECT_EQ(nq->ErsterKursZeitpunkt, std::nullopt);
 }
 
 TEST_F(Tickannahmetest, AnUnknownIdIsDroppedWithoutAWord) {
     ereignis().tickPrice(99, ticktyp::Bezahlt, 100, true, false, false);
     ereignis().tickSize(99, ticktyp::Bezahltvolumen, 5);
     EXPECT_EQ(modul.LetzterKursZeitpunkt, welt.Jetzt());
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
     EXPECT_THAT(ablage.Eintraege, IsEmpty());
     EXPECT_THAT(status.Eintraege, IsEmpty());
 }
@@ -357,7 +358,7 @@ TEST_F(Tickannahmetest, OtherTickTypesAreIgnored) {
 TEST_F(Tickannahmetest, TickStringsAreIgnored) {
     auto es = titel("ES");
     ereignis().tickString(es->id, 45, "1384600000");
-    EXPECT_EQ(modul.LetzterKursZeitpunkt, 0);
+    EXPECT_EQ(modul.LetzterKursZeitpunkt, std::nullopt);
     EXPECT_EQ(es->LastZeitstempel, 0);
 }
 
@@ -395,7 +396,7 @@ TEST_F(Gesamtvolumentest, ATradesSizeIsTheDifferenceOfTwoTotals) {
     auto es = titel("ES");
     es.bezahlt(100).gesamt(1000).gesamt(1000);
     EXPECT_THAT(ablage.Eintraege, IsEmpty());
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
     es.gesamt(1300);
     EXPECT_THAT(saetze(kursart::Bezahlt), ElementsAre(Satz{100, 300}));
     EXPECT_TRUE(datenZeitBewegt());
@@ -457,13 +458,13 @@ TEST_F(Gesamtvolumentest, TheTotalRuleAsksForActivityPriceAndStartTime) {
     auto es = titel("ES");
     es.gesamt(1000).gesamt(1100);
     EXPECT_THAT(ablage.Eintraege, IsEmpty()) << "no price yet";
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
     es->Aktiv(false);
     es.bezahlt(100).gesamt(1200);
     EXPECT_THAT(ablage.Eintraege, IsEmpty()) << "not active";
-    EXPECT_EQ(modul.LetzteDatenZeit, 0);
+    EXPECT_EQ(modul.LetzteDatenZeit, std::nullopt);
     es->Aktiv(true);
-    es->StartZeit = Uhrzeit(13, 0);
+    es->StartZeit = AlsTage(13h);
     es.gesamt(1300);
     EXPECT_THAT(ablage.Eintraege, IsEmpty()) << "too early";
     EXPECT_TRUE(datenZeitBewegt());

@@ -347,12 +347,12 @@ TEST_P(Wiederherstellung, TheReconnectionIsAnnounced) {
 }
 
 TEST_P(Wiederherstellung, WithoutAPreviousLossOnlyTheWarningGoes) {
-    modul.LetzteDatenZeit = welt.Jetzt() - 1;
+    modul.LetzteDatenZeit = welt.Jetzt() - 24h;
     modul.FarmAktiv = true;
     anzeige.Sichtbar = true;
     meldung(-1, GetParam());
     EXPECT_FALSE(anzeige.Sichtbar);
-    EXPECT_EQ(modul.NeuverbindungsZeit, 0);
+    EXPECT_EQ(modul.NeuverbindungsZeit, std::nullopt);
     EXPECT_TRUE(modul.FarmAktiv);
     EXPECT_EQ(anzeige.NachVorn, 0);
     EXPECT_THAT(status.Eintraege, SizeIs(1));
@@ -360,17 +360,17 @@ TEST_P(Wiederherstellung, WithoutAPreviousLossOnlyTheWarningGoes) {
 
 TEST_P(Wiederherstellung, WithoutAutomaticBackfillTheTwsIsLeftToResume) {
     modul.Einstellungen.AutoDatenpflege = false;
-    modul.LetzteDatenZeit = welt.Jetzt() - 1;
+    modul.LetzteDatenZeit = welt.Jetzt() - 24h;
     meldung(-1, 1100);
     meldung(-1, GetParam());
     EXPECT_FALSE(modul.Offline);
-    EXPECT_EQ(modul.NeuverbindungsZeit, 0);
+    EXPECT_EQ(modul.NeuverbindungsZeit, std::nullopt);
 }
 
 TEST_P(Wiederherstellung, WithoutAnyDataThereIsNoGap) {
     meldung(-1, 1100);
     meldung(-1, GetParam());
-    EXPECT_EQ(modul.NeuverbindungsZeit, 0);
+    EXPECT_EQ(modul.NeuverbindungsZeit, std::nullopt);
     EXPECT_FALSE(modul.Offline);
 }
 
@@ -379,7 +379,7 @@ TEST_P(Wiederherstellung, ALossOfLessThanASecondIsNoGap) {
     meldung(-1, 1100);
     warte(0.9);
     meldung(-1, GetParam());
-    EXPECT_EQ(modul.NeuverbindungsZeit, 0);
+    EXPECT_EQ(modul.NeuverbindungsZeit, std::nullopt);
     meldung(-1, 1100);
     warte(0.2);
     meldung(-1, GetParam());
@@ -499,7 +499,7 @@ TEST_F(Verbindungstest, AFailingStepDoesNotStopTheFollowingOnes) {
     ErwarteVerschluckte("Fenster nach der Rückkehr nach vorn");
     KaputteAnzeige kaputt;
     Feed eigener{{modul, welt, welt, ablage, status, kaputt, monitor, fabrik.Fabrik(), {}, {}}};
-    modul.LetzteDatenZeit = welt.Jetzt() - 1;
+    modul.LetzteDatenZeit = welt.Jetzt() - 24h;
     ereignis().nextValidId(1);
     EXPECT_TRUE(modul.TWSVerbunden);
     meldung(-1, 1100);

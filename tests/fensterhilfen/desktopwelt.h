@@ -21,7 +21,7 @@
 namespace zek {
 
 struct Desktop : testing::Test {
-    hilfen::VirtuelleWelt welt{DatumAus(2026, 11, 16, 12, 0, 0)};
+    hilfen::VirtuelleWelt welt{ZeitpunktAus(2026, 11, 16, 12, 0, 0)};
     hilfen::RamNetz netz{welt};
     hilfen::RamDateisystem dateien;
     hilfen::RamNutzerspeicher registry;

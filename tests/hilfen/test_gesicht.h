@@ -117,7 +117,7 @@ public:
     }
 
     // ---- while it runs
-    void StatuslisteEintrag(Datum zeit, const std::string& text, bool fett) override {
+    void StatuslisteEintrag(Zeitpunkt zeit, const std::string& text, bool fett) override {
         Statuszeiten.push_back(zeit);
         Status.Statusmeldung(text, fett);
     }
@@ -156,8 +156,8 @@ public:
     TestMonitor Monitor;
     bool MonitorMerken = true;
     TestStartanzeige Start;
-    TestStatus Status;                // the status list
-    std::vector<Datum> Statuszeiten;  // times of its entries
+    TestStatus Status;                    // the status list
+    std::vector<Zeitpunkt> Statuszeiten;  // times of its entries
     StarthinweisAntwort Starthinweis;
     std::optional<int> VerzoegerungAbbrechenBei;  // the value at which somebody clicks "Abbrechen"
     bool VerzoegerungAbbruch = false;

@@ -8,12 +8,8 @@ namespace zek::hilfen {
 
 namespace {
 
-constexpr long double MikroProTag = 86400e6L;
 constexpr std::uint64_t HoechstensAmFleck = 1'000'000;
 
-VirtuelleWelt::Mikro MikroAus(Datum datum) {
-    return std::llround(static_cast<long double>(datum) * MikroProTag);
-}
 VirtuelleWelt::Mikro MikroAusSekunden(double sekunden) {
     return std::llround(sekunden * 1e6);
 }
@@ -68,13 +64,9 @@ private:
 
 }  // namespace
 
-VirtuelleWelt::VirtuelleWelt(Datum beginn) : wandAbstand_(MikroAus(beginn)) {}
+VirtuelleWelt::VirtuelleWelt(Zeitpunkt beginn) : beginn_(beginn) {}
 
-Datum VirtuelleWelt::Jetzt() const {
-    return static_cast<Datum>(static_cast<long double>(jetzt_ + wandAbstand_) / MikroProTag);
-}
-
-bool VirtuelleWelt::SetzeSystemzeit(Datum neueZeit) {
+bool VirtuelleWelt::SetzeSystemzeit(Zeitpunkt neueZeit) {
     GesetzteZeiten.push_back(neueZeit);
     if (!DarfUhrStellen) return false;
     StelleUhr(neueZeit);
@@ -82,12 +74,12 @@ bool VirtuelleWelt::SetzeSystemzeit(Datum neueZeit) {
     return true;
 }
 
-void VirtuelleWelt::StelleUhr(Datum neueZeit) {
-    wandAbstand_ = MikroAus(neueZeit) - jetzt_;
+void VirtuelleWelt::StelleUhr(Zeitpunkt neueZeit) {
+    gestellt_ += (neueZeit - Jetzt()).count();
 }
 
 void VirtuelleWelt::StelleUhrUm(double sekunden) {
-    wandAbstand_ += MikroAusSekunden(sekunden);
+    gestellt_ += MikroAusSekunden(sekunden);
 }
 
 void VirtuelleWelt::Ereignisse() {
@@ -127,11 +119,10 @@ void VirtuelleWelt::Laufe(double sekunden) {
     RueckeVor(ende);
 }
 
-void VirtuelleWelt::LaufeBis(Datum zeit) {
-    const Mikro ziel = MikroAus(zeit);
-    if (jetzt_ + wandAbstand_ > ziel) return;
-    while (jetzt_ + wandAbstand_ < ziel) {
-        const Mikro ende = ziel - wandAbstand_;
+void VirtuelleWelt::LaufeBis(Zeitpunkt zeit) {
+    if (Jetzt() > zeit) return;
+    while (Jetzt() < zeit) {
+        const Mikro ende = jetzt_ + (zeit - Jetzt()).count();
         if (!LaufeNaechstesBis(ende)) RueckeVor(ende);
     }
     while (LaufeNaechstesBis(jetzt_)) {

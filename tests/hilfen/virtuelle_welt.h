@@ -24,17 +24,17 @@ public:
     using Kennung = std::pair<Mikro, std::uint64_t>;
 
     // Monday, 2026-11-16, 12:00, central European winter time.
-    static constexpr Datum Vorgabebeginn = 46342.5;
+    static constexpr Zeitpunkt Vorgabebeginn = TagAus(2026, 11, 16) + 12h;
 
-    explicit VirtuelleWelt(Datum beginn = Vorgabebeginn);
+    explicit VirtuelleWelt(Zeitpunkt beginn = Vorgabebeginn);
     VirtuelleWelt(const VirtuelleWelt&) = delete;
     VirtuelleWelt& operator=(const VirtuelleWelt&) = delete;
 
     // ---- clock
-    Datum Jetzt() const override;
+    Zeitpunkt Jetzt() const override { return beginn_ + Dauer(jetzt_ + gestellt_); }
     Zeitzone Zone() const override { return zone_; }
     // Records the time and jumps, unless DarfUhrStellen is false.
-    bool SetzeSystemzeit(Datum neueZeit) override;
+    bool SetzeSystemzeit(Zeitpunkt neueZeit) override;
 
     // ---- pump
     // Runs what is due now, also what these events plan for now. The clock stands still.
@@ -49,7 +49,7 @@ public:
 
     // ---- what a test does
     // The wall clock jumps; nothing planned moves.
-    void StelleUhr(Datum neueZeit);
+    void StelleUhr(Zeitpunkt neueZeit);
     void StelleUhrUm(double sekunden);
     void SetzeZone(Zeitzone zone) { zone_ = zone; }
 
@@ -63,7 +63,7 @@ public:
     // over. A callback that pumps longer makes it later.
     void Laufe(double sekunden);
     // The same until the wall clock shows at least `zeit`, jumps included. Does nothing when it is later already.
-    void LaufeBis(Datum zeit);
+    void LaufeBis(Zeitpunkt zeit);
     // Until the condition holds; false when `hoechstensSekunden` have gone by before. Tested behind every due time.
     bool LaufeBisWahr(const std::function<bool()>& bedingung, double hoechstensSekunden);
     // Time goes by and nobody pumps, as in a long calculation. Timers that were due meanwhile fire once.
@@ -78,7 +78,7 @@ public:
     std::uint64_t Gelaufen() const { return gelaufen_; }
 
     bool DarfUhrStellen = true;
-    std::vector<Datum> GesetzteZeiten;       // every SetzeSystemzeit, also the refused ones
+    std::vector<Zeitpunkt> GesetzteZeiten;   // every SetzeSystemzeit, also the refused ones
     std::function<void()> NachSystemzeit{};  // runs when one has been obeyed
 
 private:
@@ -90,7 +90,8 @@ private:
     std::uint64_t gelaufen_ = 0;
     std::uint64_t stillstand_ = 0;  // calls of Ereignisse since the clock moved
     Mikro jetzt_ = 0;
-    Mikro wandAbstand_;  // wall clock in microseconds since 1899-12-30, less jetzt_
+    Zeitpunkt beginn_;    // of the wall clock, when jetzt_ was 0
+    Mikro gestellt_ = 0;  // by how much it was set since
     Zeitzone zone_{-60, 0, -60, false};
 };
 

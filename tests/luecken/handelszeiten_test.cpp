@@ -8,7 +8,7 @@ namespace zek {
 namespace {
 
 Zeit Am(int tag, int stunde, int minute = 0) {
-    return Zeitspannen::Aus(DatumAus(2026, 11, tag, stunde, minute, 0));
+    return AufMillisekunde(ZeitpunktAus(2026, 11, tag, stunde, minute, 0));
 }
 
 std::string Normal(std::string_view text) {

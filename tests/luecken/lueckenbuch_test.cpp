@@ -18,8 +18,8 @@ using namespace hilfen;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-Datum Um(int stunde, int minute, double sekunde = 0) {
-    return DatumAus(2026, 11, 16, stunde, minute, sekunde);
+Zeit Um(int stunde, int minute, double sekunde = 0) {
+    return AufMillisekunde(ZeitpunktAus(2026, 11, 16, stunde, minute, sekunde));
 }
 
 // The world stands at Monday, 2026-11-16, 12:00.
@@ -46,7 +46,7 @@ protected:
 };
 
 TEST_F(LueckenbuchTest, LinesStandAsWrittenByHand) {
-    buch.Schreibe({Um(10, 0, 7.25), 0, "*", "TWS offline", ""});
+    buch.Schreibe({Um(10, 0, 7.25), KeineZeit, "*", "TWS offline", ""});
     buch.Schreibe({Um(10, 0, 7.25), Um(10, 2), "*", "TWS offline", ""});
     buch.Schreibe({Um(9, 57), Um(10, 2, 3.9996), "ES\tZ6", "Datenpflege Brief", "ergänzt: 12\nSekundenkurse"});
     EXPECT_EQ(
@@ -103,7 +103,7 @@ TEST_F(LueckenbuchTest, ALineTornAtAnyLengthIsNeverReadAndHurtsNoOther) {
 }
 
 TEST_F(LueckenbuchTest, ALineThatBeginsBeforeAllRecordingIsNotWritten) {
-    buch.Schreibe({0, Um(10, 0), "ES", "Noch keine Kurse", ""});
+    buch.Schreibe({KeineZeit, Um(10, 0), "ES", "Noch keine Kurse", ""});
     EXPECT_THAT(ram.Dateien(), IsEmpty());
 }
 
@@ -221,7 +221,8 @@ TEST_F(ReserveTest, ALineTornInItHurtsNoOther) {
 }
 
 TEST_F(ReserveTest, EachFailingCallLosesNoLineAndKeepsTheOrderOfOpenAndClosed) {
-    const Lueckenzeile offen{Um(10, 0), 0, "*", "TWS offline", ""}, zu{Um(10, 0), Um(10, 1), "*", "TWS offline", ""};
+    const Lueckenzeile offen{Um(10, 0), KeineZeit, "*", "TWS offline", ""},
+        zu{Um(10, 0), Um(10, 1), "*", "TWS offline", ""};
     for (std::uint64_t n = 1; n <= 40; ++n) {
         ram.Loesche("/d/Lücken/2026-11-16.txt");
         dateien.StoereNten(n, EIO);
@@ -255,15 +256,15 @@ TEST_F(LueckenbuchTest, TheQueueOfWaitingLinesIsBounded) {
 }
 
 TEST_F(LueckenbuchTest, ALineGoesIntoTheFileOfTheDayOnWhichItIsWritten) {
-    welt.StelleUhr(DatumAus(2026, 12, 31, 23, 59, 59));
-    buch.Schreibe({Um(10, 0), 0, "*", "TWS offline", ""});
+    welt.StelleUhr(ZeitpunktAus(2026, 12, 31, 23, 59, 59));
+    buch.Schreibe({Um(10, 0), KeineZeit, "*", "TWS offline", ""});
     welt.Laufe(2);
     buch.Schreibe({Um(10, 0), Um(10, 1), "*", "TWS offline", ""});
     EXPECT_THAT(ram.Dateien(), ElementsAre("/d/Lücken/2026-12-31.txt", "/d/Lücken/2027-01-01.txt"));
 }
 
 TEST(Lueckenzeile, TheCauseTellsWhatItMeansAndUnknownOnesAreGaps) {
-    const auto bedeutung = [](const char* text) { return Lueckenzeile{1, 2, "*", text, ""}.Bedeutung(); };
+    const auto bedeutung = [](const char* text) { return Lueckenzeile{Um(1, 0), Um(2, 0), "*", text, ""}.Bedeutung(); };
     EXPECT_EQ(bedeutung("TWS offline"), Wertung::Luecke);
     EXPECT_EQ(bedeutung("Abonnement abgelehnt (354)"), Wertung::Luecke);
     EXPECT_EQ(bedeutung("Aufzeichnungspause"), Wertung::Gewollt);
@@ -272,8 +273,8 @@ TEST(Lueckenzeile, TheCauseTellsWhatItMeansAndUnknownOnesAreGaps) {
     EXPECT_EQ(bedeutung("Programmstart"), Wertung::Hinweis);
     EXPECT_EQ(bedeutung("Datenpflege Geld"), Wertung::Pflege);
     EXPECT_EQ(bedeutung("Sonnenfinsternis"), Wertung::Luecke);
-    EXPECT_EQ((Lueckenzeile{1, 2, "*", "Datenpflege Geld", ""}.Zusatz()), "Geld");
-    EXPECT_EQ((Lueckenzeile{1, 2, "*", "TWS offline", ""}.Zusatz()), "");
+    EXPECT_EQ((Lueckenzeile{Um(1, 0), Um(2, 0), "*", "Datenpflege Geld", ""}.Zusatz()), "Geld");
+    EXPECT_EQ((Lueckenzeile{Um(1, 0), Um(2, 0), "*", "TWS offline", ""}.Zusatz()), "");
 }
 
 TEST(Lueckenzeile, TheCauseTellsWhichKindsItConcerns) {
@@ -297,45 +298,52 @@ TEST(AufzeichnungsweiseTest, TheWayATitleIsRecordedIsWrittenAndReadBack) {
     clTitelobjekt titel;
     EXPECT_EQ(Weisetext(WeiseVon(titel)), "Bezahlt");
     titel.BidAsk = titel.UseMarkttiefe = true;
-    titel.ZeitKorrektur = Uhrzeit(6, 0);
-    titel.StartZeit = Uhrzeit(9, 30, 0.25);
+    titel.ZeitKorrektur = AlsTage(6h);
+    titel.StartZeit = AlsTage(9h + 30min + 250ms);
     const std::string text =
         "Bezahlt, Brief, Geld, BAVolume, Markttiefe; Zeitkorrektur +06:00:00,000; Startzeit 09:30:00,250";
     EXPECT_EQ(Weisetext(WeiseVon(titel)), text);
     EXPECT_EQ(LiesWeise(text), WeiseVon(titel));
-    titel.ZeitKorrektur = -Uhrzeit(1, 0, 0.5);
+    titel.ZeitKorrektur = -AlsTage(1h + 500ms);
     EXPECT_EQ(Weisetext(WeiseVon(titel)),
               "Bezahlt, Brief, Geld, BAVolume, Markttiefe; Zeitkorrektur -01:00:00,500; Startzeit 09:30:00,250");
     EXPECT_EQ(LiesWeise(Weisetext(WeiseVon(titel))), WeiseVon(titel));
-    EXPECT_EQ(LiesWeise("Unfug; Startzeit nie; ; Brief"), (Aufzeichnungsweise{artmenge::Brief, 0, 0}));
+    EXPECT_EQ(LiesWeise("Unfug; Startzeit nie; ; Brief"), (Aufzeichnungsweise{artmenge::Brief, 0h, 0h}));
 }
 
 TEST(AufzeichnungsweiseTest, BeforeItsStartTimeOnTheCorrectedClockNothingIsRecorded) {
-    const auto ruhe = [](int korrektur, int start) {
-        return Aufzeichnungsweise{1, korrektur * 3600000, start * 3600000}.Ruhe() / 3600000;
+    const auto ruhe = [](std::chrono::hours korrektur, std::chrono::hours start) {
+        return Aufzeichnungsweise{1, korrektur, start}.Ruhe();
     };
-    EXPECT_EQ(ruhe(0, 9), 9);
-    EXPECT_EQ(ruhe(6, 9), 3);
-    EXPECT_EQ(ruhe(6, 0), 0);
-    EXPECT_EQ(ruhe(-2, 0), 2) << "the corrected time of day is below midnight until then";
-    EXPECT_EQ(ruhe(-6, 20), 24);
+    EXPECT_EQ(ruhe(0h, 9h), 9h);
+    EXPECT_EQ(ruhe(6h, 9h), 3h);
+    EXPECT_EQ(ruhe(6h, 0h), 0h);
+    EXPECT_EQ(ruhe(-2h, 0h), 2h) << "the corrected time of day is below midnight until then";
+    EXPECT_EQ(ruhe(-6h, 20h), 24h);
+}
+
+Zeit Ms(int ms) {
+    return Um(10, 0) + std::chrono::milliseconds(ms);
+}
+
+Zeitspanne Spanne(int von, int bis) {
+    return {Ms(von), Ms(bis)};
 }
 
 TEST(ZeitspannenTest, UniteCutAndTakeAway) {
-    Zeitspannen a(10, 20);
-    a.Fuege(30, 40);
-    a.Fuege(20, 25);  // touches
-    a.Fuege(5, 5);
-    EXPECT_THAT(a.Alle(), ElementsAre(Zeitspanne{10, 25}, Zeitspanne{30, 40}));
-    EXPECT_EQ(a.Dauer(), 25);
-    Zeitspannen b(0, 12);
-    b.Fuege(15, 35);
-    EXPECT_THAT(a.Schnitt(b).Alle(), ElementsAre(Zeitspanne{10, 12}, Zeitspanne{15, 25}, Zeitspanne{30, 35}));
-    EXPECT_THAT(a.Ohne(b).Alle(), ElementsAre(Zeitspanne{12, 15}, Zeitspanne{35, 40}));
-    EXPECT_THAT(Zeitspannen(0, 50).Ohne(a).Alle(),
-                ElementsAre(Zeitspanne{0, 10}, Zeitspanne{25, 30}, Zeitspanne{40, 50}));
-    a.Fuege(0, 100);
-    EXPECT_THAT(a.Alle(), ElementsAre(Zeitspanne{0, 100}));
+    Zeitspannen a(Ms(10), Ms(20));
+    a.Fuege(Ms(30), Ms(40));
+    a.Fuege(Ms(20), Ms(25));  // touches
+    a.Fuege(Ms(5), Ms(5));
+    EXPECT_THAT(a.Alle(), ElementsAre(Spanne(10, 25), Spanne(30, 40)));
+    EXPECT_EQ(a.Dauer(), 25ms);
+    Zeitspannen b(Ms(0), Ms(12));
+    b.Fuege(Ms(15), Ms(35));
+    EXPECT_THAT(a.Schnitt(b).Alle(), ElementsAre(Spanne(10, 12), Spanne(15, 25), Spanne(30, 35)));
+    EXPECT_THAT(a.Ohne(b).Alle(), ElementsAre(Spanne(12, 15), Spanne(35, 40)));
+    EXPECT_THAT(Zeitspannen(Ms(0), Ms(50)).Ohne(a).Alle(), ElementsAre(Spanne(0, 10), Spanne(25, 30), Spanne(40, 50)));
+    a.Fuege(Ms(0), Ms(100));
+    EXPECT_THAT(a.Alle(), ElementsAre(Spanne(0, 100)));
 }
 
 }  // namespace

@@ -41,12 +41,12 @@ public:
                   Zeitspanne rahmen)
         : titel_(Kleinbuchstaben(titel)), akte_(akte), stand_(stand), rahmen_(rahmen) {
         for (const Lueckenzeile& z : buch) {
-            const Zeit von = Zeitspannen::Aus(z.Von);
+            const Zeit von = AufMillisekunde(z.Von);
             if (z.Ursache == ursache::TitelAktiv) ersteAngabe_ = std::min(ersteAngabe_, von);
             if (z.Bedeutung() != Wertung::Pflege) beginn_ = std::min(beginn_, von);
             if (!z.FuerAlle() && Kleinbuchstaben(z.Titel) != titel_) continue;
             zeilen_.push_back({von,
-                               z.IstOffen() ? std::max(stand, von) : Zeitspannen::Aus(z.Bis),
+                               z.IstOffen() ? std::max(stand, von) : AufMillisekunde(z.Bis),
                                z.IstOffen(),
                                z.FuerAlle(),
                                z.Ursache,
@@ -68,10 +68,9 @@ public:
                            !Eine(
                                t, [](const Zeile& z) { return z.Ursache == ursache::Sommerzeit; }, true);
         if (!befund.Beurteilt) return befund;
-        befund.Gewollt = Eine(t, [](const Zeile& z) { return z.Bedeutung == Wertung::Gewollt; }) ||
-                         std::ranges::any_of(weisen, [&](const Aufzeichnungsweise& w) {
-                             return t - Zeitspannen::Tagesbeginn(t) < w.Ruhe();
-                         });
+        befund.Gewollt =
+            Eine(t, [](const Zeile& z) { return z.Bedeutung == Wertung::Gewollt; }) ||
+            std::ranges::any_of(weisen, [&](const Aufzeichnungsweise& w) { return t - TagVon(t) < w.Ruhe(); });
         befund.Ruhe = Ruhe(t);
         const bool ohneDatei = akte_.Dateien == 0;
         bool verloren = false;
@@ -139,7 +138,7 @@ private:
                 woche = &z;
         }
         const Handelszeiten& zeiten = woche == nullptr ? Handelszeiten::Uebliche(titel_) : *woche->Woche;
-        return !zeiten.Ruhe(t, t + 1).IstLeer();
+        return !zeiten.Ruhe(t, t + 1ms).IstLeer();
     }
 
     void BeurteileArt(Zeit t, Artmenge art, const std::vector<Aufzeichnungsweise>& weisen, Momentbefund& befund,

@@ -26,25 +26,21 @@ std::uint64_t Umgebungszahl(const char* name, std::uint64_t vorgabe) {
     return text == nullptr ? vorgabe : std::strtoull(text, nullptr, 10);
 }
 
-constexpr Zeit Stunde = 3600000, Schritt = 3 * Stunde;
+constexpr std::chrono::hours Schritt = 3h;
 constexpr int Schritte = 28;  // Friday to Monday
-const Zeit Freitag = Zeitspannen::Aus(DatumAus(2026, 11, 13));
+constexpr Zeit Freitag = TagAus(2026, 11, 13);
 const std::vector<std::string> Namen{"ES", "EUR@IdealPro_Cash_USD", "*"};
-
-std::string Zeittext(Zeit zeit) {
-    return Lueckenzeittext(Zeitspannen::AlsDatum(zeit));
-}
 
 // One case, wholly told by its number.
 class Fall {
 public:
     // `neu`: the book says of each moment which titles are active.
     explicit Fall(std::uint64_t nummer, bool neu = false) : zufall_(nummer) {
-        if (neu) Schreibe(0, Freitag, {}, "Dauer", ursache::TitelAktiv, "Bezahlt");
+        if (neu) Schreibe(KeineZeit, Freitag, {}, "Dauer", ursache::TitelAktiv, "Bezahlt");
         const int zeilen = Bis(14);
         for (int i = 0; i < zeilen; ++i) Zeile();
         Stand = Freitag + (Eins(3) ? Schritte : Bis(Schritte)) * Schritt;
-        Rahmen = {Eins(2) ? 0 : Grenze(), Eins(2) ? Buchzeile::OhneEnde : Grenze()};
+        Rahmen = {Eins(2) ? KeineZeit : Grenze(), Eins(2) ? Buchzeile::OhneEnde : Grenze()};
         for (const char* name : {"ES", "EUR@IdealPro_Cash_USD", "DAX"}) {
             Titelakte& akte = Akten[name];
             if (!Eins(4)) akte.Dateien = static_cast<Artmenge>(Bis(64));
@@ -59,20 +55,19 @@ public:
         std::map<std::string, std::string> dateien;
         for (const auto& [wann, texte] : texte_)
             if (wann < bis)
-                for (const std::string& text : texte)
-                    dateien[Felderstempel(GanzerTag(Zeitspannen::AlsDatum(wann)), '-').substr(0, 10)] += text;
+                for (const std::string& text : texte) dateien[Felderstempel(TagVon(wann), '-').substr(0, 10)] += text;
         for (const auto& [name, text] : dateien) ram.LegeDateiAn("/d/Lücken/" + name + ".txt", text);
     }
     std::string Text() const {
-        std::string text = "stand " + Zeittext(Stand) + ", frame " + Zeittext(Rahmen.Von) + " to " +
-                           (Rahmen.Bis == Buchzeile::OhneEnde ? "the end" : Zeittext(Rahmen.Bis)) + "\n";
+        std::string text = "stand " + Lueckenzeittext(Stand) + ", frame " + Lueckenzeittext(Rahmen.Von) + " to " +
+                           (Rahmen.Bis == Buchzeile::OhneEnde ? "the end" : Lueckenzeittext(Rahmen.Bis)) + "\n";
         for (const auto& [wann, texte] : texte_)
             for (const std::string& zeile : texte) text += zeile;
         return text;
     }
 
     Zeit Grenze() { return Freitag + Bis(Schritte) * Schritt; }
-    Zeit Stand = 0;
+    Zeit Stand = KeineZeit;
     Zeitspanne Rahmen;
     std::map<std::string, Titelakte> Akten;
 
@@ -99,7 +94,7 @@ private:
         std::string titel = Namen[static_cast<std::size_t>(Bis(static_cast<int>(Namen.size())))];
         const Zeit von = Grenze(), bis = von + Bis(12) * Schritt;
         // A line is known by its name as it stands.
-        if (titel == "ES" && von / Schritt % 2 == 0) titel = "es";
+        if (titel == "ES" && von.time_since_epoch() / Schritt % 2 == 0) titel = "es";
         switch (Bis(12)) {
             case 0:
             case 1:
@@ -139,8 +134,8 @@ private:
     }
     void Schreibe(Zeit wann, Zeit von, std::optional<Zeit> bis, const std::string& titel, std::string_view ursache,
                   const std::string& text) {
-        texte_[std::max(wann, Freitag)].push_back(Zeittext(von) + "\t" + (bis ? Zeittext(*bis) : "") + "\t" + titel +
-                                                  "\t" + std::string(ursache) + "\t" + text + "\n");
+        texte_[std::max(wann, Freitag)].push_back(Lueckenzeittext(von) + "\t" + (bis ? Lueckenzeittext(*bis) : "") +
+                                                  "\t" + titel + "\t" + std::string(ursache) + "\t" + text + "\n");
     }
 
     std::mt19937_64 zufall_;
@@ -181,7 +176,7 @@ TEST(UrteilModellTest, RandomBooksAreJudgedAsByTheLetter) {
                 const Zeit t = Freitag + i * Schritt;
                 const Momentbefund soll = modell.Bei(t), ist = Bei(befund, t);
                 fehlend += soll.Fehlend ? 1 : 0;
-                ASSERT_EQ(Text(ist), Text(soll)) << "case " << nummer << ", " << name << " at " << Zeittext(t)
+                ASSERT_EQ(Text(ist), Text(soll)) << "case " << nummer << ", " << name << " at " << Lueckenzeittext(t)
                                                  << "\nfiles of kinds " << Arttext(akte.Dateien) << "\n"
                                                  << fall.Text();
             }
@@ -213,7 +208,7 @@ TEST(UrteilModellTest, ASpanNeedsOnlyItsOwnDaysAndWhatWasOpenThen) {
             for (const auto sorte : {&Titelurteil::Beurteilt, &Titelurteil::Gewollt, &Titelurteil::Ruhe,
                                      &Titelurteil::Luecken, &Titelurteil::Fehlend, &Titelurteil::NichtNachholbar})
                 ASSERT_EQ(teil.*sorte, voll.*sorte)
-                    << "case " << nummer << ", " << name << ", checkpoint at " << Zeittext(gemerkt) << "\n"
+                    << "case " << nummer << ", " << name << ", checkpoint at " << Lueckenzeittext(gemerkt) << "\n"
                     << fall.Text();
         }
     }

@@ -17,13 +17,15 @@ using namespace hilfen;
 using testing::ElementsAre;
 
 const std::string Ordner = "/d/Lücken/";
-const Zeit Jetzt = Zeitspannen::Aus(DatumAus(2026, 11, 16, 12, 0, 0));
+const Zeit Jetzt = AufMillisekunde(ZeitpunktAus(2026, 11, 16, 12, 0, 0));
 
 class VerdichtungTest : public testing::Test {
 protected:
     static std::string Zeile(int monat, int tag, int von, int bis, const std::string& titel = "ES",
                              const std::string& ursache = "Keine Kurse", const std::string& mehr = "") {
-        const auto um = [&](int stunde) { return Lueckenzeittext(DatumAus(2026, monat, tag, stunde, 0, 0)); };
+        const auto um = [&](int stunde) {
+            return Lueckenzeittext(TagAus(2026, monat, tag) + std::chrono::hours(stunde));
+        };
         return um(von) + "\t" + (bis < 0 ? "" : um(bis)) + "\t" + titel + "\t" + ursache + "\t" + mehr + "\n";
     }
     void Datei(const std::string& name, const std::string& inhalt) { ram.LegeDateiAn(Ordner + name, inhalt); }
@@ -76,8 +78,8 @@ TEST_F(VerdichtungTest, TheDaysOfAMonthLongPastBecomeOneFileADayAtATime) {
 TEST_F(VerdichtungTest, AMonthIsDueThirtyOneDaysBehindItsEnd) {
     Datei("2026-09-01.txt", Zeile(9, 1, 3, 4));
     Stand();
-    EXPECT_EQ(Verdichte(Zeitspannen::Aus(DatumAus(2026, 11, 1)) - 1), 0);
-    EXPECT_EQ(Verdichte(Zeitspannen::Aus(DatumAus(2026, 11, 1))), 2);
+    EXPECT_EQ(Verdichte(TagAus(2026, 11, 1) - 1ms), 0);
+    EXPECT_EQ(Verdichte(TagAus(2026, 11, 1)), 2);
 }
 
 TEST_F(VerdichtungTest, AfterwardsAStartReadsNoMoreThanBefore) {

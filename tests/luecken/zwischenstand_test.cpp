@@ -20,7 +20,7 @@ using testing::IsEmpty;
 const std::string Ordner = "/d/Lücken/";
 
 Zeit Um(int stunde, int minute = 0) {
-    return Zeitspannen::Aus(DatumAus(2026, 11, 16, stunde, minute, 0));
+    return AufMillisekunde(ZeitpunktAus(2026, 11, 16, stunde, minute, 0));
 }
 
 class ZwischenstandTest : public testing::Test {
@@ -28,7 +28,7 @@ protected:
     void Datei(const std::string& name, const std::string& inhalt) { ram.LegeDateiAn(Ordner + name, inhalt); }
     void Haenge(const std::string& name, const std::string& mehr) { Datei(name, ram.Inhalt(Ordner + name) + mehr); }
     static std::string Zeile(int von, int bis, const std::string& titel, const std::string& ursache) {
-        const auto text = [](int stunde) { return Lueckenzeittext(Zeitspannen::AlsDatum(Um(stunde))); };
+        const auto text = [](int stunde) { return Lueckenzeittext(Um(stunde)); };
         return text(von) + "\t" + (bis < 0 ? "" : text(bis)) + "\t" + titel + "\t" + ursache + "\t\n";
     }
     Zwischenlesung Lies() { return LiesZwischenstand(dateien, Ordner, Um(23)); }
@@ -175,7 +175,7 @@ TEST(BuchdateienTest, OnlyFilesOfDaysAndMonthsBelongToTheBook) {
         EXPECT_FALSE(BuchdateiMitNamen(name)) << name;
     const auto monat = BuchdateiMitNamen("2026-12.txt");
     EXPECT_TRUE(monat->IstMonat);
-    EXPECT_EQ(monat->Ende, Zeitspannen::Aus(DatumAus(2027, 1, 1)));
+    EXPECT_EQ(monat->Ende, TagAus(2027, 1, 1));
 }
 
 TEST(BuchdateienTest, AFileIsReadInBlocksWithoutLosingALine) {
@@ -202,7 +202,7 @@ TEST(BuchdateienTest, AFileIsReadInBlocksWithoutLosingALine) {
 TEST(LebenszeichendateiTest, StandsAsWrittenByHandAndIsReadBack) {
     RamDateisystem ram;
     ram.LegeOrdnerbaumAn("/d/Lücken");
-    const Lebenszeichen zeichen{Um(10) + 250, Um(9), "eins"};
+    const Lebenszeichen zeichen{Um(10) + 250ms, Um(9), "eins"};
     ASSERT_EQ(SchreibeLebenszeichen(ram, Ordner, zeichen), 0);
     EXPECT_EQ(ram.Inhalt(Ordner + "Lebenszeichen.txt"), "16.11.2026 10:00:00,250\t16.11.2026 09:00:00,000\teins\n");
     EXPECT_EQ(LiesLebenszeichen(ram, Ordner), zeichen);

@@ -11,6 +11,8 @@ using namespace std::chrono_literals;
 using hilfen::VirtuelleWelt;
 using testing::ElementsAre;
 
+constexpr Zeitpunkt Mittag = VirtuelleWelt::Vorgabebeginn;
+
 TEST(VirtuelleWelt, RunsWhatIsPlannedInTheOrderOfDueTimesThenOfPlanning) {
     VirtuelleWelt welt;
     std::string reihe;
@@ -22,14 +24,14 @@ TEST(VirtuelleWelt, RunsWhatIsPlannedInTheOrderOfDueTimesThenOfPlanning) {
 }
 
 TEST(VirtuelleWelt, MovesTheClockToEachDueTime) {
-    VirtuelleWelt welt(46342.5);
+    VirtuelleWelt welt(Mittag);
     std::vector<double> zeiten;
     welt.Plane(0.3, [&] { zeiten.push_back(welt.Sekunden()); });
     welt.Plane(1.5, [&] { zeiten.push_back(welt.Sekunden()); });
     welt.Laufe(10);
     EXPECT_THAT(zeiten, ElementsAre(0.3, 1.5));
     EXPECT_EQ(welt.Sekunden(), 10);
-    EXPECT_EQ(welt.Jetzt(), 46342.5 + 10 / 86400.0);
+    EXPECT_EQ(welt.Jetzt(), Mittag + 10s);
 }
 
 TEST(VirtuelleWelt, EreignisseRunsWhatIsDueAndLeavesTheClock) {
@@ -60,42 +62,42 @@ TEST(VirtuelleWelt, ALoopThatPumpsWithoutWaitingIsFoundOut) {
 }
 
 TEST(VirtuelleWelt, TheWallClockDoesntDriftOverAMonthOfSeconds) {
-    VirtuelleWelt welt(DatumAus(2026, 3, 1));
+    VirtuelleWelt welt(TagAus(2026, 3, 1));
     int ticks = 0;
     auto zeitgeber = welt.Erzeuge(1000ms, [&] { ++ticks; });
     zeitgeber->Starte();
     welt.Laufe(30 * 86400.0);
     EXPECT_EQ(ticks, 30 * 86400);
-    EXPECT_EQ(welt.Jetzt(), DatumAus(2026, 3, 31));
+    EXPECT_EQ(welt.Jetzt(), TagAus(2026, 3, 31));
 }
 
 TEST(VirtuelleWelt, SettingTheClockMovesNothingThatIsPlanned) {
-    VirtuelleWelt welt(46342.5);
+    VirtuelleWelt welt(Mittag);
     bool gelaufen = false;
     welt.Laufe(100);
     welt.Plane(5, [&] { gelaufen = true; });
-    EXPECT_TRUE(welt.SetzeSystemzeit(46342.75));
-    EXPECT_EQ(welt.Jetzt(), 46342.75);
+    EXPECT_TRUE(welt.SetzeSystemzeit(Mittag + 6h));
+    EXPECT_EQ(welt.Jetzt(), Mittag + 6h);
     welt.Laufe(4.999);
     EXPECT_FALSE(gelaufen);
     welt.Laufe(0.001);
     EXPECT_TRUE(gelaufen);
-    EXPECT_THAT(welt.GesetzteZeiten, ElementsAre(46342.75));
+    EXPECT_THAT(welt.GesetzteZeiten, ElementsAre(Mittag + 6h));
 }
 
 TEST(VirtuelleWelt, WithoutTheRightTheClockStaysAndTheWishIsRecorded) {
-    VirtuelleWelt welt(46342.5);
+    VirtuelleWelt welt(Mittag);
     welt.DarfUhrStellen = false;
-    EXPECT_FALSE(welt.SetzeSystemzeit(1));
-    EXPECT_EQ(welt.Jetzt(), 46342.5);
-    EXPECT_THAT(welt.GesetzteZeiten, ElementsAre(1));
+    EXPECT_FALSE(welt.SetzeSystemzeit(Tagesnull));
+    EXPECT_EQ(welt.Jetzt(), Mittag);
+    EXPECT_THAT(welt.GesetzteZeiten, ElementsAre(Tagesnull));
 }
 
 TEST(VirtuelleWelt, LaufeBisFollowsTheWallClockThroughAJump) {
-    VirtuelleWelt welt(46342.5);
+    VirtuelleWelt welt(Mittag);
     welt.Plane(60, [&] { welt.StelleUhrUm(3600); });
-    welt.LaufeBis(46342.5 + 2.0 / 24);
-    EXPECT_EQ(welt.Jetzt(), 46342.5 + 2.0 / 24);
+    welt.LaufeBis(Mittag + 2h);
+    EXPECT_EQ(welt.Jetzt(), Mittag + 2h);
     EXPECT_EQ(welt.Sekunden(), 3600);
 }
 

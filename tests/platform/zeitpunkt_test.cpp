@@ -161,13 +161,6 @@ TEST(Zeitpunkt, HasTheTextsOfAPerson) {
     EXPECT_EQ(Felderstempel(TagAus(2026, 1, 5) + 7h + 8min + 9s, '#'), "2026#01#05#07#08#09");
 }
 
-TEST(Zeitpunkt, IsReadFromItsTexts) {
-    EXPECT_EQ(ZeitpunktAusText("15.11.2026   18:21:53"), TagAus(2026, 11, 15) + 18h + 21min + 53s);
-    EXPECT_EQ(ZeitpunktAusText("2026-11-15"), TagAus(2026, 11, 15));
-    EXPECT_EQ(ZeitpunktAusText(" 6:30 "), Tagesnull + 6h + 30min);
-    EXPECT_EQ(ZeitpunktAusText("29.2.2025"), std::nullopt);
-}
-
 TEST(Tageszeit, IsTheTimeSinceMidnightAlsoBefore1899) {
     EXPECT_EQ(Tageszeit(TagAus(2026, 11, 15) + 6h), Tageszeit(6h));
     EXPECT_EQ(Tageszeit(TagAus(1899, 12, 29) + 6h), Tageszeit(6h));

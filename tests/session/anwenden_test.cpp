@@ -103,10 +103,10 @@ TEST_F(AnwendenTest, TheSecondsWithoutPricesAreTakenOnlyWithTheirCheckBox) {
 
 TEST_F(AnwendenTest, ErrorNumbersAreSplitAndTimesCutToTheirFraction) {
     neu.NeustartFehlernummern = " 1100, 2110";
-    neu.NeustartUhrzeit = 46342.25;
+    neu.NeustartUhrzeit = Tageszeit(46342 * 24h + 6h);
     WendeAn();
     EXPECT_THAT(modul.Einstellungen.NeustartFehlerliste, ElementsAre("1100", " 2110"));
-    EXPECT_EQ(modul.Einstellungen.NeustartUhrzeit, 0.25);
+    EXPECT_EQ(modul.Einstellungen.NeustartUhrzeit, Tageszeit(6h));
     EXPECT_EQ(Registry("Optionen", "NeustartUhrzeit"), "06:00:00");
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 using testing::ElementsAre;
 
-const Datum Heute = DatumAus(2026, 11, 15);
+const Kalendertag Heute = TagAus(2026, 11, 15);
 
 std::vector<Beispieltitel> Nur(bool forex, bool futures, bool indizes, bool nasdaq) {
     return BeispieltitelListe({forex, futures, indizes, nasdaq}, Heute);
@@ -25,14 +25,14 @@ std::string Zeile(const Beispieltitel& t) {
 }
 
 TEST(BeispieltitelTest, TheFuturesGetTheQuarterThirtyDaysAhead) {
-    EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 11, 15)), "202612");
-    EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 12, 10)), "202703");
-    EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 12, 1, 23, 59, 59)), "202612") << "31 December is still the quarter";
-    EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 12, 2)), "202703");
-    EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 3, 1)), "202603");
-    EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 8, 1)), "202609");
-    EXPECT_EQ(Quartalslaufzeit(DatumAus(812, 1, 1)), "081203") << "the year has four digits";
-    EXPECT_EQ(Quartalslaufzeit(DatumAus(2026, 3, 2)), "202606");
+    EXPECT_EQ(Quartalslaufzeit(TagAus(2026, 11, 15)), "202612");
+    EXPECT_EQ(Quartalslaufzeit(TagAus(2026, 12, 10)), "202703");
+    EXPECT_EQ(Quartalslaufzeit(TagAus(2026, 12, 1)), "202612") << "31 December is still the quarter";
+    EXPECT_EQ(Quartalslaufzeit(TagAus(2026, 12, 2)), "202703");
+    EXPECT_EQ(Quartalslaufzeit(TagAus(2026, 3, 1)), "202603");
+    EXPECT_EQ(Quartalslaufzeit(TagAus(2026, 8, 1)), "202609");
+    EXPECT_EQ(Quartalslaufzeit(TagAus(812, 1, 1)), "081203") << "the year has four digits";
+    EXPECT_EQ(Quartalslaufzeit(TagAus(2026, 3, 2)), "202606");
 }
 
 TEST(BeispieltitelTest, ForexHasNineteenPairsInTheirOrder) {

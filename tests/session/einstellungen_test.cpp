@@ -161,9 +161,9 @@ TEST_F(EinstellungenTest, ADateBeforeATimeOfDayIsCutOff) {
     InRegistry("Optionen", "KeineAufzeichungStart", "15.11.2026 22:15");
     InRegistry("Optionen", "KeineAufzeichungEnde", "22:30");
     const Einstellungen& e = LiesAlle();
-    EXPECT_NEAR(e.NeustartUhrzeit, 3.0 / 24, 1e-9);
-    EXPECT_NEAR(e.KeineAufzeichungStart, 22.25 / 24, 1e-9);
-    EXPECT_NEAR(e.KeineAufzeichungEnde, 22.5 / 24, 1e-9);
+    EXPECT_EQ(e.NeustartUhrzeit, Tageszeit(3h));
+    EXPECT_EQ(e.KeineAufzeichungStart, Tageszeit(22h + 15min));
+    EXPECT_EQ(e.KeineAufzeichungEnde, Tageszeit(22h + 30min));
 }
 
 TEST_F(EinstellungenTest, TheFolderOfAccountDataGetsItsSeparator) {
@@ -220,7 +220,7 @@ TEST_F(EinstellungenTest, AValueThatIsNoNumberCountsAsZeroAndIsBounded) {
 TEST_F(EinstellungenTest, SavesEveryMainSettingInItsForm) {
     Einstellungen& e = modul.Einstellungen;
     e.IBBezahlt = true;
-    e.NeustartUhrzeit = Uhrzeit(3, 15);
+    e.NeustartUhrzeit = Tageszeit(3h + 15min);
     e.IBPort = 4001;
     e.IBIPAdr = "10.0.0.7";
     speicher.SpeichereEinstellungen();
@@ -241,7 +241,7 @@ TEST_F(EinstellungenTest, WhatWasSavedIsReadBackTheSame) {
     e.KontenDatenSpeicherOrdner = "/k/";
     e.BFTimeOut = 77;
     e.NeustartFehlernummern = "1,2";
-    e.KeineAufzeichungStart = Uhrzeit(23, 59, 59);
+    e.KeineAufzeichungStart = Tageszeit(23h + 59min + 59s);
     speicher.SpeichereEinstellungen();
     modul.Einstellungen = {};
     LiesAlle();

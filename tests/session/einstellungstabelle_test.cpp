@@ -47,7 +47,7 @@ Soll Schalter(const std::string& abschnitt, const std::string& schluessel, bool 
             {{"1", ""}, {"1", ""}, {"0", ""}, {"0", ""}, {"0", ""}}};
 }
 
-Soll Tagesuhrzeit(const std::string& schluessel, const std::string& vorgabe, Datum E::*feld) {
+Soll Tagesuhrzeit(const std::string& schluessel, const std::string& vorgabe, Tageszeit E::*feld) {
     return {"Optionen",
             schluessel,
             vorgabe,

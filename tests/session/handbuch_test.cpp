@@ -21,7 +21,7 @@ std::string Form(const Einstellungszeile& zeile) {
                        : "ganze Zahl ab " + std::to_string(zeile.Mindestens);
         case Einstellungsform::Tageszeit:
             return "Uhrzeit";
-        case Einstellungsform::Zeitpunkt:
+        case Einstellungsform::DatumUhrzeit:
             return "Datum und Uhrzeit";
         case Einstellungsform::Text:
             return "Text";

@@ -139,7 +139,7 @@ TEST(MeldungstaktTest, AMessageOfFiveSecondsClosesAtTheFifthTick) {
 }
 
 TEST(MeldungstaktTest, ARoundThatComesAHairLateStillShowsItsSecond) {
-    hilfen::VirtuelleWelt welt(DatumAus(2026, 11, 15, 12, 0, 0) + 0.9995 * EineSekunde);
+    hilfen::VirtuelleWelt welt(ZeitpunktAus(2026, 11, 15, 12, 0, 0) + DauerAusSekunden(0.9995));
     const Meldungstakt takt(welt, 5);
     for (int sekunde = 1; sekunde <= 4; ++sekunde) {
         welt.Vergehe(sekunde == 1 ? 1.003 : 1);
@@ -159,7 +159,7 @@ TEST(MeldungstaktTest, WithoutSecondsItNeverCloses) {
 }
 
 TEST(MeldungstaktTest, ClosesAcrossMidnight) {
-    hilfen::VirtuelleWelt welt(DatumAus(2026, 11, 15, 23, 59, 58));
+    hilfen::VirtuelleWelt welt(ZeitpunktAus(2026, 11, 15, 23, 59, 58));
     const Meldungstakt takt(welt, 5);
     welt.Vergehe(4);
     EXPECT_FALSE(takt.Abgelaufen());
@@ -208,7 +208,7 @@ TEST(DienstgesichtTest, LogLinesGoToTheOutputWhereOneIsWanted) {
     std::vector<std::string> zeilen;
     Dienstgesicht gesicht([&](const std::string& zeile) { zeilen.push_back(zeile); });
     EXPECT_TRUE(gesicht.HauptfensterGeladen());
-    gesicht.StatuslisteEintrag(DatumAus(2026, 11, 15, 18, 21, 53), "läuft", false);
+    gesicht.StatuslisteEintrag(ZeitpunktAus(2026, 11, 15, 18, 21, 53), "läuft", false);
     EXPECT_THAT(zeilen, ElementsAre("15.11.2026 18:21:53: läuft"));
     EXPECT_FALSE(Dienstgesicht().HauptfensterGeladen());
 }

@@ -17,7 +17,7 @@ const std::string Datei = "/zek/IBZEKLog.txt";
 const std::string Davor = "15.11.2026 18:00:00: alt\r\n";
 
 struct ProtokollStoerung : testing::Test {
-    hilfen::VirtuelleWelt welt{DatumAus(2026, 11, 15, 18, 21, 53)};
+    hilfen::VirtuelleWelt welt{ZeitpunktAus(2026, 11, 15, 18, 21, 53)};
     hilfen::RamDateisystem ram;
     hilfen::TestGesicht gesicht;
     IBModul modul;

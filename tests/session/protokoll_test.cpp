@@ -18,7 +18,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 struct ProtokollTest : testing::Test {
-    hilfen::VirtuelleWelt welt{DatumAus(2026, 11, 15, 18, 21, 53)};
+    hilfen::VirtuelleWelt welt{ZeitpunktAus(2026, 11, 15, 18, 21, 53)};
     hilfen::RamDateisystem dateien;
     hilfen::TestGesicht gesicht;
     IBModul modul;
@@ -192,7 +192,7 @@ TEST(StatuslisteTest, The501stEntryDoesNotTrimAndTheOneAfterItDoes) {
     Statusliste liste;
     const auto fuege = [&](int nummer) {
         liste.Kuerze();
-        liste.Fuege({0, std::to_string(nummer), false});
+        liste.Fuege({{}, std::to_string(nummer), false});
     };
     for (int i = 1; i <= 501; ++i) fuege(i);
     EXPECT_EQ(liste.Anzahl(), 501u);
@@ -205,7 +205,7 @@ TEST(StatuslisteTest, The501stEntryDoesNotTrimAndTheOneAfterItDoes) {
 }
 
 TEST(StatuslisteTest, ADoubleClickShowsDateAndMessage) {
-    EXPECT_EQ(Statusliste::Anzeigetext({DatumAus(2026, 11, 15, 18, 21, 53), "Text", true}),
+    EXPECT_EQ(Statusliste::Anzeigetext({ZeitpunktAus(2026, 11, 15, 18, 21, 53), "Text", true}),
               "15.11.2026 18:21:53: Text");
 }
 

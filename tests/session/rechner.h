@@ -17,7 +17,7 @@
 
 namespace zek::hilfen {
 
-inline const Datum Mittag = DatumAus(2026, 11, 16, 12, 0, 0);
+inline constexpr Zeitpunkt Mittag = ZeitpunktAus(2026, 11, 16, 12, 0, 0);
 
 // A machine with a program folder, a configured port and a start hint that was declined.
 struct Rechner {

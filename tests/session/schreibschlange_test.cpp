@@ -37,7 +37,7 @@ struct SchlangenTest : testing::Test {
 
 TEST_F(SchlangenTest, AChangeThatMeetsAnotherWriterIsReadAtOnceAndStoredLater) {
     registry.Belegt = true;
-    const Datum vorher = welt.Jetzt();
+    const Zeitpunkt vorher = welt.Jetzt();
     Schreibe("A", "1");
     Schreibe("B", "2");
     Schreibe("A", "3");
@@ -115,19 +115,19 @@ TEST_F(SchlangenTest, AnotherErrorThanAWriterLosesTheChangeQuietlyAndOnce) {
 
 TEST_F(SchlangenTest, AnOrderWaitsWithEventsRunningUntilTheOtherWriterIsDone) {
     registry.Belegt = true;
-    const Datum vorher = welt.Jetzt();
+    const Zeitpunkt vorher = welt.Jetzt();
     welt.Plane(1.0, [&] { registry.Belegt = false; });
     EXPECT_EQ(KommandoHinterlegen(speicher, welt, LiesBefehlszeile("/Restart")), std::nullopt);
     EXPECT_EQ(Gespeichert("Restart", "Kommando"), "1");
-    EXPECT_NEAR((welt.Jetzt() - vorher) * SekundenProTag, 1.0, 0.1);
+    EXPECT_NEAR(AlsSekunden(welt.Jetzt() - vorher), 1.0, 0.1);
 }
 
 TEST_F(SchlangenTest, AnOrderThatCannotBeStoredSaysWhy) {
     registry.Belegt = true;
-    const Datum vorher = welt.Jetzt();
+    const Zeitpunkt vorher = welt.Jetzt();
     EXPECT_THAT(KommandoHinterlegen(speicher, welt, LiesBefehlszeile("/Quit")).value_or(""),
                 HasSubstr("Der Befehl /Quit konnte der laufenden Instanz nicht übergeben werden ("));
-    EXPECT_NEAR((welt.Jetzt() - vorher) * SekundenProTag, 2.0, 0.1);
+    EXPECT_NEAR(AlsSekunden(welt.Jetzt() - vorher), 2.0, 0.1);
     registry.Belegt = false;
     registry.Schreibgeschuetzt = true;
     EXPECT_NE(KommandoHinterlegen(speicher, welt, LiesBefehlszeile("/Quit")), std::nullopt);

@@ -48,7 +48,7 @@ TEST_F(SitzungTest, TheStartConnectsAndSubscribesTheActiveTitles) {
 
 TEST_F(SitzungTest, TheSecondSettingOfTheStartTimeCounts) {
     ASSERT_TRUE(Starte("/W5"));
-    EXPECT_NEAR((sitzung->Modul().Startzeitpunkt - Mittag) * SekundenProTag, 5, 0.2);
+    EXPECT_NEAR(AlsSekunden(sitzung->Modul().Startzeitpunkt - Mittag), 5, 0.2);
 }
 
 // ---- what an end without order has left
@@ -134,7 +134,7 @@ TEST_F(SitzungTest, TheShutdownGoesThroughItsStepsInOrder) {
     const std::string programm(Programmtitel);
     EXPECT_THAT(
         registry.Schreibvorgaenge,
-        ElementsAre(V{programm, "Datenpflege", "IBLastEnd", ZahltextPunkt(sitzung->Modul().LetzteDatenZeit)},
+        ElementsAre(V{programm, "Datenpflege", "IBLastEnd", ZahltextPunkt(DatumAus(*sitzung->Modul().LetzteDatenZeit))},
                     V{programm, "Hauptfenster", "Taskbar", "1"}, V{programm, "Hauptfenster", "Anzeigen", "-1"}));
     EXPECT_TRUE(sitzung->Modul().Titelliste.IstLeer());
     EXPECT_EQ(enden, 1);
@@ -157,16 +157,16 @@ TEST_F(SitzungTest, TheEndWritesTheSettingsOnceAndWaitsForAnotherWriter) {
     welt.Plane(1.0, [this] { registry.Belegt = false; });
     sitzung->Beende();
     EXPECT_EQ(registry.Schreibzugriffe.size(), 1u);
-    EXPECT_EQ(Registry("Datenpflege", "IBLastEnd"), ZahltextPunkt(sitzung->Modul().LetzteDatenZeit));
+    EXPECT_EQ(Registry("Datenpflege", "IBLastEnd"), ZahltextPunkt(DatumAus(*sitzung->Modul().LetzteDatenZeit)));
     EXPECT_EQ(enden, 1);
 }
 
 TEST_F(SitzungTest, AWriterThatNeverGivesTheStoreBackDoesNotKeepTheProgramFromEnding) {
     ASSERT_TRUE(Starte());
     registry.Belegt = true;
-    const Datum vorher = welt.Jetzt();
+    const Zeitpunkt vorher = welt.Jetzt();
     sitzung->Beende();
-    EXPECT_NEAR((welt.Jetzt() - vorher) * SekundenProTag, 2, 0.1);
+    EXPECT_NEAR(AlsSekunden(welt.Jetzt() - vorher), 2, 0.1);
     EXPECT_EQ(enden, 1);
 }
 
@@ -189,7 +189,7 @@ TEST_F(SitzungTest, TheMinuteMarkWaitsNeitherForTheDiskNorForAnotherWriter) {
     registry.Schreibzugriffe.clear();
     registry.Belegt = true;
     DatenKamen();
-    const std::string marke = ZahltextPunkt(sitzung->Modul().LetzteDatenZeit);
+    const std::string marke = ZahltextPunkt(DatumAus(*sitzung->Modul().LetzteDatenZeit));
     welt.Laufe(61);
     EXPECT_THAT(registry.Schreibzugriffe, IsEmpty());
     registry.Belegt = false;
@@ -231,7 +231,7 @@ TEST_F(SitzungTest, AMinimizedWindowIsRememberedAsHidden) {
 TEST_F(SitzungTest, ASessionOfTenSecondsLeavesTheEarlierMarkInPlace) {
     Setze("Datenpflege", "IBLastEnd", "46000.5");
     ASSERT_TRUE(Starte());
-    welt.LaufeBis(sitzung->Modul().Startzeitpunkt + 10 * EineSekunde);
+    welt.LaufeBis(sitzung->Modul().Startzeitpunkt + 10s);
     DatenKamen();
     sitzung->Beende();
     EXPECT_EQ(Registry("Datenpflege", "IBLastEnd"), "46000.5");
@@ -240,7 +240,7 @@ TEST_F(SitzungTest, ASessionOfTenSecondsLeavesTheEarlierMarkInPlace) {
 TEST_F(SitzungTest, ASessionOfElevenSecondsMovesTheMark) {
     Setze("Datenpflege", "IBLastEnd", "46000.5");
     ASSERT_TRUE(Starte());
-    welt.LaufeBis(sitzung->Modul().Startzeitpunkt + 11 * EineSekunde);
+    welt.LaufeBis(sitzung->Modul().Startzeitpunkt + 11s);
     DatenKamen();
     sitzung->Beende();
     EXPECT_THAT(Registry("Datenpflege", "IBLastEnd"), HasSubstr("46342.50012"));
@@ -281,7 +281,7 @@ TEST_F(SitzungTest, BehindTheEndNoGapWaitsAndNoTicksAreCounted) {
     MitTiteln(2);
     ASSERT_TRUE(Starte());
     welt.Laufe(5);
-    sitzung->Modul().Datenpflegewarteschlange.emplace_back(Mittag - 1, Mittag);
+    sitzung->Modul().Datenpflegewarteschlange.emplace_back(Mittag - 24h, Mittag);
     sitzung->Modul().DatenpflegeLaeuft = true;  // so that it waits
     sitzung->Beende();
     EXPECT_TRUE(sitzung->Modul().Datenpflegewarteschlange.empty());
@@ -356,7 +356,7 @@ TEST_F(SitzungTest, AReconnectionRenewsTheAccountSubscription) {
 
 TEST_F(SitzungTest, TheBrokersClockIsComparedWithThatOfTheComputer) {
     ASSERT_TRUE(Starte());
-    tws.Letzte().Ereignisse().currentTime(static_cast<std::int64_t>(UnixAus(Mittag)) - 14 * 3600);
+    tws.Letzte().Ereignisse().currentTime((Mittag - 14h).time_since_epoch() / 1s);
     EXPECT_THAT(Log(), HasSubstr("System-Uhrzeit überprüfen - Abweichung>12h zu TWS-Zeit"));
 }
 
@@ -369,7 +369,7 @@ TEST_F(SitzungTest, TheBrokersClockIsAskedForOnceAMinute) {
 
 TEST_F(SitzungTest, TheEvidenceOfGapsBeginsWhereTheLastSessionEnded) {
     MitTiteln(2);
-    Setze("Datenpflege", "IBLastEnd", ZahltextPunkt(Mittag - 3 * 3600 * EineSekunde));
+    Setze("Datenpflege", "IBLastEnd", ZahltextPunkt(DatumAus(Mittag - 3h)));
     ASSERT_TRUE(Starte());
     std::string luecken;
     for (const std::string& pfad : dateien.Dateien())
@@ -381,7 +381,7 @@ TEST_F(SitzungTest, LastEndIsWrittenOnceAMinute) {
     ASSERT_TRUE(Starte());
     DatenKamen();
     welt.Laufe(130);
-    EXPECT_EQ(Registry("Datenpflege", "IBLastEnd"), ZahltextPunkt(sitzung->Modul().LetzteDatenZeit));
+    EXPECT_EQ(Registry("Datenpflege", "IBLastEnd"), ZahltextPunkt(DatumAus(*sitzung->Modul().LetzteDatenZeit)));
 }
 
 TEST_F(SitzungTest, TheTimeServersOfTheSettingsAreAsked) {
@@ -659,7 +659,7 @@ TEST(DienstoptionenTest, TheExplanationsStandInOneColumn) {
 TEST(DienstoptionenTest, ABackfillTakesTheArgumentsBehindIt) {
     const Dienstoptionen o = LiesDienstoptionen({"--datenpflege", "10.11.2026", "12.11.2026", "Bezahlt", "/K"});
     ASSERT_TRUE(o.Datenpflege.has_value()) << o.Fehler;
-    EXPECT_EQ(o.Datenpflege->Wahl.Start, DatumAus(2026, 11, 10));
+    EXPECT_EQ(o.Datenpflege->Wahl.Start, TagAus(2026, 11, 10));
     EXPECT_TRUE(o.Datenpflege->ArtenGewaehlt);
     EXPECT_THAT(LiesDienstoptionen({"--datenpflege", "gestern"}).Fehler, Not(IsEmpty()));
     EXPECT_THAT(LiesDienstoptionen({"--datenpflege"}).Fehler, HasSubstr("Es fehlt der Beginn der Datenpflege"));

@@ -43,7 +43,7 @@ TEST(BefehlszeileTest, TheDelayIsTheNumberBehindItsSwitch) {
 }
 
 struct StartTest : testing::Test, Startfolge::Rekorder {
-    hilfen::VirtuelleWelt welt{DatumAus(2026, 11, 16, 12, 0, 0)};
+    hilfen::VirtuelleWelt welt{ZeitpunktAus(2026, 11, 16, 12, 0, 0)};
     hilfen::RamNetz netz{welt};
     hilfen::RamDateisystem dateien;
     hilfen::RamNutzerspeicher registry;
@@ -306,7 +306,7 @@ TEST_F(StartTest, AbbrechenCutsTheDelayShortAndTheStartGoesOn) {
 }
 
 TEST_F(StartTest, TheDelayDoesNotAllowForMidnight) {
-    welt.StelleUhr(DatumAus(2026, 11, 16, 23, 59, 58));
+    welt.StelleUhr(ZeitpunktAus(2026, 11, 16, 23, 59, 58));
     welt.Plane(3600, [&] { gesicht.VerzoegerungAbbruch = true; });
     const double vorher = welt.Sekunden();
     Starte("/W5");
@@ -427,7 +427,7 @@ TEST_F(StartTest, AnErrorOfTheStartIsShownAndEndsIt) {
         bool OrdnerExistiert(const std::string&) override { throw std::runtime_error("Platte weg"); }
     } kaputt;
     const Plattform defekt{welt, welt, welt, netz, kaputt, registry, lokal, port, prozesse, {}, "/zek/", {}};
-    modul.Datenpflegewarteschlange.push_back({1, 2});
+    modul.Datenpflegewarteschlange.emplace_back();
     EXPECT_EQ(Startfolge(defekt, modul, einstellungen, gesicht, *this, {}).Main(), Startergebnis::Gescheitert);
     EXPECT_EQ(ErsteMeldung(), "Fehler beim Starten aufgetreten: Platte weg");
     EXPECT_THAT(modul.Datenpflegewarteschlange, IsEmpty());
@@ -451,7 +451,7 @@ TEST_F(StartTest, TheClockQueryIsWaitedForAtMostThreeSeconds) {
 }
 
 TEST_F(StartTest, MidnightEndsTheWaitForTheClockQuery) {
-    welt.StelleUhr(DatumAus(2026, 11, 16, 23, 59, 59));
+    welt.StelleUhr(ZeitpunktAus(2026, 11, 16, 23, 59, 59));
     Setze("Optionen", "AutoUhrzeitStellen", "1");
     const double vorher = welt.Sekunden();
     Starte();

@@ -13,7 +13,7 @@ struct Zuruf : testing::Test {
     hilfen::RamProfildatei lokal;
     IBModul modul;
     Einstellungsspeicher speicher{modul, registry, lokal};
-    const Datum mittag = DatumAus(2026, 11, 16, 12, 0, 0);
+    const Zeitpunkt mittag = ZeitpunktAus(2026, 11, 16, 12, 0, 0);
 };
 
 TEST_F(Zuruf, EachCallIsHeardOnce) {
@@ -22,7 +22,7 @@ TEST_F(Zuruf, EachCallIsHeardOnce) {
     RufeNachVorn(speicher, "/zek/", mittag);
     EXPECT_TRUE(hoerer.Gerufen());
     EXPECT_FALSE(hoerer.Gerufen());
-    RufeNachVorn(speicher, "/zek/", mittag + EineSekunde);
+    RufeNachVorn(speicher, "/zek/", mittag + 1s);
     EXPECT_TRUE(hoerer.Gerufen());
 }
 

@@ -552,7 +552,7 @@ TEST(Programm, RefusesWhatItDoesNotUnderstand) {
 }
 
 TEST(Programm, LogsBothDirectionsInOneForm) {
-    EXPECT_EQ(Protokollzeile(46342.5, 187, '>',
+    EXPECT_EQ(Protokollzeile(TagAus(2026, 11, 16) + 12h, 187, '>',
                              std::string_view("49\0"
                                               "1\0"
                                               "1794826800\0",
@@ -560,7 +560,7 @@ TEST(Programm, LogsBothDirectionsInOneForm) {
               "2026-11-16 12:00:00.000 187 > 49|1|1794826800|");
     Einstellungen e;
     std::vector<std::string> zeilen;
-    e.Protokoll = [&](Datum zeit, int sv, char richtung, std::string_view inhalt) {
+    e.Protokoll = [&](Zeitpunkt zeit, int sv, char richtung, std::string_view inhalt) {
         zeilen.push_back(Protokollzeile(zeit, sv, richtung, inhalt).substr(24));
     };
     Schauplatz s(e);

@@ -65,21 +65,21 @@ public:
     bool TwsVerbunden() const override { return Verbunden; }
     void reqCurrentTime() override { Merke("reqCurrentTime"); }
     void VerbergeOfflinewarnung() override { Merke("VerbergeOfflinewarnung"); }
-    bool StarteAutoBackfill(Datum zeitpunkt) override {
-        Merke("StarteAutoBackfill " + Datumtext(zeitpunkt));
+    bool StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt) override {
+        Merke("StarteAutoBackfill " + Datumtext(zeitpunkt.value_or(Tagesnull)));
         if (BeiBackfill) BeiBackfill();
         return BackfillGelingt;
     }
     void AtomZeitAbfrage() override { Merke("AtomZeitAbfrage"); }
-    Datum GespeichertBis(Datum zeit) const override { return Gespeichert > 0 ? std::min(Gespeichert, zeit) : zeit; }
+    Zeitpunkt GespeichertBis(Zeitpunkt zeit) const override { return std::min(Gespeichert.value_or(zeit), zeit); }
 
     bool Verbunden = true;
     bool VerbindenGelingt = false;
     bool BackfillGelingt = true;
     std::function<void()> BeiAbonnieren;
     std::function<void()> BeiBackfill;
-    std::string Stolpern;   // the call that throws
-    Datum Gespeichert = 0;  // what reached files ends here; 0 for all
+    std::string Stolpern;                  // the call that throws
+    std::optional<Zeitpunkt> Gespeichert;  // what reached files ends here; none for all
 
 private:
     void Merke(std::string aufruf) {
@@ -105,7 +105,7 @@ protected:
     }
 
     void LegeHelfer() { dateien.LegeDateiAn("/zek/ZEKIBAutoNeustart.exe", "x"); }
-    void StarteUm(Datum zeit) {
+    void StarteUm(Zeitpunkt zeit) {
         welt.StelleUhr(zeit);
         modul.Startzeitpunkt = zeit;
         modul.LetzterKursZeitpunkt = zeit;

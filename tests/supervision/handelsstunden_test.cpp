@@ -10,10 +10,10 @@ namespace {
 
 const Zeitzone Winter{-60, 0, -60, false}, Sommer{-60, 0, -60, true};
 // Monday.
-const Datum Montag = DatumAus(2026, 11, 16, 12, 0, 0);
+const Zeitpunkt Montag = ZeitpunktAus(2026, 11, 16, 12, 0, 0);
 
 Zeit Am(int tag, int stunde, int minute = 0) {
-    return Zeitspannen::Aus(DatumAus(2026, 11, tag, stunde, minute, 0));
+    return AufMillisekunde(ZeitpunktAus(2026, 11, tag, stunde, minute, 0));
 }
 
 std::optional<Handelsstunden> Lies(std::string_view zone, std::string_view text) {
@@ -50,7 +50,8 @@ TEST(HandelsstundenTest, WhatCannotBeReadSaysNothing) {
 
 TEST(HandelsstundenTest, EachExchangeHasItsOwnSummer) {
     const auto um = [](std::string_view zone, int monat, int tag, int stunde, int minute = 0) {
-        return Boersenversatz(zone, UnixAus(DatumAus(2026, monat, tag, stunde, minute, 0))).value_or(9999);
+        return Boersenversatz(zone, UtcZeitpunkt(ZeitpunktAus(2026, monat, tag, stunde, minute, 0).time_since_epoch()))
+            .value_or(9999);
     };
     EXPECT_EQ(um("US/Eastern", 3, 8, 6, 59), -300);
     EXPECT_EQ(um("US/Eastern", 3, 8, 7), -240);
@@ -88,16 +89,18 @@ TEST(HandelsstundenTest, EachNameThatTheServiceGivesHasItsPlace) {
     };
     for (const auto& [winter, sommer, namen] : orte)
         for (const char* name : namen) {
-            EXPECT_EQ(Boersenversatz(name, UnixAus(DatumAus(2026, 1, 15))), winter) << name;
-            EXPECT_EQ(Boersenversatz(name, UnixAus(DatumAus(2026, 7, 15))), sommer) << name;
+            EXPECT_EQ(Boersenversatz(name, std::chrono::sys_days(TagAus(2026, 1, 15).time_since_epoch())), winter)
+                << name;
+            EXPECT_EQ(Boersenversatz(name, std::chrono::sys_days(TagAus(2026, 7, 15).time_since_epoch())), sommer)
+                << name;
         }
 }
 
 TEST(HandelsstundenTest, TheLastDaysMonthsAndMinutesAreReadToo) {
     const auto silvester = Lies("MET", "20261231:0900-2359");
     ASSERT_TRUE(silvester);
-    EXPECT_EQ(silvester->Offen, Zeitspannen(Zeitspannen::Aus(DatumAus(2026, 12, 31, 9, 0, 0)),
-                                            Zeitspannen::Aus(DatumAus(2026, 12, 31, 23, 59, 0))));
+    EXPECT_EQ(silvester->Offen, Zeitspannen(AufMillisekunde(ZeitpunktAus(2026, 12, 31, 9, 0, 0)),
+                                            AufMillisekunde(ZeitpunktAus(2026, 12, 31, 23, 59, 0))));
     EXPECT_TRUE(Lies("MET", "20270101:0000-2400"));
     for (const char* text : {"20261232:CLOSED", "20261200:CLOSED", "20260031:CLOSED", "19991231:CLOSED"})
         EXPECT_FALSE(Lies("MET", text)) << text;
@@ -106,8 +109,8 @@ TEST(HandelsstundenTest, TheLastDaysMonthsAndMinutesAreReadToo) {
 TEST(HandelsstundenTest, WhatTheClocksDifferAtPresentCounts) {
     const auto offen = [](int monat, int tag, const Zeitzone& eigene) {
         const auto stunden =
-            LiesHandelsstunden("US/Eastern", "20260310:0930-1600", DatumAus(2026, monat, tag, 12, 0, 0), eigene);
-        return Lueckenzeittext(Zeitspannen::AlsDatum(stunden->Offen.Alle().front().Von)).substr(11, 5);
+            LiesHandelsstunden("US/Eastern", "20260310:0930-1600", ZeitpunktAus(2026, monat, tag, 12, 0, 0), eigene);
+        return Lueckenzeittext(stunden->Offen.Alle().front().Von).substr(11, 5);
     };
     EXPECT_EQ(offen(3, 6, Winter), "15:30");
     EXPECT_EQ(offen(3, 10, Winter), "14:30") << "summer has begun there, but not here";

@@ -73,7 +73,7 @@ protected:
         const auto zeichen = LiesLebenszeichen(dateien, "/d/Lücken/");
         if (!zeichen) return "";
         const auto text = [](Zeit zeit) {
-            const std::string alles = Lueckenzeittext(Zeitspannen::AlsDatum(zeit)).substr(11);
+            const std::string alles = Lueckenzeittext(zeit).substr(11);
             return alles.ends_with(",000") ? alles.substr(0, 8) : alles;
         };
         return text(zeichen->Moment) + (zeichen->Daten ? " " + text(*zeichen->Daten) : "");
@@ -107,7 +107,7 @@ TEST_F(LebenszeichengeberTest, LinesOfTheEvidenceAreBroughtToTheDiskToo) {
     Saetze(6);
     welt.Laufe(30);
     dateien.Runden.clear();
-    buch.Schreibe({welt.Jetzt(), 0, "*", "TWS offline", ""});
+    buch.Schreibe({AufMillisekunde(welt.Jetzt()), KeineZeit, "*", "TWS offline", ""});
     welt.Laufe(3);
     EXPECT_EQ(dateien.Runden.size(), 1u);
 }

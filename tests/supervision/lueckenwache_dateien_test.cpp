@@ -127,13 +127,13 @@ TEST_F(LueckenwacheTest, RoomForTheLinesOfAFullDiskIsThereBeforeItIsFull) {
 
 TEST_F(LueckenwacheTest, WhatReachedFilesEndsWithTheLastRecordThatAnyOfThemTook) {
     Laeuft();
-    const Datum vorher = welt.Jetzt();
-    EXPECT_EQ(wache->GespeichertBis(vorher + 1), vorher + 1) << "all is well";
+    const Zeitpunkt vorher = welt.Jetzt();
+    EXPECT_EQ(wache->GespeichertBis(vorher + 24h), vorher + 24h) << "all is well";
     wache->SpeichernGescheitert(*titel, kursart::Brief, ENOSPC);
     welt.Laufe(30);
     EXPECT_EQ(wache->GespeichertBis(welt.Jetzt()), vorher);
     wache->AnderesGespeichert();
-    const Datum anderes = welt.Jetzt();
+    const Zeitpunkt anderes = welt.Jetzt();
     welt.Laufe(20);
     EXPECT_EQ(wache->GespeichertBis(welt.Jetzt()), anderes);
     wache->WiederGespeichert(*titel, kursart::Brief);
@@ -142,7 +142,7 @@ TEST_F(LueckenwacheTest, WhatReachedFilesEndsWithTheLastRecordThatAnyOfThemTook)
 }
 
 TEST_F(LueckenwacheTest, TheChangesToAndFromSummerTimeAreNoJumps) {
-    welt.StelleUhr(DatumAus(2027, 3, 28, 1, 59, 53.5));
+    welt.StelleUhr(ZeitpunktAus(2027, 3, 28, 1, 59, 53.5));
     Laeuft();
     Tick();
     const auto stelleUm = [&](bool sommer) {
@@ -158,7 +158,7 @@ TEST_F(LueckenwacheTest, TheChangesToAndFromSummerTimeAreNoJumps) {
     EXPECT_THAT(Zeilen(), ElementsAre("28.03.2027 02:00:00 28.03.2027 03:00:00 * Beginn der Sommerzeit"));
     Absturz();
     Vergiss();
-    welt.StelleUhr(DatumAus(2027, 10, 31, 2, 59, 50));
+    welt.StelleUhr(ZeitpunktAus(2027, 10, 31, 2, 59, 50));
     Laeuft();
     Ticks(4);
     Vergiss();

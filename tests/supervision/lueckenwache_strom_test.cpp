@@ -203,7 +203,7 @@ TEST_F(LueckenwacheTest, NoTicksForTooLongIsAGapFromTheLastToTheNext) {
 
 TEST_F(LueckenwacheTest, SilenceIsNamedAtTheWeekendTooSinceSomeMarketsOpenOnSundayEvening) {
     Laeuft();
-    welt.StelleUhr(DatumAus(2026, 11, 22, 23, 0, 0));
+    welt.StelleUhr(ZeitpunktAus(2026, 11, 22, 23, 0, 0));
     Tick();
     welt.Laufe(1);
     Vergiss();
@@ -214,8 +214,8 @@ TEST_F(LueckenwacheTest, SilenceIsNamedAtTheWeekendTooSinceSomeMarketsOpenOnSund
 
 TEST_F(LueckenwacheTest, SilenceInThePauseIsNoneUnlessThePauseIsOfSomeExchangesOnly) {
     modul.Einstellungen.KursAufzeichnungDeaktivieren = true;
-    modul.Einstellungen.KeineAufzeichungStart = Uhrzeit(12, 0);
-    modul.Einstellungen.KeineAufzeichungEnde = Uhrzeit(12, 10);
+    modul.Einstellungen.KeineAufzeichungStart = Tageszeit(12h);
+    modul.Einstellungen.KeineAufzeichungEnde = Tageszeit(12h + 10min);
     Laeuft();
     welt.Laufe(300);
     EXPECT_THAT(Zeilen(), IsEmpty());
@@ -326,7 +326,7 @@ TEST_F(LueckenwacheTest, WhileAFarmIsBrokenTheFirstTickBehindTheLateOnesShowsAno
     wache->Meldung(2103, "broken:usfarm");
     const auto gestoert = welt.Jetzt();
     welt.Laufe(2.5);
-    titel->LetzterKursZeitpunkt = titel->ErsterKursZeitpunkt = gestoert + 2 * EineSekunde;
+    titel->LetzterKursZeitpunkt = titel->ErsterKursZeitpunkt = gestoert + 2s;
     welt.Laufe(20);
     EXPECT_THAT(Zeilen(), IsEmpty());
 }

@@ -51,7 +51,7 @@ TEST_F(LueckenwacheTest, TheLastRecordBeforeTheStartIsASignOfLifeOnTheRecordersC
     Laeuft();
     Absturz();
     welt.Laufe(600);
-    titel->ZeitKorrektur = Uhrzeit(1, 0);
+    titel->ZeitKorrektur = AlsTage(1h);
     Satz("ES-BID.ZEK", Um(13, 3, 30));
     Beginne(Um(12, 3));
     wache->TitelGeladen();
@@ -115,11 +115,11 @@ TEST_F(LueckenwacheTest, ARunThatDiedInARefusedLineOfTheFutureIsJudgedByWhatCanB
     Absturz();
     welt.Laufe(600);
     Satz("ES.ZEK", Um(12, 3));
-    Beginne(100000);  // 14.10.2173
+    Beginne(TagAus(2173, 10, 14));
     wache->TitelGeladen();
     EXPECT_EQ(Zeilen().front(), "12:03:00 12:10:05 * Programm nicht aktiv");
     Datenpflegeergebnis e;
-    e.Von = 100000, e.Bis = 100001, e.Grund = "keine Verbindung";
+    e.Von = TagAus(2173, 10, 14), e.Bis = TagAus(2173, 10, 15), e.Grund = "keine Verbindung";
     wache->DatenpflegeErgebnis(e);
     e.Von = Um(12, 3), e.Grund = "nie";
     wache->DatenpflegeErgebnis(e);

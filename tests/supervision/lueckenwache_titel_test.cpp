@@ -14,7 +14,7 @@ using testing::IsEmpty;
 
 TEST_F(LueckenwacheTest, EachActiveTitleIsNamedOnceWithTheWayItIsRecorded) {
     titel->BidAsk = true;
-    titel->ZeitKorrektur = Uhrzeit(6, 0);
+    titel->ZeitKorrektur = AlsTage(6h);
     const auto stumm = Titel("NQ");
     Beginne();
     Abonniere();
@@ -62,7 +62,7 @@ TEST_F(LueckenwacheTest, ATitleThatIsSwitchedOffBeforeItsFirstTickWasNeverRecord
 
 TEST_F(LueckenwacheTest, AChangeOfTheWayATitleIsRecordedIsALineOfItsOwn) {
     Laeuft();
-    titel->StartZeit = Uhrzeit(9, 30);
+    titel->StartZeit = AlsTage(9h + 30min);
     Ticks(1);
     titel->Aktiv(false);
     wache->Abbestellt(*titel);
@@ -134,8 +134,8 @@ TEST_F(LueckenwacheTest, ARemovedTitleEndsItsRecording) {
 TEST_F(LueckenwacheTest, APauseBeginsAndEndsAtItsClockTimes) {
     Laeuft();
     modul.Einstellungen.KursAufzeichnungDeaktivieren = true;
-    modul.Einstellungen.KeineAufzeichungStart = Uhrzeit(12, 1, 0.5);
-    modul.Einstellungen.KeineAufzeichungEnde = Uhrzeit(12, 2, 0.5);
+    modul.Einstellungen.KeineAufzeichungStart = Tageszeit(12h + 1min + 500ms);
+    modul.Einstellungen.KeineAufzeichungEnde = Tageszeit(12h + 2min + 500ms);
     Ticks(180);
     EXPECT_THAT(Zeilen(), ElementsAre("12:01:00,500 12:02:00,500 * Aufzeichnungspause"));
 }
@@ -144,8 +144,8 @@ TEST_F(LueckenwacheTest, APauseOfSomeExchangesIsOneOfTheirTitles) {
     Laeuft();
     modul.Einstellungen.KursAufzeichnungDeaktivieren = true;
     modul.Einstellungen.AufzeichnungsPauseBoersen = "CME";
-    modul.Einstellungen.KeineAufzeichungStart = Uhrzeit(12, 1);
-    modul.Einstellungen.KeineAufzeichungEnde = Uhrzeit(12, 2);
+    modul.Einstellungen.KeineAufzeichungStart = Tageszeit(12h + 1min);
+    modul.Einstellungen.KeineAufzeichungEnde = Tageszeit(12h + 2min);
     titel->AufzeichnungspauseVerwenden = true;
     Ticks(70);
     EXPECT_THAT(Zeilen(), ElementsAre("12:01:00 ... ES Aufzeichnungspause"));

@@ -36,7 +36,7 @@ protected:
         modul.Titelliste.Fuege(neu);
         return neu;
     }
-    void Beginne(Datum letztesEnde = 0) {
+    void Beginne(std::optional<Zeitpunkt> letztesEnde = {}) {
         wache.emplace(modul, dateien, welt, status);
         wache->Beginne(letztesEnde);
         uhr = welt.Erzeuge(Lueckenwache::Intervall, [this] { wache->Durchlauf(); });
@@ -69,8 +69,8 @@ protected:
     // One tick of the feed.
     void TickVon(clTitelobjekt& t) {
         modul.LetzterKursZeitpunkt = t.LetzterKursZeitpunkt = welt.Jetzt();
-        if (modul.ErsterKursZeitpunkt == 0) modul.ErsterKursZeitpunkt = welt.Jetzt();
-        if (t.ErsterKursZeitpunkt == 0) t.ErsterKursZeitpunkt = welt.Jetzt();
+        if (!modul.ErsterKursZeitpunkt) modul.ErsterKursZeitpunkt = welt.Jetzt();
+        if (!t.ErsterKursZeitpunkt) t.ErsterKursZeitpunkt = welt.Jetzt();
     }
     void Tick(double nach = 0) {
         welt.Laufe(nach);
@@ -93,18 +93,19 @@ protected:
         }
         return texte;
     }
-    static std::string Uhrzeittext(Datum zeit) {
+    static std::string Uhrzeittext(Zeit zeit) {
         std::string text = Lueckenzeittext(zeit);
         if (text.ends_with(",000")) text.resize(text.size() - 4);
         return text.starts_with("16.11.2026 ") ? text.substr(11) : text;
     }
-    static Datum Um(int stunde, int minute, double sekunde = 0) {
-        return DatumAus(2026, 11, 16, stunde, minute, sekunde);
+    static Zeitpunkt Um(int stunde, int minute, double sekunde = 0) {
+        return ZeitpunktAus(2026, 11, 16, stunde, minute, sekunde);
     }
-    void Satz(const std::string& datei, Datum zeit) {
+    void Satz(const std::string& datei, Zeitpunkt zeit) {
         std::string bytes = "VQL ZeitstromKit-Datei Version 01.00";
         bytes.resize(856, ' ');
-        bytes.append(reinterpret_cast<const char*>(&zeit), 8).append(8, '\1');
+        const Datum datum = DatumAus(zeit);
+        bytes.append(reinterpret_cast<const char*>(&datum), 8).append(8, '\1');
         ram.LegeDateiAn("/d//" + datei, bytes);
     }
 

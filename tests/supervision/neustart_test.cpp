@@ -10,7 +10,7 @@ class Neustarttest : public hilfen::Aufsicht {
 protected:
     void TaeglichUm(int stunde, int minute) {
         modul.Einstellungen.NeuStartbeiUhrzeit = true;
-        modul.Einstellungen.NeustartUhrzeit = Uhrzeit(stunde, minute);
+        modul.Einstellungen.NeustartUhrzeit = Tageszeit(std::chrono::hours(stunde) + std::chrono::minutes(minute));
     }
     void OhneKurseNach(int sekunden) {
         modul.Einstellungen.NeuStartBeiFehlendenKursen = true;
@@ -90,7 +90,7 @@ TEST_F(Neustarttest, UnderAServiceManagerAnEndByOrderAsksForNoNewStart) {
 
 TEST_F(Neustarttest, StartedBeforeTheTimeItRestartsAtTheTime) {
     TaeglichUm(3, 0);
-    StarteUm(DatumAus(2026, 11, 16, 2, 0, 0));
+    StarteUm(ZeitpunktAus(2026, 11, 16, 2, 0, 0));
     EXPECT_DOUBLE_EQ(LaufeBisEnde(86400), 3600);
     EXPECT_TRUE(Fett("ZEK wird zeitbedingt neu gestartet (03:00:00)"));
     EXPECT_EQ(prozesse.Starts.size(), 1U);
@@ -98,33 +98,33 @@ TEST_F(Neustarttest, StartedBeforeTheTimeItRestartsAtTheTime) {
 
 TEST_F(Neustarttest, StartedAfterTheTimeItRestartsTomorrow) {
     TaeglichUm(3, 0);
-    StarteUm(DatumAus(2026, 11, 16, 3, 30, 0));
+    StarteUm(ZeitpunktAus(2026, 11, 16, 3, 30, 0));
     EXPECT_DOUBLE_EQ(LaufeBisEnde(2 * 86400), 23.5 * 3600);
 }
 
 TEST_F(Neustarttest, ARoundJustBeforeTheTimeCounts) {
     TaeglichUm(3, 0);
-    StarteUm(DatumAus(2026, 11, 16, 2, 59, 58.96));
+    StarteUm(ZeitpunktAus(2026, 11, 16, 2, 59, 58.96));
     EXPECT_DOUBLE_EQ(LaufeBisEnde(10), 1);
 }
 
 TEST_F(Neustarttest, ARoundATenthOfASecondBeforeTheTimeDoesNotCountYet) {
     TaeglichUm(3, 0);
-    StarteUm(DatumAus(2026, 11, 16, 2, 59, 58.9));
+    StarteUm(ZeitpunktAus(2026, 11, 16, 2, 59, 58.9));
     EXPECT_DOUBLE_EQ(LaufeBisEnde(10), 2);
 }
 
 TEST_F(Neustarttest, AClockSetBackToYesterdayIsNoNewDay) {
     TaeglichUm(3, 0);
-    StarteUm(DatumAus(2026, 11, 16, 3, 30, 0));
-    welt.StelleUhr(DatumAus(2026, 11, 15, 4, 0, 0));
+    StarteUm(ZeitpunktAus(2026, 11, 16, 3, 30, 0));
+    welt.StelleUhr(ZeitpunktAus(2026, 11, 15, 4, 0, 0));
     EXPECT_DOUBLE_EQ(LaufeBisEnde(3600), 3600);
 }
 
 TEST_F(Neustarttest, TheProgramThatComesUpAtTheTimeDoesNotRestartAgain) {
     TaeglichUm(3, 0);
     for (const double sekunde : {0.0, 59.5 - 60, 59.98 - 60}) {
-        StarteUm(DatumAus(2026, 11, 16, 3, 0, sekunde));
+        StarteUm(ZeitpunktAus(2026, 11, 16, 3, 0, sekunde));
         EXPECT_DOUBLE_EQ(LaufeBisEnde(3600), 3600) << sekunde;
     }
 }
@@ -132,7 +132,7 @@ TEST_F(Neustarttest, TheProgramThatComesUpAtTheTimeDoesNotRestartAgain) {
 TEST_F(Neustarttest, WithTheOptionOffTheTimePassesBy) {
     TaeglichUm(3, 0);
     modul.Einstellungen.NeuStartbeiUhrzeit = false;
-    StarteUm(DatumAus(2026, 11, 16, 2, 0, 0));
+    StarteUm(ZeitpunktAus(2026, 11, 16, 2, 0, 0));
     EXPECT_DOUBLE_EQ(LaufeBisEnde(7200), 7200);
 }
 
@@ -140,7 +140,7 @@ TEST_F(Neustarttest, AnOpenDialogHoldsTheRestartRulesBackButNotTheCommands) {
     TaeglichUm(3, 0);
     OhneKurseNach(90);
     modul.Dialogsperre = true;
-    StarteUm(DatumAus(2026, 11, 16, 2, 59, 0));
+    StarteUm(ZeitpunktAus(2026, 11, 16, 2, 59, 0));
     EXPECT_DOUBLE_EQ(LaufeBisEnde(3600), 3600);
     einstellungen.Werte["Kommando/Restart"] = "1";
     EXPECT_DOUBLE_EQ(LaufeBisEnde(10), 1);
@@ -172,7 +172,7 @@ TEST_F(Neustarttest, TheSameErrorWithinTwentySecondsAcrossARestartIsIgnored) {
 }
 
 TEST_F(Neustarttest, AMomentStoredAtMidnightOrAsANumberIsReadToo) {
-    StarteUm(DatumAus(2026, 11, 17, 0, 0, 5));
+    StarteUm(ZeitpunktAus(2026, 11, 17, 0, 0, 5));
     einstellungen.Werte["Optionen/LetzterNeustartFehler"] = "17.11.2026";
     neustart.WegenFehler(502);
     EXPECT_FALSE(modul.NeustartAngefordert);
@@ -206,7 +206,7 @@ TEST_F(Neustarttest, ATickPutsItOff) {
 
 TEST_F(Neustarttest, WithoutAnyTickItFiresRightAfterFiveMinutes) {
     OhneKurseNach(90);
-    modul.LetzterKursZeitpunkt = 0;
+    modul.LetzterKursZeitpunkt.reset();
     EXPECT_DOUBLE_EQ(LaufeBisEnde(1000), 300);
 }
 
@@ -229,8 +229,8 @@ TEST_F(Neustarttest, ALostConnectionIsNotAMissingTick) {
 
 TEST_F(Neustarttest, OnTheWeekendNothingIsMissedAndTheSilenceIsCountedFromItsEnd) {
     OhneKurseNach(90);
-    StarteUm(DatumAus(2026, 11, 14, 10, 0, 0));  // Saturday
-    welt.LaufeBis(DatumAus(2026, 11, 16));
+    StarteUm(ZeitpunktAus(2026, 11, 14, 10, 0, 0));  // Saturday
+    welt.LaufeBis(TagAus(2026, 11, 16));
     EXPECT_FALSE(Beendet());
     // The last round of Sunday came a second before midnight.
     EXPECT_DOUBLE_EQ(LaufeBisEnde(1000), 89);
@@ -239,8 +239,8 @@ TEST_F(Neustarttest, OnTheWeekendNothingIsMissedAndTheSilenceIsCountedFromItsEnd
 TEST_F(Neustarttest, InTheRecordingPauseNothingIsMissed) {
     OhneKurseNach(90);
     modul.Einstellungen.KursAufzeichnungDeaktivieren = true;
-    modul.Einstellungen.KeineAufzeichungStart = Uhrzeit(12, 0);
-    modul.Einstellungen.KeineAufzeichungEnde = Uhrzeit(13, 0);
+    modul.Einstellungen.KeineAufzeichungStart = Tageszeit(12h);
+    modul.Einstellungen.KeineAufzeichungEnde = Tageszeit(13h);
     EXPECT_DOUBLE_EQ(LaufeBisEnde(10000), 3600 + 90);
 }
 
@@ -336,8 +336,8 @@ TEST_F(Neustarttest, AnEndWhileTheBackfillIsAbortedIsNoRestartAnyMore) {
 TEST_F(Neustarttest, AMissingHelperIsReportedEachRoundAndTheRoundGoesOn) {
     dateien.Loesche("/zek/ZEKIBAutoNeustart.exe");
     TaeglichUm(12, 0);
-    StarteUm(DatumAus(2026, 11, 16, 11, 59, 59));
-    modul.Startzeitpunkt -= 3600 * EineSekunde;
+    StarteUm(ZeitpunktAus(2026, 11, 16, 11, 59, 59));
+    modul.Startzeitpunkt -= 3600s;
     welt.Laufe(3);
     EXPECT_FALSE(Beendet());
     EXPECT_EQ(status.Anzahl("Kein Neustart von ZEK möglich (Datei 'ZEKIBAutoNeustart.exe' fehlt). "), 3U);

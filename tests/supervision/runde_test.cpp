@@ -10,11 +10,11 @@ using testing::ElementsAre;
 
 class Rundentest : public hilfen::Aufsicht {
 protected:
-    static constexpr Datum Mittag = hilfen::VirtuelleWelt::Vorgabebeginn;
+    static constexpr Zeitpunkt Mittag = hilfen::VirtuelleWelt::Vorgabebeginn;
 
     // What follows a 1101: the reconnection is announced, the last data came a minute before.
     void Neuverbindung() {
-        modul.LetzteDatenZeit = welt.Jetzt() - 60 * EineSekunde;
+        modul.LetzteDatenZeit = welt.Jetzt() - 60s;
         modul.NeuverbindungsZeit = welt.Jetzt();
         modul.FarmAktiv = false;
     }
@@ -33,7 +33,7 @@ TEST_F(Rundentest, AReconnectionFinishesAtTheRoundAfterTheFarmCameUp) {
     welt.Laufe(1);
     EXPECT_THAT(Neuverbindungsschritte(), ElementsAre("AlleMarktdatenAbbestellen 0", "AlleMarktdatenAbonnieren 7",
                                                       "StarteAutoBackfill 16.11.2026 11:59:00", "KontoabosAnfordern"));
-    EXPECT_EQ(modul.NeuverbindungsZeit, 0);
+    EXPECT_EQ(modul.NeuverbindungsZeit, std::nullopt);
     EXPECT_EQ(modul.LetzteDatenZeit, welt.Jetzt());
 }
 
@@ -54,7 +54,7 @@ TEST_F(Rundentest, AReconnectionDuringABackfillQueuesTheGap) {
     modul.FarmAktiv = true;
     welt.Laufe(1);
     ASSERT_EQ(modul.Datenpflegewarteschlange.size(), 1U);
-    EXPECT_EQ(modul.Datenpflegewarteschlange.front().first, Mittag - 60 * EineSekunde);
+    EXPECT_EQ(modul.Datenpflegewarteschlange.front().first, Mittag - 60s);
     EXPECT_EQ(modul.Datenpflegewarteschlange.front().second, welt.Jetzt());
     EXPECT_TRUE(Mager("Datenpflege nach Neuverbindung derzeit nicht möglich (läuft bereits)"));
     EXPECT_TRUE(Mager("Backfill von 16.11.2026 11:59:00 bis 16.11.2026 12:00:01 wird nachgeholt"));
@@ -125,7 +125,7 @@ TEST_F(Rundentest, RoundsGoOnBesideABackfillThatARoundHasStarted) {
 TEST_F(Rundentest, ASecondReconnectionDuringTheRunQueuesItsOwnGap) {
     Neuverbindung();
     modul.FarmAktiv = true;
-    const Datum zweite = welt.Jetzt() + 100 * EineSekunde;
+    const Zeitpunkt zweite = welt.Jetzt() + 100s;
     mitspieler.BeiBackfill = [&] {
         mitspieler.BeiBackfill = nullptr;
         modul.LetzteDatenZeit = zweite;
@@ -143,7 +143,7 @@ TEST_F(Rundentest, ASecondReconnectionDuringTheRunQueuesItsOwnGap) {
 TEST_F(Rundentest, AConnectionLostDuringTheRunKeepsTheBeginningOfItsGap) {
     Neuverbindung();
     modul.FarmAktiv = true;
-    const Datum letzte = welt.Jetzt();
+    const Zeitpunkt letzte = welt.Jetzt();
     modul.LetzteDatenZeit = letzte;
     mitspieler.BeiBackfill = [&] { mitspieler.Verbunden = false; };
     welt.Laufe(1);
@@ -174,7 +174,7 @@ TEST_F(Rundentest, TheEndInsideAStepThatPumpsStopsTheRound) {
 
 TEST_F(Rundentest, TheMinuteBlockComesEveryMinute) {
     modul.Einstellungen.AutoUhrzeitStellen = true;
-    modul.LetzteDatenZeit = 45973.5;
+    modul.LetzteDatenZeit = ZeitpunktAus(45973.5);
     welt.Laufe(1);
     EXPECT_THAT(aufrufe, ElementsAre("reqCurrentTime", "AtomZeitAbfrage")) << "first round: no IBLastEnd yet";
     EXPECT_EQ(modul.Minutenmarke, 43201);
@@ -200,9 +200,10 @@ TEST_F(Rundentest, WithinTheFirstTenSecondsTheLastEndStays) {
 
 TEST_F(Rundentest, TheLastEndStaysWhereNothingReachesAFileAnyMore) {
     modul.LetzteDatenZeit = welt.Jetzt();
-    mitspieler.Gespeichert = modul.LetzteDatenZeit - 1;
+    mitspieler.Gespeichert = *modul.LetzteDatenZeit - 24h;
     welt.Laufe(70);
-    EXPECT_EQ(Nur({"SchreibeLastEnd"}), (hilfen::Aufrufe{"SchreibeLastEnd " + ZahltextPunkt(mitspieler.Gespeichert)}));
+    EXPECT_EQ(Nur({"SchreibeLastEnd"}),
+              (hilfen::Aufrufe{"SchreibeLastEnd " + ZahltextPunkt(DatumAus(*mitspieler.Gespeichert))}));
 }
 
 TEST_F(Rundentest, WhereTheLastEndCannotBeWrittenTheMinuteBlockGoesOn) {
@@ -226,7 +227,7 @@ TEST_F(Rundentest, WithoutAConnectionTheTimeIsNotAskedFor) {
 }
 
 TEST_F(Rundentest, AtMidnightTheRoundOnlyZeroesTheMark) {
-    StarteUm(DatumAus(2026, 11, 16, 23, 59, 30));
+    StarteUm(ZeitpunktAus(2026, 11, 16, 23, 59, 30));
     welt.Laufe(1);
     EXPECT_EQ(modul.Minutenmarke, 86371);
     aufrufe.clear();
@@ -254,7 +255,7 @@ TEST_F(Rundentest, AfterTheClockWasSetBackTheBlockRunsAtTheNextRound) {
 // ---- reconnect
 
 TEST_F(Rundentest, ALostConnectionIsTriedEveryTwentySecondsOfTheDay) {
-    welt.StelleUhr(DatumAus(2026, 11, 16, 12, 0, 5));
+    welt.StelleUhr(ZeitpunktAus(2026, 11, 16, 12, 0, 5));
     modul.TWSVerbunden = false;
     mitspieler.Verbunden = false;
     welt.Laufe(14);

@@ -49,12 +49,14 @@ protected:
         uhr.AtomZeitAbfrage();
         welt.Ereignisse();
     }
-    void Um(int stunde, int minute, double sekunde) { welt.StelleUhr(DatumAus(2026, 11, 16, stunde, minute, sekunde)); }
+    void Um(int stunde, int minute, double sekunde) {
+        welt.StelleUhr(ZeitpunktAus(2026, 11, 16, stunde, minute, sekunde));
+    }
     // The server's clock stands `sekunden` later than this one.
-    void Gehe(double sekunden) { uhr.SetzeNeueSystemzeit(welt.Jetzt() + sekunden * EineSekunde); }
+    void Gehe(double sekunden) { uhr.SetzeNeueSystemzeit(welt.Jetzt() + DauerAusSekunden(sekunden)); }
     std::vector<std::string> Gesetzt() const {
         std::vector<std::string> texte;
-        for (const Datum zeit : welt.GesetzteZeiten) texte.push_back(Datumtext(zeit));
+        for (const Zeitpunkt zeit : welt.GesetzteZeiten) texte.push_back(Datumtext(zeit));
         return texte;
     }
 
@@ -234,8 +236,8 @@ TEST_F(Uhrtest, TheWindowLiesStrictlyBetweenItsEnds) {
     modul.Kursanzahl = 5;
     const auto gesetztUm = [&](int stunde, int minute) {
         welt.GesetzteZeiten.clear();
-        welt.StelleUhr(DatumAus(2026, 11, 16, stunde, minute, 10));
-        uhr.SetzeNeueSystemzeit(DatumAus(2026, 11, 16, stunde, minute, 0));
+        welt.StelleUhr(ZeitpunktAus(2026, 11, 16, stunde, minute, 10));
+        uhr.SetzeNeueSystemzeit(ZeitpunktAus(2026, 11, 16, stunde, minute, 0));
         return !welt.GesetzteZeiten.empty();
     };
     EXPECT_FALSE(gesetztUm(0, 5)) << "0:05:00 itself";
@@ -277,20 +279,20 @@ TEST_F(Uhrtest, WithoutTheRightTheEntryComesAllTheSame) {
 // ---- the broker's clock
 
 TEST_F(Uhrtest, TheBrokersClockIsComparedInWholeHours) {
-    const auto utc = [](Datum datum) { return static_cast<std::int64_t>(std::llround(UnixAus(datum))); };
+    const auto utc = [](Zeitpunkt zeit) { return zeit.time_since_epoch() / 1s; };
     Um(12, 0, 0);
-    uhr.currentTime(utc(DatumAus(2026, 11, 16, 11, 0, 7)));
+    uhr.currentTime(utc(ZeitpunktAus(2026, 11, 16, 11, 0, 7)));
     EXPECT_EQ(uhr.ZeitDifferenzTWS(), 0);
-    uhr.currentTime(utc(DatumAus(2026, 11, 16, 9, 59, 0)));
+    uhr.currentTime(utc(ZeitpunktAus(2026, 11, 16, 9, 59, 0)));
     EXPECT_DOUBLE_EQ(uhr.ZeitDifferenzTWS(), 2.0 / 24) << "hours as the clock on the wall counts them";
-    uhr.currentTime(utc(DatumAus(2026, 11, 16, 14, 0, 0)));
+    uhr.currentTime(utc(ZeitpunktAus(2026, 11, 16, 14, 0, 0)));
     EXPECT_DOUBLE_EQ(uhr.ZeitDifferenzTWS(), -3.0 / 24);
     EXPECT_TRUE(status.Eintraege.empty());
 }
 
 TEST_F(Uhrtest, FromTwelveHoursOnTheBrokersClockIsReportedAndNothingIsSet) {
     Um(12, 0, 0);
-    uhr.currentTime(static_cast<std::int64_t>(std::llround(UnixAus(DatumAus(2026, 11, 15, 23, 0, 0)))));
+    uhr.currentTime(ZeitpunktAus(2026, 11, 15, 23, 0, 0).time_since_epoch() / 1s);
     EXPECT_EQ(uhr.ZeitDifferenzTWS(), 12);
     ASSERT_EQ(status.Eintraege.size(), 1U);
     EXPECT_EQ(status.Letzte(), "System-Uhrzeit überprüfen - Abweichung>12h zu TWS-Zeit (wird nicht korrigiert!)");
@@ -302,7 +304,7 @@ TEST_F(Uhrtest, FromTwelveHoursOnTheBrokersClockIsReportedAndNothingIsSet) {
 
 TEST_F(Uhrtest, TheOffsetOfTheBrokersClockHasTheStandardBiasInWinter) {
     Um(12, 0, 0);
-    const auto elf = static_cast<std::int64_t>(std::llround(UnixAus(DatumAus(2026, 11, 16, 11, 0, 0))));
+    const auto elf = ZeitpunktAus(2026, 11, 16, 11, 0, 0).time_since_epoch() / 1s;
     welt.SetzeZone({-60, 120, -60, false});
     uhr.currentTime(elf);
     EXPECT_DOUBLE_EQ(uhr.ZeitDifferenzTWS(), 2.0 / 24);

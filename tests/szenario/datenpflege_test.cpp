@@ -96,7 +96,7 @@ struct Datenpflege : testing::Test {
         for (const auto art : {kursart::Bezahlt, kursart::Brief, kursart::Geld}) PruefeBalken(art, von, bis);
     }
     static Datum Um(int stunde, int minute, int sekunde = 0) {
-        return GanzerTag(Neun) + Uhrzeit(stunde, minute, sekunde);
+        return std::floor(Neun) + Uhrzeit(stunde, minute, sekunde);
     }
 };
 

@@ -35,8 +35,9 @@ std::vector<KursDatensatz> ErwartetAus(const Rekorderwelt& w, int titel) {
     std::vector<KursDatensatz> saetze;
     for (const auto& tick : w.tws.GesendeteTicks()) {
         if (tick.Id != titel || tick.Ticktyp != 4) continue;
-        const float frueheste = saetze.empty() ? 0 : Uhr::TimerAus(saetze.back().Datum) + 0.2F;
-        if (Uhr::TimerAus(tick.Zeit) > frueheste) saetze.push_back({tick.Zeit, static_cast<float>(tick.Kurs), 0});
+        const float frueheste = saetze.empty() ? 0 : Uhr::TimerAus(ZeitpunktAus(saetze.back().Datum)) + 0.2F;
+        if (Uhr::TimerAus(tick.Zeit) > frueheste)
+            saetze.push_back({DatumAus(tick.Zeit), static_cast<float>(tick.Kurs), 0});
     }
     return saetze;
 }
@@ -73,7 +74,8 @@ TEST(IndizesTest, TheVolumeFilterLeavesOutAnIndexAsAnyOtherTradeOfSizeZero) {
     ASSERT_TRUE(w.Starte());
     w.Bis(9, 2);
     EXPECT_GT(w.tws.GesendeteTicks().size(), 50U);
-    EXPECT_NEAR(w.Modul().LetzteDatenZeit, w.welt.Jetzt(), 5 / SekundenProTag) << "data came all the same";
+    EXPECT_NEAR(DatumAus(*w.Modul().LetzteDatenZeit), szenario::Jetzt(w.welt), 5 / SekundenProTag)
+        << "data came all the same";
     w.Beende();
     EXPECT_TRUE(w.Datei(1, kursart::Bezahlt).empty());
 }

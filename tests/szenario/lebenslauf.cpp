@@ -82,8 +82,8 @@ std::string Plantext(const Plan& plan) {
     for (const Termin& t : plan.Termine) {
         std::array<char, 160> zeile{};
         std::snprintf(zeile.data(), zeile.size(), "  %9.1f s  %s  %-16s %8.1f s  %d\n", t.Nach,
-                      NurZeittext(plan.Beginn + t.Nach * EineSekunde).c_str(), std::string(Name(t.Was)).c_str(),
-                      t.Dauer, t.Zahl);
+                      NurZeittext(ZeitpunktAus(plan.Beginn) + DauerAusSekunden(t.Nach)).c_str(),
+                      std::string(Name(t.Was)).c_str(), t.Dauer, t.Zahl);
         text += zeile.data();
     }
     return text;
@@ -170,7 +170,7 @@ void Lebenslauf::Beende(double wiederNach) {
 void Lebenslauf::PflegeVonHand(double dauer) {
     if (!w_.sitzung || w_.sitzung->Beendet() || !w_.sitzung->HatTeile()) return;
     Datenpflegewahl wahl;
-    wahl.Start = w_.welt.Jetzt() - dauer * EineSekunde;
+    wahl.Start = w_.welt.Jetzt() - DauerAusSekunden(dauer);
     wahl.GeldBrief = true;
     w_.sitzung->Teile().Datenpflege.DatenpflegeOhneDialog(wahl, false);
 }
@@ -296,7 +296,7 @@ void Lebenslauf::StelleUm(bool sommer) {
 }
 
 void Lebenslauf::MerkeUhr() {
-    const double vorlauf = (w_.welt.Jetzt() - w_.brokeruhr.Jetzt()) * SekundenProTag;
+    const double vorlauf = (szenario::Jetzt(w_.welt) - szenario::Jetzt(w_.brokeruhr)) * SekundenProTag;
     const int bias = w_.brokeruhr.Bias();
     if (!strecken_.empty() && strecken_.back().Bias == bias &&
         std::fabs(strecken_.back().Vorlauf - vorlauf) < Vorlaufgrenze)

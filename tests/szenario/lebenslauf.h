@@ -92,9 +92,11 @@ public:
     const std::vector<Spanne>& VollBeendet() const { return vollBeendet_; }
     // UTC of a time on the recorder's clock, and back.
     double Utc(Datum rekorderzeit) const;
+    double Utc(Zeitpunkt rekorderzeit) const { return Utc(DatumAus(rekorderzeit)); }
     Datum Rekorderzeit(double utc) const;
     // Of a local time on a right clock, and back.
     double UtcAusOrtszeit(Datum ortszeit) const;
+    double UtcAusOrtszeit(Zeitpunkt ortszeit) const { return UtcAusOrtszeit(DatumAus(ortszeit)); }
     Datum Ortszeit(double utc) const;
     // The greatest lead or lag of the recorder's clock within ten minutes.
     double Vorlauf(double utc) const;

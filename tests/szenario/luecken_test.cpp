@@ -45,13 +45,13 @@ Zeitspannen Benannt(Rekorderwelt& w, const clTitelobjekt& titel) {
         const auto zusatz = z.Zusatz();
         if (z.Bedeutung() != Wertung::Luecke || (!z.FuerAlle() && z.Titel != titel.Dateiname)) continue;
         if (!zusatz.empty() && zusatz.front() != '(' && zusatz != "Bezahlt") continue;
-        alle.Fuege(Zeitspannen::Aus(z.Von), z.IstOffen() ? Zeitspannen::Aus(w.welt.Jetzt()) : Zeitspannen::Aus(z.Bis));
+        alle.Fuege(z.Von, z.IstOffen() ? AufMillisekunde(w.welt.Jetzt()) : z.Bis);
     }
     return alle;
 }
 
-bool Enthaelt(const Zeitspannen& spannen, Datum zeit, std::int64_t rand) {
-    const std::int64_t ms = Zeitspannen::Aus(zeit);
+bool Enthaelt(const Zeitspannen& spannen, Datum zeit, std::chrono::milliseconds rand) {
+    const Zeit ms = AufMillisekunde(ZeitpunktAus(zeit));
     return std::ranges::any_of(spannen.Alle(), [=](const auto& s) { return s.Von - rand <= ms && ms <= s.Bis + rand; });
 }
 
@@ -59,7 +59,7 @@ bool Enthaelt(const Zeitspannen& spannen, Datum zeit, std::int64_t rand) {
 std::vector<KursDatensatz> Markt(Rekorderwelt& w, const simulator::Pfad& pfad) {
     std::vector<KursDatensatz> handel;
     const auto ab = static_cast<simulator::Sekunde>(UnixAus(DatumAus(2026, 11, 16, 8, 0, 0)));
-    const auto bis = static_cast<simulator::Sekunde>(UnixAus(w.welt.Jetzt())) - 3600;
+    const auto bis = static_cast<simulator::Sekunde>(UnixAus(szenario::Jetzt(w.welt))) - 3600;
     simulator::Pfadtick vorher;
     for (simulator::Sekunde s = ab; s < bis; ++s)
         for (const auto& tick : pfad.Ticks(s)) {
@@ -78,28 +78,27 @@ struct Vergleich {
 };
 
 Vergleich Vergleiche(Rekorderwelt& w, const clTitelobjekt& titel, const simulator::Pfad& pfad) {
-    constexpr std::int64_t rand = 60;  // ms between a moment of the market and the recorder's seeing it
+    constexpr auto rand = 60ms;  // between a moment of the market and the recorder's seeing it
     Vergleich v;
     const auto datei = w.Datei(titel.id, kursart::Bezahlt);
     const Zeitspannen luecken = Benannt(w, titel);
     for (const KursDatensatz& handel : Markt(w, pfad)) {
-        const auto ab =
-            std::ranges::lower_bound(datei, handel.Datum - rand * EineSekunde / 1000, {}, &KursDatensatz::Datum);
+        const auto ab = std::ranges::lower_bound(datei, handel.Datum - AlsTage(rand), {}, &KursDatensatz::Datum);
         const bool da = std::any_of(ab, datei.end(), [&](const KursDatensatz& satz) {
-            return satz.Datum <= handel.Datum + rand * EineSekunde / 1000 && satz.Kurs == handel.Kurs &&
+            return satz.Datum <= handel.Datum + AlsTage(rand) && satz.Kurs == handel.Kurs &&
                    satz.Volume == handel.Volume;
         });
         if (da) {
             ++v.Aufgezeichnet;
             if (Enthaelt(luecken, handel.Datum, -rand)) {
                 ++v.AufgezeichnetInLuecke;
-                v.Beispiele += "recorded " + Lueckenzeittext(handel.Datum) + "\n";
+                v.Beispiele += "recorded " + Lueckenzeittext(AufMillisekunde(ZeitpunktAus(handel.Datum))) + "\n";
             }
         } else {
             ++v.Fehlend;
             if (!Enthaelt(luecken, handel.Datum, rand)) {
                 ++v.FehlendOhneNamen;
-                v.Beispiele += "missing " + Lueckenzeittext(handel.Datum) + "\n";
+                v.Beispiele += "missing " + Lueckenzeittext(AufMillisekunde(ZeitpunktAus(handel.Datum))) + "\n";
             }
         }
     }
@@ -170,7 +169,7 @@ TEST_P(LueckenSzenario, OnADayOfFaultsEveryMissingTickLiesInANamedGapAndNoRecord
     std::ranges::shuffle(arten, zufall);
     for (const int art : arten) {
         w.welt.Laufe(900 + static_cast<double>(zufall() % 600000) / 1000);
-        SCOPED_TRACE("fault " + std::to_string(art) + " at " + Datumtext(w.welt.Jetzt()));
+        SCOPED_TRACE("fault " + std::to_string(art) + " at " + Datumtext(szenario::Jetzt(w.welt)));
         Stoere(w, art, 20 + static_cast<double>(zufall() % 200000) / 1000);
     }
     w.welt.Laufe(1800);
@@ -198,7 +197,7 @@ TEST_P(VollePlatte, TheEvidenceOfAFullDiskSurvivesTheEndOnIt) {
     ASSERT_TRUE(w.Starte());
     w.tws.HistoriefarmGestoert();
     w.Bis(10, 0);
-    const Datum voll = w.welt.Jetzt();
+    const Datum voll = szenario::Jetzt(w.welt);
     w.dateien.SetzeFreienPlatz(40);
     w.Bis(10, 20);
     EXPECT_EQ(w.gesicht.Status.Anzahl("Das Speichern schlägt fehl: "), 1u);
@@ -246,10 +245,10 @@ TEST(LueckenTest, ABreakOfAMillisecondHasItsLineAndEndsWithTheFirstTickBehindIt)
             });
             ASSERT_NE(offline, zeilen.end()) << dauer;
             const Datum unterbrechung = DatumAus(2026, 11, 16, 9, 30, 0);
-            EXPECT_LE(offline->Von, unterbrechung);
-            EXPECT_GT(offline->Von, unterbrechung - 60 * EineSekunde);
-            EXPECT_GE(offline->Bis, unterbrechung);
-            EXPECT_LT(offline->Bis, unterbrechung + 60 * EineSekunde);
+            EXPECT_LE(DatumAus(offline->Von), unterbrechung);
+            EXPECT_GT(DatumAus(offline->Von), unterbrechung - 60 * EineSekunde);
+            EXPECT_GE(DatumAus(offline->Bis), unterbrechung);
+            EXPECT_LT(DatumAus(offline->Bis), unterbrechung + 60 * EineSekunde);
             const Vergleich v =
                 Vergleiche(w, es, w.tws.PfadVon({0, "ES", "FUT", "20261218", 0, "", "", "CME", "", "USD", "", ""}));
             EXPECT_EQ(v.FehlendOhneNamen, 0u) << v.Beispiele;

@@ -222,7 +222,7 @@ private:
             if (tick.Ticktyp == 1) geld = kurs;
             if (tick.Ticktyp == 2) brief = kurs;
             if (tick.Ticktyp != 4) continue;
-            for (; naechster < live_.size() && live_[naechster].Datum < tick.Zeit; ++naechster)
+            for (; naechster < live_.size() && live_[naechster].Datum < DatumAus(tick.Zeit); ++naechster)
                 vorzeichen_.push_back(0);
             if (naechster == live_.size()) break;
             const bool klar = geld > 0 && brief > geld * 1.00001F;
@@ -244,7 +244,7 @@ private:
         const Datum zeit = leben_.Rekorderzeit(utc);
         if (titel_.AufzeichnungspauseVerwenden) {
             const Datum uhr = Tagesbruchteil(zeit);
-            if (uhr >= *DatumAusText(Pausenbeginn) && uhr <= *DatumAusText(Pausenende)) return true;
+            if (uhr >= Tagesanteil(Pausenbeginn) && uhr <= Tagesanteil(Pausenende)) return true;
         }
         return titel_.StartZeit > 0 && Tagesbruchteil(zeit) + titel_.ZeitKorrektur < titel_.StartZeit;
     }

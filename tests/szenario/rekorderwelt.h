@@ -15,6 +15,7 @@
 #include "platform/text.h"
 #include "session/sitzung.h"
 #include "simulator/simulator.h"
+#include "szenario/tageszahl.h"
 #include "titles/titeldatei.h"
 
 #include <cmath>
@@ -33,16 +34,13 @@ inline constexpr int Klient = 255281497;  // client id of the live session
 class Brokeruhr : public Uhr {
 public:
     explicit Brokeruhr(const hilfen::VirtuelleWelt& welt)
-        : welt_(welt),
-          utc_(std::llround(static_cast<long double>(welt.Jetzt()) * MikroProTag) + Bias() * MikroProMinute) {}
-    Datum Jetzt() const override {
-        return static_cast<Datum>(static_cast<long double>(utc_ + welt_.Mikrosekunden() - Bias() * MikroProMinute) /
-                                  MikroProTag);
-    }
+        : welt_(welt), utc_(welt.Jetzt().time_since_epoch() + std::chrono::minutes(Bias())) {}
+    Zeitpunkt Jetzt() const override { return Zeitpunkt((Moment() - std::chrono::minutes(Bias())).time_since_epoch()); }
     Zeitzone Zone() const override { return welt_.Zone(); }
-    bool SetzeSystemzeit(Datum) override { return false; }
+    bool SetzeSystemzeit(Zeitpunkt) override { return false; }
+    UtcZeitpunkt Moment() const { return utc_ + Dauer(welt_.Mikrosekunden()); }
     // Seconds since 1970.
-    double Utc() const { return UnixAus(Jetzt()) + static_cast<double>(Bias()) * 60; }
+    double Utc() const { return AlsSekunden(Moment().time_since_epoch()); }
     // Minutes from local time to UTC.
     int Bias() const {
         const Zeitzone zone = welt_.Zone();
@@ -50,16 +48,13 @@ public:
     }
 
 private:
-    static constexpr long double MikroProTag = 86400e6L;
-    static constexpr std::int64_t MikroProMinute = 60'000'000;
-
     const hilfen::VirtuelleWelt& welt_;
-    std::int64_t utc_;  // microseconds at the world's beginning
+    UtcZeitpunkt utc_;  // at the world's beginning
 };
 
 struct Rekorderwelt {
     explicit Rekorderwelt(Datum beginn, simulator::Einstellungen einstellungen = {}, bool sommerzeit = false)
-        : welt(beginn),
+        : welt(ZeitpunktAus(beginn)),
           brokeruhr(MitZone(welt, sommerzeit)),
           tws(netz, welt, brokeruhr, MitPort(std::move(einstellungen))) {
         platte.SetzeProtokoll(false);
@@ -119,7 +114,8 @@ struct Rekorderwelt {
 
     // ---- time
     void Bis(int stunde, int minute, int sekunde = 0, int tageWeiter = 0) {
-        welt.LaufeBis(GanzerTag(welt.Jetzt()) + tageWeiter + Uhrzeit(stunde, minute, sekunde));
+        welt.LaufeBis(TagVon(welt.Jetzt()) + std::chrono::days(tageWeiter) + std::chrono::hours(stunde) +
+                      std::chrono::minutes(minute) + std::chrono::seconds(sekunde));
     }
 
     // ---- what came about
@@ -151,19 +147,19 @@ struct Rekorderwelt {
         float kurs = 0;
         float echo = -1;  // size that may come once more without being a record
         const bool index = gespeichert.Finde(titel)->Typ == "IND";
-        Datum leereGroesse = 0;
+        Zeitpunkt leereGroesse{};
         for (const auto& tick : tws.GesendeteTicks()) {
             if (tick.Klient != Klient || tick.Id != titel) continue;
             const auto groesse = static_cast<float>(tick.Groesse);
             if (tick.IstKurs && tick.Ticktyp == kurstyp) {
                 kurs = static_cast<float>(tick.Kurs);
                 echo = groesse;
-                if (index && tick.Zeit - leereGroesse <= 0.2 * EineSekunde) continue;
+                if (index && tick.Zeit - leereGroesse <= 200ms) continue;
                 leereGroesse = tick.Zeit;
             } else if (tick.IstKurs || tick.Ticktyp != groessentyp || std::exchange(echo, -1.0F) == groesse) {
                 continue;
             }
-            if (kurs > 0) saetze.push_back({tick.Zeit, kurs, groesse});
+            if (kurs > 0) saetze.push_back({DatumAus(tick.Zeit), kurs, groesse});
         }
         return saetze;
     }

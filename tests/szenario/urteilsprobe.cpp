@@ -79,9 +79,9 @@ private:
         Tageszeile t;
         t.Titel = felder.at(1);
         const Zeit von = Lueckenzeit(felder.at(2)).value(), bis = Lueckenzeit(felder.at(3)).value();
-        t.Tag = Zeitspannen::AlsDatum(von);
+        t.Tag = DatumAus(von);
         t.Von = std::max(leben_.Utc(t.Tag), leben_.Gelebt().Von);
-        t.Bis = std::min(leben_.Utc(Zeitspannen::AlsDatum(bis)), leben_.Gelebt().Bis);
+        t.Bis = std::min(leben_.Utc(bis), leben_.Gelebt().Bis);
         t.Laenge = t.Bis - t.Von;
         t.Gesamt = Zahl(felder.at(4)), t.Live = Zahl(felder.at(5)), t.Ergaenzt = Zahl(felder.at(6));
         t.Gewollt = Zahl(felder.at(7)), t.Fehlend = Zahl(felder.at(8));
@@ -158,7 +158,7 @@ private:
         if (titel.StartZeit > 0) mindestens = hoechstens = (titel.StartZeit - titel.ZeitKorrektur) * SekundenProTag;
         if (titel.AufzeichnungspauseVerwenden) {
             hoechstens = Pausendauer;
-            const double ab = leben_.Utc(t.Tag + *DatumAusText(Pausenbeginn));
+            const double ab = leben_.Utc(t.Tag + Tagesanteil(Pausenbeginn));
             mindestens = IstFall(ab - Nachher, ab + Pausendauer + Nachher) ? 0 : Pausendauer;
         }
         if (t.Gesamt < 86000) return;  // not all of it was judged

@@ -34,7 +34,7 @@ struct Verschachtelung : testing::Test {
     }
     // Orders and failures that come at a time of day, inside whatever runs then.
     void Um(int stunde, int minute, double sekunde, std::function<void()> fn) {
-        w->welt.Plane((DatumAus(2026, 11, 16, stunde, minute, 0) - w->welt.Jetzt()) * SekundenProTag + sekunde,
+        w->welt.Plane((DatumAus(2026, 11, 16, stunde, minute, 0) - szenario::Jetzt(w->welt)) * SekundenProTag + sekunde,
                       std::move(fn));
     }
     // Looks ten times a second, also inside waits.
@@ -75,7 +75,7 @@ TEST_F(Verschachtelung, ARoundInsideTheConnectOfTheStartMakesNoAttemptOfItsOwn) 
     Lege(3, Neun - 3 * EineSekunde);
     w->tws.Taub(600);
     ASSERT_TRUE(w->Starte());
-    EXPECT_GT(w->welt.Jetzt(), Neun) << "the multiple of 20 seconds passed in the wait";
+    EXPECT_GT(szenario::Jetzt(w->welt), Neun) << "the multiple of 20 seconds passed in the wait";
     EXPECT_EQ(w->netz.Verbindungsversuche(), 1u);
     EXPECT_EQ(w->LogAnzahl("Es besteht keine Verbindung zur TWS!"), 1u);
 }

@@ -173,9 +173,9 @@ TEST(Titelobjekt, ANewOneKnowsNoPriceNoSizeAndNoTime) {
         EXPECT_EQ(kurs, KeinWert);
     for (const float umsatz : {t.LastVol, t.BidVol, t.AskVol}) EXPECT_EQ(umsatz, 0.0F);
     for (const double zeit : {t.LastPriceTimer, t.LastAskTimer, t.LastBidTimer, t.LastPriceVolTimer, t.LastBidVolTimer,
-                              t.LastAskVolTimer, t.LastPriceDate, t.ErsterKursZeitpunkt, t.LetzterKursZeitpunkt,
-                              t.ZeitKorrektur, t.LastGesamtVolume, t.LastZeitstempel, t.LastZeitstempelTimer})
+                              t.LastAskVolTimer, t.ZeitKorrektur, t.LastGesamtVolume, t.LastZeitstempelTimer})
         EXPECT_EQ(zeit, 0.0);
+    EXPECT_FALSE(t.LastPriceDate || t.ErsterKursZeitpunkt || t.LetzterKursZeitpunkt || t.LastZeitstempel);
 }
 
 TEST(Titelobjekt, AShortListOfAnOldVersionGivesDefaults) {

@@ -33,19 +33,19 @@ protected:
     std::string Aus() const { return ausgabe.str(); }
 
     // One record at the first and one at the last moment.
-    void Serie(const std::string& datei, Datum von, Datum bis) {
+    void Serie(const std::string& datei, Zeitpunkt von, Zeitpunkt bis) {
         ram.LegeDateiAn("/d/" + datei, DaxKopf() + Satzbytes(von, 1, 1) + Nullen(16) + Satzbytes(bis, 1, 1));
     }
     void Buch(const std::string& zeilen) { ram.LegeDateiAn("/d/Lücken/2026-11-16.txt", zeilen); }
-    static Datum Am(int tag, int stunde, int minute = 0) { return DatumAus(2026, 11, tag, stunde, minute, 0); }
+    static Zeit Am(int tag, int stunde, int minute = 0) {
+        return TagAus(2026, 11, tag) + std::chrono::hours(stunde) + std::chrono::minutes(minute);
+    }
 
-    static std::string Zeile(Datum von, Datum bis, const std::string& titel, const std::string& ursache,
+    static std::string Zeile(Zeit von, Zeit bis, const std::string& titel, const std::string& ursache,
                              const std::string& ergaenzung = "") {
         return Zeilentext({von, bis, titel, ursache, ergaenzung});
     }
-    void Lebt(Datum moment) {
-        SchreibeLebenszeichen(dateien, "/d/Lücken/", {Zeitspannen::Aus(moment), std::nullopt, "start"});
-    }
+    void Lebt(Zeit moment) { SchreibeLebenszeichen(dateien, "/d/Lücken/", {moment, std::nullopt, "start"}); }
     // The definitions, in the folder above the data.
     void Definiere(const std::string& symbol, bool aktiv = true) {
         auto titel = std::make_shared<clTitelobjekt>();
@@ -64,7 +64,7 @@ protected:
     Titelliste definiert;
     RamDateisystem ram;
     StoerDateisystem dateien{ram};
-    Datum jetzt = Am(30, 12);
+    Zeit jetzt = Am(30, 12);
     bool gehalten = false;
     std::ostringstream ausgabe, fehler;
     const std::string start = "16.11.2026 00:00:00,000\t16.11.2026 00:00:00,000\t*\tProgrammstart\t\n";
@@ -201,8 +201,8 @@ TEST_F(GapsTest, WithoutABookOrATitleThereIsNothingToSay) {
 
 TEST_F(GapsTest, ATitleThatIsActiveAndNeverHadAFileIsMissing) {
     Serie("ES.ZEK", Am(16, 8), Am(16, 17));
-    Buch(start + Zeile(Am(16, 0), 0, "ES", "Titel aktiv", "Bezahlt") +
-         Zeile(Am(16, 9), 0, "NQ", "Titel aktiv", "Bezahlt, Brief, Geld"));
+    Buch(start + Zeile(Am(16, 0), KeineZeit, "ES", "Titel aktiv", "Bezahlt") +
+         Zeile(Am(16, 9), KeineZeit, "NQ", "Titel aktiv", "Bezahlt, Brief, Geld"));
     Lebt(Am(16, 17));
     jetzt = Am(16, 17);
     EXPECT_EQ(Gaps(), 1);
@@ -227,7 +227,7 @@ TEST_F(GapsTest, ATitleOfTheDefinitionsIsJudgedAlsoWithoutALineOrAFile) {
     EXPECT_EQ(Gaps(), 1);
     EXPECT_THAT(Aus(), HasSubstr("\nDAX\n  Mo 16.11.2026  live   0,00 %"));
     EXPECT_THAT(Aus(), Not(HasSubstr("NQ")));
-    Buch(start + Zeile(Am(16, 0), 0, "ES", "Titel aktiv", "Bezahlt"));
+    Buch(start + Zeile(Am(16, 0), KeineZeit, "ES", "Titel aktiv", "Bezahlt"));
     EXPECT_EQ(Gaps(), 1);
     EXPECT_THAT(Aus(), HasSubstr("Von 1 aktiven Titeln weiß der Lückennachweis nichts: DAX\n"));
 }
@@ -236,16 +236,16 @@ TEST_F(GapsTest, ATitleIsJudgedOnlyWhileTheBookCallsItActive) {
     Serie("ES.ZEK", Am(16, 0), Am(16, 17));
     Serie("alt.ZEK", Am(2, 0), Am(3, 0));
     Buch(start + Zeile(Am(16, 0), Am(16, 8), "ES", "Titel aktiv", "Bezahlt") +
-         Zeile(Am(16, 8), 0, "ES", "Titel nicht aktiv") + Zeile(Am(16, 9), Am(16, 10), "*", "TWS offline"));
+         Zeile(Am(16, 8), KeineZeit, "ES", "Titel nicht aktiv") + Zeile(Am(16, 9), Am(16, 10), "*", "TWS offline"));
     EXPECT_EQ(Gaps(), 0);
     EXPECT_THAT(Aus(), HasSubstr("Beurteilt von 16.11.2026 00:00:00,000 bis 16.11.2026 08:00:00,000.\n"));
     EXPECT_THAT(Aus(), Not(HasSubstr("alt")));
 }
 
 TEST_F(GapsTest, ABookThatSaysFromItsBeginningWhichTitlesAreActiveLacksNothingBeforeThat) {
-    const Datum tick = Am(16, 8) + 20 * EineSekunde;
+    const Zeit tick = Am(16, 8) + 20s;
     Serie("ES.ZEK", tick, Am(16, 17));
-    Buch(Zeile(Am(16, 8), Am(16, 8), "*", "Programmstart") + Zeile(tick, 0, "ES", "Titel aktiv", "Bezahlt") +
+    Buch(Zeile(Am(16, 8), Am(16, 8), "*", "Programmstart") + Zeile(tick, KeineZeit, "ES", "Titel aktiv", "Bezahlt") +
          Zeile(Am(16, 8), tick, "ES", "Noch keine Kurse"));
     jetzt = Am(16, 17);
     Lebt(jetzt);
@@ -267,10 +267,10 @@ TEST_F(GapsTest, LinesThatBeginBeforeAllRecordingDontCountAndAreNamed) {
 // ---- how much of it
 
 TEST_F(GapsTest, DaysThatCameOutAlikeBecomeOneLineButTheLastTwoWeeksStandDayByDay) {
-    Serie("ES.ZEK", DatumAus(2026, 9, 1), Am(16, 17));
+    Serie("ES.ZEK", TagAus(2026, 9, 1), Am(16, 17));
     ram.LegeDateiAn("/d/Lücken/2026-09-01.txt",
-                    Zeile(DatumAus(2026, 9, 1), 0, "ES", "Titel aktiv", "Bezahlt") +
-                        Zeile(DatumAus(2026, 9, 23, 10, 0, 0), DatumAus(2026, 9, 23, 11, 0, 0), "*", "TWS offline"));
+                    Zeile(TagAus(2026, 9, 1), KeineZeit, "ES", "Titel aktiv", "Bezahlt") +
+                        Zeile(TagAus(2026, 9, 23) + 10h, TagAus(2026, 9, 23) + 11h, "*", "TWS offline"));
     Lebt(Am(16, 17));
     jetzt = Am(16, 17);
     EXPECT_EQ(Gaps(), 1);
@@ -293,8 +293,8 @@ TEST_F(GapsTest, ManyTitlesAreAddedUpAndTheWorstOnesNamed) {
     for (int i = 0; i < 40; ++i) {
         const std::string name = "T" + std::to_string(100 + i);
         Serie(name + ".ZEK", Am(16, 0), Am(16, 17));
-        buch += Zeile(Am(16, 0), 0, name, "Titel aktiv", "Bezahlt") +
-                Zeile(Am(16, 8) + i * EineSekunde, Am(16, 8) + (i + 10) * EineSekunde, name, "Noch keine Kurse");
+        buch += Zeile(Am(16, 0), KeineZeit, name, "Titel aktiv", "Bezahlt") +
+                Zeile(Am(16, 8) + i * 1s, Am(16, 8) + (i + 10) * 1s, name, "Noch keine Kurse");
         if (i >= 25) buch += Zeile(Am(16, 8), Am(16, 9), name, "Datenpflege Bezahlt", "ergänzt: 9 Sekundenkurse");
     }
     buch += Zeile(Am(16, 12), Am(16, 13), "T107", "Abonnement abgelehnt (354)");
@@ -318,9 +318,10 @@ TEST_F(GapsTest, ManyTitlesAreAddedUpAndTheWorstOnesNamed) {
 
 TEST_F(GapsTest, AnOutageThatGoesOnReachesToNow) {
     Serie("ES.ZEK", Am(16, 8), Am(16, 12));
-    Buch(start + Zeile(Am(16, 0), 0, "ES", "Titel aktiv", "Bezahlt") + Zeile(Am(16, 12), 0, "*", "TWS offline"));
+    Buch(start + Zeile(Am(16, 0), KeineZeit, "ES", "Titel aktiv", "Bezahlt") +
+         Zeile(Am(16, 12), KeineZeit, "*", "TWS offline"));
     jetzt = Am(16, 15);
-    Lebt(jetzt - 20 * EineSekunde);
+    Lebt(jetzt - 20s);
     EXPECT_EQ(Gaps(), 1);
     EXPECT_THAT(Aus(), HasSubstr("bis 16.11.2026 15:00:00,000.\nDas Programm läuft.\n"));
     EXPECT_THAT(Aus(), HasSubstr("03:00:00  alle Titel  TWS offline: fehlt, dauert an\n"));
@@ -329,7 +330,7 @@ TEST_F(GapsTest, AnOutageThatGoesOnReachesToNow) {
 
 TEST_F(GapsTest, ARecorderThatDiedOnTuesdayMakesWednesdayMissing) {
     Serie("ES.ZEK", Am(16, 8), Am(17, 12));
-    Buch(start + Zeile(Am(16, 0), 0, "ES", "Titel aktiv", "Bezahlt"));
+    Buch(start + Zeile(Am(16, 0), KeineZeit, "ES", "Titel aktiv", "Bezahlt"));
     Definiere("ES");
     jetzt = Am(18, 12);
     Lebt(Am(17, 12));
@@ -339,7 +340,7 @@ TEST_F(GapsTest, ARecorderThatDiedOnTuesdayMakesWednesdayMissing) {
     EXPECT_THAT(Aus(), HasSubstr("  Mi 18.11.2026  live   0,00 %  ergänzt   0,00 %  fehlend 100,00 %\n"));
     EXPECT_THAT(Aus(), HasSubstr("24:00:00  alle Titel  Programm nicht aktiv: fehlt, dauert an\n"));
     EXPECT_EQ(Gaps({"--bis", "16.11.2026", "/d"}), 0) << "Monday is whole";
-    jetzt = Am(17, 12) + 60 * EineSekunde;
+    jetzt = Am(17, 12) + 60s;
     EXPECT_EQ(Gaps(), 1) << "nobody holds the folder, so the sign of life is that of a dead one";
     gehalten = true;
     EXPECT_EQ(Gaps(), 0);
@@ -351,11 +352,11 @@ TEST_F(GapsTest, ARecorderThatDiedOnTuesdayMakesWednesdayMissing) {
 
 TEST_F(GapsTest, WithoutAProgramFolderTheAgeOfTheSignOfLifeDecides) {
     Serie("ES.ZEK", Am(16, 8), Am(17, 12));
-    Buch(start + Zeile(Am(16, 0), 0, "ES", "Titel aktiv", "Bezahlt"));
+    Buch(start + Zeile(Am(16, 0), KeineZeit, "ES", "Titel aktiv", "Bezahlt"));
     Lebt(Am(17, 12));
-    jetzt = Am(17, 12) + 179 * EineSekunde;
+    jetzt = Am(17, 12) + 179s;
     EXPECT_EQ(Gaps(), 0);
-    jetzt = Am(17, 12) + 181 * EineSekunde;
+    jetzt = Am(17, 12) + 181s;
     EXPECT_EQ(Gaps(), 1);
     jetzt = Am(17, 11);
     EXPECT_EQ(Gaps(), 0) << "the clock was set back at the end of summer time";
@@ -369,7 +370,8 @@ TEST_F(GapsTest, WithoutAProgramFolderTheAgeOfTheSignOfLifeDecides) {
 
 TEST_F(GapsTest, AnOrderlyEndIsNamedAndOwesNothing) {
     Serie("ES.ZEK", Am(16, 8), Am(16, 17));
-    Buch(start + Zeile(Am(16, 0), 0, "ES", "Titel aktiv", "Bezahlt") + Zeile(Am(16, 17), 0, "*", "Programm beendet"));
+    Buch(start + Zeile(Am(16, 0), KeineZeit, "ES", "Titel aktiv", "Bezahlt") +
+         Zeile(Am(16, 17), KeineZeit, "*", "Programm beendet"));
     Lebt(Am(16, 17));
     jetzt = Am(20, 12);
     EXPECT_EQ(Gaps(), 0);
@@ -392,8 +394,8 @@ TEST_F(GapsTest, LinesOfTheReserveCount) {
 
 TEST_F(GapsTest, ACorrectedTitleIsJudgedByTheClock) {
     Serie("ES.ZEK", Am(16, 14), Am(16, 23));
-    Buch(start +
-         Zeile(Am(16, 8), 0, "ES", "Titel aktiv", "Bezahlt; Zeitkorrektur +06:00:00,000; Startzeit 15:30:00,000"));
+    Buch(start + Zeile(Am(16, 8), KeineZeit, "ES", "Titel aktiv",
+                       "Bezahlt; Zeitkorrektur +06:00:00,000; Startzeit 15:30:00,000"));
     jetzt = Am(16, 17);
     Lebt(jetzt);
     EXPECT_EQ(Gaps(), 0);
@@ -403,13 +405,13 @@ TEST_F(GapsTest, ACorrectedTitleIsJudgedByTheClock) {
 
 TEST_F(GapsTest, WhatHistoryCantBringBackIsToldApart) {
     for (const char* datei : {"ES.ZEK", "ES-BAV.ZEK", "ES-ASKMT1.ZEK"}) Serie(datei, Am(16, 0), Am(16, 20));
-    Buch(start + Zeile(Am(16, 0), 0, "ES", "Titel aktiv", "Bezahlt, BAVolume, Markttiefe") + offline +
+    Buch(start + Zeile(Am(16, 0), KeineZeit, "ES", "Titel aktiv", "Bezahlt, BAVolume, Markttiefe") + offline +
          Zeile(Am(16, 6), Am(16, 12), "ES", "Datenpflege Bezahlt", "ergänzt: 9 Sekundenkurse"));
     jetzt = Am(16, 20);
     Lebt(jetzt);
     EXPECT_EQ(Gaps(), 0);
     EXPECT_THAT(Aus(), HasSubstr("; es fehlt nichts\n  Von niemandem nachzuholen: BAVolume, Markttiefe, 06:00:00\n"));
-    Buch(start + Zeile(Am(16, 0), 0, "ES", "Titel aktiv", "Bezahlt, BAVolume") +
+    Buch(start + Zeile(Am(16, 0), KeineZeit, "ES", "Titel aktiv", "Bezahlt, BAVolume") +
          Zeile(Am(16, 6), Am(16, 7), "ES", "Speichern fehlgeschlagen BAVolume"));
     EXPECT_EQ(Gaps(), 1) << "it was there, and wasn't kept";
 }
@@ -417,8 +419,8 @@ TEST_F(GapsTest, WhatHistoryCantBringBackIsToldApart) {
 TEST_F(GapsTest, AMarketThatIsClosedByItsOwnHoursLacksNothing) {
     Serie("DAX.ZEK", Am(13, 8), Am(16, 17));
     Serie("EUR@IdealPro_Cash_USD-ASK.ZEK", Am(13, 8), Am(16, 17));
-    const std::string aktiv = start + Zeile(Am(13, 8), 0, "DAX", "Titel aktiv", "Bezahlt") +
-                              Zeile(Am(13, 8), 0, "EUR@IdealPro_Cash_USD", "Titel aktiv", "Brief, Geld") +
+    const std::string aktiv = start + Zeile(Am(13, 8), KeineZeit, "DAX", "Titel aktiv", "Bezahlt") +
+                              Zeile(Am(13, 8), KeineZeit, "EUR@IdealPro_Cash_USD", "Titel aktiv", "Brief, Geld") +
                               Zeile(Am(15, 22), Am(15, 23, 30), "*", "TWS offline");
     jetzt = Am(16, 17);
     Lebt(jetzt);
@@ -426,10 +428,10 @@ TEST_F(GapsTest, AMarketThatIsClosedByItsOwnHoursLacksNothing) {
     EXPECT_EQ(Gaps({"--titel", "DAX", "/d"}), 0) << "a Sunday";
     EXPECT_EQ(Gaps({"--titel", "EUR*", "/d"}), 1) << "currencies open on Sunday evening";
     EXPECT_THAT(Aus(), HasSubstr("es fehlen 00:30:00"));
-    Buch(aktiv + Zeile(Am(14, 0), 0, "DAX", "Handelszeiten", "So 22:15-Fr 22:00"));
+    Buch(aktiv + Zeile(Am(14, 0), KeineZeit, "DAX", "Handelszeiten", "So 22:15-Fr 22:00"));
     EXPECT_EQ(Gaps({"--titel", "DAX", "/d"}), 1);
     EXPECT_THAT(Aus(), HasSubstr("es fehlen 01:15:00"));
-    Buch(aktiv + Zeile(Am(14, 0), 0, "DAX", "Handelszeiten", "Mo 09:00-17:30, Di 09:00-17:30") +
+    Buch(aktiv + Zeile(Am(14, 0), KeineZeit, "DAX", "Handelszeiten", "Mo 09:00-17:30, Di 09:00-17:30") +
          Zeile(Am(16, 7), Am(16, 8, 30), "*", "Keine Kurse"));
     EXPECT_EQ(Gaps({"--titel", "DAX", "/d"}), 0);
     EXPECT_THAT(Aus(), HasSubstr("Keine Kurse: fehlt, Handelspause\n"));

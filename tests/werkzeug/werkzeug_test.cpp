@@ -24,7 +24,7 @@ protected:
     int Zek(std::vector<std::string> argumente) {
         ausgabe.str("");
         fehler.str("");
-        const int ergebnis = Werkzeug(argumente, "1.2.3", {dateien, DatumAus(2026, 11, 21), {}}, ausgabe, fehler);
+        const int ergebnis = Werkzeug(argumente, "1.2.3", {dateien, TagAus(2026, 11, 21), {}}, ausgabe, fehler);
         EXPECT_EQ(ram.OffeneHandles(), 0u);
         return ergebnis;
     }
@@ -112,8 +112,8 @@ US       Bezahlt        1           0                                           
 }
 
 TEST_F(WerkzeugTest, CsvPrintsRecordsInGermanAndIsoForm) {
-    ram.LegeDateiAn("/d/x.ZEK", DaxKopf() + Satzbytes(DatumAus(2026, 11, 15, 18, 21, 53.25), 5012.25F, 3) + Nullen(16) +
-                                    Satzbytes(DatumAus(2026, 11, 15, 18, 21, 53.9996), 0.1F, -2));
+    ram.LegeDateiAn("/d/x.ZEK", DaxKopf() + Satzbytes(ZeitpunktAus(2026, 11, 15, 18, 21, 53.25), 5012.25F, 3) +
+                                    Nullen(16) + Satzbytes(ZeitpunktAus(2026, 11, 15, 18, 21, 53.9996), 0.1F, -2));
     EXPECT_EQ(Zek({"csv", "/d/x.ZEK"}), 0);
     EXPECT_EQ(Aus(), "Zeit;Kurs;Volume\n15.11.2026 18:21:53,250;5012,25;3\n15.11.2026 18:21:54,000;0,1;-2\n");
     EXPECT_EQ(Zek({"csv", "--zeit", "iso", "/d/x.ZEK"}), 0);
@@ -126,7 +126,7 @@ TEST_F(WerkzeugTest, TimesCarryOverAtMidnightAndAnythingElseIsABareNumber) {
         werkzeug::ZeitAnhaengen(datum, werkzeug::Zeitform::Iso, text);
         return text;
     };
-    EXPECT_EQ(Text(DatumAus(2026, 12, 31, 23, 59, 59.9997)), "2027-01-01T00:00:00.000");
+    EXPECT_EQ(Text(DatumAus(ZeitpunktAus(2026, 12, 31, 23, 59, 59.9997))), "2027-01-01T00:00:00.000");
     EXPECT_EQ(Text(0.5), "1899-12-30T12:00:00.000");
     EXPECT_EQ(Text(-1), "1899-12-29T00:00:00.000");
     EXPECT_EQ(Text(1e300), "1e+300");
@@ -142,11 +142,11 @@ TEST_F(WerkzeugTest, CsvStreamsFilesOfManyBlocks) {
 
 TEST_F(WerkzeugTest, TheHourThatAutumnRepeatsIsNoDamage) {
     const auto Am = [](int tag, int stunde, int minute, double sekunde = 0) {
-        return DatumAus(2026, 10, tag, stunde, minute, sekunde);
+        return ZeitpunktAus(2026, 10, tag, stunde, minute, sekunde);
     };
-    const auto Datei = [&](std::vector<Datum> zeiten) {
+    const auto Datei = [&](std::vector<Zeitpunkt> zeiten) {
         std::string bytes = DaxKopf();
-        for (const Datum zeit : zeiten) bytes += Satzbytes(zeit, 1, 1);
+        for (const Zeitpunkt zeit : zeiten) bytes += Satzbytes(zeit, 1, 1);
         ram.LegeDateiAn("/d/x.ZEK", bytes);
         return Zek({"check", "/d"});
     };
@@ -200,7 +200,7 @@ TEST_F(WerkzeugTest, WhatCannotBeReadGivesTwo) {
 TEST_F(WerkzeugTest, AFullOutputGivesTwo) {
     ram.LegeDateiAn("/d/x.ZEK", DaxDatei(2));
     ausgabe.setstate(std::ios::badbit);
-    EXPECT_EQ(Werkzeug({"csv", "/d/x.ZEK"}, "1", {dateien, DatumAus(2026, 11, 21), {}}, ausgabe, fehler), 2);
+    EXPECT_EQ(Werkzeug({"csv", "/d/x.ZEK"}, "1", {dateien, TagAus(2026, 11, 21), {}}, ausgabe, fehler), 2);
     EXPECT_EQ(Fehler(), "zek: Die Ausgabe kann nicht geschrieben werden.\n");
 }
 
@@ -398,7 +398,7 @@ TEST_F(WerkzeugTest, AFileInTheMiddleOfAMergeIsntJudged) {
     Einarbeitungsjournal journal(ram);
     journal.Beginne("/d/a.ZEK");
     ausgabe.str(""), fehler.str("");
-    EXPECT_EQ(Werkzeug({"check", "/d"}, "1", {dateien, DatumAus(2026, 11, 21), {}}, ausgabe, fehler), 0);
+    EXPECT_EQ(Werkzeug({"check", "/d"}, "1", {dateien, TagAus(2026, 11, 21), {}}, ausgabe, fehler), 0);
     EXPECT_EQ(Fehler(), "zek: /d/a.ZEK: wird gerade eingearbeitet\n");
     EXPECT_EQ(Aus(), "1 Datei geprüft, 0 beanstandet.\n");
 }

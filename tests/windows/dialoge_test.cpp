@@ -222,9 +222,9 @@ TEST_F(ZekEinstellungen, DependentControlsFollowTheirCheckBoxes) {
 TEST_F(ZekEinstellungen, EverySettingComesBackAsItWentIn) {
     vorher.UseGesamtvolumen = vorher.IBAndere = vorher.AutoDatenpflege = true;
     vorher.KursAufzeichnungDeaktivieren = true;
-    vorher.KeineAufzeichungStart = Uhrzeit(22, 15, 30);
+    vorher.KeineAufzeichungStart = Tageszeit(22h + 15min + 30s);
     vorher.NeuStartbeiUhrzeit = true;
-    vorher.NeustartUhrzeit = Uhrzeit(6, 30);
+    vorher.NeustartUhrzeit = Tageszeit(6h + 30min);
     vorher.NeustartFehlernummern = "1100, 504";
     vorher.IBPort = 7497;
     auto dialog = Oeffne();
@@ -317,11 +317,12 @@ TEST_F(Verbindung, AChangedClientIdIsAskedAbout) {
 // ---- backfill options
 
 struct Datenpflegewahldialog : testing::Test {
-    hilfen::VirtuelleWelt welt{DatumAus(2026, 11, 16, 12, 0, 0)};
+    hilfen::VirtuelleWelt welt{ZeitpunktAus(2026, 11, 16, 12, 0, 0)};
     TestMeldungen meldungen;
-    Datenpflegeoptionen::Vorgabe vorgabe{"Datenpflege der aktiven Titel",
-                                         true,
-                                         {DatumAus(2026, 11, 15, 8, 0, 0), true, DatumAus(2026, 11, 16, 12, 0, 0)}};
+    Datenpflegeoptionen::Vorgabe vorgabe{
+        "Datenpflege der aktiven Titel",
+        true,
+        {ZeitpunktAus(2026, 11, 15, 8, 0, 0), true, ZeitpunktAus(2026, 11, 16, 12, 0, 0)}};
 
     std::unique_ptr<frmDatenpflegeOptionen> Oeffne() {
         auto dialog = std::make_unique<frmDatenpflegeOptionen>(nullptr, welt, meldungen, Hilfeoeffner{}, vorgabe);

@@ -38,7 +38,7 @@ Bindung Zahl(const char* name, int E::*feld, const std::string& vorgabe, int wer
             std::to_string(wert)};
 }
 
-Bindung Zeit(const char* name, Datum E::*feld, const std::string& vorgabe, Datum wert) {
+Bindung Zeit(const char* name, Tageszeit E::*feld, const std::string& vorgabe, Tageszeit wert) {
     return {name, [=](E& e) { e.*feld = wert; }, [feld](const E& e) { return NurZeittext(e.*feld); }, vorgabe,
             NurZeittext(wert)};
 }
@@ -49,13 +49,13 @@ std::vector<Bindung> Tabelle() {
         Schalter("optUmsatzfilter(0)", &E::IBBezahlt),
         Schalter("optUmsatzfilter(1)", &E::IBAndere),
         Schalter("optKursaufzeichnungDeaktivieren", &E::KursAufzeichnungDeaktivieren),
-        Zeit("KursAufzeichnungDeaktivStart", &E::KeineAufzeichungStart, "05:00:00", Uhrzeit(22, 15, 30)),
-        Zeit("KursAufzeichnungDeaktivEnde", &E::KeineAufzeichungEnde, "06:00:00", Uhrzeit(23, 59, 59)),
+        Zeit("KursAufzeichnungDeaktivStart", &E::KeineAufzeichungStart, "05:00:00", Tageszeit(22h + 15min + 30s)),
+        Zeit("KursAufzeichnungDeaktivEnde", &E::KeineAufzeichungEnde, "06:00:00", Tageszeit(23h + 59min + 59s)),
         Text("txtAufzeichnungsPauseBoersen", &E::AufzeichnungsPauseBoersen, "CME, EUREX"),
         Zahl("txtNeustartWennkeineKurseSekunden", &E::NeuStartBeiFehlendenKursenSekunden, "90", 1234),
         Text("txtNeustartFehlernummern", &E::NeustartFehlernummern, "1100, 504"),
         Schalter("optNeustartBeiUhrzeit", &E::NeuStartbeiUhrzeit),
-        Zeit("NeustartUhrzeit", &E::NeustartUhrzeit, "06:30:00", Uhrzeit(0, 0, 1)),
+        Zeit("NeustartUhrzeit", &E::NeustartUhrzeit, "06:30:00", Tageszeit(1s)),
         Schalter("optSystemzeitStellen", &E::AutoUhrzeitStellen),
         Schalter("optKontodatenAufzeichnen", &E::KontenDatenAufzeichnen),
         Schalter("optPortfoliopositionen", &E::PortfolioAufzeichnen),

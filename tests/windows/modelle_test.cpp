@@ -34,7 +34,7 @@ struct Monitor : testing::Test {
         titel.Fuege(nq);
     }
     void Tick(std::int32_t art, float kurs, float volume, bool verworfen = false) {
-        modell.Tick(*es, art, kurs, volume, verworfen, 46341.75);
+        modell.Tick(*es, art, kurs, volume, verworfen, Tageszeit(18h));
     }
     QString Zelle(int zeile, const char* spalte) const {
         for (int i = 0; i < modell.columnCount(); ++i)
@@ -83,7 +83,7 @@ TEST_F(Monitor, ADepthTickInStaticModeChangesNothing) {
 
 TEST_F(Monitor, ATitleThatIsActivatedLaterGetsItsLineAtItsFirstTick) {
     modell.Baue(true, titel);
-    modell.Tick(*nq, kursart::Bezahlt, 100, 1, false, 0.5);
+    modell.Tick(*nq, kursart::Bezahlt, 100, 1, false, Tageszeit(12h));
     EXPECT_EQ(modell.rowCount(), 1);
     modell.Uebernehme();
     ASSERT_EQ(modell.rowCount(), 2);
@@ -207,7 +207,7 @@ struct Monitorspalten : testing::Test {
         return fenster->findChild<QTableView*>("LMonitor")->fontMetrics().horizontalAdvance(text);
     }
     void Tick(std::int32_t art, float volume) {
-        fenster->Tick(*lang, art, 1.25F, volume, false, 46341.75);
+        fenster->Tick(*lang, art, 1.25F, volume, false, TagAus(2026, 11, 15) + 18h);
         QTest::qWait(350);
     }
 };
@@ -272,23 +272,23 @@ TEST(Statusansicht, BoldNewestSelectedAndWholeOnDoubleClick) {
     QAbstractItemModelTester pruefer(&ansicht.Modell(), QAbstractItemModelTester::FailureReportingMode::Fatal);
     ansicht.resize(600, 300);
     ansicht.show();
-    ansicht.Fuege(46341.5, "eins", false);
-    ansicht.Fuege(46341.75, "zwei", true);
+    ansicht.Fuege(TagAus(2026, 11, 15) + 12h, "eins", false);
+    ansicht.Fuege(TagAus(2026, 11, 15) + 18h, "zwei", true);
     EXPECT_EQ(ansicht.currentIndex().row(), 1);
     EXPECT_TRUE(ansicht.Modell().index(1, 1).data(Qt::FontRole).value<QFont>().bold());
     EXPECT_FALSE(ansicht.Modell().index(0, 1).data(Qt::FontRole).isValid());
     const QPoint stelle = ansicht.visualRect(ansicht.Modell().index(0, 1)).center();
     QTest::mouseClick(ansicht.viewport(), Qt::LeftButton, {}, stelle);
     QTest::mouseDClick(ansicht.viewport(), Qt::LeftButton, {}, stelle);
-    EXPECT_EQ(gezeigt, Datumtext(46341.5) + ": eins");
+    EXPECT_EQ(gezeigt, "15.11.2026 12:00:00: eins");
 }
 
 TEST(Statusansicht, ALongListIsCutTo399AndGoesOn) {
     Statuslistenansicht ansicht(nullptr, [](const std::string&) {});
     QAbstractItemModelTester pruefer(&ansicht.Modell(), QAbstractItemModelTester::FailureReportingMode::Fatal);
-    for (int i = 1; i <= 501; ++i) ansicht.Fuege(1, std::to_string(i), false);
+    for (int i = 1; i <= 501; ++i) ansicht.Fuege({}, std::to_string(i), false);
     EXPECT_EQ(ansicht.Modell().rowCount(), 501);
-    ansicht.Fuege(1, "502", false);
+    ansicht.Fuege({}, "502", false);
     EXPECT_EQ(ansicht.Modell().rowCount(), 400);
     EXPECT_EQ(ansicht.Modell().Eintrag(0).Text, "103");
     ansicht.Leere();

@@ -56,7 +56,7 @@ std::string Entertaste(const QWidget& dialog) {
 }
 
 struct Tastatur : testing::Test {
-    hilfen::VirtuelleWelt welt{DatumAus(2026, 11, 16, 12, 0, 0)};
+    hilfen::VirtuelleWelt welt{ZeitpunktAus(2026, 11, 16, 12, 0, 0)};
     hilfen::TestMeldungen meldungen;
     hilfen::TestDateiwahl wahl;
 

@@ -64,7 +64,7 @@ std::vector<std::string> Gruppen(const QWidget& fenster) {
 }
 
 struct Wortlaut : testing::Test {
-    hilfen::VirtuelleWelt welt{DatumAus(2026, 11, 16, 12, 0, 0)};
+    hilfen::VirtuelleWelt welt{ZeitpunktAus(2026, 11, 16, 12, 0, 0)};
     hilfen::TestMeldungen meldungen;
     hilfen::TestDateiwahl wahl;
 };

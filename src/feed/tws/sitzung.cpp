@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <utility>
 
 namespace zek::tws {
@@ -133,11 +132,11 @@ void Sitzung::BeendeMit(int code, std::string_view text) {
 }
 
 std::string Sitzung::Rechnerzeit() const {
-    const Kalender k = Zerlege(uhr_.Jetzt());
-    std::array<char, 32> text;
-    const int laenge = std::snprintf(text.data(), text.size(), "%04d%02d%02d %02d:%02d:%02d", k.Jahr, k.Monat, k.Tag,
-                                     k.Stunde, k.Minute, k.Sekunde);
-    return std::string(text.data(), static_cast<std::size_t>(laenge));
+    // yyyymmdd hh:mm:ss
+    std::string text = Felderstempel(uhr_.Jetzt(), ':');
+    text.erase(7, 1).erase(4, 1);
+    text[8] = ' ';
+    return text;
 }
 
 }  // namespace zek::tws

@@ -10,18 +10,18 @@
 namespace zek::tws {
 namespace {
 
-constexpr double MaxWartezeit = 5;  // seconds that connect waits at most
+constexpr Dauer MaxWartezeit = 5s;  // that connect waits at most
 constexpr std::chrono::milliseconds Warteschritt{50};
 
 // Touches nothing but its arguments: the control may be destroyed meanwhile. The clock may be set meanwhile, too;
 // therefore no round counts for more than a second or for less than nothing.
 void WarteAufBereitschaft(const Sitzung& sitzung, Pumpe& pumpe, const Uhr& uhr) {
-    double gewartet = 0;
-    Datum zuletzt = uhr.Jetzt();
+    Dauer gewartet{};
+    Zeitpunkt zuletzt = uhr.Jetzt();
     while (sitzung.Offen() && !sitzung.Bereit() && gewartet < MaxWartezeit) {
         pumpe.Warte(Warteschritt);
-        const Datum jetzt = uhr.Jetzt();
-        gewartet += std::clamp((jetzt - zuletzt) * SekundenProTag, 0.0, 1.0);
+        const Zeitpunkt jetzt = uhr.Jetzt();
+        gewartet += std::clamp<Dauer>(jetzt - zuletzt, 0s, 1s);
         zuletzt = jetzt;
     }
 }
