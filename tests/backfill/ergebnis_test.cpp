@@ -211,6 +211,12 @@ TEST_F(ErgebnisTest, WithoutAConnectionTheRunAnswersForAllTitles) {
     EXPECT_THAT(Lauf(100), ElementsAre("* -100..0 nicht: keine Verbindung"));
 }
 
+TEST_F(ErgebnisTest, WithoutAConnectionARunThatGoesOnWhereTheFilesEndClaimsNothing) {
+    p_.Historie.BeiErzeugen = [](hilfen::TestTws& tws) { tws.VerbindungGelingt = false; };
+    Einrichtung = [](Datenpflegelauf& lauf) { lauf.AutoDatenPflegeStart = {}; };
+    EXPECT_THAT(Lauf(100), testing::IsEmpty());
+}
+
 TEST_F(ErgebnisTest, ASeriesThatTheTurnoverFilterTookWholeIsNotFilled) {
     p_.Modul.Einstellungen.IBAndere = true;
     p_.Historie.VolumenJeBalken = 0;

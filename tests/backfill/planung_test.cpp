@@ -162,6 +162,14 @@ TEST_F(PlanungTest, AnErrorBeforeTheRunTakesTheWindowAwayAgain) {
     EXPECT_FALSE(planung_.LaufVorhanden());
 }
 
+TEST_F(PlanungTest, AnAutomaticRunWithoutAConnectionSaysSoInTheListAndAsksNobody) {
+    p_.Titel("ES");
+    p_.Historie.BeiErzeugen = [](hilfen::TestTws& tws) { tws.VerbindungGelingt = false; };
+    planung_.StarteAutoBackfill(Mittag - Minuten(5));
+    EXPECT_TRUE(p_.Status.Enthaelt("Es konnte keine Verbindung zu IB hergestellt werden (Datenpflege)"));
+    EXPECT_THAT(p_.Fragen.Gezeigt, IsEmpty());
+}
+
 TEST_F(PlanungTest, AReconnectionDuringARunQueuesItsGapWhichRunsAfterwards) {
     p_.Titel("ES");
     p_.Modul.LetzteDatenZeit = Mittag - Minuten(2);
@@ -350,6 +358,15 @@ TEST_F(PlanungTest, ARunWithoutADialogTakesItsKindsFromTheTitlesOrFromTheCommand
     EXPECT_TRUE(ablage_.Werte.empty());
 }
 
+TEST_F(PlanungTest, ARunWithoutADialogIsRefusedDuringAnother) {
+    p_.Titel("ES");
+    bool angenommen = true;
+    BeiAnfrage(1, [&] { angenommen = planung_.DatenpflegeOhneDialog(Wahl(60), false); });
+    planung_.StarteAutoBackfill(Mittag - Minuten(5));
+    EXPECT_FALSE(angenommen);
+    EXPECT_EQ(p_.Historie.Anfragen.size(), 1u);
+}
+
 // ---- the end of the program
 
 TEST_F(PlanungTest, TheEndOfTheProgramTakesTheWindowFromUnderTheRun) {
@@ -497,6 +514,14 @@ TEST_F(WahlTest, AStoredChoiceComesBack) {
     EXPECT_TRUE(gelesen.GeldBrief && gelesen.UseRTH && gelesen.Bezahlt);
 }
 
+TEST_F(WahlTest, AnEndOfItsOwnIsStoredAsSuch) {
+    Datenpflegewahl wahl = Ab(Heute);
+    wahl.AktualBisAktuell = false;
+    SpeichereDatenpflegewahl(ablage_, wahl, Mittag);
+    EXPECT_EQ(ablage_.Werte["Datenpflege/IBAktualBisAktuell"], "0");
+    EXPECT_FALSE(LiesDatenpflegewahl(ablage_, Mittag).AktualBisAktuell);
+}
+
 TEST_F(WahlTest, TheStoredEndShowsOnlyWhereItIsDisabled) {
     ablage_.Werte["Datenpflege/IBEndDatum"] = "01.11.2026 08:00:00";
     ablage_.Werte["Datenpflege/IBAktualBisAktuell"] = "0";
@@ -532,6 +557,8 @@ TEST_F(ManuellTest, AStartAloneGoesUpToThePresentWithTheTitlesKinds) {
     EXPECT_TRUE(m.Wahl.AktualBisAktuell);
     EXPECT_FALSE(m.ArtenGewaehlt);
     EXPECT_TRUE(m.Wahl.Bezahlt);
+    EXPECT_FALSE(m.Wahl.GeldBrief);
+    EXPECT_FALSE(m.Wahl.UseRTH);
 }
 
 TEST_F(ManuellTest, TimesMayStandInTheSameArgumentOrInOneOfTheirOwn) {
