@@ -359,7 +359,7 @@ TEST_F(Tickannahmetest, TickStringsAreIgnored) {
     auto es = titel("ES");
     ereignis().tickString(es->id, 45, "1384600000");
     EXPECT_EQ(modul.LetzterKursZeitpunkt, std::nullopt);
-    EXPECT_EQ(es->LastZeitstempel, 0);
+    EXPECT_EQ(es->LastZeitstempel, std::nullopt);
 }
 
 TEST_F(Tickannahmetest, ANumberThatNoSingleHoldsLeavesTheFieldAsItWas) {
