@@ -198,7 +198,8 @@ Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, 
 // A merge that was broken off is finished before the first write of a run; one that is going on takes the record along.
 std::int64_t Datensatzschreiber::NachUnterbrochenerEinarbeitung(std::int64_t groesse) {
     const Journalstand stand = SchliesseEinarbeitungAb(dateien_, datei_.FileName());
-    if (const std::string text = Journaltext(stand); !text.empty())
+    // One that the system keeps from being finished is met again with each tick.
+    if (const std::string text = Journaltext(stand); !text.empty() && stand != Journalstand::Gescheitert)
         status_.Statusmeldung("Datendatei " + datei_.FileName() + ": " + text, !IstGut(stand));
     const bool geaendert = stand == Journalstand::Abgeschlossen || stand == Journalstand::Verworfen;
     return geaendert ? datei_.FileSize().Bytes() : groesse;
