@@ -105,8 +105,6 @@ void Einarbeiter::FuehreAus(Merge& merge) {
     // Where older records lie among the newer ones, what is newer belongs to the content, and the rest is what has come
     // since.
     const bool restBleibt = AllesNeuer(merge);
-    if (merge.ImJournal == 0 && (merge.Schreibstelle < merge.SchwanzVon || !restBleibt))
-        merge.Fenster.SpanneGeht(merge.Titel, merge.Kursart, merge.Erstes(), merge.Letztes());
     if (!restBleibt) SchreibeSchwanz(merge);
     const std::int64_t ersetzt = restBleibt ? merge.SchwanzVon : merge.Ende;
     // No events from here on until the journal is fast: nothing can be appended to the file that it doesn't know of.
@@ -116,6 +114,9 @@ void Einarbeiter::FuehreAus(Merge& merge) {
     if (const int fehler = dateien_.Leere(merge.Datei.FileHandle()); fehler < 0) WirfSystemfehler(fehler);
     SetzeLetztePflege(merge.Kopf, uhr_.Jetzt());
     merge.Journal.MacheFest(merge.Schreibstelle, ersetzt, merge.Ende, merge.Kopf);
+    // From here on it happens, whoever finishes it.
+    if (merge.ImJournal == 0 && (merge.Schreibstelle < merge.SchwanzVon || !restBleibt))
+        merge.Fenster.SpanneGeht(merge.Titel, merge.Kursart, merge.Erstes(), merge.Letztes());
     merge.Journal.Uebertrage(
         merge.Datei.FileHandle(), [this] { pumpe_.Ereignisse(); },
         restBleibt && !merge.Filter ? merge.Saetze : std::span<const KursDatensatz>());

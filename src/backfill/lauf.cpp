@@ -235,7 +235,7 @@ bool Datenpflegelauf::StelleAnfrage(Serie& serie) {
     puffer_.Beginne(serie.Kursart, IstIndextitel(serie.Titel));  // late bars of an answer given up may have come
     Anzeige().Datumlabel("Datum: " + Datumtext(serie.Ende.value_or(Jetzt())), false);
     Fertig_ = abgelehnt_ = false;
-    pacingGesehen_ = verbindungGesehen_ = false;
+    pacingGesehen_ = verlustGesehen_ = false;
     serie.GefragtBis = serie.Ende;
     if (const auto gefragt = LiesBalkendatum(ende)) serie.GefragtBis = gefragt->Zeit;
     serie.Anfragezeit = Jetzt();
@@ -308,7 +308,7 @@ Datenpflegelauf::Wartet Datenpflegelauf::WarteAufAntwort(Serie& serie) {
         if (Jetzt() < serie.Anfragezeit) serie.Anfragezeit = Jetzt();
 
         if ((PacingWartet_ || pacingGesehen_) && WarteNachPacing(serie)) return Wartet::NeueAnfrage;
-        if (VerbindungWeg_ || verbindungGesehen_) {
+        if (VerbindungWeg_ || verlustGesehen_) {
             const Wartet ergebnis = WarteAufVerbindung(serie);
             if (ergebnis == Wartet::NeueAnfrage) return ergebnis;
         }

@@ -230,7 +230,7 @@ private:
     // The present request met the trouble and has to be repeated, also when the end of the trouble came before the
     // wait loop saw its beginning.
     bool pacingGesehen_ = false;
-    bool verbindungGesehen_ = false;
+    bool verlustGesehen_ = false;
 
     int serienGesamt_ = 0;
     int serienFertig_ = 0;

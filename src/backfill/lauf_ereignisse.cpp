@@ -122,7 +122,7 @@ void Datenpflegelauf::SetzeMerker(int errorCode) {
             PacingFrei_ = true;
             break;
         case fehler::TwsOffline:
-            VerbindungWeg_ = verbindungGesehen_ = true;
+            VerbindungWeg_ = verlustGesehen_ = true;
             VerbindungWieder_ = false;
             break;
         case fehler::VerbindungDatenVerloren:

@@ -1,24 +1,5 @@
-// The market feed: the session with the broker and everything that turns its events into records.
-//
-// The road of a tick, one file each, top to bottom:
-//
-//   tws/            bytes of the socket -> frames -> events
-//   verbindung      the session; hands each event to the class that takes it
-//   tickannahme     tickPrice updates the title's state; tickSize decides whether that forms a record
-//   aufzeichnung    volume filter, recording pause, monitor, count
-//   (datafiles)     Datensatzablage: one record appended to one file
-//
-// Beside the road:
-//
-//   ibcontrol          the place of the control, which a socket failure replaces whole
-//   abonnement         a title becomes requests; sendetakt paces them
-//   vorzeichenvolumen  the signed volume; asked for by the append
-//   markttiefe         depth rows, straight to aufzeichnung
-//   vertragsfragen     trading hours, from the contract details of the titles
-//   kontodaten         account values and positions, straight to the append
-//   einfach            numbers of the wire as the singles of the records
-//
-// `Feed` puts them together.
+// The market feed: the session with the broker and everything that turns its events into records. README.md has
+// the map.
 #pragma once
 
 #include "feed/abonnement.h"

@@ -62,8 +62,8 @@ std::span<const Einstellungszeile> Einstellungstabelle();
 
 // The value of a field as it is stored.
 std::string Einstellungstext(const Einstellungen& e, const Einstellungszeile& zeile);
-// A stored text into its field, in its form and bounds. False when it isn't of that form; the field has its default
-// then.
+// A stored text into its field, in its form and bounds. False for a time that can't be read; the field has its default
+// then. A number that can't be read counts as 0.
 bool SetzeEinstellung(Einstellungen& e, const Einstellungszeile& zeile, std::string_view text);
 
 // All fields into their forms and bounds, and the values that follow from them.

@@ -15,7 +15,6 @@ namespace zek::pflege {
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 
 constexpr Datum Tag = 46000;
 

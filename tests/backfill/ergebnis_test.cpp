@@ -239,6 +239,20 @@ TEST_F(ErgebnisTest, AMergeThatTakesRecordsAndBringsNoneNamesItsSpanOnTheRecorde
                                      "ES Geld Ende"));
 }
 
+TEST_F(ErgebnisTest, AMergeThatFailsHasTakenNothing) {
+    p_.Modul.Einstellungen.IBAndere = true;
+    p_.Historie.VolumenJeBalken = 0;
+    BeiStart = [this](clTitelobjekt& titel) {
+        titel.BidAsk = true;
+        p_.Ram.LegeDateiAn(p_.Pfad("ES-BID"), Kopf() + Bytes({{DatumAus(p_.Jetzt() - Sekunden(50)), 1, 1}}));
+        dateien_.StoereArt(hilfen::Dateiaufruf::Schreibe, ENOSPC);
+    };
+    Lauf(100);
+    EXPECT_THAT(merges_, testing::Contains("ES Geld -100..0"));
+    EXPECT_THAT(merges_, testing::Not(testing::Contains("ES Geld leert -100..0")));
+    EXPECT_EQ(p_.Datei("ES-BID").size(), 1u);
+}
+
 TEST_F(ErgebnisTest, AMergeThatFailsFillsNothing) {
     p_.Ram.LegeDateiAn(p_.Pfad("ES"),
                        Kopf() + Bytes({{DatumAus(p_.Jetzt() - Sekunden(50)), 1, 1}, {DatumAus(p_.Jetzt()), 1, 1}}));
