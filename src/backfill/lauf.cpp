@@ -227,14 +227,14 @@ bool Datenpflegelauf::StelleAnfrage(Serie& serie) {
     const std::string ende = Endzeittext(serie.Ende);
     const std::string art(Historienart(serie.Kursart));
     const std::string schluessel = std::to_string(serie.Titel.id) + art + ende;
+    const bool weiter = WarteAufTakt(serie, schluessel) && VerwirfSpaeteAntwort(serie);
+    // What has come so far belongs to an answer that was given up.
     puffer_.Beginne(serie.Kursart, IstIndextitel(serie.Titel));
     Fertig_ = false;
-    if (!WarteAufTakt(serie, schluessel)) return false;
-    if (!VerwirfSpaeteAntwort(serie)) return false;
+    if (!weiter) return false;
 
-    puffer_.Beginne(serie.Kursart, IstIndextitel(serie.Titel));  // late bars of an answer given up may have come
     Anzeige().Datumlabel("Datum: " + Datumtext(serie.Ende.value_or(Jetzt())), false);
-    Fertig_ = abgelehnt_ = false;
+    abgelehnt_ = false;
     pacingGesehen_ = verlustGesehen_ = false;
     serie.GefragtBis = serie.Ende;
     if (const auto gefragt = LiesBalkendatum(ende)) serie.GefragtBis = gefragt->Zeit;

@@ -66,6 +66,27 @@ TEST_F(AbbruchTest, CancelledInTheAskSeriesTheBidSeriesStillAsksOnce) {
     EXPECT_THAT(Enden(), ElementsAre(StartsWith("TRADES"), StartsWith("ASK"), StartsWith("BID")));
 }
 
+// The bars of the trades come while the request for the ask prices is still held back.
+TEST_F(AbbruchTest, CancelledBeforeARequestGoesOutALateAnswerStaysOutOfItsSeries) {
+    p_.Modul.Einstellungen.BFTimeOut = 15;
+    for (int i = 0; i < 59; ++i) takt_.Gesendet(std::to_string(i), p_.Jetzt());
+    takt_.Verletzung(p_.Jetzt());
+    Mit("ES")->BidAsk = true;
+    BeiAnfrage(
+        1,
+        [this] {
+            p_.Historie.Liefere(Mittag);
+            p_.Historie.Ende();
+        },
+        30);
+    p_.Welt.Plane(40, [this] { lauf_->Abbruch = true; });
+    Automatisch(9000);
+    Starte();
+    EXPECT_EQ(p_.Historie.Anfragen.size(), 1u);
+    EXPECT_THAT(p_.Fragen.Gezeigt, IsEmpty());
+    EXPECT_FALSE(p_.Ram.DateiExistiert(p_.Pfad("ES-ASK")));
+}
+
 TEST_F(AbbruchTest, TheButtonAsksFirst) {
     Mit("ES");
     p_.Historie.Leer = true;
