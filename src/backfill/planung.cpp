@@ -37,15 +37,14 @@ bool Datenpflegeplanung::StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt) 
     OhneFehler("Automatische Datenpflege", [&] {
         ErzeugeLauf();
         const auto lauf = lauf_;
-        luecke = BestimmeLuecke(*lauf, zeitpunkt);
+        Auftrag auftrag;
+        luecke = BestimmeLuecke(auftrag, zeitpunkt);
         if (!luecke) return;
-        lauf->IsManuelleDatenpflege = false;
-        TitelNachPrioritaet(AlleTitel(), lauf->cAktualTitel, false);
-        if (!lauf->cAktualTitel.empty()) {
+        TitelNachPrioritaet(AlleTitel(), auftrag.cAktualTitel, false);
+        if (!auftrag.cAktualTitel.empty()) {
             um_.Lauf.Status.Statusmeldung(startmeldung_, true);
-            Fuehre(*lauf);
+            Fuehre(*lauf, auftrag);
         }
-        lauf->cAktualTitel.clear();
         ergebnis = true;
     });
     if (luecke) FensterEntladen();
@@ -53,13 +52,13 @@ bool Datenpflegeplanung::StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt) 
 }
 
 // The span of an automatic run and its log text. False when no gap is known.
-bool Datenpflegeplanung::BestimmeLuecke(Datenpflegelauf& lauf, std::optional<Zeitpunkt> zeitpunkt) {
+bool Datenpflegeplanung::BestimmeLuecke(Auftrag& auftrag, std::optional<Zeitpunkt> zeitpunkt) {
     auto& schlange = um_.Lauf.Modul.Datenpflegewarteschlange;
     if (!schlange.empty()) {
         const auto [von, bis] = schlange.front();
         schlange.pop_front();
-        lauf.AutoDatenPflegeStart = von;
-        lauf.BackfillEndZeit = bis;
+        auftrag.AutoDatenPflegeStart = von;
+        auftrag.BackfillEndZeit = bis;
         startmeldung_ = "Backfill aus Warteschlange von " + Spanne(von, bis) + " gestartet";
         return true;
     }
@@ -72,8 +71,8 @@ bool Datenpflegeplanung::BestimmeLuecke(Datenpflegelauf& lauf, std::optional<Zei
     }
     // Right after midnight the step back would make the start a day older.
     if (Tageszeit(*zeitpunkt) >= Tageszeit(2h)) *zeitpunkt -= Vorlauf;
-    lauf.BackfillEndZeit = jetzt;
-    lauf.AutoDatenPflegeStart = zeitpunkt;
+    auftrag.BackfillEndZeit = jetzt;
+    auftrag.AutoDatenPflegeStart = zeitpunkt;
     startmeldung_ = "Auto-Backfill von " + Spanne(zeitpunkt, jetzt) + " gestartet";
     return true;
 }
@@ -148,17 +147,18 @@ void Datenpflegeplanung::FuehreManuellAus(const Datenpflegewahl& wahl, const std
         ErzeugeLauf();
         const auto lauf = lauf_;
         um_.Lauf.Modul.Datenpflegewarteschlange.clear();
-        lauf->AlleAktivenTitelAktualisieren = umfang == Umfang::AktiveTitel;
-        TitelNachPrioritaet(quelle, lauf->cAktualTitel, umfang == Umfang::MarkierteTitel);
-        lauf->KursBezahlt = wahl.Bezahlt;
-        lauf->KursGeldBrief = wahl.GeldBrief;
-        lauf->useRTH = wahl.UseRTH;
-        lauf->Startdatum = wahl.Start;
-        if (!wahl.AktualBisAktuell) lauf->EndDatum = wahl.Ende;
-        lauf->IsManuelleDatenpflege = true;
-        if (lauf->cAktualTitel.empty()) return;
+        Auftrag auftrag;
+        auftrag.AlleAktivenTitelAktualisieren = umfang == Umfang::AktiveTitel;
+        TitelNachPrioritaet(quelle, auftrag.cAktualTitel, umfang == Umfang::MarkierteTitel);
+        auftrag.KursBezahlt = wahl.Bezahlt;
+        auftrag.KursGeldBrief = wahl.GeldBrief;
+        auftrag.useRTH = wahl.UseRTH;
+        auftrag.Startdatum = wahl.Start;
+        if (!wahl.AktualBisAktuell) auftrag.EndDatum = wahl.Ende;
+        auftrag.IsManuelleDatenpflege = true;
+        if (auftrag.cAktualTitel.empty()) return;
         um_.Lauf.Status.Statusmeldung("Datenpflege aktiver Titel gestartet");
-        Fuehre(*lauf);
+        Fuehre(*lauf, auftrag);
         um_.Lauf.Status.Statusmeldung("Datenpflege beendet");
     });
     FensterEntladen();
@@ -171,9 +171,9 @@ void Datenpflegeplanung::ErzeugeLauf() {
     lauf_ = std::make_shared<Datenpflegelauf>(um_.Lauf, takt_);
 }
 
-void Datenpflegeplanung::Fuehre(Datenpflegelauf& lauf) {
+void Datenpflegeplanung::Fuehre(Datenpflegelauf& lauf, const Auftrag& auftrag) {
     um_.Lauf.Fenster.Statuspanel("Datenpflege (gestartet " + Datumtext(um_.Lauf.Zeit.Jetzt()) + ")");
-    lauf.StarteBackfill();
+    lauf.StarteBackfill(auftrag);
     PumpeBis(um_.Lauf.Pumpe, [this] { return !um_.Lauf.Modul.DatenpflegeLaeuft; });
 }
 

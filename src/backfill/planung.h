@@ -20,7 +20,7 @@ namespace zek {
 class Datenpflegeplanung {
 public:
     struct Umgebung {
-        Datenpflegeumgebung Lauf;
+        Datenpflegelauf::Umgebung Lauf;
         Zeitgeberfabrik& Zeitgeber;
         Einstellungszugang& Ablage;
         Datenpflegeoptionen& Optionen;
@@ -67,14 +67,14 @@ private:
     };
 
     bool LaufSteht() const { return lauf_ != nullptr || um_.Lauf.Modul.DatenpflegeLaeuft; }
-    bool BestimmeLuecke(Datenpflegelauf& lauf, std::optional<Zeitpunkt> zeitpunkt);
+    bool BestimmeLuecke(Auftrag& auftrag, std::optional<Zeitpunkt> zeitpunkt);
     void StartDatenpflegeZeitgeber();
     void ManuellerStart(const std::string& ueberschrift, const std::vector<Titelzeiger>& quelle, Umfang umfang);
     bool AndererLaufGemeldet();
     void WarneOhneAktiveTitel();
     void FuehreManuellAus(const Datenpflegewahl& wahl, const std::vector<Titelzeiger>& quelle, Umfang umfang);
     void ErzeugeLauf();
-    void Fuehre(Datenpflegelauf& lauf);
+    void Fuehre(Datenpflegelauf& lauf, const Auftrag& auftrag);
     std::vector<Titelzeiger> AlleTitel() const;
 
     Umgebung um_;

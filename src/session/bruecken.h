@@ -2,7 +2,7 @@
 // calls on to the object of the assembly that does the work.
 #pragma once
 
-#include "backfill/lauf.h"
+#include "backfill/laufanzeige.h"
 #include "backfill/wahl.h"
 #include "session/gesicht.h"
 #include "supervision/neustart.h"

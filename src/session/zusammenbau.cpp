@@ -36,18 +36,24 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
           {[this] { return Marktdaten.Control.Verbunden(); }, [this](clTitelobjekt& titel) { return Abonniere(titel); },
            [this] { Info.TitelInfoAktualisieren(false); }}),
       Sicherung(um.Modul, um.Plattform.Dateien, um.Gesicht, um.Gesicht),
-      Datenpflege({{um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Plattform.Pumpe, um.Status, um.Gesicht,
-                    datenpflegebruecke_, um.Plattform.Tws,
-                    [this](const Datenpflegeergebnis& ergebnis) { Luecken.DatenpflegeErgebnis(ergebnis); },
-                    [this](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
-                        Luecken.BeimEinarbeitenBegonnen(titel, kursart, von, bis);
-                    },
-                    [this](const clTitelobjekt& titel, std::int32_t kursart) {
-                        Luecken.BeimEinarbeitenBeendet(titel, kursart);
-                    },
-                    [this](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
-                        Luecken.BeimLeeren(titel, kursart, von, bis);
-                    }},
+      Datenpflege({{um.Modul,
+                    um.Plattform.Dateien,
+                    um.Plattform.Uhr,
+                    um.Plattform.Pumpe,
+                    um.Status,
+                    um.Gesicht,
+                    datenpflegebruecke_,
+                    um.Plattform.Tws,
+                    {[this](const Datenpflegeergebnis& ergebnis) { Luecken.DatenpflegeErgebnis(ergebnis); },
+                     [this](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
+                         Luecken.BeimEinarbeitenBegonnen(titel, kursart, von, bis);
+                     },
+                     [this](const clTitelobjekt& titel, std::int32_t kursart) {
+                         Luecken.BeimEinarbeitenBeendet(titel, kursart);
+                     },
+                     [this](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
+                         Luecken.BeimLeeren(titel, kursart, von, bis);
+                     }}},
                    um.Plattform.Zeitgeber,
                    um.Einstellungen,
                    datenpflegebruecke_,

@@ -1,7 +1,7 @@
 // What backfills do to gaps: what they filled, what their merges cost, and that one is going on.
 #pragma once
 
-#include "backfill/lauf.h"
+#include "backfill/ergebnis.h"
 #include "supervision/offeneluecken.h"
 
 #include <cstdint>

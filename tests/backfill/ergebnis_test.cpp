@@ -24,28 +24,30 @@ protected:
     // An automatic run of one title without bid and ask over the last `sekunden`, told as texts with the seconds back
     // from its end: "ES Bezahlt -3000..0 ergänzt 3001".
     std::vector<std::string> Lauf(double sekunden) {
-        Datenpflegeumgebung umgebung{p_.Modul,  dateien_,  p_.Welt,    p_.Welt,
-                                     p_.Status, p_.Fragen, p_.Fenster, p_.Fabrik.Fabrik()};
+        Datenpflegelauf::Umgebung umgebung{p_.Modul,  dateien_,  p_.Welt,    p_.Welt,
+                                           p_.Status, p_.Fragen, p_.Fenster, p_.Fabrik.Fabrik()};
         const Zeitpunkt ende = p_.Jetzt();
         const auto spanne = [ende](Zeitpunkt von, Zeitpunkt bis) {
             return std::to_string(std::lround(AlsSekunden(von - ende))) + ".." +
                    std::to_string(std::lround(AlsSekunden(bis - ende)));
         };
-        umgebung.BeiErgebnis = [&](const Datenpflegeergebnis& e) {
+        umgebung.Beobachter.BeiErgebnis = [&](const Datenpflegeergebnis& e) {
             texte_.push_back((e.Titel ? e.Titel->Dateiname + " " + std::string(KursartName(e.Kursart)) : "*") + " " +
                              spanne(e.Von, e.Bis) +
                              (e.Ergaenzt ? " ergänzt " + std::to_string(e.Kurse) : " nicht: " + e.Grund));
         };
-        umgebung.BeiMergebeginn = [&](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
+        umgebung.Beobachter.BeiMergebeginn = [&](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von,
+                                                 Zeitpunkt bis) {
             merges_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " " + spanne(von, bis));
         };
-        umgebung.BeiMergeende = [&](const clTitelobjekt& titel, std::int32_t kursart) {
+        umgebung.Beobachter.BeiMergeende = [&](const clTitelobjekt& titel, std::int32_t kursart) {
             merges_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " Ende");
         };
-        umgebung.BeiLeerung = [&](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
+        umgebung.Beobachter.BeiLeerung = [&](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von,
+                                             Zeitpunkt bis) {
             merges_.push_back(titel.Dateiname + " " + std::string(KursartName(kursart)) + " leert " + spanne(von, bis));
         };
-        Datenpflegelauf lauf(umgebung, takt_);
+        Prueflauf lauf(umgebung, takt_);
         lauf_ = &lauf;
         lauf.AutoDatenPflegeStart = ende - Sekunden(sekunden);
         lauf.BackfillEndZeit = ende;
@@ -59,13 +61,13 @@ protected:
     Pflegewelt p_;
     Lauschendes dateien_{p_.Ram};
     Anfragetakt takt_;
-    Datenpflegelauf* lauf_ = nullptr;
+    Prueflauf* lauf_ = nullptr;
     std::vector<std::string> texte_, merges_;
     std::function<void(clTitelobjekt&)> BeiStart;
-    std::function<void(Datenpflegelauf&)> Einrichtung;
+    std::function<void(Prueflauf&)> Einrichtung;
     // By hand up to the present, over as many seconds.
     std::vector<std::string> LaufBisJetzt(double sekunden) {
-        Einrichtung = [this, sekunden](Datenpflegelauf& lauf) {
+        Einrichtung = [this, sekunden](Prueflauf& lauf) {
             lauf.AutoDatenPflegeStart = lauf.BackfillEndZeit = std::nullopt;
             lauf.Startdatum = p_.Jetzt() - Sekunden(sekunden);
             lauf.KursBezahlt = lauf.IsManuelleDatenpflege = true;
@@ -213,7 +215,7 @@ TEST_F(ErgebnisTest, WithoutAConnectionTheRunAnswersForAllTitles) {
 
 TEST_F(ErgebnisTest, WithoutAConnectionARunThatGoesOnWhereTheFilesEndClaimsNothing) {
     p_.Historie.BeiErzeugen = [](hilfen::TestTws& tws) { tws.VerbindungGelingt = false; };
-    Einrichtung = [](Datenpflegelauf& lauf) { lauf.AutoDatenPflegeStart = {}; };
+    Einrichtung = [](Prueflauf& lauf) { lauf.AutoDatenPflegeStart = {}; };
     EXPECT_THAT(Lauf(100), testing::IsEmpty());
 }
 

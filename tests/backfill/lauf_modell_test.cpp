@@ -103,7 +103,7 @@ public:
     }
 
     void Pruefe() {
-        Datenpflegelauf lauf(p_.Umgebung(), takt_);
+        Prueflauf lauf(p_.Umgebung(), takt_);
         lauf.cAktualTitel = {titel_};
         if (ende_ == 0) {
             lauf.Startdatum = ZeitpunktAus(start_);

@@ -14,7 +14,7 @@ inline constexpr Zeitpunkt Mittag = hilfen::VirtuelleWelt::Vorgabebeginn;  // 20
 class LaufTest : public testing::Test {
 protected:
     LaufTest() { Neu(); }
-    void Neu() { lauf_ = std::make_shared<Datenpflegelauf>(p_.Umgebung(), takt_); }
+    void Neu() { lauf_ = std::make_shared<Prueflauf>(p_.Umgebung(), takt_); }
 
     // An automatic run of one title over the last `sekunden`.
     void Automatisch(double sekunden) {
@@ -47,7 +47,7 @@ protected:
 
     Pflegewelt p_;
     Anfragetakt takt_;
-    std::shared_ptr<Datenpflegelauf> lauf_;
+    std::shared_ptr<Prueflauf> lauf_;
 };
 
 // Every second of (von, bis] once, in order.

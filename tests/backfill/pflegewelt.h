@@ -8,6 +8,7 @@
 #include "backfill/manuell.h"
 #include "backfill/planung.h"
 #include "backfill/prioritaet.h"
+#include "backfill/startdatum.h"
 #include "backfill/wahl.h"
 #include "datafiles/anhaengen.h"
 #include "datafiles/dateikopf.h"
@@ -215,7 +216,9 @@ struct Pflegewelt {
         Ram.LegeOrdnerbaumAn("/d");
     }
 
-    Datenpflegeumgebung Umgebung() { return {Modul, Dateien, Welt, Welt, Status, Fragen, Fenster, Fabrik.Fabrik()}; }
+    Datenpflegelauf::Umgebung Umgebung() {
+        return {Modul, Dateien, Welt, Welt, Status, Fragen, Fenster, Fabrik.Fabrik()};
+    }
 
     // An active title without bid and ask.
     Titelzeiger Titel(const std::string& symbol, int prioritaet = 0) {
@@ -245,6 +248,20 @@ struct Pflegewelt {
     TestFenster Fenster;
     hilfen::TestTwsFabrik Fabrik;
     Dienst Historie;
+};
+
+// A run and its order in one: what a test wants of it, and what it asks of it.
+struct Prueflauf : Auftrag {
+    Prueflauf(const Datenpflegelauf::Umgebung& umgebung, Anfragetakt& takt) : lauf_(umgebung, takt) {}
+    void StarteBackfill() { lauf_.StarteBackfill(*this); }
+    void Entladen() { lauf_.Entladen(); }
+
+private:
+    Datenpflegelauf lauf_;
+
+public:
+    bool& Abbruch = lauf_.Abbruch;
+    const std::string& LastTimezone = lauf_.Angaben.LastTimezone;
 };
 
 constexpr Dauer Sekunden(double anzahl) {
