@@ -69,7 +69,7 @@ inline std::optional<int> KommandoUebergeben(const std::string& befehlszeile) {
     IBModul modul;
     IniNutzerspeicher registry{IniNutzerspeicher::Standardordner()};
     IniProfildatei lokal{ordner + std::string(LokaleEinstellungsdatei)};
-    Einstellungsspeicher einstellungen(modul, registry, lokal);
+    Einstellungsspeicher einstellungen(modul.Einstellungen, modul, registry, lokal);
     Wartepumpe pumpe;
     KommandosLoeschen(einstellungen);
     const auto fehler = KommandoHinterlegen(einstellungen, pumpe, befehle);

@@ -66,7 +66,7 @@ void Laden(benchmark::State& state) {
     KeineAnzeige anzeige;
     zek::IBModul modul;
     modul.Programmordner = ordner.Text();
-    zek::Titellader lader(modul, dateien, uhr, pumpe, anzeige, anzeige, anzeige,
+    zek::Titellader lader(modul, modul, dateien, uhr, pumpe, anzeige, anzeige, anzeige,
                           {[] { return false; }, [](zek::clTitelobjekt&) { return 0; }, [] {}});
     for (auto _ : state) lader.Titelladen();
     if (modul.Titelliste.Anzahl() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("titles missing");

@@ -59,8 +59,8 @@ struct Einarbeiter::Merge {
     bool HatSaetze() const { return Ende > DateikopfBytes; }
 };
 
-Einarbeiter::Einarbeiter(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe, Statusausgabe& status,
-                         std::int64_t journalstueck)
+Einarbeiter::Einarbeiter(const IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe,
+                         Statusausgabe& status, std::int64_t journalstueck)
     : modul_(modul), dateien_(dateien), uhr_(uhr), pumpe_(pumpe), status_(status), journalstueck_(journalstueck) {}
 
 std::int32_t Einarbeiter::DatenEinarbeiten(Form& form, clTitelobjekt& titel, std::span<const KursDatensatz> saetze,

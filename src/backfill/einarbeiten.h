@@ -42,7 +42,7 @@ public:
         virtual void SpanneGeht(const clTitelobjekt& titel, std::int32_t kursart, Datum von, Datum bis) = 0;
     };
 
-    Einarbeiter(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe, Statusausgabe& status,
+    Einarbeiter(const IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe, Statusausgabe& status,
                 std::int64_t journalstueck = Einarbeitungsjournal::Stueck);
 
     // `saetze`: ascending by Datum, the title's ZeitKorrektur applied. The file is created when missing; one of a
@@ -93,7 +93,7 @@ private:
     KursDatensatz LiesSatz(Merge& merge, std::int64_t stelle);
     std::span<KursDatensatz> LiesSaetze(Merge& merge, std::int64_t stelle, std::size_t hoechstens);
 
-    IBModul& modul_;
+    const IBModul& modul_;
     Dateisystem& dateien_;
     const Uhr& uhr_;
     Pumpe& pumpe_;

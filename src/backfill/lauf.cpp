@@ -31,8 +31,8 @@ Datenpflegelauf::~Datenpflegelauf() {
 
 void Datenpflegelauf::StarteBackfill(const Auftrag& auftrag) {
     // The flag is the guard against re-entry as well: both go up and down together.
-    if (Abbruch || um_.Modul.DatenpflegeLaeuft) return;
-    const Laufmarke laeuft(um_.Modul.DatenpflegeLaeuft);
+    if (Abbruch || um_.Stand.DatenpflegeLaeuft) return;
+    const Laufmarke laeuft(um_.Stand.DatenpflegeLaeuft);
     OhneFehler("Datenpflege vorbereiten", [&] {
         auftrag_ = auftrag;
         anzeige_.Erzeuge([this] { btnAbbruch(); });

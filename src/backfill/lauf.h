@@ -33,7 +33,8 @@ class Serie;
 class Datenpflegelauf final {
 public:
     struct Umgebung {
-        IBModul& Modul;
+        const IBModul& Modul;
+        Datenpflegestand& Stand;  // of the same module
         Dateisystem& Dateien;
         const Uhr& Zeit;
         zek::Pumpe& Pumpe;

@@ -53,7 +53,7 @@ bool Datenpflegeplanung::StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt) 
 
 // The span of an automatic run and its log text. False when no gap is known.
 bool Datenpflegeplanung::BestimmeLuecke(Auftrag& auftrag, std::optional<Zeitpunkt> zeitpunkt) {
-    auto& schlange = um_.Lauf.Modul.Datenpflegewarteschlange;
+    auto& schlange = um_.Lauf.Stand.Datenpflegewarteschlange;
     if (!schlange.empty()) {
         const auto [von, bis] = schlange.front();
         schlange.pop_front();
@@ -67,7 +67,7 @@ bool Datenpflegeplanung::BestimmeLuecke(Auftrag& auftrag, std::optional<Zeitpunk
         zeitpunkt = EinstellungZeitpunkt(um_.Ablage.Lies("Datenpflege", "IBLastEnd", "0"));
         if (!zeitpunkt) return false;
         zeitpunkt = std::max<Zeitpunkt>(*zeitpunkt, jetzt - HoechstesAlter);
-        um_.Lauf.Modul.LetzteDatenZeit = zeitpunkt;
+        um_.Kursuhr.LetzteDatenZeit = zeitpunkt;
     }
     // Right after midnight the step back would make the start a day older.
     if (Tageszeit(*zeitpunkt) >= Tageszeit(2h)) *zeitpunkt -= Vorlauf;
@@ -89,11 +89,10 @@ void Datenpflegeplanung::StartDatenpflegeZeitgeber() {
         --startZaehler_;
         return;
     }
-    const auto& modul = um_.Lauf.Modul;
-    if (!um_.TwsVerbunden() || modul.Dialogsperre) return;
+    if (!um_.TwsVerbunden() || um_.Programm.Dialogsperre) return;
     startZeitgeber_->Stoppe();
     StarteAutoBackfill(std::nullopt);
-    if (!modul.Datenpflegewarteschlange.empty()) StarteAutoBackfill(std::nullopt);
+    if (!um_.Lauf.Stand.Datenpflegewarteschlange.empty()) StarteAutoBackfill(std::nullopt);
 }
 
 // ---- manual starts
@@ -119,7 +118,7 @@ void Datenpflegeplanung::ManuellerStart(const std::string& ueberschrift, const s
     WarneOhneAktiveTitel();
     std::optional<Datenpflegewahl> wahl;
     {
-        const Laufmarke sperre(um_.Lauf.Modul.Dialogsperre);
+        const Laufmarke sperre(um_.Programm.Dialogsperre);
         wahl = um_.Optionen.Frage(
             {ueberschrift, umfang == Umfang::MarkierteTitel, LiesDatenpflegewahl(um_.Ablage, um_.Lauf.Zeit.Jetzt())});
     }
@@ -146,7 +145,7 @@ void Datenpflegeplanung::FuehreManuellAus(const Datenpflegewahl& wahl, const std
     OhneFehler("Manuelle Datenpflege", [&] {
         ErzeugeLauf();
         const auto lauf = lauf_;
-        um_.Lauf.Modul.Datenpflegewarteschlange.clear();
+        um_.Lauf.Stand.Datenpflegewarteschlange.clear();
         Auftrag auftrag;
         auftrag.AlleAktivenTitelAktualisieren = umfang == Umfang::AktiveTitel;
         TitelNachPrioritaet(quelle, auftrag.cAktualTitel, umfang == Umfang::MarkierteTitel);
@@ -162,7 +161,7 @@ void Datenpflegeplanung::FuehreManuellAus(const Datenpflegewahl& wahl, const std
         um_.Lauf.Status.Statusmeldung("Datenpflege beendet");
     });
     FensterEntladen();
-    if (!um_.Lauf.Modul.Datenpflegewarteschlange.empty()) StarteAutoBackfill(std::nullopt);
+    if (!um_.Lauf.Stand.Datenpflegewarteschlange.empty()) StarteAutoBackfill(std::nullopt);
 }
 
 // ---- the run and its window
@@ -174,7 +173,7 @@ void Datenpflegeplanung::ErzeugeLauf() {
 void Datenpflegeplanung::Fuehre(Datenpflegelauf& lauf, const Auftrag& auftrag) {
     um_.Lauf.Fenster.Statuspanel("Datenpflege (gestartet " + Datumtext(um_.Lauf.Zeit.Jetzt()) + ")");
     lauf.StarteBackfill(auftrag);
-    PumpeBis(um_.Lauf.Pumpe, [this] { return !um_.Lauf.Modul.DatenpflegeLaeuft; });
+    PumpeBis(um_.Lauf.Pumpe, [this] { return !um_.Lauf.Stand.DatenpflegeLaeuft; });
 }
 
 void Datenpflegeplanung::BrichAb() {

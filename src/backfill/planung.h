@@ -21,6 +21,8 @@ class Datenpflegeplanung {
 public:
     struct Umgebung {
         Datenpflegelauf::Umgebung Lauf;
+        Tickuhr& Kursuhr;
+        Programmstand& Programm;
         Zeitgeberfabrik& Zeitgeber;
         Einstellungszugang& Ablage;
         Datenpflegeoptionen& Optionen;
@@ -66,7 +68,7 @@ private:
         MarkierteTitel,       // the same, inactive titles included
     };
 
-    bool LaufSteht() const { return lauf_ != nullptr || um_.Lauf.Modul.DatenpflegeLaeuft; }
+    bool LaufSteht() const { return lauf_ != nullptr || um_.Lauf.Stand.DatenpflegeLaeuft; }
     bool BestimmeLuecke(Auftrag& auftrag, std::optional<Zeitpunkt> zeitpunkt);
     void StartDatenpflegeZeitgeber();
     void ManuellerStart(const std::string& ueberschrift, const std::vector<Titelzeiger>& quelle, Umfang umfang);

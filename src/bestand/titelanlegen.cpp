@@ -36,18 +36,18 @@ bool IstVorhanden(const Titelliste& liste, const clTitelobjekt& neu) {
 
 }  // namespace
 
-Titelzeiger TitelAnlegen(IBModul& modul, const Titelangaben& angaben,
+Titelzeiger TitelAnlegen(Titelbestand& bestand, const Verbindungsstand& verbindung, const Titelangaben& angaben,
                          const std::function<int(clTitelobjekt&)>& abonniere) {
     Titelzeiger titel;
     OhneFehler("Titel anlegen", [&] {
         Titelzeiger neu = AusAngaben(angaben);
-        if (IstVorhanden(modul.Titelliste, *neu)) return;
-        neu->id = ++modul.Titelnummer;
-        if (modul.Titelliste.Fuege(neu)) titel = std::move(neu);
+        if (IstVorhanden(bestand.Titelliste, *neu)) return;
+        neu->id = ++bestand.Titelnummer;
+        if (bestand.Titelliste.Fuege(neu)) titel = std::move(neu);
     });
     if (!titel) return nullptr;
-    if (!titel->Katalog.empty()) modul.Katalogliste.Fuege(titel->Katalog);
-    if (modul.TWSVerbunden) OhneFehler("Neuen Titel abonnieren", [&] { abonniere(*titel); });
+    if (!titel->Katalog.empty()) bestand.Katalogliste.Fuege(titel->Katalog);
+    if (verbindung.TWSVerbunden) OhneFehler("Neuen Titel abonnieren", [&] { abonniere(*titel); });
     return titel;
 }
 

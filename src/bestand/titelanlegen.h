@@ -25,7 +25,7 @@ struct Titelangaben {
 // Adds an active title with bid and ask, subscribes it (through `abonniere`) while the session is connected, and
 // returns it. Where the list has the same contract or the same file base name already, nothing is added and nothing
 // is returned. The definitions file isn't saved here. Throws nothing.
-Titelzeiger TitelAnlegen(IBModul& modul, const Titelangaben& angaben,
+Titelzeiger TitelAnlegen(Titelbestand& bestand, const Verbindungsstand& verbindung, const Titelangaben& angaben,
                          const std::function<int(clTitelobjekt&)>& abonniere);
 
 }  // namespace zek

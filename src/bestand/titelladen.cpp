@@ -23,9 +23,10 @@ constexpr std::string_view Unterbrochen =
 
 }  // namespace
 
-Titellader::Titellader(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe, Startanzeige& anzeige,
-                       Meldungen& meldungen, Statusausgabe& status, Aufrufe aufrufe)
-    : modul_(modul),
+Titellader::Titellader(const Ordner& ordner, Titelbestand& bestand, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe,
+                       Startanzeige& anzeige, Meldungen& meldungen, Statusausgabe& status, Aufrufe aufrufe)
+    : ordner_(ordner),
+      bestand_(bestand),
       dateien_(dateien),
       uhr_(uhr),
       pumpe_(pumpe),
@@ -36,7 +37,7 @@ Titellader::Titellader(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pum
 
 void Titellader::Titelladen() {
     try {
-        const Titeldatei datei = LiesTiteldatei(dateien_, modul_.Programmordner);
+        const Titeldatei datei = LiesTiteldatei(dateien_, ordner_.Programmordner);
         using enum Titeldatei::Zustand;
         unbedenklich_ = datei.Ergebnis == Gelesen || datei.Ergebnis == Leer;
         if (datei.Ergebnis == Gelesen || datei.Ergebnis == Beschaedigt) {
@@ -58,8 +59,8 @@ void Titellader::MeldeLadefehler(const std::string& text) {
 
 void Titellader::Uebernehme(const Wert& baum) {
     anzeige_.Sanduhr(false);
-    modul_.Titelliste.Leere();
-    modul_.Katalogliste.Leere();
+    bestand_.Titelliste.Leere();
+    bestand_.Katalogliste.Leere();
     anzeige_.Sanduhr(true);
     anzeige_.Startinfo("Der Datenstrom wird initialisiert. Bitte warten...");
     const auto* liste = std::get_if<Werteliste>(&baum.Inhalt);
@@ -67,7 +68,7 @@ void Titellader::Uebernehme(const Wert& baum) {
         const auto anzahl = static_cast<std::int64_t>(liste->Elemente.size());
         anzeige_.FortschrittMaximum(static_cast<int>(liste->Untergrenze + anzahl - 1));
     }
-    modul_.Titelnummer = 0;
+    bestand_.Titelnummer = 0;
     pumpe_.Ereignisse();
     letztePause_ = uhr_.Timer();
     gesendet_ = 0;
@@ -86,17 +87,17 @@ void Titellader::UebernehmeAlle(const Werteliste& liste) {
 
 void Titellader::UebernehmeTitel(const Wert& para) {
     auto titel = std::make_shared<clTitelobjekt>();
-    titel->id = ++modul_.Titelnummer;
+    titel->id = ++bestand_.Titelnummer;
     // A title with an unreadable element keeps what was read before it.
     OhneFehler("Titel aus den Definitionen lesen", [&] { titel->ReadAllPara(para); });
     HalteImOrdner(titel->Katalog, "Der Katalog");
     HalteImOrdner(titel->Dateiname, "Der Dateiname");
-    modul_.Titelliste.Fuege(titel);
+    bestand_.Titelliste.Fuege(titel);
     if (gesendet_ >= NachrichtenJePause) HalteTakt();
     OhneFehler("Geladenen Titel abonnieren", [&] {
         if (titel->Aktiv() && aufrufe_.Verbunden()) gesendet_ += aufrufe_.Abonniere(*titel);
     });
-    if (!titel->Katalog.empty()) modul_.Katalogliste.Fuege(titel->Katalog);
+    if (!titel->Katalog.empty()) bestand_.Katalogliste.Fuege(titel->Katalog);
 }
 
 // The new name is the title's from here on: files, evidence and the next save all go by it.
@@ -124,14 +125,15 @@ void Titellader::HalteTakt() {
     gesendet_ = 0;
 }
 
-Titelsicherung::Titelsicherung(const IBModul& modul, Dateisystem& dateien, Startanzeige& anzeige, Meldungen& meldungen)
-    : modul_(modul), dateien_(dateien), anzeige_(anzeige), meldungen_(meldungen) {}
+Titelsicherung::Titelsicherung(const Ordner& ordner, const Titelbestand& bestand, Dateisystem& dateien,
+                               Startanzeige& anzeige, Meldungen& meldungen)
+    : ordner_(ordner), bestand_(bestand), dateien_(dateien), anzeige_(anzeige), meldungen_(meldungen) {}
 
 void Titelsicherung::Titelspeichern() {
     anzeige_.Sanduhr(true);
     std::optional<std::string> fehlertext;
     try {
-        fehlertext = SchreibeTiteldatei(dateien_, modul_.Programmordner, modul_.Titelliste);
+        fehlertext = SchreibeTiteldatei(dateien_, ordner_.Programmordner, bestand_.Titelliste);
     } catch (const std::exception& fehler) {
         fehlertext = Fehlertext(fehler);
     }

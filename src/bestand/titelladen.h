@@ -25,8 +25,8 @@ public:
         std::function<void()> TitelInfoAktualisieren;
     };
 
-    Titellader(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe, Startanzeige& anzeige,
-               Meldungen& meldungen, Statusausgabe& status, Aufrufe aufrufe);
+    Titellader(const Ordner& ordner, Titelbestand& bestand, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe,
+               Startanzeige& anzeige, Meldungen& meldungen, Statusausgabe& status, Aufrufe aufrufe);
 
     // Fills Titelliste and Katalogliste. A missing, empty or foreign file leaves them as they are, without a
     // message; one that can't be read or is damaged gives a message. A catalog or file name that leads out of its
@@ -45,7 +45,8 @@ private:
     void MeldeLadefehler(const std::string& text);
     void HalteImOrdner(std::string& name, std::string_view was);
 
-    IBModul& modul_;
+    const Ordner& ordner_;
+    Titelbestand& bestand_;
     Dateisystem& dateien_;
     const Uhr& uhr_;
     Pumpe& pumpe_;
@@ -62,13 +63,15 @@ private:
 // Writes all titles after a change of the list.
 class Titelsicherung {
 public:
-    Titelsicherung(const IBModul& modul, Dateisystem& dateien, Startanzeige& anzeige, Meldungen& meldungen);
+    Titelsicherung(const Ordner& ordner, const Titelbestand& bestand, Dateisystem& dateien, Startanzeige& anzeige,
+                   Meldungen& meldungen);
 
     // An error gives a message; the list in memory stays valid. Throws nothing.
     void Titelspeichern();
 
 private:
-    const IBModul& modul_;
+    const Ordner& ordner_;
+    const Titelbestand& bestand_;
     Dateisystem& dateien_;
     Startanzeige& anzeige_;
     Meldungen& meldungen_;

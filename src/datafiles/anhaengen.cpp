@@ -98,7 +98,7 @@ bool DateiEndeBereinigen(clDateiIO& datei, const std::string& name) {
     return true;
 }
 
-Datensatzschreiber::Datensatzschreiber(IBModul& modul, Dateisystem& dateien, Statusausgabe& status,
+Datensatzschreiber::Datensatzschreiber(const IBModul& modul, Dateisystem& dateien, Statusausgabe& status,
                                        Volumenfrage vorzeichenVolumen, Ablagewache* wache)
     : modul_(modul),
       dateien_(dateien),

@@ -30,8 +30,8 @@ public:
     using Volumenfrage = std::function<float(clTitelobjekt&)>;
 
     // `wache` may be null.
-    Datensatzschreiber(IBModul& modul, Dateisystem& dateien, Statusausgabe& status, Volumenfrage vorzeichenVolumen,
-                       Ablagewache* wache = nullptr);
+    Datensatzschreiber(const IBModul& modul, Dateisystem& dateien, Statusausgabe& status,
+                       Volumenfrage vorzeichenVolumen, Ablagewache* wache = nullptr);
 
     // Appends (`jetzt` + the title's ZeitKorrektur, kurs, volume). A file with a torn header or a torn record is left
     // alone without a word. An error gives one line in the log and loses this record only. `kontodaten` sends the
@@ -50,7 +50,7 @@ private:
     void LegeKopfAn(clTitelobjekt& titel, std::int32_t kursart);
     void MeldeFehler(int nummer, const char* text);
 
-    IBModul& modul_;
+    const IBModul& modul_;
     Dateisystem& dateien_;
     Statusausgabe& status_;
     Volumenfrage vorzeichenVolumen_;

@@ -24,12 +24,12 @@ bool PauseGiltFuer(const clTitelobjekt& titel, const Einstellungen& einstellunge
 // Works by position up to the count at the start: titles may come and go in the waits. A title that fails doesn't
 // end the pass. Returns the last batch's count.
 template <typename Sende>
-std::int32_t FuerAlleAktiven(const IBModul& modul, const IBControl& control, Sendetakt takt, Sende sende) {
-    const std::size_t anzahl = modul.Titelliste.Anzahl();
+std::int32_t FuerAlleAktiven(const Titelliste& titelliste, const IBControl& control, Sendetakt takt, Sende sende) {
+    const std::size_t anzahl = titelliste.Anzahl();
     for (std::size_t position = 0; position < anzahl; ++position) {
         takt.Schritt();
-        if (position >= modul.Titelliste.Anzahl()) break;
-        const Titelzeiger titel = modul.Titelliste[position];
+        if (position >= titelliste.Anzahl()) break;
+        const Titelzeiger titel = titelliste[position];
         if (titel->Aktiv() && control.Verbunden())
             OhneFehler("Nachricht je Titel", [&] { takt.Gesendet(sende(*titel)); });
     }
@@ -70,8 +70,9 @@ void TitelmerkmaleAbleiten(clTitelobjekt& titel, const Einstellungen& einstellun
     titel.TitelBidAskWartetaufLast = einstellungen.BidAskWartetLast && !GleichOhneGrossKlein(titel.Typ, "cash");
 }
 
-Abonnement::Abonnement(IBModul& modul, IBControl& control, const Uhr& uhr, Pumpe& pumpe, Stromwache* wache)
-    : modul_(modul), control_(control), uhr_(uhr), pumpe_(pumpe), wache_(wache) {}
+Abonnement::Abonnement(const Einstellungen& einstellungen, const Titelbestand& bestand, IBControl& control,
+                       const Uhr& uhr, Pumpe& pumpe, Stromwache* wache)
+    : einstellungen_(einstellungen), bestand_(bestand), control_(control), uhr_(uhr), pumpe_(pumpe), wache_(wache) {}
 
 std::int16_t Abonnement::MarktdatenAbonnieren(clTitelobjekt& titel) {
     const auto [boerse, primaerboerse] = TeileBoersenplatz(titel.Börsenplatz);
@@ -87,7 +88,7 @@ std::int16_t Abonnement::MarktdatenAbonnieren(clTitelobjekt& titel) {
     else if (titel.UseMarkttiefe)
         control_->reqMktDepth(titel.id, titel.Symbol, titel.Typ, titel.Laufzeit, titel.Basispreis, titel.Ausübungsrecht,
                               titel.Multiplikator, boerse, titel.Währung, Tiefenzeilen, SmartTiefe);
-    TitelmerkmaleAbleiten(titel, modul_.Einstellungen);
+    TitelmerkmaleAbleiten(titel, einstellungen_);
     if (wache_ != nullptr && control_.Verbunden()) OhneFehler("Wache: abonniert", [&] { wache_->Abonniert(titel); });
     return titel.UseMarkttiefe ? 2 : 1;
 }
@@ -103,14 +104,14 @@ std::int16_t Abonnement::MarktdatenAbbestellen(const clTitelobjekt& titel) {
 void Abonnement::AlleMarktdatenAbonnieren(std::int32_t count) {
     if (abonniert_) return;
     const Laufmarke marke(abonniert_);
-    FuerAlleAktiven(modul_, control_, Sendetakt(uhr_, pumpe_, count),
+    FuerAlleAktiven(bestand_.Titelliste, control_, Sendetakt(uhr_, pumpe_, count),
                     [this](clTitelobjekt& titel) { return MarktdatenAbonnieren(titel); });
 }
 
 void Abonnement::AlleMarktdatenAbbestellen(std::int32_t& count) {
     if (bestelltAb_) return;
     const Laufmarke marke(bestelltAb_);
-    count = FuerAlleAktiven(modul_, control_, Sendetakt(uhr_, pumpe_, count),
+    count = FuerAlleAktiven(bestand_.Titelliste, control_, Sendetakt(uhr_, pumpe_, count),
                             [this](const clTitelobjekt& titel) { return MarktdatenAbbestellen(titel); });
 }
 

@@ -30,7 +30,8 @@ void TitelmerkmaleAbleiten(clTitelobjekt& titel, const Einstellungen& einstellun
 class Abonnement {
 public:
     // `wache` may be null.
-    Abonnement(IBModul& modul, IBControl& control, const Uhr& uhr, Pumpe& pumpe, Stromwache* wache = nullptr);
+    Abonnement(const Einstellungen& einstellungen, const Titelbestand& bestand, IBControl& control, const Uhr& uhr,
+               Pumpe& pumpe, Stromwache* wache = nullptr);
 
     // Sends the requests of one title and derives its flags. The number of messages sent, 1 or 2. Tests neither
     // whether the title is active nor whether the connection stands.
@@ -44,7 +45,8 @@ public:
     void AlleMarktdatenAbbestellen(std::int32_t& count);
 
 private:
-    IBModul& modul_;
+    const Einstellungen& einstellungen_;
+    const Titelbestand& bestand_;
     IBControl& control_;
     const Uhr& uhr_;
     Pumpe& pumpe_;

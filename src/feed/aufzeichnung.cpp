@@ -28,27 +28,28 @@ bool RuhezeitAktiv(const Einstellungen& einstellungen, Zeitpunkt jetzt) {
     return einstellungen.KursAufzeichnungDeaktivieren && ImPausenfenster(einstellungen, jetzt);
 }
 
-Aufzeichnung::Aufzeichnung(IBModul& modul, Monitorausgabe& monitor, Datensatzablage& ablage)
-    : modul_(modul), monitor_(monitor), ablage_(ablage) {}
+Aufzeichnung::Aufzeichnung(const Einstellungen& einstellungen, Tickuhr& tickuhr, Monitorausgabe& monitor,
+                           Datensatzablage& ablage)
+    : einstellungen_(einstellungen), tickuhr_(tickuhr), monitor_(monitor), ablage_(ablage) {}
 
 void Aufzeichnung::BezahltSchreiben(clTitelobjekt& titel, Zeitpunkt jetzt) {
-    modul_.LetzteDatenZeit = jetzt;
-    if (modul_.Einstellungen.IBBezahlt && titel.LastVol == 0) return;
+    tickuhr_.LetzteDatenZeit = jetzt;
+    if (einstellungen_.IBBezahlt && titel.LastVol == 0) return;
     if (!Angenommen(titel, kursart::Bezahlt, titel.LastPrice, titel.LastVol, jetzt)) return;
     if (titel.BidAsk) Anhaengen(titel, kursart::BAVolume, titel.LastPrice, titel.LastVol, jetzt);
     Anhaengen(titel, kursart::Bezahlt, titel.LastPrice, titel.LastVol, jetzt);
 }
 
 void Aufzeichnung::BriefSchreiben(clTitelobjekt& titel, Zeitpunkt jetzt) {
-    modul_.LetzteDatenZeit = jetzt;
-    if (modul_.Einstellungen.IBAndere && titel.AskVol == 0) return;
+    tickuhr_.LetzteDatenZeit = jetzt;
+    if (einstellungen_.IBAndere && titel.AskVol == 0) return;
     if (!Angenommen(titel, kursart::Brief, titel.AskPrice, titel.AskVol, jetzt)) return;
     Anhaengen(titel, kursart::Brief, titel.AskPrice, titel.AskVol, jetzt);
 }
 
 void Aufzeichnung::GeldSchreiben(clTitelobjekt& titel, Zeitpunkt jetzt) {
-    modul_.LetzteDatenZeit = jetzt;
-    if (modul_.Einstellungen.IBAndere && titel.BidVol == 0) return;
+    tickuhr_.LetzteDatenZeit = jetzt;
+    if (einstellungen_.IBAndere && titel.BidVol == 0) return;
     if (!Angenommen(titel, kursart::Geld, titel.BidPrice, titel.BidVol, jetzt)) return;
     Anhaengen(titel, kursart::Geld, titel.BidPrice, titel.BidVol, jetzt);
 }
@@ -60,10 +61,10 @@ void Aufzeichnung::TiefeSchreiben(clTitelobjekt& titel, std::int32_t kursart, fl
 
 bool Aufzeichnung::Angenommen(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume,
                               Zeitpunkt jetzt) {
-    const bool verworfen = ZeitfensterAktiv(modul_.Einstellungen, titel, jetzt);
+    const bool verworfen = ZeitfensterAktiv(einstellungen_, titel, jetzt);
     OhneFehler("Eintrag des Monitors", [&] { monitor_.Protokolleintrag(titel, kursart, kurs, volume, verworfen); });
     if (verworfen) return false;
-    modul_.Kursanzahl += 1;
+    tickuhr_.Kursanzahl += 1;
     return true;
 }
 

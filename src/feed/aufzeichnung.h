@@ -19,7 +19,8 @@ bool RuhezeitAktiv(const Einstellungen& einstellungen, Zeitpunkt jetzt);
 
 class Aufzeichnung {
 public:
-    Aufzeichnung(IBModul& modul, Monitorausgabe& monitor, Datensatzablage& ablage);
+    Aufzeichnung(const Einstellungen& einstellungen, Tickuhr& tickuhr, Monitorausgabe& monitor,
+                 Datensatzablage& ablage);
 
     // The writers take price and size from the title. `jetzt`: the moment of the tick.
     void BezahltSchreiben(clTitelobjekt& titel, Zeitpunkt jetzt);
@@ -34,7 +35,8 @@ private:
     bool Angenommen(const clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Zeitpunkt jetzt);
     void Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Zeitpunkt jetzt);
 
-    IBModul& modul_;
+    const Einstellungen& einstellungen_;
+    Tickuhr& tickuhr_;
     Monitorausgabe& monitor_;
     Datensatzablage& ablage_;
 };

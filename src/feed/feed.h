@@ -19,34 +19,41 @@
 
 namespace zek {
 
-// What the feed needs from the house.
-struct Feedumgebung {
-    IBModul& Modul;
-    const Uhr& Zeit;
-    zek::Pumpe& Pumpe;
-    Datensatzablage& Ablage;
-    Statusausgabe& Status;
-    Offlineanzeige& Anzeige;
-    Monitorausgabe& Monitor;
-    tws::TwsFabrik Fabrik;
-    std::function<void(std::int64_t)> ServerZeit;       // may be empty
-    std::function<void(int code)> NeustartWegenFehler;  // may be empty
-    Stromwache* Wache = nullptr;                        // may be null
-};
-
 // The classes of the room, tied to each other. Must stay at its place: the control is bound to its Verbindung.
 struct Feed {
-    explicit Feed(Feedumgebung um)
+    struct Umgebung {
+        IBModul& Modul;
+        const Uhr& Zeit;
+        zek::Pumpe& Pumpe;
+        Datensatzablage& Ablage;
+        Statusausgabe& Status;
+        Offlineanzeige& Anzeige;
+        Monitorausgabe& Monitor;
+        tws::TwsFabrik Fabrik;
+        std::function<void(std::int64_t)> ServerZeit;       // may be empty
+        std::function<void(int code)> NeustartWegenFehler;  // may be empty
+        Stromwache* Wache = nullptr;                        // may be null
+    };
+
+    explicit Feed(Umgebung um)
         : Control(std::move(um.Fabrik)),
-          Abos(um.Modul, Control, um.Zeit, um.Pumpe, um.Wache),
-          Schreiber(um.Modul, um.Monitor, um.Ablage),
-          Ticks(um.Modul, um.Zeit, Schreiber),
+          Abos(um.Modul.Einstellungen, um.Modul, Control, um.Zeit, um.Pumpe, um.Wache),
+          Schreiber(um.Modul.Einstellungen, um.Modul, um.Monitor, um.Ablage),
+          Ticks(um.Modul.Einstellungen, um.Modul, um.Modul, um.Zeit, Schreiber),
           Tiefe(um.Modul, um.Zeit, Schreiber),
-          Konten(um.Modul, um.Zeit, Control, um.Ablage),
-          Vertraege(um.Modul, Control, um.Zeit, um.Wache),
-          Sitzung(um.Modul, um.Zeit, Control, Abos, um.Status, um.Anzeige,
-                  {Ticks, Tiefe, Konten, Vertraege, std::move(um.ServerZeit), std::move(um.NeustartWegenFehler),
-                   um.Wache}) {}
+          Konten(um.Modul.Einstellungen, um.Modul, um.Zeit, Control, um.Ablage),
+          Vertraege(um.Modul, um.Modul, Control, um.Zeit, um.Wache),
+          Sitzung({.Einstellungen = um.Modul.Einstellungen,
+                   .Bestand = um.Modul,
+                   .Stand = um.Modul,
+                   .Kursuhr = um.Modul,
+                   .Zeit = um.Zeit,
+                   .Control = Control,
+                   .Abos = Abos,
+                   .Status = um.Status,
+                   .Anzeige = um.Anzeige,
+                   .Ziele = {Ticks, Tiefe, Konten, Vertraege, std::move(um.ServerZeit),
+                             std::move(um.NeustartWegenFehler), um.Wache}}) {}
     Feed(const Feed&) = delete;
     Feed& operator=(const Feed&) = delete;
 

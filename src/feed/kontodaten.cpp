@@ -44,11 +44,12 @@ bool PasstZuTitel(const tws::Contract& contract, const clTitelobjekt& titel) {
     return OptionPasst(contract, titel);
 }
 
-Kontodaten::Kontodaten(IBModul& modul, const Uhr& uhr, IBControl& control, Datensatzablage& ablage)
-    : modul_(modul), uhr_(uhr), control_(control), ablage_(ablage) {}
+Kontodaten::Kontodaten(const Einstellungen& einstellungen, const Titelbestand& bestand, const Uhr& uhr,
+                       IBControl& control, Datensatzablage& ablage)
+    : einstellungen_(einstellungen), bestand_(bestand), uhr_(uhr), control_(control), ablage_(ablage) {}
 
 void Kontodaten::KontoabosAnfordern() {
-    const std::string& konten = modul_.Einstellungen.KontenDatenKontoName;
+    const std::string& konten = einstellungen_.KontenDatenKontoName;
     if (konten.empty()) {
         control_->reqAccountUpdates(true, "");
         return;
@@ -59,19 +60,19 @@ void Kontodaten::KontoabosAnfordern() {
 
 void Kontodaten::updateAccountValue(std::string_view key, std::string_view value, std::string_view curency,
                                     std::string_view accountName) {
-    if (!modul_.Einstellungen.KontenDatenAufzeichnen || !IstNumerisch(value)) return;
+    if (!einstellungen_.KontenDatenAufzeichnen || !IstNumerisch(value)) return;
     const Titelzeiger titel = Kontotitel(key, curency, accountName);
     if (const auto kurs = AlsEinfach(Zahlwert(value)))
         ablage_.DatensatzAnhaengen(*titel, kursart::Bezahlt, *kurs, 0, true, uhr_.Jetzt());
 }
 
 Titelzeiger Kontodaten::Kontotitel(std::string_view key, std::string_view curency, std::string_view accountName) {
-    Titelzeiger& platz = modul_.Kontotitelliste[Kontoschluessel(key, curency, accountName)];
+    Titelzeiger& platz = Kontotitelliste[Kontoschluessel(key, curency, accountName)];
     if (platz) return platz;
     auto titel = std::make_shared<clTitelobjekt>();
     titel->Aktiv(true);
     titel->Symbol = key;
-    if (!modul_.Einstellungen.KontenDatenUseNoKontoName) titel->Börsenplatz = accountName;
+    if (!einstellungen_.KontenDatenUseNoKontoName) titel->Börsenplatz = accountName;
     titel->Typ = curency;
     titel->Katalog = Kontokatalog;
     platz = std::move(titel);
@@ -80,9 +81,9 @@ Titelzeiger Kontodaten::Kontotitel(std::string_view key, std::string_view curenc
 
 void Kontodaten::updatePortfolioEx(const tws::Contract& contract, double position, double marketPrice,
                                    std::string_view accountName) {
-    const Einstellungen& einstellungen = modul_.Einstellungen;
+    const Einstellungen& einstellungen = einstellungen_;
     if (!einstellungen.KontenDatenAufzeichnen || !einstellungen.PortfolioAufzeichnen) return;
-    for (const Titelzeiger& titel : modul_.Titelliste) {
+    for (const Titelzeiger& titel : bestand_.Titelliste) {
         if (!PasstZuTitel(contract, *titel)) continue;
         titel->AccountName = einstellungen.KontenDatenUseNoKontoName ? std::string_view() : accountName;
         const bool glaubhaft = marketPrice >= -HoechsterPositionskurs && marketPrice <= HoechsterPositionskurs;

@@ -14,7 +14,8 @@ bool PasstZuTitel(const tws::Contract& contract, const clTitelobjekt& titel);
 
 class Kontodaten {
 public:
-    Kontodaten(IBModul& modul, const Uhr& uhr, IBControl& control, Datensatzablage& ablage);
+    Kontodaten(const Einstellungen& einstellungen, const Titelbestand& bestand, const Uhr& uhr, IBControl& control,
+               Datensatzablage& ablage);
 
     // Subscribes each account of KontenDatenKontoName, or the default account. Never ends a subscription; what stops
     // the data are the settings, tested in the events.
@@ -28,10 +29,14 @@ public:
     void updatePortfolioEx(const tws::Contract& contract, double position, double marketPrice,
                            std::string_view accountName);
 
+    // Titles of account values of this run; key "#NetLiquidation-EUR-U1234567".
+    std::unordered_map<std::string, Titelzeiger> Kontotitelliste;
+
 private:
     Titelzeiger Kontotitel(std::string_view key, std::string_view curency, std::string_view accountName);
 
-    IBModul& modul_;
+    const Einstellungen& einstellungen_;
+    const Titelbestand& bestand_;
     const Uhr& uhr_;
     IBControl& control_;
     Datensatzablage& ablage_;

@@ -10,12 +10,12 @@ constexpr int Geloescht = 2;
 constexpr int Briefseite = 0;
 }  // namespace
 
-Markttiefe::Markttiefe(IBModul& modul, const Uhr& uhr, Aufzeichnung& aufzeichnung)
-    : modul_(modul), uhr_(uhr), aufzeichnung_(aufzeichnung) {}
+Markttiefe::Markttiefe(const Titelbestand& bestand, const Uhr& uhr, Aufzeichnung& aufzeichnung)
+    : bestand_(bestand), uhr_(uhr), aufzeichnung_(aufzeichnung) {}
 
 void Markttiefe::updateMktDepth(int id, int position, int operation, int side, double price, double size) {
     if (price == 0 || operation == Geloescht) return;
-    clTitelobjekt* const titel = modul_.Titelliste.Finde(id);
+    clTitelobjekt* const titel = bestand_.Titelliste.Finde(id);
     if (!titel || !titel->UseMarkttiefe) return;
     if (position < 0 || position >= kursart::TiefsteStufe) return;
     const auto kurs = AlsEinfach(price);

@@ -9,14 +9,14 @@ namespace zek {
 
 class Markttiefe {
 public:
-    Markttiefe(IBModul& modul, const Uhr& uhr, Aufzeichnung& aufzeichnung);
+    Markttiefe(const Titelbestand& bestand, const Uhr& uhr, Aufzeichnung& aufzeichnung);
 
     // `position` 0 to 9; rows beyond the 10 that are requested are dropped. `operation` 2 is a delete. `side` 0 is
     // the ask side, any other the bid side.
     void updateMktDepth(int id, int position, int operation, int side, double price, double size);
 
 private:
-    IBModul& modul_;
+    const Titelbestand& bestand_;
     const Uhr& uhr_;
     Aufzeichnung& aufzeichnung_;
 };

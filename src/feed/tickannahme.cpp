@@ -91,17 +91,17 @@ double Handelsgroesse(double bisher, double gesamt) {
 
 }  // namespace
 
-Tickannahme::Tickannahme(IBModul& modul, const Uhr& uhr, Aufzeichnung& aufzeichnung)
-    : modul_(modul), uhr_(uhr), aufzeichnung_(aufzeichnung) {}
+Tickannahme::Tickannahme(const Einstellungen& einstellungen, const Titelbestand& bestand, Tickuhr& tickuhr,
+                         const Uhr& uhr, Aufzeichnung& aufzeichnung)
+    : einstellungen_(einstellungen), bestand_(bestand), tickuhr_(tickuhr), uhr_(uhr), aufzeichnung_(aufzeichnung) {}
 
 // Every event counts as life of the stream, also one of an unknown id or an ignored type.
 clTitelobjekt* Tickannahme::Empfange(int id, Zeitpunkt& jetzt) {
-    clTitelobjekt* const titel = modul_.Titelliste.Finde(id);
+    clTitelobjekt* const titel = bestand_.Titelliste.Finde(id);
     if (titel) titel->HoleVor();
     jetzt = uhr_.Jetzt();
     if (titel) titel->HoleNamenVor();
-    modul_.LetzterKursZeitpunkt = jetzt;
-    if (!modul_.ErsterKursZeitpunkt) modul_.ErsterKursZeitpunkt = jetzt;
+    tickuhr_.Kurs(jetzt);
     return titel;
 }
 
@@ -155,7 +155,7 @@ void Tickannahme::Geldregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt) 
     NeuesVolumen(felder, size, jetzt);
     if (!KursGueltig(titel, titel.BidPrice)) return;
     if (StartzeitErreicht(titel, jetzt)) aufzeichnung_.GeldSchreiben(titel, jetzt);
-    modul_.LetzteDatenZeit = jetzt;
+    tickuhr_.LetzteDatenZeit = jetzt;
 }
 
 void Tickannahme::Briefregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt) {
@@ -164,7 +164,7 @@ void Tickannahme::Briefregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt)
     NeuesVolumen(felder, size, jetzt);
     if (!KursGueltig(titel, titel.AskPrice)) return;
     if (StartzeitErreicht(titel, jetzt)) aufzeichnung_.BriefSchreiben(titel, jetzt);
-    modul_.LetzteDatenZeit = jetzt;
+    tickuhr_.LetzteDatenZeit = jetzt;
 }
 
 void Tickannahme::Bezahltregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt) {
@@ -172,15 +172,15 @@ void Tickannahme::Bezahltregel(clTitelobjekt& titel, double size, Zeitpunkt jetz
     if (IstEcho(felder, size, jetzt)) return;
     NeuesVolumen(felder, size, jetzt);
     if (!titel.Aktiv() || !KursGueltig(titel, titel.LastPrice)) return;
-    const bool ausGesamtvolumen = titel.UseGesamtVol && modul_.Einstellungen.UseGesamtvolumen;
+    const bool ausGesamtvolumen = titel.UseGesamtVol && einstellungen_.UseGesamtvolumen;
     if (!ausGesamtvolumen && StartzeitErreicht(titel, jetzt)) aufzeichnung_.BezahltSchreiben(titel, jetzt);
-    modul_.LetzteDatenZeit = jetzt;
+    tickuhr_.LetzteDatenZeit = jetzt;
 }
 
 // A trade's size is the difference of two totals. A total that didn't grow, or fell as at a new trading day, only
 // sets the base.
 void Tickannahme::Gesamtvolumenregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt) {
-    if (!modul_.Einstellungen.UseGesamtvolumen || titel.DontUseGesamtVol) return;
+    if (!einstellungen_.UseGesamtvolumen || titel.DontUseGesamtVol) return;
     titel.UseGesamtVol = true;
     if (size == 0 || std::isnan(size)) return;
     const double bisher = titel.LastGesamtVolume;
@@ -191,7 +191,7 @@ void Tickannahme::Gesamtvolumenregel(clTitelobjekt& titel, double size, Zeitpunk
     NeuesVolumen(Bezahltfelder(titel), groesse, jetzt);
     if (!titel.Aktiv() || !KursGueltig(titel, titel.LastPrice)) return;
     if (StartzeitErreicht(titel, jetzt)) aufzeichnung_.BezahltSchreiben(titel, jetzt);
-    modul_.LetzteDatenZeit = jetzt;
+    tickuhr_.LetzteDatenZeit = jetzt;
 }
 
 }  // namespace zek

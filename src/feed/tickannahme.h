@@ -18,7 +18,8 @@ inline constexpr int Geldvolumen = 0, Geld = 1, Brief = 2, Briefvolumen = 3, Bez
 
 class Tickannahme {
 public:
-    Tickannahme(IBModul& modul, const Uhr& uhr, Aufzeichnung& aufzeichnung);
+    Tickannahme(const Einstellungen& einstellungen, const Titelbestand& bestand, Tickuhr& tickuhr, const Uhr& uhr,
+                Aufzeichnung& aufzeichnung);
 
     // `id` of a title; events of unknown ids are dropped. A price or size that no single holds leaves its field as it
     // was.
@@ -34,7 +35,9 @@ private:
     void Bezahltregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt);
     void Gesamtvolumenregel(clTitelobjekt& titel, double size, Zeitpunkt jetzt);
 
-    IBModul& modul_;
+    const Einstellungen& einstellungen_;
+    const Titelbestand& bestand_;
+    Tickuhr& tickuhr_;
     const Uhr& uhr_;
     Aufzeichnung& aufzeichnung_;
 };

@@ -38,10 +38,21 @@ public:
         std::function<void(int code)> NeustartWegenFehler;
         Stromwache* Wache = nullptr;  // may be null
     };
+    struct Umgebung {
+        const zek::Einstellungen& Einstellungen;
+        const Titelbestand& Bestand;
+        Verbindungsstand& Stand;
+        const Tickuhr& Kursuhr;
+        const Uhr& Zeit;
+        IBControl& Control;
+        Abonnement& Abos;
+        Statusausgabe& Status;
+        Offlineanzeige& Anzeige;
+        Abnehmer Ziele;
+    };
 
     // Makes the first control, bound to this object.
-    Verbindung(IBModul& modul, const Uhr& uhr, IBControl& control, Abonnement& abonnement, Statusausgabe& status,
-               Offlineanzeige& anzeige, Abnehmer abnehmer);
+    explicit Verbindung(Umgebung umgebung);
     // Releases the control with it.
     ~Verbindung() override;
     Verbindung(const Verbindung&) = delete;
@@ -79,13 +90,7 @@ private:
     void WarnungZeigen(const std::string& text);
     void Melde(const std::string& text, bool fett = false);
 
-    IBModul& modul_;
-    const Uhr& uhr_;
-    IBControl& control_;
-    Abonnement& abonnement_;
-    Statusausgabe& status_;
-    Offlineanzeige& anzeige_;
-    Abnehmer abnehmer_;
+    Umgebung um_;
     bool bautAuf_ = false;  // guard of TWSVerbindungAufbauen
 };
 

@@ -21,7 +21,7 @@ constexpr std::size_t HoechstensJeDurchlauf = 64;
 
 void Vertragsfragen::Durchlauf() {
     const Zeitpunkt jetzt = uhr_.Jetzt();
-    if (!modul_.TWSVerbunden || modul_.Offline || wache_ == nullptr) {
+    if (!verbindung_.TWSVerbunden || verbindung_.Offline || wache_ == nullptr) {
         verbundenSeit_.reset();
         titel_ = 0;
         return;
@@ -30,10 +30,10 @@ void Vertragsfragen::Durchlauf() {
     if (jetzt - *verbundenSeit_ < Anlauf) return;
     if (titel_ != 0 && std::chrono::abs(jetzt - gefragtUm_) <= Geduld) return;
     titel_ = 0;
-    const std::size_t anzahl = modul_.Titelliste.Anzahl();
+    const std::size_t anzahl = bestand_.Titelliste.Anzahl();
     for (std::size_t i = 0; i < std::min(anzahl, HoechstensJeDurchlauf); ++i) {
         naechster_ = (naechster_ + 1) % anzahl;
-        if (Frage(*modul_.Titelliste[naechster_], jetzt)) return;
+        if (Frage(*bestand_.Titelliste[naechster_], jetzt)) return;
     }
 }
 
@@ -53,7 +53,7 @@ bool Vertragsfragen::Frage(const clTitelobjekt& titel, Zeitpunkt jetzt) {
 // A request that names several contracts has several answers; the first one says enough.
 void Vertragsfragen::Details(int id, const tws::ContractDetails& details) {
     if (id != nummer_ || titel_ == 0) return;
-    const Titelzeiger titel = modul_.Titelliste.FindeZeiger(titel_);
+    const Titelzeiger titel = bestand_.Titelliste.FindeZeiger(titel_);
     titel_ = 0;
     if (titel) wache_->Boersenstunden(*titel, details.timeZoneId, details.tradingHours);
 }

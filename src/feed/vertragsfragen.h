@@ -21,8 +21,9 @@ public:
     static constexpr int ErsteNummer = 1900000000;
 
     // `wache` may be null.
-    Vertragsfragen(IBModul& modul, IBControl& control, const Uhr& uhr, Stromwache* wache)
-        : modul_(modul), control_(control), uhr_(uhr), wache_(wache) {}
+    Vertragsfragen(const Titelbestand& bestand, const Verbindungsstand& verbindung, IBControl& control, const Uhr& uhr,
+                   Stromwache* wache)
+        : bestand_(bestand), verbindung_(verbindung), control_(control), uhr_(uhr), wache_(wache) {}
 
     // Once a second.
     void Durchlauf();
@@ -35,7 +36,8 @@ public:
 private:
     bool Frage(const clTitelobjekt& titel, Zeitpunkt jetzt);
 
-    IBModul& modul_;
+    const Titelbestand& bestand_;
+    const Verbindungsstand& verbindung_;
     IBControl& control_;
     const Uhr& uhr_;
     Stromwache* wache_;

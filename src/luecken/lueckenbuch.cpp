@@ -39,15 +39,15 @@ std::string Lueckenpfad(const std::string& datenordner) {
     return pfad.append(Lueckenordner) + "/";
 }
 
-Lueckenbuch::Lueckenbuch(const IBModul& modul, Dateisystem& dateien, const Uhr& uhr)
-    : modul_(modul), dateien_(dateien), uhr_(uhr), reserve_(dateien) {}
+Lueckenbuch::Lueckenbuch(const Ordner& ordner, Dateisystem& dateien, const Uhr& uhr)
+    : ordner_(ordner), dateien_(dateien), uhr_(uhr), reserve_(dateien) {}
 
 void Lueckenbuch::Schreibe(const Lueckenzeile& zeile) {
     if (zeile.Von < FruehsterBeginn) return;
     if (wartend_.size() == Hoechstzahl) wartend_.pop_front();
     wartend_.push_back(Zeilentext(zeile));
     if (zurueckhalten_) return;
-    reserve_.SetzeOrdner(modul_.Programmordner);
+    reserve_.SetzeOrdner(ordner_.Programmordner);
     // A disk that takes nothing isn't asked again for each line.
     if (!reserve_.Inhalt().empty() && NimmInReserve()) return;
     Nachholen();
@@ -60,7 +60,7 @@ void Lueckenbuch::HalteZurueck(bool halten) {
 
 void Lueckenbuch::Nachholen() {
     if (zurueckhalten_) return;
-    reserve_.SetzeOrdner(modul_.Programmordner);
+    reserve_.SetzeOrdner(ordner_.Programmordner);
     const std::string text = reserve_.Inhalt() + Wartende();
     if (text.empty()) return;
     if (!SchreibeInsBuch(text)) {
@@ -85,12 +85,12 @@ bool Lueckenbuch::NimmInReserve() {
 
 void Lueckenbuch::BereiteReserve(std::size_t zeilen) {
     Nachholen();
-    reserve_.SetzeOrdner(modul_.Programmordner);
+    reserve_.SetzeOrdner(ordner_.Programmordner);
     reserve_.Bereite(std::max(Lueckenreserve::Mindestgroesse, static_cast<std::int64_t>(zeilen) * Zeilenlaenge));
 }
 
 bool Lueckenbuch::SchreibeInsBuch(const std::string& text) {
-    const std::string ordner = Lueckenpfad(modul_.Datenordner);
+    const std::string ordner = Lueckenpfad(ordner_.Datenordner);
     const std::string pfad = ordner + Tagesname(uhr_.Jetzt());
     Dateihandle handle = dateien_.Oeffne(pfad, Oeffnen::Anlegen);
     if (handle < 0 && dateien_.LegeOrdnerAn(ordner.substr(0, ordner.size() - 1)) == 0)

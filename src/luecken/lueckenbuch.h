@@ -32,7 +32,7 @@ public:
     // Lines that wait; beyond, the oldest are lost.
     static constexpr std::size_t Hoechstzahl = 10000;
 
-    Lueckenbuch(const IBModul& modul, Dateisystem& dateien, const Uhr& uhr);
+    Lueckenbuch(const Ordner& ordner, Dateisystem& dateien, const Uhr& uhr);
 
     // A line that begins before all recording isn't written.
     void Schreibe(const Lueckenzeile& zeile);
@@ -52,7 +52,7 @@ private:
     std::string Wartende() const;
     bool NimmInReserve();
 
-    const IBModul& modul_;
+    const Ordner& ordner_;
     Dateisystem& dateien_;
     const Uhr& uhr_;
     Lueckenreserve reserve_;

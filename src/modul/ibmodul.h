@@ -1,4 +1,5 @@
-// IBModul: the process-wide values of the recorder. Data, no logic; made in apps, handed down by reference.
+// IBModul: the process-wide values of the recorder, made of parts. Data, no logic; made in apps. A class takes the part
+// that it uses by reference, const where it only reads; the whole is for those that tie the rooms together.
 #pragma once
 
 #include "modul/einstellungen.h"
@@ -8,7 +9,6 @@
 #include <deque>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <utility>
 
 namespace zek {
@@ -21,47 +21,61 @@ inline constexpr std::string_view ProduktName = "Tessaron";
 // where its file ends.
 using Datenpflegeliste = std::deque<std::pair<std::optional<Zeitpunkt>, Zeitpunkt>>;
 
-struct IBModul {
+// Folders and files of the program.
+struct Ordner {
+    std::string Programmordner;  // ends in "/"
+    std::string Datenordner;
+    std::string Hilfedatei;
+    // Set at the start and read by nobody so far: they belong to the values that the program keeps for its windows.
+    std::string WhatsThisHilfe;        // source of context popups
+    std::string DatenordnerBeimStart;  // Datenordner as it stood at the start
+};
+
+// How the program was started, and what holds it up.
+struct Programmstand {
     // Set first thing at the start, and again when the main window loads; the second value counts.
     Zeitpunkt Startzeitpunkt{};
-    std::string Programmordner;  // ends in "/"
-    std::string Hilfedatei;
-    bool LokalSettings = false;
     bool KeineBeendenFrage = false;  // switch "/K"
-    std::string Datenordner;
+    bool Dialogsperre = false;       // a title or settings window is open
+};
 
-    zek::Einstellungen Einstellungen;
-
+struct Titelbestand {
     zek::Titelliste Titelliste;
     zek::Katalogliste Katalogliste;
-    // Titles of account values of this run; key "#NetLiquidation-EUR-U1234567".
-    std::unordered_map<std::string, Titelzeiger> Kontotitelliste;
     std::int32_t Titelnummer = 0;  // last id given out
+};
 
-    Datenpflegeliste Datenpflegewarteschlange;
-    bool DatenpflegeLaeuft = false;
-
-    bool Dialogsperre = false;  // a title or settings window is open
-
-    // Values of the session.
+// The session with the broker.
+struct Verbindungsstand {
     bool TWSVerbunden = false;
     bool Offline = false;
     bool FarmAktiv = false;
     std::optional<Zeitpunkt> NeuverbindungsZeit;
-    std::int32_t Verbindungsversuche = 0;
+};
+
+// When ticks and data came, and how many.
+struct Tickuhr {
     std::optional<Zeitpunkt> LetzterKursZeitpunkt;  // last tickPrice or tickSize event of any kind
-    std::optional<Zeitpunkt> ErsterKursZeitpunkt;   // the first such event since this was emptied
+    std::optional<Zeitpunkt> ErsterKursZeitpunkt;   // the first such event since it is waited for
     std::optional<Zeitpunkt> LetzteDatenZeit;       // last data that reached a title
     double Kursanzahl = 0;                          // records of this session
-    bool NeustartAngefordert = false;
-    bool BeendenAngefordert = false;
-    std::int32_t AktiveTitel = 0;   // refreshed by TitelInfoAktualisieren
-    std::int32_t Minutenmarke = 0;  // timer reading of the last minute block, whole seconds
-    bool AtomzeitGeprueft = false;
 
-    // Set at the start and read by nobody so far: they belong to the values that the program keeps for its windows.
-    std::string WhatsThisHilfe;        // source of context popups
-    std::string DatenordnerBeimStart;  // Datenordner as it stood at the start
+    // A tick has come.
+    void Kurs(Zeitpunkt jetzt) {
+        LetzterKursZeitpunkt = jetzt;
+        if (!ErsterKursZeitpunkt) ErsterKursZeitpunkt = jetzt;
+    }
+    // The next tick becomes the first one.
+    void WarteAufErstenKurs() { ErsterKursZeitpunkt.reset(); }
+};
+
+struct Datenpflegestand {
+    Datenpflegeliste Datenpflegewarteschlange;
+    bool DatenpflegeLaeuft = false;
+};
+
+struct IBModul : Ordner, Programmstand, Titelbestand, Verbindungsstand, Tickuhr, Datenpflegestand {
+    zek::Einstellungen Einstellungen;
 };
 
 }  // namespace zek

@@ -13,60 +13,56 @@ constexpr Dauer Mindestlebensdauer = 10s;
 
 }  // namespace
 
-bool DarfSchliessen(const IBModul& modul, Meldungen& meldungen, const std::string& fenstertitel) {
-    return modul.KeineBeendenFrage || meldungen.ZeigeMeldung("Möchten Sie " + fenstertitel + " beenden?",
-                                                             meldung::JaNein, 0) != meldung::AntwortNein;
+bool DarfSchliessen(const Programmstand& programm, Meldungen& meldungen, const std::string& fenstertitel) {
+    return programm.KeineBeendenFrage || meldungen.ZeigeMeldung("Möchten Sie " + fenstertitel + " beenden?",
+                                                                meldung::JaNein, 0) != meldung::AntwortNein;
 }
-
-Abschluss::Abschluss(const Plattform& plattform, IBModul& modul, Einstellungsspeicher& einstellungen, Gesicht& gesicht,
-                     Rekorder& rekorder)
-    : plattform_(plattform), modul_(modul), einstellungen_(einstellungen), gesicht_(gesicht), rekorder_(rekorder) {}
 
 void Abschluss::Entladen() {
     OhneFehler("Titel abbestellen", [&] { TitelAbbestellen(); });
-    OhneFehler("Titelliste leeren", [&] { modul_.Titelliste.Leere(); });
-    OhneFehler("Verbindung trennen", [&] { rekorder_.TwsTrennen(); });
-    OhneFehler("Katalogliste leeren", [&] { modul_.Katalogliste.Leere(); });
-    OhneFehler("Ereignisse am Ende", [&] { plattform_.Pumpe.Ereignisse(); });
+    OhneFehler("Titelliste leeren", [&] { um_.Bestand.Titelliste.Leere(); });
+    OhneFehler("Verbindung trennen", [&] { um_.Rekorder.TwsTrennen(); });
+    OhneFehler("Katalogliste leeren", [&] { um_.Bestand.Katalogliste.Leere(); });
+    OhneFehler("Ereignisse am Ende", [&] { um_.Plattform.Pumpe.Ereignisse(); });
     EinstellungenSchreiben();
 }
 
 // In one write: the windows have many values, and each write waits for the disk.
 void Abschluss::EinstellungenSchreiben() {
     {
-        const Einstellungsspeicher::Buendel buendel(einstellungen_);
+        const Einstellungsspeicher::Buendel buendel(um_.Einstellungen);
         OhneFehler("IBLastEnd am Ende", [&] { SchreibeIBLastEnd(); });
-        OhneFehler("Taskleistenstil am Ende", [&] { gesicht_.TaskleistenstilSetzen(false); });
+        OhneFehler("Taskleistenstil am Ende", [&] { um_.Gesicht.TaskleistenstilSetzen(false); });
         OhneFehler("Trayzustand speichern", [&] { SchreibeTrayzustand(); });
-        OhneFehler("Tray freigeben", [&] { gesicht_.TrayFreigeben(); });
-        OhneFehler("Fensterplatz speichern", [&] { gesicht_.FensterplatzSpeichern(); });
-        OhneFehler("Monitorplatz speichern", [&] { gesicht_.MonitorplatzSpeichern(); });
+        OhneFehler("Tray freigeben", [&] { um_.Gesicht.TrayFreigeben(); });
+        OhneFehler("Fensterplatz speichern", [&] { um_.Gesicht.FensterplatzSpeichern(); });
+        OhneFehler("Monitorplatz speichern", [&] { um_.Gesicht.MonitorplatzSpeichern(); });
     }
-    OhneFehler("Einstellungen am Ende schreiben", [&] { einstellungen_.WarteBisGeschrieben(plattform_.Pumpe); });
+    OhneFehler("Einstellungen am Ende schreiben", [&] { um_.Einstellungen.WarteBisGeschrieben(um_.Plattform.Pumpe); });
 }
 
 // Title by title, with no pauses.
 void Abschluss::TitelAbbestellen() {
-    const Titelliste alle = modul_.Titelliste;
+    const Titelliste alle = um_.Bestand.Titelliste;
     for (const auto& titel : alle)
-        if (titel->Aktiv()) OhneFehler("Einen Titel abbestellen", [&] { rekorder_.MarktdatenAbbestellen(*titel); });
+        if (titel->Aktiv()) OhneFehler("Einen Titel abbestellen", [&] { um_.Rekorder.MarktdatenAbbestellen(*titel); });
 }
 
 void Abschluss::SchreibeIBLastEnd() {
-    if (!modul_.LetzteDatenZeit) return;
-    if (plattform_.Uhr.Jetzt() - modul_.Startzeitpunkt <= Mindestlebensdauer) return;
-    const Zeitpunkt ende = rekorder_.GespeichertBis(*modul_.LetzteDatenZeit);
-    einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd",
-                                       ZahltextPunkt(DatumAus(ende)));
+    if (!um_.Kursuhr.LetzteDatenZeit) return;
+    if (um_.Plattform.Uhr.Jetzt() - um_.Programm.Startzeitpunkt <= Mindestlebensdauer) return;
+    const Zeitpunkt ende = um_.Rekorder.GespeichertBis(*um_.Kursuhr.LetzteDatenZeit);
+    um_.Einstellungen.SchreibeEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd",
+                                          ZahltextPunkt(DatumAus(ende)));
 }
 
 void Abschluss::SchreibeTrayzustand() {
-    if (gesicht_.OhneBildschirm()) return;
-    const bool minimiert = gesicht_.HauptfensterMinimiert();
-    if (gesicht_.TaskleisteGeklaert())
-        einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, "Taskbar",
-                                           gesicht_.InTaskleisteAngehakt() ? "1" : "0");
-    einstellungen_.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, "Anzeigen", minimiert ? "0" : "-1");
+    if (um_.Gesicht.OhneBildschirm()) return;
+    const bool minimiert = um_.Gesicht.HauptfensterMinimiert();
+    if (um_.Gesicht.TaskleisteGeklaert())
+        um_.Einstellungen.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, "Taskbar",
+                                              um_.Gesicht.InTaskleisteAngehakt() ? "1" : "0");
+    um_.Einstellungen.SchreibeEinstellung(Programmtitel, abschnitt::Hauptfenster, "Anzeigen", minimiert ? "0" : "-1");
 }
 
 }  // namespace zek

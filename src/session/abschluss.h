@@ -11,7 +11,7 @@ namespace zek {
 
 // "Möchten Sie ... beenden?" Asked when a person closes the main window or picks the tray's exit, and never when the
 // program closes itself or the system does. True when the closing goes on.
-bool DarfSchliessen(const IBModul& modul, Meldungen& meldungen, const std::string& fenstertitel);
+bool DarfSchliessen(const Programmstand& programm, Meldungen& meldungen, const std::string& fenstertitel);
 
 class Abschluss {
 public:
@@ -26,8 +26,16 @@ public:
         virtual Zeitpunkt GespeichertBis(Zeitpunkt zeit) const = 0;
     };
 
-    Abschluss(const Plattform& plattform, IBModul& modul, Einstellungsspeicher& einstellungen, Gesicht& gesicht,
-              Rekorder& rekorder);
+    struct Umgebung {
+        const zek::Plattform& Plattform;
+        const Programmstand& Programm;
+        const Tickuhr& Kursuhr;
+        Titelbestand& Bestand;
+        Einstellungsspeicher& Einstellungen;
+        zek::Gesicht& Gesicht;
+        Abschluss::Rekorder& Rekorder;
+    };
+    explicit Abschluss(const Umgebung& umgebung) : um_(umgebung) {}
 
     // The unloading of the main window, step by step; errors are ignored. Objects stay alive, since this may run
     // inside a wait of any of them; they go with the session.
@@ -39,11 +47,7 @@ private:
     void SchreibeIBLastEnd();
     void SchreibeTrayzustand();
 
-    const Plattform& plattform_;
-    IBModul& modul_;
-    Einstellungsspeicher& einstellungen_;
-    Gesicht& gesicht_;
-    Rekorder& rekorder_;
+    Umgebung um_;
 };
 
 }  // namespace zek

@@ -20,17 +20,16 @@ void TrimmeTexte(Einstellungen& e) {
 
 }  // namespace
 
-void EinstellungenAnwenden(IBModul& modul, Einstellungsspeicher& speicher, const Einstellungen& neu,
-                           const std::function<void()>& uhrzeitAnfordern,
+void EinstellungenAnwenden(Einstellungen& e, const Titelbestand& bestand, Einstellungsspeicher& speicher,
+                           const Einstellungen& neu, const std::function<void()>& uhrzeitAnfordern,
                            const std::function<void()>& kontoabosAnfordern) {
-    Einstellungen& e = modul.Einstellungen;
     const int bisherigeSekunden = e.NeuStartBeiFehlendenKursenSekunden;
     e = neu;
     if (!e.NeuStartBeiFehlendenKursen) e.NeuStartBeiFehlendenKursenSekunden = bisherigeSekunden;
     TrimmeTexte(e);
     Begrenze(e);
     if (e.AutoUhrzeitStellen) OhneFehler("Uhrzeit nach den Einstellungen anfordern", [&] { uhrzeitAnfordern(); });
-    for (const Titelzeiger& titel : modul.Titelliste) TitelmerkmaleAbleiten(*titel, e);
+    for (const Titelzeiger& titel : bestand.Titelliste) TitelmerkmaleAbleiten(*titel, e);
     speicher.SpeichereEinstellungen();
     OhneFehler("Kontoabos nach den Einstellungen", [&] { kontoabosAnfordern(); });
 }

@@ -42,11 +42,16 @@ bool AlsWahrheitswert(std::string_view text) {
 
 }  // namespace
 
-Einstellungsspeicher::Einstellungsspeicher(IBModul& modul, Nutzerspeicher& registry, Profildatei& lokaleDatei)
-    : modul_(modul), registry_(registry), lokaleDatei_(lokaleDatei), schlange_(registry, lokaleDatei) {}
+Einstellungsspeicher::Einstellungsspeicher(Einstellungen& felder, const Ordner& ordner, Nutzerspeicher& registry,
+                                           Profildatei& lokaleDatei)
+    : felder_(felder),
+      ordner_(ordner),
+      registry_(registry),
+      lokaleDatei_(lokaleDatei),
+      schlange_(registry, lokaleDatei) {}
 
 bool Einstellungsspeicher::InDatei(bool immerRegistry, bool immerDatei) const {
-    return immerDatei || (modul_.LokalSettings && !immerRegistry);
+    return immerDatei || (LokalSettings && !immerRegistry);
 }
 
 std::string Einstellungsspeicher::LiesAusDatei(std::string_view abschnitt, std::string_view schluessel,
@@ -137,13 +142,13 @@ int Einstellungsspeicher::WarteBisGeschrieben(Pumpe& pumpe) {
 }
 
 void Einstellungsspeicher::LeseLokalSettings() {
-    modul_.LokalSettings =
+    LokalSettings =
         AlsWahrheitswert(LeseEinstellung(Programmtitel, abschnitt::Optionen, SchluesselLokal, "0", false, true));
 }
 
 void Einstellungsspeicher::LeseAlleEinstellungen(Meldungen& meldungen) {
     for (const Einstellungszeile& zeile : Einstellungstabelle()) LeseZeile(zeile, &meldungen);
-    Begrenze(modul_.Einstellungen);
+    Begrenze(felder_);
 }
 
 void Einstellungsspeicher::LeseVerbindung() {
@@ -152,7 +157,7 @@ void Einstellungsspeicher::LeseVerbindung() {
 }
 
 void Einstellungsspeicher::LeseZeile(const Einstellungszeile& zeile, Meldungen* meldungen) {
-    Einstellungen& e = modul_.Einstellungen;
+    Einstellungen& e = felder_;
     const std::string text = LeseEinstellung(Programmtitel, zeile.Abschnitt, zeile.Schluessel, zeile.Vorgabe);
     if (SetzeEinstellung(e, zeile, text)) return;
     if (meldungen != nullptr && zeile.Schluessel == SchluesselNeustartUhrzeit && e.NeuStartbeiUhrzeit)
@@ -161,8 +166,7 @@ void Einstellungsspeicher::LeseZeile(const Einstellungszeile& zeile, Meldungen* 
 }
 
 void Einstellungsspeicher::SpeichereZeile(const Einstellungszeile& zeile) {
-    SchreibeEinstellung(Programmtitel, zeile.Abschnitt, zeile.Schluessel,
-                        Einstellungstext(modul_.Einstellungen, zeile));
+    SchreibeEinstellung(Programmtitel, zeile.Abschnitt, zeile.Schluessel, Einstellungstext(felder_, zeile));
 }
 
 void Einstellungsspeicher::SpeichereEinstellungen() {
@@ -172,9 +176,9 @@ void Einstellungsspeicher::SpeichereEinstellungen() {
 }
 
 void Einstellungsspeicher::UebernehmeVerbindung(const Verbindungsangaben& angaben) {
-    modul_.Einstellungen.IBIPAdr = angaben.IBIPAdr;
-    modul_.Einstellungen.IBPort = angaben.IBPort;
-    modul_.Einstellungen.IBLoginID = angaben.IBLoginID;
+    felder_.IBIPAdr = angaben.IBIPAdr;
+    felder_.IBPort = angaben.IBPort;
+    felder_.IBLoginID = angaben.IBLoginID;
     const Buendel buendel(*this);
     for (const Einstellungszeile& zeile : Einstellungstabelle())
         if (zeile.Schreiber == Einstellungsschreiber::AlleUndVerbindung) SpeichereZeile(zeile);
@@ -182,22 +186,21 @@ void Einstellungsspeicher::UebernehmeVerbindung(const Verbindungsangaben& angabe
 
 bool Einstellungsspeicher::LokalSpeichernUmschalten(Meldungen& meldungen,
                                                     const std::function<void(bool)>& markeSetzen) {
-    const bool neu = !modul_.LokalSettings;
-    modul_.LokalSettings = neu;
+    const bool neu = !LokalSettings;
+    LokalSettings = neu;
     markeSetzen(neu);
     const bool bestaetigt = neu ? LokalEinschalten(meldungen) : LokalAusschalten(meldungen);
     if (!bestaetigt) {
-        modul_.LokalSettings = !neu;
+        LokalSettings = !neu;
         markeSetzen(!neu);
     }
-    SchreibeEinstellung(Programmtitel, abschnitt::Optionen, SchluesselLokal, modul_.LokalSettings ? "1" : "0", false,
-                        true);
-    return modul_.LokalSettings;
+    SchreibeEinstellung(Programmtitel, abschnitt::Optionen, SchluesselLokal, LokalSettings ? "1" : "0", false, true);
+    return LokalSettings;
 }
 
 bool Einstellungsspeicher::LokalEinschalten(Meldungen& meldungen) {
     const int antwort = meldungen.ZeigeMeldung(
-        "Die Einstellungen von ZEK für IB werden nun lokal im Verzeichnis '" + modul_.Programmordner +
+        "Die Einstellungen von ZEK für IB werden nun lokal im Verzeichnis '" + ordner_.Programmordner +
             "' in der Datei 'ZEK_IB_Para.ini' gespeichert. Dies kann sinnvoll sein, wenn Sie mehrere Instanzen von ZEK "
             "für IB auf dem selben Rechner einsetzen.",
         meldung::OkAbbrechen, 0);

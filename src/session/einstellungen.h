@@ -22,8 +22,9 @@ inline constexpr std::string_view LokaleEinstellungsdatei = "ZEK_IB_Para.ini";
 
 class Einstellungsspeicher final : public Einstellungszugang {
 public:
-    // All of them must outlive the object. `modul` holds LokalSettings and the plain fields.
-    Einstellungsspeicher(IBModul& modul, Nutzerspeicher& registry, Profildatei& lokaleDatei);
+    // All of them must outlive the object. `felder`: the plain fields.
+    Einstellungsspeicher(zek::Einstellungen& felder, const Ordner& ordner, Nutzerspeicher& registry,
+                         Profildatei& lokaleDatei);
 
     // The local file is used when `immerDatei` is set, or when LokalSettings is on and `immerRegistry` isn't set.
     // "wahr" and "falsch" come back as "True" and "False". The local file knows no application names.
@@ -65,16 +66,17 @@ public:
         Schreibschlange::Buendel buendel_;
     };
 
-    // "LokalSettings" of the local file into the module's flag.
+    bool LokalSettings = false;  // the settings lie in the local file
+    // "LokalSettings" of the local file into the flag.
     void LeseLokalSettings();
-    // All main settings into the module's fields, bounded and checked. `meldungen` gets the one of a bad restart time.
+    // All main settings into the fields, bounded and checked. `meldungen` gets the one of a bad restart time.
     void LeseAlleEinstellungen(Meldungen& meldungen);
     // Address, port and client id alone.
     void LeseVerbindung();
-    // The module's fields into the store that is in use, in one write.
+    // The fields into the store that is in use, in one write.
     void SpeichereEinstellungen();
 
-    // Address, port and client id, as a person has set them, into the module's fields and into the store.
+    // Address, port and client id, as a person has set them, into the fields and into the store.
     void UebernehmeVerbindung(const Verbindungsangaben& angaben);
 
     // Command 1041. `markeSetzen` moves the check mark of the command. Returns where LokalSettings ended.
@@ -89,7 +91,8 @@ private:
     bool LokalEinschalten(Meldungen& meldungen);
     bool LokalAusschalten(Meldungen& meldungen);
 
-    IBModul& modul_;
+    Einstellungen& felder_;
+    const Ordner& ordner_;
     Nutzerspeicher& registry_;
     Profildatei& lokaleDatei_;
     Schreibschlange schlange_;

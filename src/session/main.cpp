@@ -232,17 +232,17 @@ bool Startfolge::TrotzdemStarten(int fehlernummer) {
 void Startfolge::UhrzeitAbwarten() {
     if (modul_.Einstellungen.AutoUhrzeitStellen) {
         // A query of the supervision while it connected may have set it: that one's end isn't the answer.
-        modul_.AtomzeitGeprueft = false;
+        rekorder_.AtomzeitGeprueft() = false;
         rekorder_.AtomZeitAbfrage();
         const double start = plattform_.Uhr.Timer();
         const auto fertig = [&] {
             const double jetzt = plattform_.Uhr.Timer();
-            return modul_.AtomzeitGeprueft || rekorder_.EndeVerlangt() || jetzt - start > HoechsteUhrzeitwartezeit ||
-                   start - jetzt > Mitternachtssprung;
+            return rekorder_.AtomzeitGeprueft() || rekorder_.EndeVerlangt() ||
+                   jetzt - start > HoechsteUhrzeitwartezeit || start - jetzt > Mitternachtssprung;
         };
         PumpeBis(plattform_.Pumpe, fertig);
     }
-    modul_.AtomzeitGeprueft = false;
+    rekorder_.AtomzeitGeprueft() = false;
 }
 
 void Startfolge::Arbeitsansicht() {
@@ -250,7 +250,7 @@ void Startfolge::Arbeitsansicht() {
     const bool kompakt =
         EinstellungWahr(einstellungen_.LeseEinstellung(Programmtitel, abschnitt::Optionen, "KomprimierteAnsicht", "0"));
     gesicht_.BefehlsmarkeSetzen(BefehlPlatzsparend, kompakt);
-    gesicht_.BefehlsmarkeSetzen(BefehlLokalSpeichern, modul_.LokalSettings);
+    gesicht_.BefehlsmarkeSetzen(BefehlLokalSpeichern, einstellungen_.LokalSettings);
     gesicht_.KomprimierteAnsichtSetzen(kompakt);
 }
 

@@ -32,6 +32,8 @@ public:
         virtual void BaueZusammen() = 0;
         virtual void TWSVerbindungAufbauen() = 0;
         virtual void AtomZeitAbfrage() = 0;
+        // Comes up with the end of each query.
+        virtual bool& AtomzeitGeprueft() = 0;
         // Reads the definitions and subscribes the active titles.
         virtual void Titelladen() = 0;
         // Begins the countdown to the first backfill.

@@ -19,8 +19,8 @@ void Schreib(Dateisystem& dateien, Dateihandle datei, const std::string& bytes) 
 
 }  // namespace
 
-Protokoll::Protokoll(const Uhr& uhr, Dateisystem& dateien, const IBModul& modul, Gesicht& gesicht)
-    : uhr_(uhr), dateien_(dateien), modul_(modul), gesicht_(gesicht) {}
+Protokoll::Protokoll(const Uhr& uhr, Dateisystem& dateien, const Ordner& ordner, Gesicht& gesicht)
+    : uhr_(uhr), dateien_(dateien), ordner_(ordner), gesicht_(gesicht) {}
 
 void Protokoll::Statusmeldung(std::string_view text, bool fett) {
     OhneFehler("Protokolleintrag", [&] {
@@ -35,7 +35,7 @@ void Protokoll::Statusmeldung(std::string_view text, bool fett) {
 }
 
 void Protokoll::SchreibeInDatei(const std::string& zeile) {
-    std::string pfad = modul_.Programmordner;
+    std::string pfad = ordner_.Programmordner;
     if (!pfad.ends_with('/')) pfad += '/';
     pfad += Protokolldatei;
 

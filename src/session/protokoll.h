@@ -27,8 +27,8 @@ public:
     static constexpr std::int64_t Hoechstlaenge = 1000000;
     static constexpr std::int64_t Restlaenge = 100000;
 
-    // The module gives the program folder, the face the list.
-    Protokoll(const Uhr& uhr, Dateisystem& dateien, const IBModul& modul, Gesicht& gesicht);
+    // The file lies in the program folder; the face has the list.
+    Protokoll(const Uhr& uhr, Dateisystem& dateien, const Ordner& ordner, Gesicht& gesicht);
 
     // The same text twice within one second makes one entry.
     void Statusmeldung(std::string_view text, bool fett = false) override;
@@ -39,7 +39,7 @@ private:
 
     const Uhr& uhr_;
     Dateisystem& dateien_;
-    const IBModul& modul_;
+    const Ordner& ordner_;
     Gesicht& gesicht_;
     std::string letzteMeldung_;
 };

@@ -9,11 +9,17 @@ namespace zek {
 Sitzung::Sitzung(Plattform plattform, Gesicht& gesicht, const std::string& befehlszeile)
     : plattform_(std::move(plattform)),
       gesicht_(gesicht),
-      einstellungen_(modul_, plattform_.Nutzerspeicher, plattform_.LokaleDatei),
+      einstellungen_(modul_.Einstellungen, modul_, plattform_.Nutzerspeicher, plattform_.LokaleDatei),
       protokoll_(plattform_.Uhr, plattform_.Dateien, modul_, gesicht_),
       verschluckte_(protokoll_),
       start_(plattform_, modul_, einstellungen_, gesicht_, *this, LiesBefehlszeile(befehlszeile)),
-      abschluss_(plattform_, modul_, einstellungen_, gesicht_, *this) {
+      abschluss_({.Plattform = plattform_,
+                  .Programm = modul_,
+                  .Kursuhr = modul_,
+                  .Bestand = modul_,
+                  .Einstellungen = einstellungen_,
+                  .Gesicht = gesicht_,
+                  .Rekorder = *this}) {
     modul_.Programmordner = plattform_.Programmordner;
 }
 
@@ -64,6 +70,10 @@ void Sitzung::TWSVerbindungAufbauen() {
 
 void Sitzung::AtomZeitAbfrage() {
     teile_->Atomuhr.AtomZeitAbfrage();
+}
+
+bool& Sitzung::AtomzeitGeprueft() {
+    return teile_->Atomuhr.AtomzeitGeprueft;
 }
 
 void Sitzung::Titelladen() {

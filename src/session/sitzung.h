@@ -44,6 +44,7 @@ private:
     void BaueZusammen() override;
     void TWSVerbindungAufbauen() override;
     void AtomZeitAbfrage() override;
+    bool& AtomzeitGeprueft() override;
     void Titelladen() override;
     void ErsteDatenpflegeVormerken() override;
     bool EndeVerlangt() const override { return beendet_; }

@@ -15,6 +15,16 @@ std::string Option(Einstellungsspeicher& einstellungen, std::string_view schlues
     return einstellungen.LeseEinstellung(Programmtitel, abschnitt::Optionen, schluessel, "");
 }
 
+Datenpflegebeobachter BeobachterVon(Lueckenwache& wache) {
+    return {.BeiErgebnis = [&wache](const Datenpflegeergebnis& ergebnis) { wache.DatenpflegeErgebnis(ergebnis); },
+            .BeiMergebeginn = [&wache](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von,
+                                       Zeitpunkt bis) { wache.BeimEinarbeitenBegonnen(titel, kursart, von, bis); },
+            .BeiMergeende = [&wache](const clTitelobjekt& titel,
+                                     std::int32_t kursart) { wache.BeimEinarbeitenBeendet(titel, kursart); },
+            .BeiLeerung = [&wache](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von,
+                                   Zeitpunkt bis) { wache.BeimLeeren(titel, kursart, von, bis); }};
+}
+
 }  // namespace
 
 Zusammenbau::Zusammenbau(const Umgebung& um)
@@ -22,43 +32,72 @@ Zusammenbau::Zusammenbau(const Umgebung& um)
       neustartbruecke_(*this, um.Entladen),
       rundenbruecke_(*this, um.Gesicht),
       datenpflegebruecke_(um.Gesicht),
-      Luecken(um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Status),
+      Luecken(um.Modul, um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Status),
       Ablage(um.Modul, um.Plattform.Dateien, um.Status, VorzeichenVolumen, &Luecken),
-      Atomuhr(um.Modul, um.Plattform.Uhr, um.Plattform.Tcp, um.Status),
-      Neustarter(um.Modul, um.Plattform.Uhr, um.Plattform.Pumpe, um.Plattform.Dateien, um.Plattform.Prozesse, um.Status,
-                 um.Gesicht, um.Einstellungen, neustartbruecke_),
-      Marktdaten({um.Modul, um.Plattform.Uhr, um.Plattform.Pumpe, Ablage, um.Status, um.Gesicht, um.Gesicht,
-                  um.Plattform.Tws, [this](std::int64_t time) { Atomuhr.currentTime(time); },
-                  [this](int code) { Neustarter.WegenFehler(code); }, &Luecken}),
-      Info(um.Modul, um.Plattform.Uhr, [&gesicht = um.Gesicht](const std::string& text) { gesicht.TitelInfo(text); }),
+      Atomuhr({.Einstellungen = um.Modul.Einstellungen,
+               .Kursuhr = um.Modul,
+               .Zeit = um.Plattform.Uhr,
+               .Tcp = um.Plattform.Tcp,
+               .Status = um.Status,
+               .Minutenmarke = [this](std::int32_t marke) { Aufsicht.Minutenmarke = marke; }}),
+      Neustarter({.Ordner = um.Modul,
+                  .Programm = um.Modul,
+                  .Einstellungen = um.Modul.Einstellungen,
+                  .Kursuhr = um.Modul,
+                  .Zeit = um.Plattform.Uhr,
+                  .Pumpe = um.Plattform.Pumpe,
+                  .Dateien = um.Plattform.Dateien,
+                  .Prozesse = um.Plattform.Prozesse,
+                  .Status = um.Status,
+                  .Fragen = um.Gesicht,
+                  .Ablage = um.Einstellungen,
+                  .Sitzung = neustartbruecke_,
+                  .AktiveTitel = [this] { return Info.AktiveTitel(); }}),
+      Marktdaten({.Modul = um.Modul,
+                  .Zeit = um.Plattform.Uhr,
+                  .Pumpe = um.Plattform.Pumpe,
+                  .Ablage = Ablage,
+                  .Status = um.Status,
+                  .Anzeige = um.Gesicht,
+                  .Monitor = um.Gesicht,
+                  .Fabrik = um.Plattform.Tws,
+                  .ServerZeit = [this](std::int64_t time) { Atomuhr.currentTime(time); },
+                  .NeustartWegenFehler = [this](int code) { Neustarter.WegenFehler(code); },
+                  .Wache = &Luecken}),
+      Info(um.Modul, um.Modul, um.Plattform.Uhr,
+           [&gesicht = um.Gesicht](const std::string& text) { gesicht.TitelInfo(text); }),
       Lader(
-          um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Plattform.Pumpe, um.Gesicht, um.Gesicht, um.Status,
+          um.Modul, um.Modul, um.Plattform.Dateien, um.Plattform.Uhr, um.Plattform.Pumpe, um.Gesicht, um.Gesicht,
+          um.Status,
           {[this] { return Marktdaten.Control.Verbunden(); }, [this](clTitelobjekt& titel) { return Abonniere(titel); },
            [this] { Info.TitelInfoAktualisieren(false); }}),
-      Sicherung(um.Modul, um.Plattform.Dateien, um.Gesicht, um.Gesicht),
-      Datenpflege({{um.Modul,
-                    um.Plattform.Dateien,
-                    um.Plattform.Uhr,
-                    um.Plattform.Pumpe,
-                    um.Status,
-                    um.Gesicht,
-                    datenpflegebruecke_,
-                    um.Plattform.Tws,
-                    {[this](const Datenpflegeergebnis& ergebnis) { Luecken.DatenpflegeErgebnis(ergebnis); },
-                     [this](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
-                         Luecken.BeimEinarbeitenBegonnen(titel, kursart, von, bis);
-                     },
-                     [this](const clTitelobjekt& titel, std::int32_t kursart) {
-                         Luecken.BeimEinarbeitenBeendet(titel, kursart);
-                     },
-                     [this](const clTitelobjekt& titel, std::int32_t kursart, Zeitpunkt von, Zeitpunkt bis) {
-                         Luecken.BeimLeeren(titel, kursart, von, bis);
-                     }}},
-                   um.Plattform.Zeitgeber,
-                   um.Einstellungen,
-                   datenpflegebruecke_,
-                   [this] { return Marktdaten.Control.Verbunden(); }}),
-      Aufsicht(um.Modul, um.Plattform.Uhr, um.Status, um.Einstellungen, Neustarter, rundenbruecke_),
+      Sicherung(um.Modul, um.Modul, um.Plattform.Dateien, um.Gesicht, um.Gesicht),
+      Datenpflege({.Lauf = {.Modul = um.Modul,
+                            .Stand = um.Modul,
+                            .Dateien = um.Plattform.Dateien,
+                            .Zeit = um.Plattform.Uhr,
+                            .Pumpe = um.Plattform.Pumpe,
+                            .Status = um.Status,
+                            .Fragen = um.Gesicht,
+                            .Fenster = datenpflegebruecke_,
+                            .Fabrik = um.Plattform.Tws,
+                            .Beobachter = BeobachterVon(Luecken)},
+                   .Kursuhr = um.Modul,
+                   .Programm = um.Modul,
+                   .Zeitgeber = um.Plattform.Zeitgeber,
+                   .Ablage = um.Einstellungen,
+                   .Optionen = datenpflegebruecke_,
+                   .TwsVerbunden = [this] { return Marktdaten.Control.Verbunden(); }}),
+      Aufsicht({.Verbindung = um.Modul,
+                .Kursuhr = um.Modul,
+                .Datenpflege = um.Modul,
+                .Programm = um.Modul,
+                .Einstellungen = um.Modul.Einstellungen,
+                .Zeit = um.Plattform.Uhr,
+                .Status = um.Status,
+                .Ablage = um.Einstellungen,
+                .Neustart = Neustarter,
+                .Arbeit = rundenbruecke_}),
       zeitgeber_(um.Plattform.Zeitgeber.Erzeuge(Runde::Intervall, [this] { Aufsicht.Durchlauf(); })),
       tickzaehlerTimer_(um.Plattform.Zeitgeber.Erzeuge(Titelinfo::Intervall, [this] { Sekundentakt(); })),
       lueckenTimer_(um.Plattform.Zeitgeber.Erzeuge(Lueckenwache::Intervall, [this] { Lueckentakt(); })) {
@@ -110,7 +149,7 @@ void Zusammenbau::HalteAn() {
 }
 
 Titelzeiger Zusammenbau::TitelAnlegen(const Titelangaben& angaben) {
-    return zek::TitelAnlegen(um_.Modul, angaben, [this](clTitelobjekt& titel) { return Abonniere(titel); });
+    return zek::TitelAnlegen(um_.Modul, um_.Modul, angaben, [this](clTitelobjekt& titel) { return Abonniere(titel); });
 }
 
 void Zusammenbau::BeispieltitelAnlegen(const Beispielbereiche& bereiche) {

@@ -25,7 +25,7 @@ void Farmluecken::Gestoert(std::string_view text, Zeitpunkt jetzt) {
     gestoertSeit_ = jetzt;
     wiederSeit_.reset();
     for (const std::int32_t id : titel_.Laufende()) {
-        clTitelobjekt* titel = modul_.Titelliste.Finde(id);
+        clTitelobjekt* titel = bestand_.Titelliste.Finde(id);
         const std::string* name = titel_.Name(id);
         if (titel == nullptr || name == nullptr || verdacht_.contains(id)) continue;
         const Zeitpunkt letzter = titel->LetzterKursZeitpunkt.value_or(jetzt);
@@ -76,7 +76,7 @@ bool Farmluecken::Entscheide(clTitelobjekt& titel, Verdacht& verdacht) const {
 
 void Farmluecken::Pruefe(Zeitpunkt jetzt) {
     for (auto ort = verdacht_.begin(); ort != verdacht_.end();) {
-        clTitelobjekt* titel = modul_.Titelliste.Finde(ort->first);
+        clTitelobjekt* titel = bestand_.Titelliste.Finde(ort->first);
         Verdacht& verdacht = ort->second;
         const bool tick = titel != nullptr && titel->ErsterKursZeitpunkt;
         if (titel == nullptr || (tick && Entscheide(*titel, verdacht))) {

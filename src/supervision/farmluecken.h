@@ -17,8 +17,8 @@ class Titelluecken;
 
 class Farmluecken {
 public:
-    Farmluecken(IBModul& modul, OffeneLuecken& offen, const Titelluecken& titel)
-        : modul_(modul), offen_(offen), titel_(titel) {}
+    Farmluecken(const Titelbestand& bestand, OffeneLuecken& offen, const Titelluecken& titel)
+        : bestand_(bestand), offen_(offen), titel_(titel) {}
 
     // `text` of the message names the farm behind its last colon.
     void Gestoert(std::string_view text, Zeitpunkt jetzt);
@@ -40,7 +40,7 @@ private:
     bool Entscheide(clTitelobjekt& titel, Verdacht& verdacht) const;
     void Schliesse(const Verdacht& verdacht, Zeitpunkt bis) const;
 
-    IBModul& modul_;
+    const Titelbestand& bestand_;
     OffeneLuecken& offen_;
     const Titelluecken& titel_;
     std::map<std::int32_t, Verdacht> verdacht_;

@@ -9,10 +9,10 @@ void Lebenszeichengeber::Beginne(Zeitpunkt jetzt) {
 
 // Records, lines of the evidence, and bars of a backfill.
 bool Lebenszeichengeber::IstNeues() {
-    const bool saetze = modul_.Kursanzahl != kursanzahl_;
-    if (saetze) datenBis_ = modul_.LetzteDatenZeit;
-    const bool neu = saetze || buch_.Geschrieben() != geschrieben_ || modul_.DatenpflegeLaeuft;
-    kursanzahl_ = modul_.Kursanzahl;
+    const bool saetze = tickuhr_.Kursanzahl != kursanzahl_;
+    if (saetze) datenBis_ = tickuhr_.LetzteDatenZeit;
+    const bool neu = saetze || buch_.Geschrieben() != geschrieben_ || pflege_.DatenpflegeLaeuft;
+    kursanzahl_ = tickuhr_.Kursanzahl;
     geschrieben_ = buch_.Geschrieben();
     return neu;
 }
@@ -49,9 +49,9 @@ void Lebenszeichengeber::Beende(Zeitpunkt jetzt) {
 }
 
 void Lebenszeichengeber::BeginneSicherung(Zeitpunkt jetzt) {
-    const std::string ordner = Lueckenpfad(modul_.Datenordner);
+    const std::string ordner = Lueckenpfad(ordner_.Datenordner);
     const Lebenszeichen zeichen{AufMillisekunde(jetzt), DatenBis(), rechnerstart_};
-    laeuft_ = dateien_.BeginneSicherung(modul_.Datenordner, ordner + std::string(Lebenszeichendatei),
+    laeuft_ = dateien_.BeginneSicherung(ordner_.Datenordner, ordner + std::string(Lebenszeichendatei),
                                         Lebenszeichentext(zeichen)) == 0;
     zuletzt_ = jetzt;
     neues_ = false;
@@ -62,7 +62,7 @@ void Lebenszeichengeber::BeginneSicherung(Zeitpunkt jetzt) {
 void Lebenszeichengeber::GibZeichen(Zeitpunkt jetzt) {
     Lebenszeichen zeichen{AufMillisekunde(jetzt), std::nullopt, rechnerstart_};
     if (gesichert_) zeichen.Daten = DatenBis();
-    SchreibeLebenszeichen(dateien_, Lueckenpfad(modul_.Datenordner), zeichen);
+    SchreibeLebenszeichen(dateien_, Lueckenpfad(ordner_.Datenordner), zeichen);
     zuletzt_ = jetzt;
 }
 

@@ -18,8 +18,9 @@ public:
     static constexpr Dauer Takt = 5s;
     static constexpr Dauer Ruhetakt = 60s;
 
-    Lebenszeichengeber(const IBModul& modul, Dateisystem& dateien, const Lueckenbuch& buch)
-        : modul_(modul), dateien_(dateien), buch_(buch) {}
+    Lebenszeichengeber(const Ordner& ordner, const Tickuhr& tickuhr, const Datenpflegestand& pflege,
+                       Dateisystem& dateien, const Lueckenbuch& buch)
+        : ordner_(ordner), tickuhr_(tickuhr), pflege_(pflege), dateien_(dateien), buch_(buch) {}
 
     void Beginne(Zeitpunkt jetzt);
     // Once a second.
@@ -33,7 +34,9 @@ private:
     void BeginneSicherung(Zeitpunkt jetzt);
     void GibZeichen(Zeitpunkt jetzt);
 
-    const IBModul& modul_;
+    const Ordner& ordner_;
+    const Tickuhr& tickuhr_;
+    const Datenpflegestand& pflege_;
     Dateisystem& dateien_;
     const Lueckenbuch& buch_;
     std::string rechnerstart_;

@@ -20,22 +20,23 @@ constexpr int FarmWiederDa = 2104;
 
 }  // namespace
 
-Lueckenwache::Lueckenwache(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Statusausgabe& status)
+Lueckenwache::Lueckenwache(const IBModul& modul, Tickuhr& tickuhr, Dateisystem& dateien, const Uhr& uhr,
+                           Statusausgabe& status)
     : modul_(modul),
       dateien_(dateien),
       uhr_(uhr),
       buch_(modul, dateien, uhr),
       offen_(buch_, uhr),
       vorleben_(modul, dateien, offen_, buch_),
-      strom_(modul, offen_),
+      strom_(modul.Einstellungen, modul, tickuhr, offen_),
       titel_(modul, offen_),
       farm_(modul, offen_, titel_),
       uhrluecken_(uhr, offen_),
-      pause_(modul, offen_),
+      pause_(modul.Einstellungen, modul, offen_),
       handel_(offen_, uhr),
       dateiluecken_(offen_, status),
       pflege_(buch_, uhr),
-      lebenszeichen_(modul, dateien, buch_),
+      lebenszeichen_(modul, modul, modul, dateien, buch_),
       verdichtung_(dateien) {}
 
 // ---- start and end

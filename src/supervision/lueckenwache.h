@@ -39,7 +39,8 @@ public:
     // Its own timer, since a round can last as long as the backfill that it has started.
     static constexpr std::chrono::milliseconds Intervall{1000};
 
-    Lueckenwache(IBModul& modul, Dateisystem& dateien, const Uhr& uhr, Statusausgabe& status);
+    // `tickuhr` is told when it is to wait for a first tick.
+    Lueckenwache(const IBModul& modul, Tickuhr& tickuhr, Dateisystem& dateien, const Uhr& uhr, Statusausgabe& status);
     Lueckenwache(const Lueckenwache&) = delete;
     Lueckenwache& operator=(const Lueckenwache&) = delete;
 
@@ -90,7 +91,7 @@ private:
     void PflegeBuch(Zeitpunkt jetzt);
     void VerdichteBuch(Zeitpunkt jetzt);
 
-    IBModul& modul_;
+    const IBModul& modul_;
     Dateisystem& dateien_;
     const Uhr& uhr_;
     Lueckenbuch buch_;

@@ -20,34 +20,22 @@ bool Befohlen(const std::string& wert) {
 
 }  // namespace
 
-Neustart::Neustart(IBModul& modul, const Uhr& uhr, Pumpe& pumpe, Dateisystem& dateien, Prozesse& prozesse,
-                   Statusausgabe& status, Meldungen& meldungen, Einstellungszugang& einstellungen, Sitzung& sitzung)
-    : modul_(modul),
-      uhr_(uhr),
-      pumpe_(pumpe),
-      dateien_(dateien),
-      prozesse_(prozesse),
-      status_(status),
-      meldungen_(meldungen),
-      einstellungen_(einstellungen),
-      sitzung_(sitzung) {}
-
 bool Neustart::AutoNeustartStarten(bool nurPruefen) {
-    if (prozesse_.VerwalterStartetNeu()) {
+    if (um_.Prozesse.VerwalterStartetNeu()) {
         verwalterStartetNeu_ = !nurPruefen;
         return true;
     }
-    std::string pfad = modul_.Programmordner;
+    std::string pfad = um_.Ordner.Programmordner;
     if (!pfad.ends_with('/')) pfad += '/';
     pfad += Helferdatei;
-    if (dateien_.Ausfuehrbar(pfad)) {
+    if (um_.Dateien.Ausfuehrbar(pfad)) {
         std::vector<std::string> argumente;
-        if (modul_.KeineBeendenFrage) argumente.emplace_back("/K");
-        if (!nurPruefen) OhneFehler("Neustarthelfer starten", [&] { prozesse_.Starte(pfad, argumente); });
+        if (um_.Programm.KeineBeendenFrage) argumente.emplace_back("/K");
+        if (!nurPruefen) OhneFehler("Neustarthelfer starten", [&] { um_.Prozesse.Starte(pfad, argumente); });
         return true;
     }
     if (nurPruefen) {
-        meldungen_.ZeigeMeldung(
+        um_.Fragen.ZeigeMeldung(
             "ZEKIBAutoNeustart.exe wurde im Programmordner von ZEK nicht gefunden. "
             "Kein automatischer Neustart möglich!",
             meldung::Ok, 0);
@@ -56,75 +44,75 @@ bool Neustart::AutoNeustartStarten(bool nurPruefen) {
 }
 
 void Neustart::UhrzeitPruefen() {
-    const Einstellungen& e = modul_.Einstellungen;
+    const Einstellungen& e = um_.Einstellungen;
     if (!e.NeuStartbeiUhrzeit) return;
-    const Zeitpunkt jetzt = uhr_.Jetzt();
+    const Zeitpunkt jetzt = um_.Zeit.Jetzt();
     // The program that comes up just after the restart was started today after that time, and waits for tomorrow.
-    const bool gesternGestartet = TagVon(jetzt) > TagVon(modul_.Startzeitpunkt);
+    const bool gesternGestartet = TagVon(jetzt) > TagVon(um_.Programm.Startzeitpunkt);
     const Dauer uhrzeit = e.NeustartUhrzeit.SeitMitternacht;
-    const bool vorherGestartet = Tageszeit(uhrzeit - 1s) > Tageszeit(modul_.Startzeitpunkt);
+    const bool vorherGestartet = Tageszeit(uhrzeit - 1s) > Tageszeit(um_.Programm.Startzeitpunkt);
     if (!gesternGestartet && !vorherGestartet) return;
     if (Tageszeit(jetzt) < Tageszeit(uhrzeit - Uhrzeittoleranz)) return;
     Anfordern("ZEK wird zeitbedingt neu gestartet (" + Datumtext(e.NeustartUhrzeit) + ")");
 }
 
 void Neustart::FehlendeKursePruefen() {
-    const Einstellungen& e = modul_.Einstellungen;
-    if (!e.NeuStartBeiFehlendenKursen || modul_.AktiveTitel < 1) return;
-    const Zeitpunkt jetzt = uhr_.Jetzt();
-    if (jetzt - modul_.Startzeitpunkt < KurseKarenz) return;
+    const Einstellungen& e = um_.Einstellungen;
+    if (!e.NeuStartBeiFehlendenKursen || um_.AktiveTitel() < 1) return;
+    const Zeitpunkt jetzt = um_.Zeit.Jetzt();
+    if (jetzt - um_.Programm.Startzeitpunkt < KurseKarenz) return;
     // A lost connection is the reconnect's business.
-    if (!sitzung_.TwsVerbunden()) return;
+    if (!um_.Sitzung.TwsVerbunden()) return;
     if (RuhezeitAktiv(e, jetzt)) {
         // The silence is counted from the last round of the weekend or the pause.
-        modul_.LetzterKursZeitpunkt = jetzt;
+        um_.Kursuhr.LetzterKursZeitpunkt = jetzt;
         return;
     }
     const std::chrono::seconds hoechstens(e.NeuStartBeiFehlendenKursenSekunden);
-    if (modul_.LetzterKursZeitpunkt && jetzt - *modul_.LetzterKursZeitpunkt < hoechstens) return;
+    if (um_.Kursuhr.LetzterKursZeitpunkt && jetzt - *um_.Kursuhr.LetzterKursZeitpunkt < hoechstens) return;
     Anfordern("ZEK wird neu gestartet, weil längere Zeit keine Kurse eingetroffen sind");
 }
 
 void Neustart::KommandosPruefen() {
-    if (Befohlen(einstellungen_.LiesKommando("DoQuit"))) {
-        status_.Statusmeldung("ZEK wird durch Kommand /Quit beendet (" + Datumtext(uhr_.Jetzt()) + ")", true);
-        modul_.BeendenAngefordert = true;
+    if (Befohlen(um_.Ablage.LiesKommando("DoQuit"))) {
+        um_.Status.Statusmeldung("ZEK wird durch Kommand /Quit beendet (" + Datumtext(um_.Zeit.Jetzt()) + ")", true);
+        BeendenAngefordert = true;
     }
-    if (Befohlen(einstellungen_.LiesKommando("Restart"))) {
-        Anfordern("ZEK wird durch Kommand /Restart neu gestartet (" + Datumtext(uhr_.Jetzt()) + ")");
+    if (Befohlen(um_.Ablage.LiesKommando("Restart"))) {
+        Anfordern("ZEK wird durch Kommand /Restart neu gestartet (" + Datumtext(um_.Zeit.Jetzt()) + ")");
     }
 }
 
 void Neustart::WegenFehler(int code) {
     // What the end itself raises (requests on a connection that is gone) restarts nothing.
-    if (beendet_ || modul_.BeendenAngefordert) return;
+    if (beendet_ || BeendenAngefordert) return;
     const std::string nummer = std::to_string(code);
-    const std::string letzter = einstellungen_.Lies(abschnitt::Optionen, "LetzterNeustartFehler", "0");
-    const Zeitpunkt jetzt = uhr_.Jetzt();
+    const std::string letzter = um_.Ablage.Lies(abschnitt::Optionen, "LetzterNeustartFehler", "0");
+    const Zeitpunkt jetzt = um_.Zeit.Jetzt();
     if (jetzt - ZeitpunktAusText(letzter).value_or(ZeitpunktAus(Zahlwert(letzter))) < FehlerSperrzeit) {
-        status_.Statusmeldung("ZEK wird trotz Fehlermeldung Nr. " + nummer +
-                                  " nicht neu gestartet (<20 s nach letztem Neustart wegen Fehlermeldung)",
-                              true);
+        um_.Status.Statusmeldung("ZEK wird trotz Fehlermeldung Nr. " + nummer +
+                                     " nicht neu gestartet (<20 s nach letztem Neustart wegen Fehlermeldung)",
+                                 true);
         return;
     }
-    status_.Statusmeldung("ZEK wird wegen Fehlermeldung neu gestartet (bei Fehler Nr. " + nummer + ")", true);
+    um_.Status.Statusmeldung("ZEK wird wegen Fehlermeldung neu gestartet (bei Fehler Nr. " + nummer + ")", true);
     // Stored, because it is the next instance that must see it.
-    einstellungen_.SchreibeMarke(abschnitt::Optionen, "LetzterNeustartFehler", Datumtext(jetzt));
-    modul_.NeustartAngefordert = true;
+    um_.Ablage.SchreibeMarke(abschnitt::Optionen, "LetzterNeustartFehler", Datumtext(jetzt));
+    NeustartAngefordert = true;
 }
 
 bool Neustart::Ausfuehren() {
-    if (!modul_.NeustartAngefordert && !modul_.BeendenAngefordert) return false;
+    if (!NeustartAngefordert && !BeendenAngefordert) return false;
     OhneFehler("Datenpflege vor dem Neustart abbrechen", [&] {
-        if (!sitzung_.DatenpflegeAbbrechen()) return;
-        for (int i = 0; i < 100; ++i) pumpe_.Ereignisse();
-        sitzung_.DatenpflegeFensterFreigeben();
+        if (!um_.Sitzung.DatenpflegeAbbrechen()) return;
+        for (int i = 0; i < 100; ++i) um_.Pumpe.Ereignisse();
+        um_.Sitzung.DatenpflegeFensterFreigeben();
     });
     // The system or a person closed the program meanwhile; it isn't to come back then.
     if (beendet_) return true;
-    if (modul_.BeendenAngefordert) {
-        OhneFehler("Verbindung vor dem Ende trennen", [&] { sitzung_.disconnect(); });
-        OhneFehler("Ereignisse vor dem Ende", [&] { pumpe_.Ereignisse(); });
+    if (BeendenAngefordert) {
+        OhneFehler("Verbindung vor dem Ende trennen", [&] { um_.Sitzung.disconnect(); });
+        OhneFehler("Ereignisse vor dem Ende", [&] { um_.Pumpe.Ereignisse(); });
         return ProgrammEndet();
     }
     if (AutoNeustartStarten(false)) return ProgrammEndet();
@@ -133,21 +121,21 @@ bool Neustart::Ausfuehren() {
 }
 
 bool Neustart::ProgrammEndet() {
-    OhneFehler("Hauptfenster entladen", [&] { sitzung_.HauptfensterEntladen(); });
+    OhneFehler("Hauptfenster entladen", [&] { um_.Sitzung.HauptfensterEntladen(); });
     return true;
 }
 
 // The request stays, so that the entry comes again each round: a restart that can't be carried out stays visible.
 void Neustart::NeustartUnmoeglich() {
-    status_.Statusmeldung("Kein Neustart von ZEK möglich (Datei 'ZEKIBAutoNeustart.exe' fehlt). ", true);
-    if (!modul_.Einstellungen.NeuStartbeiUhrzeit) return;
-    status_.Statusmeldung("Die Option 'Automatischer Neustart' bei Uhrzeit wird deaktiviert.", true);
-    modul_.Einstellungen.NeuStartbeiUhrzeit = false;
+    um_.Status.Statusmeldung("Kein Neustart von ZEK möglich (Datei 'ZEKIBAutoNeustart.exe' fehlt). ", true);
+    if (!um_.Einstellungen.NeuStartbeiUhrzeit) return;
+    um_.Status.Statusmeldung("Die Option 'Automatischer Neustart' bei Uhrzeit wird deaktiviert.", true);
+    um_.Einstellungen.NeuStartbeiUhrzeit = false;
 }
 
 void Neustart::Anfordern(const std::string& begruendung) {
-    status_.Statusmeldung(begruendung, true);
-    modul_.NeustartAngefordert = true;
+    um_.Status.Statusmeldung(begruendung, true);
+    NeustartAngefordert = true;
 }
 
 }  // namespace zek

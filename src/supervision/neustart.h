@@ -1,5 +1,5 @@
 // Restart and end of the recorder by itself: at a clock time, for an error number of the broker, for want of ticks, by
-// a command of a second instance. All reasons only set a flag of the module; the supervision round carries it out.
+// a command of a second instance. All reasons only set a flag; the supervision round carries it out.
 #pragma once
 
 #include "modul/ibmodul.h"
@@ -9,6 +9,8 @@
 #include "platform/pumpe.h"
 #include "platform/uhr.h"
 
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -37,8 +39,22 @@ public:
         virtual void HauptfensterEntladen() = 0;
     };
 
-    Neustart(IBModul& modul, const Uhr& uhr, Pumpe& pumpe, Dateisystem& dateien, Prozesse& prozesse,
-             Statusausgabe& status, Meldungen& meldungen, Einstellungszugang& einstellungen, Sitzung& sitzung);
+    struct Umgebung {
+        const zek::Ordner& Ordner;
+        const Programmstand& Programm;
+        zek::Einstellungen& Einstellungen;
+        Tickuhr& Kursuhr;
+        const Uhr& Zeit;
+        zek::Pumpe& Pumpe;
+        Dateisystem& Dateien;
+        zek::Prozesse& Prozesse;
+        Statusausgabe& Status;
+        Meldungen& Fragen;
+        Einstellungszugang& Ablage;
+        zek::Neustart::Sitzung& Sitzung;
+        std::function<std::int32_t()> AktiveTitel;
+    };
+    explicit Neustart(const Umgebung& umgebung) : um_(umgebung) {}
 
     // Starts the restart helper, or only tests for it and tells the user when it is missing. True when it is there; a
     // start that fails by an error isn't told apart. Under a service manager nothing is started: it does the helper's
@@ -61,20 +77,16 @@ public:
     // The shutdown order has begun: nothing is carried out any more.
     void Beende() { beendet_ = true; }
 
+    // What is asked for; the supervision round carries it out.
+    bool NeustartAngefordert = false;
+    bool BeendenAngefordert = false;
+
 private:
     bool ProgrammEndet();
     void NeustartUnmoeglich();
     void Anfordern(const std::string& begruendung);
 
-    IBModul& modul_;
-    const Uhr& uhr_;
-    Pumpe& pumpe_;
-    Dateisystem& dateien_;
-    Prozesse& prozesse_;
-    Statusausgabe& status_;
-    Meldungen& meldungen_;
-    Einstellungszugang& einstellungen_;
-    Sitzung& sitzung_;
+    Umgebung um_;
     bool beendet_ = false;
     bool verwalterStartetNeu_ = false;
 };

@@ -6,16 +6,17 @@
 
 namespace zek {
 
-Pausenluecken::Pausenluecken(const IBModul& modul, OffeneLuecken& offen) : modul_(modul), offen_(offen) {
+Pausenluecken::Pausenluecken(const Einstellungen& einstellungen, const Titelbestand& bestand, OffeneLuecken& offen)
+    : einstellungen_(einstellungen), bestand_(bestand), offen_(offen) {
     probe_.AufzeichnungspauseVerwenden = true;
 }
 
 void Pausenluecken::Pruefe(Zeitpunkt jetzt, Zeitpunkt zuletzt) {
-    const Einstellungen& e = modul_.Einstellungen;
+    const Einstellungen& e = einstellungen_;
     if (!e.KursAufzeichnungDeaktivieren && !pausiert_) return;
     const bool fuerAlle = e.KursAufzeichnungDeaktivieren && e.AufzeichnungsPauseBoersen.empty();
     pausiert_ = PauseFuer(AlleTitel, fuerAlle && ZeitfensterAktiv(e, probe_, jetzt), jetzt, zuletzt);
-    for (const auto& titel : modul_.Titelliste) {
+    for (const auto& titel : bestand_.Titelliste) {
         if (titel->Dateiname.empty()) continue;
         const bool aktiv = !fuerAlle && titel->Aktiv() && ZeitfensterAktiv(e, *titel, jetzt);
         if (PauseFuer(titel->Dateiname, aktiv, jetzt, zuletzt)) pausiert_ = true;
@@ -25,8 +26,7 @@ void Pausenluecken::Pruefe(Zeitpunkt jetzt, Zeitpunkt zuletzt) {
 // A pause begins and ends at its clock times, not at the second that sees it.
 bool Pausenluecken::PauseFuer(const std::string& name, bool aktiv, Zeitpunkt jetzt, Zeitpunkt zuletzt) {
     if (aktiv == offen_.IstOffen(name, ursache::Aufzeichnungspause)) return aktiv;
-    const Tageszeit grenze =
-        aktiv ? modul_.Einstellungen.KeineAufzeichungStart : modul_.Einstellungen.KeineAufzeichungEnde;
+    const Tageszeit grenze = aktiv ? einstellungen_.KeineAufzeichungStart : einstellungen_.KeineAufzeichungEnde;
     const Zeitpunkt zeit = std::max(ZuletztUm(grenze, jetzt), std::min(zuletzt, jetzt));
     if (aktiv)
         offen_.Oeffne(name, ursache::Aufzeichnungspause, zeit);

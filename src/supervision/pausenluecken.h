@@ -8,7 +8,7 @@ namespace zek {
 
 class Pausenluecken {
 public:
-    Pausenluecken(const IBModul& modul, OffeneLuecken& offen);
+    Pausenluecken(const Einstellungen& einstellungen, const Titelbestand& bestand, OffeneLuecken& offen);
 
     // Once a second; `zuletzt` is the look before.
     void Pruefe(Zeitpunkt jetzt, Zeitpunkt zuletzt);
@@ -16,7 +16,8 @@ public:
 private:
     bool PauseFuer(const std::string& name, bool aktiv, Zeitpunkt jetzt, Zeitpunkt zuletzt);
 
-    const IBModul& modul_;
+    const Einstellungen& einstellungen_;
+    const Titelbestand& bestand_;
     OffeneLuecken& offen_;
     bool pausiert_ = false;
     clTitelobjekt probe_;  // takes part in the pause

@@ -40,8 +40,19 @@ public:
         virtual Zeitpunkt GespeichertBis(Zeitpunkt zeit) const = 0;
     };
 
-    Runde(IBModul& modul, const Uhr& uhr, Statusausgabe& status, Einstellungszugang& einstellungen, Neustart& neustart,
-          Mitspieler& mitspieler);
+    struct Umgebung {
+        Verbindungsstand& Verbindung;
+        Tickuhr& Kursuhr;
+        Datenpflegestand& Datenpflege;
+        const Programmstand& Programm;
+        const zek::Einstellungen& Einstellungen;
+        const Uhr& Zeit;
+        Statusausgabe& Status;
+        Einstellungszugang& Ablage;
+        zek::Neustart& Neustart;
+        Mitspieler& Arbeit;
+    };
+    explicit Runde(const Umgebung& umgebung) : um_(umgebung) {}
 
     // One round; the event of the timer. Does nothing while a round is running, and nothing after Beende. Errors are
     // ignored step by step. A backfill that a round has started may go on for hours: the rounds go on beside it, for
@@ -50,6 +61,9 @@ public:
 
     // No round begins any more: the shutdown order has begun.
     void Beende();
+
+    std::int32_t Minutenmarke = 0;         // timer reading of the last minute block, whole seconds
+    std::int32_t Verbindungsversuche = 0;  // since the connection was last seen standing
 
 private:
     void NeuverbindungAbschliessen();
@@ -60,12 +74,7 @@ private:
     void Wiederverbinden();
     void Warteschlange();
 
-    IBModul& modul_;
-    const Uhr& uhr_;
-    Statusausgabe& status_;
-    Einstellungszugang& einstellungen_;
-    Neustart& neustart_;
-    Mitspieler& mitspieler_;
+    Umgebung um_;
     bool laeuft_ = false;
     bool beendet_ = false;
 };

@@ -18,7 +18,9 @@ Dauer Stillegrenze(const Einstellungen& einstellungen) {
 
 }  // namespace
 
-Stromluecken::Stromluecken(IBModul& modul, OffeneLuecken& offen) : modul_(modul), offen_(offen) {
+Stromluecken::Stromluecken(const Einstellungen& einstellungen, const Verbindungsstand& verbindung, Tickuhr& tickuhr,
+                           OffeneLuecken& offen)
+    : einstellungen_(einstellungen), verbindung_(verbindung), tickuhr_(tickuhr), offen_(offen) {
     pausenprobe_.AufzeichnungspauseVerwenden = true;
 }
 
@@ -33,8 +35,8 @@ bool Stromluecken::Steht() const {
 // The news of a loss come behind the loss: no tick has come since this moment. Bounded, since a quiet market isn't one.
 Zeitpunkt Stromluecken::StromendeSpaetestens(Zeitpunkt jetzt, const Titellage& lage) const {
     if (lage.Abonnierte == 0) return jetzt;
-    const Zeitpunkt ab = std::max(letztesAbo_, jetzt - Stillegrenze(modul_.Einstellungen));
-    return std::min(std::max(ab, modul_.LetzterKursZeitpunkt.value_or(ab)), jetzt);
+    const Zeitpunkt ab = std::max(letztesAbo_, jetzt - Stillegrenze(einstellungen_));
+    return std::min(std::max(ab, tickuhr_.LetzterKursZeitpunkt.value_or(ab)), jetzt);
 }
 
 bool Stromluecken::VerbindungWeg(Zeitpunkt jetzt, const Titellage& lage) {
@@ -50,7 +52,7 @@ void Stromluecken::TwsIstOffline(Zeitpunkt jetzt, const Titellage& lage) {
     getrennt_ = true;
     if (offen_.IstOffen(AlleTitel, ursache::TwsOffline)) return;
     offlineSeit_ = jetzt;
-    modul_.ErsterKursZeitpunkt.reset();
+    tickuhr_.WarteAufErstenKurs();
     offen_.Oeffne(AlleTitel, ursache::TwsOffline, StromendeSpaetestens(jetzt, lage));
     offen_.Schliesse(AlleTitel, ursache::KeineKurse, jetzt);
 }
@@ -74,7 +76,7 @@ bool Stromluecken::Abonniert(Zeitpunkt jetzt) {
 }
 
 void Stromluecken::NichtsZuAbonnieren(Zeitpunkt jetzt) {
-    if (modul_.TWSVerbunden) offen_.Schliesse(AlleTitel, ursache::KeineVerbindung, jetzt);
+    if (verbindung_.TWSVerbunden) offen_.Schliesse(AlleTitel, ursache::KeineVerbindung, jetzt);
 }
 
 void Stromluecken::Pruefe(Zeitpunkt jetzt, const Titellage& lage) {
@@ -89,10 +91,10 @@ void Stromluecken::SchliesseOffline(Zeitpunkt bis) {
 
 // Without a message that it is back, or without a new subscription, a tick shows that the stream goes on.
 void Stromluecken::PruefeOffline() {
-    const std::optional<Zeitpunkt> erster = modul_.ErsterKursZeitpunkt;
+    const std::optional<Zeitpunkt> erster = tickuhr_.ErsterKursZeitpunkt;
     if (!erster || !offen_.IstOffen(AlleTitel, ursache::TwsOffline)) return;
     if (*erster - offlineSeit_ <= Nachzuegler) {
-        modul_.ErsterKursZeitpunkt.reset();
+        tickuhr_.WarteAufErstenKurs();
         return;
     }
     getrennt_ = datenWeg_ = false;
@@ -101,7 +103,7 @@ void Stromluecken::PruefeOffline() {
 
 // Weekends are no rest: some markets open on Sunday evening. What silence means is for the trading hours to say.
 bool Stromluecken::PauseFuerAlle(Zeitpunkt jetzt) const {
-    const Einstellungen& e = modul_.Einstellungen;
+    const Einstellungen& e = einstellungen_;
     return e.KursAufzeichnungDeaktivieren && e.AufzeichnungsPauseBoersen.empty() &&
            ZeitfensterAktiv(e, pausenprobe_, jetzt);
 }
@@ -110,18 +112,18 @@ void Stromluecken::PruefeKurse(Zeitpunkt jetzt, const Titellage& lage) {
     const bool ruhe = PauseFuerAlle(jetzt);
     if (ruhe) ruheBis_ = jetzt;
     if (offen_.IstOffen(AlleTitel, ursache::KeineKurse)) {
-        if (modul_.ErsterKursZeitpunkt)
-            offen_.Schliesse(AlleTitel, ursache::KeineKurse, *modul_.ErsterKursZeitpunkt);
+        if (tickuhr_.ErsterKursZeitpunkt)
+            offen_.Schliesse(AlleTitel, ursache::KeineKurse, *tickuhr_.ErsterKursZeitpunkt);
         else if (ruhe)
             offen_.Schliesse(AlleTitel, ursache::KeineKurse, jetzt);
         return;
     }
     if (ruhe || lage.Aktive == 0 || lage.Abonnierte == 0 || !Steht()) return;
     Zeitpunkt letzter = ruheBis_;
-    for (const Zeitpunkt zeit : {modul_.LetzterKursZeitpunkt.value_or(letztesAbo_), letztesAbo_})
+    for (const Zeitpunkt zeit : {tickuhr_.LetzterKursZeitpunkt.value_or(letztesAbo_), letztesAbo_})
         if (zeit <= jetzt) letzter = std::max(letzter, zeit);  // others are of a clock that was set back
-    if (jetzt - letzter <= Stillegrenze(modul_.Einstellungen)) return;
-    modul_.ErsterKursZeitpunkt.reset();
+    if (jetzt - letzter <= Stillegrenze(einstellungen_)) return;
+    tickuhr_.WarteAufErstenKurs();
     offen_.Oeffne(AlleTitel, ursache::KeineKurse, letzter);
 }
 

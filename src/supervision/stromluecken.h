@@ -9,7 +9,8 @@ namespace zek {
 
 class Stromluecken {
 public:
-    Stromluecken(IBModul& modul, OffeneLuecken& offen);
+    Stromluecken(const Einstellungen& einstellungen, const Verbindungsstand& verbindung, Tickuhr& tickuhr,
+                 OffeneLuecken& offen);
 
     // What the titles make of the connection.
     struct Titellage {
@@ -41,7 +42,9 @@ private:
     void PruefeOffline();
     void PruefeKurse(Zeitpunkt jetzt, const Titellage& lage);
 
-    IBModul& modul_;
+    const Einstellungen& einstellungen_;
+    const Verbindungsstand& verbindung_;
+    Tickuhr& tickuhr_;
     OffeneLuecken& offen_;
     // At first long ago.
     Zeitpunkt offlineSeit_{};

@@ -41,8 +41,7 @@ Zeitserver Zeitserver::Aus(std::string_view text, std::string_view vorgabe) {
     return {std::string(text.substr(0, punkt)), static_cast<int>(*port)};
 }
 
-Systemuhr::Systemuhr(IBModul& modul, Uhr& uhr, TcpFabrik& tcp, Statusausgabe& status)
-    : modul_(modul), uhr_(uhr), status_(status), timeSocket_(tcp.Erzeuge()) {
+Systemuhr::Systemuhr(const Umgebung& umgebung) : um_(umgebung), timeSocket_(umgebung.Tcp.Erzeuge()) {
     timeSocket_->SetzeEmpfaenger(this);
     SetzeZeitserver("", "");
 }
@@ -83,36 +82,35 @@ void Systemuhr::TcpFehler(int, std::string_view) {
 
 void Systemuhr::AbfrageBeenden() {
     timeSocket_->Schliesse();
-    modul_.AtomzeitGeprueft = true;
+    AtomzeitGeprueft = true;
 }
 
 void Systemuhr::Antwort(std::uint32_t sekundenSeit1900) {
     if (sekundenSeit1900 < KleinsteAntwort) return;
-    const Zeitzone zone = uhr_.Zone();
+    const Zeitzone zone = um_.Zeit.Zone();
     // StandardBias plays no part here, but does in currentTime.
     const int minuten = zone.Bias + (zone.Sommerzeit ? zone.DaylightBias : 0);
     const Zeitpunkt neueZeit =
         TagAus(2000, 1, 1) + std::chrono::seconds(sekundenSeit1900) - Von1900Bis2000 - std::chrono::minutes(minuten);
-    if (!modul_.Einstellungen.AutoUhrzeitStellen) return;
-    if (std::chrono::abs(Grenzen<std::chrono::seconds>(uhr_.Jetzt(), neueZeit)) > 1s) SetzeNeueSystemzeit(neueZeit);
+    if (!um_.Einstellungen.AutoUhrzeitStellen) return;
+    if (std::chrono::abs(Grenzen<std::chrono::seconds>(um_.Zeit.Jetzt(), neueZeit)) > 1s) SetzeNeueSystemzeit(neueZeit);
 }
 
 void Systemuhr::SetzeNeueSystemzeit(Zeitpunkt neueZeit) {
-    const Zeitpunkt jetzt = uhr_.Jetzt();
+    const Zeitpunkt jetzt = um_.Zeit.Jetzt();
     const std::string alt = Datumtext(jetzt);
     const std::string neu = Datumtext(neueZeit);
     if (neu == alt) return;
     if (std::chrono::abs(Grenzen<std::chrono::hours>(jetzt, neueZeit)) > Hoechststunden) {
-        status_.Statusmeldung(
+        um_.Status.Statusmeldung(
             "Differenz System-Uhrzeit zu Atomuhr-Zeit (" + neu + ") > 12 Stunden (wird nicht korrigiert)!", true);
         return;
     }
     if (neueZeit < jetzt && !DarfZurueckstellen(jetzt, neueZeit)) return;
     // Without the right to it nothing happens, and the entry comes all the same.
-    uhr_.SetzeSystemzeit(neueZeit);
-    // The jump neither triggers nor delays the minute block.
-    modul_.Minutenmarke = static_cast<std::int32_t>(std::nearbyint(uhr_.Timer()));
-    status_.Statusmeldung("System-Uhrzeit (" + alt + ") wurde nach Atomuhr-Zeit (" + neu + ") gestellt");
+    um_.Zeit.SetzeSystemzeit(neueZeit);
+    um_.Minutenmarke(static_cast<std::int32_t>(std::nearbyint(um_.Zeit.Timer())));
+    um_.Status.Statusmeldung("System-Uhrzeit (" + alt + ") wurde nach Atomuhr-Zeit (" + neu + ") gestellt");
 }
 
 // Setting the clock back would make time run backwards inside the files.
@@ -122,27 +120,28 @@ bool Systemuhr::DarfZurueckstellen(Zeitpunkt jetzt, Zeitpunkt neueZeit) {
         zeitKorrekturGemeldet_ = false;
         return true;
     }
-    if (modul_.Kursanzahl == 0) return true;
+    if (um_.Kursuhr.Kursanzahl == 0) return true;
     if (zeitKorrekturGemeldet_) return false;
     const auto sekunden = std::chrono::abs(Grenzen<std::chrono::seconds>(neueZeit, jetzt)).count();
-    status_.Statusmeldung(
+    um_.Status.Statusmeldung(
         "Die System-Uhrzeit geht gegenüber der Atomuhr-Zeit " + std::to_string(sekunden) + " Sekunden vor", true);
     // The window begins at 0:05; the text says 0:01.
-    status_.Statusmeldung("Eine automatische Korrektur erfolgt erst ab 0:01 Uhr", true);
+    um_.Status.Statusmeldung("Eine automatische Korrektur erfolgt erst ab 0:01 Uhr", true);
     zeitKorrekturGemeldet_ = true;
     return false;
 }
 
 void Systemuhr::currentTime(std::int64_t time) {
-    const Zeitzone zone = uhr_.Zone();
+    const Zeitzone zone = um_.Zeit.Zone();
     const int minuten = -(zone.Bias + (zone.Sommerzeit ? zone.DaylightBias : zone.StandardBias));
     // Beyond what any clock shows the difference stays as large as it can be.
     const std::chrono::seconds seit1970(std::clamp<std::int64_t>(time, -Spaetestens, Spaetestens));
     const Zeitpunkt twsZeit(seit1970 + std::chrono::minutes(minuten));
-    const auto stunden = Grenzen<std::chrono::hours>(twsZeit, uhr_.Jetzt());
+    const auto stunden = Grenzen<std::chrono::hours>(twsZeit, um_.Zeit.Jetzt());
     zeitDifferenzTWS_ = static_cast<double>(stunden.count());
     if (std::chrono::abs(stunden) >= Hoechststunden) {
-        status_.Statusmeldung("System-Uhrzeit überprüfen - Abweichung>12h zu TWS-Zeit (wird nicht korrigiert!)", true);
+        um_.Status.Statusmeldung("System-Uhrzeit überprüfen - Abweichung>12h zu TWS-Zeit (wird nicht korrigiert!)",
+                                 true);
         return;
     }
     zeitDifferenzTWS_ /= 24;

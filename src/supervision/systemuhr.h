@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -31,7 +32,17 @@ public:
     static constexpr std::string_view ErsterVorgabe = "ptbtime1.ptb.de";
     static constexpr std::string_view ZweiterVorgabe = "ptbtime2.ptb.de";
 
-    Systemuhr(IBModul& modul, Uhr& uhr, TcpFabrik& tcp, Statusausgabe& status);
+    struct Umgebung {
+        const zek::Einstellungen& Einstellungen;
+        const Tickuhr& Kursuhr;
+        Uhr& Zeit;
+        TcpFabrik& Tcp;
+        Statusausgabe& Status;
+        // The clock was set; the timer reading since, in whole seconds. A jump neither triggers nor delays the minute
+        // block.
+        std::function<void(std::int32_t)> Minutenmarke;
+    };
+    explicit Systemuhr(const Umgebung& umgebung);
     ~Systemuhr() override;
     Systemuhr(const Systemuhr&) = delete;
     Systemuhr& operator=(const Systemuhr&) = delete;
@@ -40,8 +51,9 @@ public:
     void SetzeZeitserver(std::string_view erster, std::string_view zweiter);
 
     // Starts one query, which ends one that is still open. The servers take turns, the first one begins. The answer or
-    // an error sets IBModul::AtomzeitGeprueft and comes as an event.
+    // an error sets AtomzeitGeprueft and comes as an event.
     void AtomZeitAbfrage();
+    bool AtomzeitGeprueft = false;
 
     // Applies a local time under the rules that keep the recorded series from running backwards.
     void SetzeNeueSystemzeit(Zeitpunkt neueZeit);
@@ -61,9 +73,7 @@ private:
     void Antwort(std::uint32_t sekundenSeit1900);
     bool DarfZurueckstellen(Zeitpunkt jetzt, Zeitpunkt neueZeit);
 
-    IBModul& modul_;
-    Uhr& uhr_;
-    Statusausgabe& status_;
+    Umgebung um_;
     std::unique_ptr<TcpVerbindung> timeSocket_;
     Zeitserver erster_;
     Zeitserver zweiter_;

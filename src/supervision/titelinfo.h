@@ -16,18 +16,22 @@ public:
     static constexpr std::chrono::milliseconds Intervall{1000};
 
     // `anzeige` shows the text.
-    Titelinfo(IBModul& modul, const Uhr& uhr, std::function<void(const std::string&)> anzeige);
+    Titelinfo(const Titelbestand& bestand, const Tickuhr& tickuhr, const Uhr& uhr,
+              std::function<void(const std::string&)> anzeige);
 
-    // Counts the titles anew unless only the rate is asked for; refreshes IBModul::AktiveTitel.
+    // Counts the titles anew unless only the rate is asked for.
     void TitelInfoAktualisieren(bool nurTickRate);
 
+    // As counted at the last refresh.
+    std::int32_t AktiveTitel() const { return aktive_; }
     // Records per second since the last but one refresh.
     float Tickrate() const { return tickrate_; }
 
 private:
     void TickrateErneuern();
 
-    IBModul& modul_;
+    const Titelbestand& bestand_;
+    const Tickuhr& tickuhr_;
     const Uhr& uhr_;
     std::function<void(const std::string&)> anzeige_;
     std::int32_t aktive_ = 0;

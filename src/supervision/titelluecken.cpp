@@ -62,14 +62,14 @@ void Titelluecken::VergissAlteNamen(Zeitpunkt start) {
 void Titelluecken::Pruefe(Zeitpunkt jetzt) {
     if (!geladen_) return;
     aktive_ = 0;
-    for (const auto& titel : modul_.Titelliste) {
+    for (const auto& titel : bestand_.Titelliste) {
         LerneKennen(*titel, jetzt);
         Titelstand* stand = Finde(*titel);
         if (stand == nullptr) continue;
         PruefeTitel(*titel, *stand, jetzt);
         aktive_ += stand->Aktiv ? 1 : 0;
     }
-    if (titel_.size() > modul_.Titelliste.Anzahl()) EntferneVerschwundene(jetzt);
+    if (titel_.size() > bestand_.Titelliste.Anzahl()) EntferneVerschwundene(jetzt);
     PruefeWartende(jetzt);
     PruefeAblehnungen();
 }
@@ -117,7 +117,7 @@ void Titelluecken::SchalteAus(std::int32_t id, Titelstand& stand, Zeitpunkt jetz
 void Titelluecken::EntferneVerschwundene(Zeitpunkt jetzt) {
     for (auto ort = titel_.begin(); ort != titel_.end();) {
         const std::int32_t id = ort->first;
-        if (modul_.Titelliste.Finde(id) != nullptr) {
+        if (bestand_.Titelliste.Finde(id) != nullptr) {
             ++ort;
             continue;
         }
@@ -152,7 +152,7 @@ void Titelluecken::BeendeWarten(std::int32_t id, Titelstand& stand, Zeitpunkt bi
 // True when it has come: the wait ended with it.
 bool Titelluecken::ErsterKursIstDa(std::int32_t id, Titelstand& stand) {
     if (!stand.WartetSeit || !stand.Abonniert) return false;
-    const clTitelobjekt* titel = modul_.Titelliste.Finde(id);
+    const clTitelobjekt* titel = bestand_.Titelliste.Finde(id);
     if (titel == nullptr || !titel->ErsterKursZeitpunkt) return false;
     BeendeWarten(id, stand, *titel->ErsterKursZeitpunkt);
     return true;
@@ -161,7 +161,7 @@ bool Titelluecken::ErsterKursIstDa(std::int32_t id, Titelstand& stand) {
 void Titelluecken::PruefeWartende(Zeitpunkt jetzt) {
     for (const std::int32_t id : std::vector(wartende_.begin(), wartende_.end())) {
         Titelstand& stand = titel_[id];
-        if (modul_.Titelliste.Finde(id) == nullptr || ErsterKursIstDa(id, stand)) continue;
+        if (bestand_.Titelliste.Finde(id) == nullptr || ErsterKursIstDa(id, stand)) continue;
         if (!stand.WartetGeschrieben && jetzt - *stand.WartetSeit > KurzesWarten) {
             offen_.Oeffne(stand.Name, stand.WartetGrund, *stand.WartetSeit);
             stand.WartetGeschrieben = true;
@@ -176,7 +176,7 @@ void Titelluecken::DurchgangBeginnt(Zeitpunkt jetzt) {
 }
 
 void Titelluecken::Abonniert(const clTitelobjekt& titel, Zeitpunkt jetzt) {
-    clTitelobjekt* objekt = modul_.Titelliste.Finde(titel.id);
+    clTitelobjekt* objekt = bestand_.Titelliste.Finde(titel.id);
     if (objekt == nullptr) return;
     LerneKennen(*objekt, jetzt);
     objekt->ErsterKursZeitpunkt.reset();
@@ -249,7 +249,7 @@ void Titelluecken::Meldung(const clTitelobjekt& titel, int code, Zeitpunkt jetzt
     if (kurse) {
         BeendeWarten(titel.id, *stand, ab);
         abgelehnte_.insert(titel.id);
-        if (clTitelobjekt* objekt = modul_.Titelliste.Finde(titel.id)) objekt->ErsterKursZeitpunkt.reset();
+        if (clTitelobjekt* objekt = bestand_.Titelliste.Finde(titel.id)) objekt->ErsterKursZeitpunkt.reset();
     }
     offen_.Oeffne(stand->Name, grund, ab);
 }
@@ -265,7 +265,7 @@ void Titelluecken::SchliesseAblehnung(Titelstand& stand, Zeitpunkt bis) {
 // A title that gets ticks all the same isn't refused.
 void Titelluecken::PruefeAblehnungen() {
     for (const std::int32_t id : std::vector(abgelehnte_.begin(), abgelehnte_.end())) {
-        const clTitelobjekt* titel = modul_.Titelliste.Finde(id);
+        const clTitelobjekt* titel = bestand_.Titelliste.Finde(id);
         if (titel == nullptr || !titel->ErsterKursZeitpunkt) continue;
         Titelstand& stand = titel_[id];
         offen_.Schliesse(stand.Name, stand.Abgelehnt, *titel->ErsterKursZeitpunkt);

@@ -23,7 +23,7 @@ namespace zek {
 
 class Titelluecken {
 public:
-    Titelluecken(IBModul& modul, OffeneLuecken& offen) : modul_(modul), offen_(offen) {}
+    Titelluecken(const Titelbestand& bestand, OffeneLuecken& offen) : bestand_(bestand), offen_(offen) {}
 
     // All titles are in the list. From here on they are looked after.
     void TitelGeladen(Zeitpunkt start);
@@ -73,7 +73,7 @@ private:
     void SchliesseAblehnung(Titelstand& stand, Zeitpunkt bis);
     void PruefeAblehnungen();
 
-    IBModul& modul_;
+    const Titelbestand& bestand_;
     OffeneLuecken& offen_;
     std::unordered_map<std::int32_t, Titelstand> titel_;
     std::unordered_map<std::string, std::int32_t> namen_;  // base names; the first title with one stands for it

@@ -119,7 +119,7 @@ void Befehle::Einstellungen() {
         hilfe_, vorgabe);
     if (dialog.exec() != QDialog::Accepted) return;
     EinstellungenAnwenden(
-        sitzung_.Modul(), sitzung_.Einstellungen(), dialog.Ergebnis(),
+        sitzung_.Modul().Einstellungen, sitzung_.Modul(), sitzung_.Einstellungen(), dialog.Ergebnis(),
         [this] { sitzung_.Teile().Marktdaten.Control->reqCurrentTime(); },
         [this] { sitzung_.Teile().Marktdaten.Konten.KontoabosAnfordern(); });
 }

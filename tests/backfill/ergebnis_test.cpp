@@ -24,7 +24,7 @@ protected:
     // An automatic run of one title without bid and ask over the last `sekunden`, told as texts with the seconds back
     // from its end: "ES Bezahlt -3000..0 ergänzt 3001".
     std::vector<std::string> Lauf(double sekunden) {
-        Datenpflegelauf::Umgebung umgebung{p_.Modul,  dateien_,  p_.Welt,    p_.Welt,
+        Datenpflegelauf::Umgebung umgebung{p_.Modul,  p_.Modul,  dateien_,   p_.Welt,           p_.Welt,
                                            p_.Status, p_.Fragen, p_.Fenster, p_.Fabrik.Fabrik()};
         const Zeitpunkt ende = p_.Jetzt();
         const auto spanne = [ende](Zeitpunkt von, Zeitpunkt bis) {

@@ -217,7 +217,7 @@ struct Pflegewelt {
     }
 
     Datenpflegelauf::Umgebung Umgebung() {
-        return {Modul, Dateien, Welt, Welt, Status, Fragen, Fenster, Fabrik.Fabrik()};
+        return {Modul, Modul, Dateien, Welt, Welt, Status, Fragen, Fenster, Fabrik.Fabrik()};
     }
 
     // An active title without bid and ask.

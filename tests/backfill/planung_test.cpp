@@ -68,7 +68,8 @@ protected:
     hilfen::TestEinstellungen ablage_;
     TestOptionen optionen_;
     bool verbunden_ = true;
-    Datenpflegeplanung planung_{{p_.Umgebung(), p_.Welt, ablage_, optionen_, [this] { return verbunden_; }}};
+    Datenpflegeplanung planung_{
+        {p_.Umgebung(), p_.Modul, p_.Modul, p_.Welt, ablage_, optionen_, [this] { return verbunden_; }}};
 };
 
 // ---- automatic

@@ -67,6 +67,7 @@ protected:
     int infos = 0;
     std::vector<std::pair<std::int32_t, double>> abonniert;  // id, seconds since the start
     Titellader lader{modul,
+                     modul,
                      ram,
                      welt,
                      welt,
@@ -79,7 +80,7 @@ protected:
                           return nachrichten;
                       },
                       [this] { ++infos; }}};
-    Titelsicherung sicherung{modul, ram, anzeige, meldungen};
+    Titelsicherung sicherung{modul, modul, ram, anzeige, meldungen};
 };
 
 TEST_F(TitelLaden, AFirstStartMakesAnEmptyFileAndNoTitlesAndSaysNothing) {
@@ -185,7 +186,7 @@ TEST_F(TitelLaden, AClockSetBackMeanwhileDoesNotHangTheLoad) {
 
 TEST_F(TitelLaden, NoWaitIsMadeWhenTheSecondHasPassedAlready) {
     Datei(std::vector<Vorlage>(64, Vorlage{"X"}));
-    Titellader langsam(modul, ram, welt, welt, anzeige, meldungen, status,
+    Titellader langsam(modul, modul, ram, welt, welt, anzeige, meldungen, status,
                        {[] { return true; },
                         [this](clTitelobjekt& titel) {
                             abonniert.emplace_back(titel.id, welt.Sekunden());
@@ -256,7 +257,7 @@ TEST_F(TitelLaden, ATitleWithAnUnreadableElementStaysPartlyFilledAndTheRestFollo
 TEST_F(TitelLaden, AnErrorOfOneSubscriptionDoesNotEndTheLoad) {
     ErwarteVerschluckte("Geladenen Titel abonnieren");
     Datei({{"A"}, {"B", "K"}});
-    Titellader lader2(modul, ram, welt, welt, anzeige, meldungen, status,
+    Titellader lader2(modul, modul, ram, welt, welt, anzeige, meldungen, status,
                       {[] { return true; }, [](clTitelobjekt&) -> int { throw std::runtime_error("x"); }, [] {}});
     lader2.Titelladen();
     EXPECT_THAT(Symbole(), ElementsAre("A", "B"));
@@ -388,7 +389,7 @@ TEST_F(FremdeNamen, ThatStayInTheirFolderStayAsTheyAre) {
 class TitelAnlage : public testing::Test {
 protected:
     Titelzeiger Lege(Titelangaben angaben) {
-        return TitelAnlegen(modul, angaben, [this](clTitelobjekt& titel) {
+        return TitelAnlegen(modul, modul, angaben, [this](clTitelobjekt& titel) {
             abonniert.push_back(titel.id);
             return 1;
         });
@@ -455,7 +456,7 @@ TEST_F(TitelAnlage, RefusesTheSameContractAndTheSameFileName) {
 TEST_F(TitelAnlage, AFailingSubscriptionLeavesTheTitleInTheList) {
     ErwarteVerschluckte("Neuen Titel abonnieren");
     modul.TWSVerbunden = true;
-    EXPECT_TRUE(TitelAnlegen(modul, Dax(), [](clTitelobjekt&) -> int { throw std::runtime_error("x"); }));
+    EXPECT_TRUE(TitelAnlegen(modul, modul, Dax(), [](clTitelobjekt&) -> int { throw std::runtime_error("x"); }));
     EXPECT_EQ(modul.Titelliste.Anzahl(), 1u);
 }
 

@@ -30,8 +30,8 @@ protected:
         return c;
     }
     Titelzeiger konto(const std::string& schluessel) const {
-        const auto stelle = modul.Kontotitelliste.find(schluessel);
-        return stelle == modul.Kontotitelliste.end() ? nullptr : stelle->second;
+        const auto stelle = feed.Konten.Kontotitelliste.find(schluessel);
+        return stelle == feed.Konten.Kontotitelliste.end() ? nullptr : stelle->second;
     }
     const std::vector<std::string>& zeilen() const { return fabrik.Letzte().Zeilen; }
 };
@@ -85,7 +85,7 @@ TEST_F(Kontodatentest, AnUnchangedValueIsRecordedAgain) {
     wert("Cash", "5");
     wert("Cash", "5");
     EXPECT_THAT(saetze(kursart::Bezahlt), ElementsAre(Satz{5, 0}, Satz{5, 0}));
-    EXPECT_THAT(modul.Kontotitelliste, SizeIs(1));
+    EXPECT_THAT(feed.Konten.Kontotitelliste, SizeIs(1));
 }
 
 TEST_F(Kontodatentest, AValueInTwoCurrenciesHasTwoTitles) {
@@ -99,8 +99,8 @@ TEST_F(Kontodatentest, WithoutAccountNamesTwoAccountsDifferInTheKeyOnly) {
     modul.Einstellungen.KontenDatenUseNoKontoName = true;
     wert("Cash", "5", "EUR", "U1");
     wert("Cash", "6", "EUR", "U2");
-    ASSERT_THAT(modul.Kontotitelliste, SizeIs(2));
-    for (const auto& [schluessel, titel] : modul.Kontotitelliste) EXPECT_EQ(titel->Börsenplatz, "") << schluessel;
+    ASSERT_THAT(feed.Konten.Kontotitelliste, SizeIs(2));
+    for (const auto& [schluessel, titel] : feed.Konten.Kontotitelliste) EXPECT_EQ(titel->Börsenplatz, "") << schluessel;
 }
 
 TEST_F(Kontodatentest, WithTheOptionOffNothingIsRecorded) {
@@ -109,7 +109,7 @@ TEST_F(Kontodatentest, WithTheOptionOffNothingIsRecorded) {
     titel("SAP", "STK", "IBIS");
     position(kontrakt("SAP", "STK", "IBIS"), 10, 100);
     EXPECT_THAT(ablage.Eintraege, IsEmpty());
-    EXPECT_THAT(modul.Kontotitelliste, IsEmpty());
+    EXPECT_THAT(feed.Konten.Kontotitelliste, IsEmpty());
 }
 
 TEST_F(Kontodatentest, AccountDataCountNowhere) {

@@ -456,7 +456,7 @@ TEST_F(Verbindungstest, ARequestWithoutASessionIsReportedAndHarmless) {
 
 TEST_F(Verbindungstest, TheEndOfTheSessionReleasesItsControl) {
     auto zweiter = std::make_unique<Feed>(
-        Feedumgebung{modul, welt, welt, ablage, status, anzeige, monitor, fabrik.Fabrik(), {}, {}});
+        Feed::Umgebung{modul, welt, welt, ablage, status, anzeige, monitor, fabrik.Fabrik(), {}, {}});
     const auto control = fabrik.Kontrollen.back();
     control->Ereignisse().currentTime(1);
     zweiter.reset();

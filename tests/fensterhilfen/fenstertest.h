@@ -47,7 +47,7 @@ struct Einstellungswelt {
     IBModul modul;
     hilfen::RamNutzerspeicher registry;
     hilfen::RamProfildatei datei;
-    Einstellungsspeicher speicher{modul, registry, datei};
+    Einstellungsspeicher speicher{modul.Einstellungen, modul, registry, datei};
 };
 
 }  // namespace zek

@@ -18,14 +18,14 @@ struct AnwendenTest : testing::Test {
     hilfen::RamNutzerspeicher registry;
     hilfen::RamProfildatei datei;
     IBModul modul;
-    Einstellungsspeicher speicher{modul, registry, datei};
+    Einstellungsspeicher speicher{modul.Einstellungen, modul, registry, datei};
     Einstellungen neu;
     int uhrzeiten = 0;
     std::vector<std::string> konten;  // what was asked for at each subscription of the accounts
 
     void WendeAn() {
         EinstellungenAnwenden(
-            modul, speicher, neu, [this] { ++uhrzeiten; },
+            modul.Einstellungen, modul, speicher, neu, [this] { ++uhrzeiten; },
             [this] { konten.push_back(modul.Einstellungen.KontenDatenKontoName); });
     }
     clTitelobjekt& Titel(const std::string& boerse, const std::string& typ = "FUT") {
@@ -62,7 +62,7 @@ TEST_F(AnwendenTest, AFailingRequestDoesNotKeepTheSettingsFromTheStore) {
     neu.AutoUhrzeitStellen = true;
     neu.IBBezahlt = true;
     const auto scheitert = [] { throw std::runtime_error("x"); };
-    EXPECT_NO_THROW(EinstellungenAnwenden(modul, speicher, neu, scheitert, scheitert));
+    EXPECT_NO_THROW(EinstellungenAnwenden(modul.Einstellungen, modul, speicher, neu, scheitert, scheitert));
     EXPECT_EQ(Registry("UmsatzFilter", "IBBezahlt"), "1");
 }
 

@@ -23,7 +23,7 @@ struct EinstellungenTest : testing::Test {
     hilfen::RamProfildatei datei;
     hilfen::TestMeldungen meldungen;
     IBModul modul;
-    Einstellungsspeicher speicher{modul, registry, datei};
+    Einstellungsspeicher speicher{modul.Einstellungen, modul, registry, datei};
     std::vector<bool> marken;
 
     void InRegistry(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
@@ -53,7 +53,7 @@ TEST_F(EinstellungenTest, UsesTheRegistryUnlessLocalSettingsAreOn) {
     InRegistry("Optionen", "Spalten", "registry");
     datei.Setze("Optionen", "Spalten", "datei");
     EXPECT_EQ(Lies("Optionen", "Spalten"), "registry");
-    modul.LokalSettings = true;
+    speicher.LokalSettings = true;
     EXPECT_EQ(Lies("Optionen", "Spalten"), "datei");
 }
 
@@ -61,13 +61,13 @@ TEST_F(EinstellungenTest, TheFlagsOverrideTheChoiceOfTheStore) {
     InRegistry("Optionen", "Spalten", "registry");
     datei.Setze("Optionen", "Spalten", "datei");
     EXPECT_EQ(speicher.LeseEinstellung(Programmtitel, "Optionen", "Spalten", "", false, true), "datei");
-    modul.LokalSettings = true;
+    speicher.LokalSettings = true;
     EXPECT_EQ(speicher.LeseEinstellung(Programmtitel, "Optionen", "Spalten", "", true, false), "registry");
     EXPECT_EQ(speicher.LeseEinstellung(Programmtitel, "Optionen", "Spalten", "", true, true), "datei");
 }
 
 TEST_F(EinstellungenTest, WithLocalSettingsThePortOfTheRegistryIsNotConsulted) {
-    modul.LokalSettings = true;
+    speicher.LokalSettings = true;
     InRegistry("IBConnect", "IBPort", "7496");
     EXPECT_EQ(LiesAlle().IBPort, 0);
     datei.Setze("IBConnect", "IBPort", "4002");
@@ -75,7 +75,7 @@ TEST_F(EinstellungenTest, WithLocalSettingsThePortOfTheRegistryIsNotConsulted) {
 }
 
 TEST_F(EinstellungenTest, TheLocalFileKnowsNoApplicationNames) {
-    modul.LokalSettings = true;
+    speicher.LokalSettings = true;
     speicher.SchreibeEinstellung(ProduktName, "ZEKStart", "VersionsHinweis", "1");
     EXPECT_EQ(Lies("ZEKStart", "VersionsHinweis"), "1");
 }
@@ -94,20 +94,20 @@ TEST_F(EinstellungenTest, AWordCountsForLocalSettingsButNotForAKeyReadNumericall
     InRegistry("Optionen", "AutoDatenpflege", "WAHR");
     EXPECT_FALSE(LiesAlle().AutoDatenpflege);
     speicher.LeseLokalSettings();
-    EXPECT_TRUE(modul.LokalSettings);
+    EXPECT_TRUE(speicher.LokalSettings);
 }
 
 TEST_F(EinstellungenTest, LocalSettingsAreAlwaysReadFromTheFile) {
     InRegistry("Optionen", "LokalSettings", "1");
     speicher.LeseLokalSettings();
-    EXPECT_FALSE(modul.LokalSettings);
+    EXPECT_FALSE(speicher.LokalSettings);
     datei.Setze("Optionen", "LokalSettings", "1");
     speicher.LeseLokalSettings();
-    EXPECT_TRUE(modul.LokalSettings);
+    EXPECT_TRUE(speicher.LokalSettings);
 }
 
 TEST_F(EinstellungenTest, ReadsALongValueOfTheFileWhole) {
-    modul.LokalSettings = true;
+    speicher.LokalSettings = true;
     const std::string lang(600, 'x');
     datei.Setze("Optionen", "A", lang);
     EXPECT_EQ(Lies("Optionen", "A"), lang);
@@ -261,7 +261,7 @@ TEST_F(EinstellungenTest, AValueThatCannotBeReadIsEmpty) {
             throw std::runtime_error("kein Speicher");
         }
     } kaputt;
-    Einstellungsspeicher ausKaputtem(modul, kaputt, datei);
+    Einstellungsspeicher ausKaputtem(modul.Einstellungen, modul, kaputt, datei);
     EXPECT_EQ(ausKaputtem.LeseEinstellung(Programmtitel, "Optionen", "Nix", "vorgabe", true), "");
 }
 
@@ -272,7 +272,7 @@ TEST_F(EinstellungenTest, AValueThatCantBeStoredIsLostQuietly) {
 }
 
 TEST_F(EinstellungenTest, TheDirectCallsStayInTheRegistryInLocalMode) {
-    modul.LokalSettings = true;
+    speicher.LokalSettings = true;
     speicher.SchreibeRegistry(Programmtitel, "Optionen", "Datenpfad", "/daten");
     EXPECT_EQ(AusRegistry("Optionen", "Datenpfad"), "/daten");
     EXPECT_EQ(speicher.LeseRegistry(Programmtitel, "Optionen", "Datenpfad", ""), "/daten");
@@ -307,7 +307,7 @@ TEST_F(EinstellungenTest, CancellingTheSwitchToTheLocalFileStillWritesTheFlagThe
 
 TEST_F(EinstellungenTest, SwitchingBackCopiesOnlyOnYes) {
     for (const int antwort : {meldung::AntwortJa, meldung::AntwortNein}) {
-        modul.LokalSettings = true;
+        speicher.LokalSettings = true;
         registry.Schreibvorgaenge.clear();
         meldungen.Gezeigt.clear();
         meldungen.Antworten = {meldung::AntwortOk, antwort};
@@ -322,7 +322,7 @@ TEST_F(EinstellungenTest, SwitchingBackCopiesOnlyOnYes) {
 }
 
 TEST_F(EinstellungenTest, CancellingTheSwitchBackStaysLocal) {
-    modul.LokalSettings = true;
+    speicher.LokalSettings = true;
     meldungen.Antworten = {meldung::AntwortAbbrechen};
     EXPECT_TRUE(Umschalten());
     EXPECT_EQ(meldungen.Gezeigt[1].Text,

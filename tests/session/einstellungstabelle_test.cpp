@@ -121,7 +121,7 @@ struct TabellenTest : testing::Test {
     hilfen::RamProfildatei datei;
     hilfen::TestMeldungen meldungen;
     IBModul modul;
-    Einstellungsspeicher speicher{modul, registry, datei};
+    Einstellungsspeicher speicher{modul.Einstellungen, modul, registry, datei};
     const std::vector<Soll> tabelle = Tabelle();
 
     void Lies() {
@@ -183,7 +183,7 @@ TEST_F(TabellenTest, ASaveReplacesTheFileOnce) {
     modul.Einstellungen.AutoDatenpflege = true;
     speicher.SpeichereEinstellungen();
     EXPECT_THAT(registry.Schreibzugriffe, testing::ElementsAre(Haltbarkeit::Sofort));
-    modul.LokalSettings = true;
+    speicher.LokalSettings = true;
     speicher.SpeichereEinstellungen();
     EXPECT_EQ(registry.Schreibzugriffe.size(), 1u);
     EXPECT_EQ(datei.Schreibzugriffe.size(), 1u);

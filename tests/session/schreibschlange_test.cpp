@@ -22,7 +22,7 @@ struct SchlangenTest : testing::Test {
     hilfen::RamNutzerspeicher registry;
     hilfen::RamProfildatei datei;
     IBModul modul;
-    Einstellungsspeicher speicher{modul, registry, datei};
+    Einstellungsspeicher speicher{modul.Einstellungen, modul, registry, datei};
 
     void Schreibe(std::string_view schluessel, std::string_view wert) {
         speicher.SchreibeEinstellung(Programmtitel, "Optionen", schluessel, wert);
@@ -59,7 +59,7 @@ TEST_F(SchlangenTest, WhatWaitsBelongsToItsApplicationAndItsStore) {
     registry.Belegt = true;
     speicher.SchreibeEinstellung(ProduktName, "Optionen", "A", "1");
     EXPECT_EQ(Lies("A"), "-");
-    modul.LokalSettings = true;
+    speicher.LokalSettings = true;
     EXPECT_EQ(speicher.LeseEinstellung(ProduktName, "Optionen", "A", "-"), "-");
     EXPECT_EQ(speicher.LeseRegistry(ProduktName, "Optionen", "A", "-"), "1");
 }

@@ -216,7 +216,7 @@ TEST_F(SitzungTest, TheEndWithoutAConnectionAnnouncesNoRestart) {
         EXPECT_THAT(Log(), Not(HasSubstr("ZEK wird trotz Fehlermeldung")));
         EXPECT_THAT(Log(), Not(HasSubstr("(504)"))) << "what isn't connected isn't asked";
         EXPECT_EQ(Registry("Optionen", "LetzterNeustartFehler"), "(fehlt)") << "the next start isn't guarded";
-        EXPECT_FALSE(sitzung->Modul().NeustartAngefordert);
+        EXPECT_FALSE(sitzung->Teile().Neustarter.NeustartAngefordert);
     }
 }
 

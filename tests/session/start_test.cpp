@@ -53,12 +53,13 @@ struct StartTest : testing::Test, Startfolge::Rekorder {
     hilfen::TestGesicht gesicht;
     Plattform plattform{welt, welt, welt, netz, dateien, registry, lokal, port, prozesse, {}, "/zek/", {}};
     IBModul modul;
-    Einstellungsspeicher einstellungen{modul, registry, lokal};
+    Einstellungsspeicher einstellungen{modul.Einstellungen, modul, registry, lokal};
     std::vector<std::string> schritte;
     std::function<void()> beimVerbinden;
     std::function<void()> beimTitelladen;
     std::function<void()> beiAtomzeit;
     bool ende = false;
+    bool atomzeitGeprueft = false;
 
     StartTest() {
         dateien.LegeOrdnerbaumAn("/zek");
@@ -87,6 +88,7 @@ struct StartTest : testing::Test, Startfolge::Rekorder {
         schritte.push_back("Atomzeit");
         if (beiAtomzeit) beiAtomzeit();
     }
+    bool& AtomzeitGeprueft() override { return atomzeitGeprueft; }
     void Titelladen() override {
         schritte.push_back("Titelladen");
         if (beimTitelladen) beimTitelladen();
@@ -343,7 +345,7 @@ TEST_F(StartTest, APortInTheForeignFileWinsAndTheStoredOneStays) {
     EXPECT_EQ(Registry("IBConnect", "IBPort"), "7496");
     einstellungen.SpeichereEinstellungen();
     EXPECT_EQ(Registry("IBConnect", "IBPort"), "7496") << "also by the save of all settings";
-    modul.LokalSettings = true;
+    einstellungen.LokalSettings = true;
     einstellungen.SpeichereEinstellungen();
     EXPECT_EQ(lokal.Roh("IBConnect", "IBPort"), "7496");
 }
@@ -435,12 +437,12 @@ TEST_F(StartTest, AnErrorOfTheStartIsShownAndEndsIt) {
 
 TEST_F(StartTest, TheClockQueryIsWaitedForUntilItsAnswer) {
     Setze("Optionen", "AutoUhrzeitStellen", "1");
-    beiAtomzeit = [&] { welt.Plane(0.7, [&] { modul.AtomzeitGeprueft = true; }); };
+    beiAtomzeit = [&] { welt.Plane(0.7, [&] { atomzeitGeprueft = true; }); };
     const double vorher = welt.Sekunden();
     Starte();
     EXPECT_NEAR(welt.Sekunden() - vorher, 0.7, 0.05);
     EXPECT_THAT(schritte, ElementsAre("Zusammenbau", "Verbinden :7496", "Atomzeit", "Titelladen"));
-    EXPECT_FALSE(modul.AtomzeitGeprueft);
+    EXPECT_FALSE(atomzeitGeprueft);
 }
 
 TEST_F(StartTest, TheClockQueryIsWaitedForAtMostThreeSeconds) {

@@ -12,7 +12,7 @@ struct Zuruf : testing::Test {
     hilfen::RamNutzerspeicher registry;
     hilfen::RamProfildatei lokal;
     IBModul modul;
-    Einstellungsspeicher speicher{modul, registry, lokal};
+    Einstellungsspeicher speicher{modul.Einstellungen, modul, registry, lokal};
     const Zeitpunkt mittag = ZeitpunktAus(2026, 11, 16, 12, 0, 0);
 };
 
@@ -47,7 +47,7 @@ TEST_F(Zuruf, HearingChangesNothingInTheStore) {
 
 // In local mode too the call goes where both of them look.
 TEST_F(Zuruf, GoesThroughThePerUserStoreOnly) {
-    modul.LokalSettings = true;
+    speicher.LokalSettings = true;
     Zurufhoerer hoerer(speicher, "/zek/");
     RufeNachVorn(speicher, "/zek/", mittag);
     EXPECT_TRUE(hoerer.Gerufen());

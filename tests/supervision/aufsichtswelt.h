@@ -143,8 +143,33 @@ protected:
     TestEinstellungen einstellungen;
     TestSitzung sitzung{aufrufe};
     TestMitspieler mitspieler{aufrufe};
-    Neustart neustart{modul, welt, welt, dateien, prozesse, status, meldungen, einstellungen, sitzung};
-    Runde runde{modul, welt, status, einstellungen, neustart, mitspieler};
+    std::int32_t aktiveTitel = 0;
+    Neustart::Umgebung Neustartumgebung(Pumpe& pumpe) {
+        return {.Ordner = modul,
+                .Programm = modul,
+                .Einstellungen = modul.Einstellungen,
+                .Kursuhr = modul,
+                .Zeit = welt,
+                .Pumpe = pumpe,
+                .Dateien = dateien,
+                .Prozesse = prozesse,
+                .Status = status,
+                .Fragen = meldungen,
+                .Ablage = einstellungen,
+                .Sitzung = sitzung,
+                .AktiveTitel = [this] { return aktiveTitel; }};
+    }
+    Neustart neustart{Neustartumgebung(welt)};
+    Runde runde{{.Verbindung = modul,
+                 .Kursuhr = modul,
+                 .Datenpflege = modul,
+                 .Programm = modul,
+                 .Einstellungen = modul.Einstellungen,
+                 .Zeit = welt,
+                 .Status = status,
+                 .Ablage = einstellungen,
+                 .Neustart = neustart,
+                 .Arbeit = mitspieler}};
     std::unique_ptr<Zeitgeber> zeitgeber = welt.Erzeuge(Runde::Intervall, [this] { runde.Durchlauf(); });
 };
 

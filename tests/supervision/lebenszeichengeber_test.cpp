@@ -83,7 +83,7 @@ protected:
     IBModul modul;
     SicherndesDateisystem dateien{welt};
     Lueckenbuch buch{modul, dateien, welt};
-    Lebenszeichengeber geber{modul, dateien, buch};
+    Lebenszeichengeber geber{modul, modul, modul, dateien, buch};
     std::unique_ptr<Zeitgeber> uhr =
         welt.Erzeuge(std::chrono::milliseconds(1000), [this] { geber.Pruefe(welt.Jetzt()); });
 };

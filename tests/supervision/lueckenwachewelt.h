@@ -37,7 +37,7 @@ protected:
         return neu;
     }
     void Beginne(std::optional<Zeitpunkt> letztesEnde = {}) {
-        wache.emplace(modul, dateien, welt, status);
+        wache.emplace(modul, modul, dateien, welt, status);
         wache->Beginne(letztesEnde);
         uhr = welt.Erzeuge(Lueckenwache::Intervall, [this] { wache->Durchlauf(); });
         uhr->Starte();
@@ -68,8 +68,8 @@ protected:
     }
     // One tick of the feed.
     void TickVon(clTitelobjekt& t) {
-        modul.LetzterKursZeitpunkt = t.LetzterKursZeitpunkt = welt.Jetzt();
-        if (!modul.ErsterKursZeitpunkt) modul.ErsterKursZeitpunkt = welt.Jetzt();
+        modul.Kurs(welt.Jetzt());
+        t.LetzterKursZeitpunkt = welt.Jetzt();
         if (!t.ErsterKursZeitpunkt) t.ErsterKursZeitpunkt = welt.Jetzt();
     }
     void Tick(double nach = 0) {

@@ -15,7 +15,7 @@ protected:
     void OhneKurseNach(int sekunden) {
         modul.Einstellungen.NeuStartBeiFehlendenKursen = true;
         modul.Einstellungen.NeuStartBeiFehlendenKursenSekunden = sekunden;
-        modul.AktiveTitel = 1;
+        aktiveTitel = 1;
     }
     void Tick() { modul.LetzterKursZeitpunkt = welt.Jetzt(); }
     // Seconds until the end of the program begins; the limit when it doesn't.
@@ -56,7 +56,7 @@ TEST_F(Neustarttest, ATestForTheHelperStartsNothingAndTellsOnlyThatItIsMissing) 
 TEST_F(Neustarttest, AHelperThatMayNotBeExecutedCountsAsMissingBeforeTheProgramEnds) {
     dateien.SetzeAusfuehrbar("/zek/ZEKIBAutoNeustart.exe", false);
     EXPECT_FALSE(neustart.AutoNeustartStarten(true));
-    modul.NeustartAngefordert = true;
+    neustart.NeustartAngefordert = true;
     welt.Laufe(3);
     EXPECT_FALSE(Beendet());
     EXPECT_TRUE(prozesse.Starts.empty());
@@ -71,7 +71,7 @@ TEST_F(Neustarttest, UnderAServiceManagerTheProgramEndsForItAndStartsNoHelper) {
     dateien.Loesche("/zek/ZEKIBAutoNeustart.exe");
     EXPECT_TRUE(neustart.AutoNeustartStarten(true));
     EXPECT_FALSE(neustart.VerwalterStartetNeu()) << "only asked";
-    modul.NeustartAngefordert = true;
+    neustart.NeustartAngefordert = true;
     welt.Laufe(2);
     EXPECT_TRUE(Beendet());
     EXPECT_TRUE(prozesse.Starts.empty());
@@ -80,7 +80,7 @@ TEST_F(Neustarttest, UnderAServiceManagerTheProgramEndsForItAndStartsNoHelper) {
 
 TEST_F(Neustarttest, UnderAServiceManagerAnEndByOrderAsksForNoNewStart) {
     prozesse.Verwaltet = true;
-    modul.NeustartAngefordert = modul.BeendenAngefordert = true;
+    neustart.NeustartAngefordert = neustart.BeendenAngefordert = true;
     welt.Laufe(2);
     EXPECT_TRUE(Beendet());
     EXPECT_FALSE(neustart.VerwalterStartetNeu());
@@ -153,7 +153,7 @@ TEST_F(Neustarttest, AnErrorNumberRestartsAndIsRemembered) {
     neustart.WegenFehler(1100);
     EXPECT_TRUE(Fett("ZEK wird wegen Fehlermeldung neu gestartet (bei Fehler Nr. 1100)"));
     EXPECT_EQ(einstellungen.Werte["Optionen/LetzterNeustartFehler"], "16.11.2026 12:00:00");
-    EXPECT_TRUE(modul.NeustartAngefordert);
+    EXPECT_TRUE(neustart.NeustartAngefordert);
     welt.Laufe(1);
     EXPECT_TRUE(Beendet());
 }
@@ -164,24 +164,24 @@ TEST_F(Neustarttest, TheSameErrorWithinTwentySecondsAcrossARestartIsIgnored) {
     EXPECT_TRUE(
         Fett("ZEK wird trotz Fehlermeldung Nr. 1100 nicht neu gestartet "
              "(<20 s nach letztem Neustart wegen Fehlermeldung)"));
-    EXPECT_FALSE(modul.NeustartAngefordert);
+    EXPECT_FALSE(neustart.NeustartAngefordert);
     EXPECT_EQ(einstellungen.Werte["Optionen/LetzterNeustartFehler"], "16.11.2026 11:59:41");
     welt.Laufe(1);
     neustart.WegenFehler(1100);
-    EXPECT_TRUE(modul.NeustartAngefordert) << "twenty seconds are enough";
+    EXPECT_TRUE(neustart.NeustartAngefordert) << "twenty seconds are enough";
 }
 
 TEST_F(Neustarttest, AMomentStoredAtMidnightOrAsANumberIsReadToo) {
     StarteUm(ZeitpunktAus(2026, 11, 17, 0, 0, 5));
     einstellungen.Werte["Optionen/LetzterNeustartFehler"] = "17.11.2026";
     neustart.WegenFehler(502);
-    EXPECT_FALSE(modul.NeustartAngefordert);
+    EXPECT_FALSE(neustart.NeustartAngefordert);
     einstellungen.Werte["Optionen/LetzterNeustartFehler"] = "46343.00001";
     neustart.WegenFehler(502);
-    EXPECT_FALSE(modul.NeustartAngefordert);
+    EXPECT_FALSE(neustart.NeustartAngefordert);
     einstellungen.Werte["Optionen/LetzterNeustartFehler"] = "Unsinn";
     neustart.WegenFehler(502);
-    EXPECT_TRUE(modul.NeustartAngefordert);
+    EXPECT_TRUE(neustart.NeustartAngefordert);
 }
 
 // ---- missing ticks
@@ -212,9 +212,9 @@ TEST_F(Neustarttest, WithoutAnyTickItFiresRightAfterFiveMinutes) {
 
 TEST_F(Neustarttest, WithoutAnActiveTitleOrTheOptionNothingIsMissed) {
     OhneKurseNach(90);
-    modul.AktiveTitel = 0;
+    aktiveTitel = 0;
     EXPECT_DOUBLE_EQ(LaufeBisEnde(1000), 1000);
-    modul.AktiveTitel = 1;
+    aktiveTitel = 1;
     modul.Einstellungen.NeuStartBeiFehlendenKursen = false;
     EXPECT_DOUBLE_EQ(LaufeBisEnde(1000), 1000);
 }
@@ -280,21 +280,21 @@ TEST_F(Neustarttest, ACommandThatIsNoNumberCountsAsNone) {
 TEST_F(Neustarttest, AWindowThatDoesNotUnloadIsPassedBy) {
     ErwarteVerschluckte("Hauptfenster entladen");
     sitzung.EntladenScheitert = true;
-    modul.NeustartAngefordert = true;
+    neustart.NeustartAngefordert = true;
     welt.Laufe(1);
     EXPECT_THAT(aufrufe, ElementsAre("HauptfensterEntladen"));
 }
 
 TEST_F(Neustarttest, AHelperThatFailsToStartEndsTheProgramAllTheSame) {
     prozesse.StartGelingt = false;
-    modul.NeustartAngefordert = true;
+    neustart.NeustartAngefordert = true;
     welt.Laufe(1);
     EXPECT_TRUE(Beendet());
 }
 
 TEST_F(Neustarttest, ARunningBackfillIsAbortedFirst) {
     sitzung.DatenpflegeOffen = true;
-    modul.BeendenAngefordert = true;
+    neustart.BeendenAngefordert = true;
     welt.Laufe(1);
     EXPECT_THAT(aufrufe, ElementsAre("DatenpflegeAbbrechen", "DatenpflegeFensterFreigeben", "disconnect",
                                      "HauptfensterEntladen"));
@@ -313,9 +313,9 @@ private:
 
 TEST_F(Neustarttest, EventsRunAHundredTimesForTheBackfillAndOnceForTheDisconnect) {
     Zaehlpumpe pumpe(aufrufe);
-    Neustart gezaehlt(modul, welt, pumpe, dateien, prozesse, status, meldungen, einstellungen, sitzung);
+    Neustart gezaehlt(Neustartumgebung(pumpe));
     sitzung.DatenpflegeOffen = true;
-    modul.BeendenAngefordert = true;
+    gezaehlt.BeendenAngefordert = true;
     EXPECT_TRUE(gezaehlt.Ausfuehren());
     hilfen::Aufrufe erwartet{"DatenpflegeAbbrechen"};
     erwartet.insert(erwartet.end(), 100, "Ereignisse");
@@ -327,7 +327,7 @@ TEST_F(Neustarttest, EventsRunAHundredTimesForTheBackfillAndOnceForTheDisconnect
 TEST_F(Neustarttest, AnEndWhileTheBackfillIsAbortedIsNoRestartAnyMore) {
     sitzung.DatenpflegeOffen = true;
     sitzung.BeiAbbrechen = [&] { welt.Plane(0, [&] { runde.Beende(); }); };
-    modul.NeustartAngefordert = true;
+    neustart.NeustartAngefordert = true;
     welt.Laufe(5);
     EXPECT_TRUE(prozesse.Starts.empty()) << "the system closes the program: it isn't to come back";
     EXPECT_FALSE(status.Enthaelt("Kein Neustart"));
@@ -344,7 +344,7 @@ TEST_F(Neustarttest, AMissingHelperIsReportedEachRoundAndTheRoundGoesOn) {
     EXPECT_TRUE(Fett("Die Option 'Automatischer Neustart' bei Uhrzeit wird deaktiviert."));
     EXPECT_EQ(status.Anzahl("wird deaktiviert"), 1U);
     EXPECT_FALSE(modul.Einstellungen.NeuStartbeiUhrzeit);
-    EXPECT_TRUE(modul.NeustartAngefordert);
+    EXPECT_TRUE(neustart.NeustartAngefordert);
     EXPECT_EQ(Anzahl("reqCurrentTime"), 1);
     LegeHelfer();
     welt.Laufe(1);

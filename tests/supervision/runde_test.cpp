@@ -177,7 +177,7 @@ TEST_F(Rundentest, TheMinuteBlockComesEveryMinute) {
     modul.LetzteDatenZeit = ZeitpunktAus(45973.5);
     welt.Laufe(1);
     EXPECT_THAT(aufrufe, ElementsAre("reqCurrentTime", "AtomZeitAbfrage")) << "first round: no IBLastEnd yet";
-    EXPECT_EQ(modul.Minutenmarke, 43201);
+    EXPECT_EQ(runde.Minutenmarke, 43201);
     aufrufe.clear();
     welt.Laufe(60);
     EXPECT_TRUE(aufrufe.empty()) << "60 is not more than 60";
@@ -189,11 +189,11 @@ TEST_F(Rundentest, TheMinuteBlockComesEveryMinute) {
 
 TEST_F(Rundentest, WithinTheFirstTenSecondsTheLastEndStays) {
     modul.LetzteDatenZeit = welt.Jetzt();
-    modul.Minutenmarke = 43200 - 60 + 9;
+    runde.Minutenmarke = 43200 - 60 + 9;
     welt.Laufe(10.5);
     EXPECT_EQ(Anzahl("reqCurrentTime"), 1) << "the block came at the tenth second";
     EXPECT_EQ(Anzahl("SchreibeLastEnd"), 0) << "ten seconds are not more than ten";
-    modul.Minutenmarke = 0;
+    runde.Minutenmarke = 0;
     welt.Laufe(0.5);
     EXPECT_EQ(Anzahl("SchreibeLastEnd"), 1);
 }
@@ -229,16 +229,16 @@ TEST_F(Rundentest, WithoutAConnectionTheTimeIsNotAskedFor) {
 TEST_F(Rundentest, AtMidnightTheRoundOnlyZeroesTheMark) {
     StarteUm(ZeitpunktAus(2026, 11, 16, 23, 59, 30));
     welt.Laufe(1);
-    EXPECT_EQ(modul.Minutenmarke, 86371);
+    EXPECT_EQ(runde.Minutenmarke, 86371);
     aufrufe.clear();
     welt.Laufe(29);
-    EXPECT_EQ(modul.Minutenmarke, 0);
+    EXPECT_EQ(runde.Minutenmarke, 0);
     EXPECT_TRUE(aufrufe.empty());
     welt.Laufe(60);
     EXPECT_TRUE(aufrufe.empty());
     welt.Laufe(1);
     EXPECT_THAT(aufrufe, ElementsAre("reqCurrentTime"));
-    EXPECT_EQ(modul.Minutenmarke, 61);
+    EXPECT_EQ(runde.Minutenmarke, 61);
 }
 
 TEST_F(Rundentest, AfterTheClockWasSetBackTheBlockRunsAtTheNextRound) {
@@ -246,7 +246,7 @@ TEST_F(Rundentest, AfterTheClockWasSetBackTheBlockRunsAtTheNextRound) {
     aufrufe.clear();
     welt.StelleUhrUm(-3600);
     welt.Laufe(1);
-    EXPECT_EQ(modul.Minutenmarke, 0);
+    EXPECT_EQ(runde.Minutenmarke, 0);
     EXPECT_TRUE(aufrufe.empty());
     welt.Laufe(1);
     EXPECT_THAT(aufrufe, ElementsAre("reqCurrentTime"));
@@ -264,7 +264,7 @@ TEST_F(Rundentest, ALostConnectionIsTriedEveryTwentySecondsOfTheDay) {
     EXPECT_EQ(Anzahl("TWSVerbindungAufbauen"), 1);
     welt.Laufe(40);
     EXPECT_EQ(Anzahl("TWSVerbindungAufbauen"), 3);
-    EXPECT_EQ(modul.Verbindungsversuche, 3);
+    EXPECT_EQ(runde.Verbindungsversuche, 3);
     EXPECT_EQ(Anzahl("AlleMarktdatenAbonnieren"), 0);
 }
 
@@ -274,12 +274,12 @@ TEST_F(Rundentest, ASuccessfulAttemptSubscribesAndHidesTheWarning) {
     mitspieler.VerbindenGelingt = true;
     welt.Laufe(20);
     EXPECT_THAT(aufrufe, ElementsAre("TWSVerbindungAufbauen", "AlleMarktdatenAbonnieren 0", "VerbergeOfflinewarnung"));
-    EXPECT_EQ(modul.Verbindungsversuche, 1);
+    EXPECT_EQ(runde.Verbindungsversuche, 1);
     welt.Laufe(40);
     EXPECT_EQ(Anzahl("TWSVerbindungAufbauen"), 1) << "a connection time stands, although no session is usable yet";
     modul.TWSVerbunden = true;
     welt.Laufe(20);
-    EXPECT_EQ(modul.Verbindungsversuche, 0);
+    EXPECT_EQ(runde.Verbindungsversuche, 0);
 }
 
 TEST_F(Rundentest, ThereIsNoThirtyFirstAttempt) {
@@ -287,10 +287,10 @@ TEST_F(Rundentest, ThereIsNoThirtyFirstAttempt) {
     mitspieler.Verbunden = false;
     welt.Laufe(20 * 45);
     EXPECT_EQ(Anzahl("TWSVerbindungAufbauen"), 30);
-    EXPECT_EQ(modul.Verbindungsversuche, 30);
+    EXPECT_EQ(runde.Verbindungsversuche, 30);
     modul.TWSVerbunden = true;
     welt.Laufe(20);
-    EXPECT_EQ(modul.Verbindungsversuche, 0);
+    EXPECT_EQ(runde.Verbindungsversuche, 0);
 }
 
 // ---- tick rate
@@ -307,7 +307,7 @@ protected:
     hilfen::VirtuelleWelt welt;
     IBModul modul;
     std::string text;
-    Titelinfo info{modul, welt, [this](const std::string& neu) { text = neu; }};
+    Titelinfo info{modul, modul, welt, [this](const std::string& neu) { text = neu; }};
 };
 
 TEST_F(Titelinfotest, CountsTheActiveTitlesAndThoseWithBidAndAsk) {
@@ -316,7 +316,7 @@ TEST_F(Titelinfotest, CountsTheActiveTitlesAndThoseWithBidAndAsk) {
     Lege(false, true);
     info.TitelInfoAktualisieren(false);
     EXPECT_EQ(text, "2 Titel aktiviert, 1 mit Geld/Brief (0,0 Ticks/s)");
-    EXPECT_EQ(modul.AktiveTitel, 2);
+    EXPECT_EQ(info.AktiveTitel(), 2);
 }
 
 TEST_F(Titelinfotest, ForTheRateAloneTheCountsStay) {
@@ -326,7 +326,7 @@ TEST_F(Titelinfotest, ForTheRateAloneTheCountsStay) {
     info.TitelInfoAktualisieren(true);
     EXPECT_EQ(text, "1 Titel aktiviert, 0 mit Geld/Brief (0,0 Ticks/s)");
     info.TitelInfoAktualisieren(false);
-    EXPECT_EQ(modul.AktiveTitel, 2);
+    EXPECT_EQ(info.AktiveTitel(), 2);
 }
 
 TEST_F(Titelinfotest, TheRateIsTheRecordsSinceTheLastRefresh) {

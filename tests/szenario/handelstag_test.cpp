@@ -62,7 +62,7 @@ TEST(HandelstagTest, ADayWithAllItsTroublesIsRecordedToTheLastTick) {
     EXPECT_EQ(w.tws.Sitzungen(), 1u);
     w.Bis(23, 59, 59);
     w.welt.Laufe(400);  // over midnight
-    EXPECT_EQ(w.Modul().Verbindungsversuche, 0);
+    EXPECT_EQ(w.sitzung->Teile().Aufsicht.Verbindungsversuche, 0);
     w.Beende();
     for (const int titel : {1, 2}) {
         ErwarteGenau(w, titel, kursart::Bezahlt, 1000);

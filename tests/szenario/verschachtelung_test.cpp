@@ -104,7 +104,7 @@ TEST_F(Verschachtelung, ARefusedStartWarnsOnceAndEachFurtherAttemptOnlyBeeps) {
     EXPECT_EQ(Warnung().Toene, 31);
     EXPECT_EQ(Warnung().NachVorn, 1);
     EXPECT_EQ(Warnung().Texte.size(), 1u);
-    EXPECT_EQ(w->Modul().Verbindungsversuche, 30);
+    EXPECT_EQ(w->sitzung->Teile().Aufsicht.Verbindungsversuche, 30);
     EXPECT_EQ(w->LogAnzahl("Es besteht keine Verbindung zur TWS!"), 31u);
     w->Bis(10, 10);
     EXPECT_EQ(w->tws.Sitzungen(), 0u) << "given up, although the server is there again";
@@ -117,7 +117,7 @@ TEST_F(Verschachtelung, WithoutAPortEachOfThirtyAttemptsReportsIt) {
     ASSERT_TRUE(w->Starte());
     w->Bis(9, 30);
     EXPECT_EQ(w->LogAnzahl("Fehlende Port-Angabe: Keine Verbindung zur TWS hergestellt!"), 31u) << "the start's too";
-    EXPECT_EQ(w->Modul().Verbindungsversuche, 30);
+    EXPECT_EQ(w->sitzung->Teile().Aufsicht.Verbindungsversuche, 30);
     EXPECT_EQ(w->netz.Verbindungsversuche(), 0u);
 }
 
@@ -129,7 +129,7 @@ TEST_F(Verschachtelung, AServerThatComesUpLaterIsSubscribedByTheRound) {
     EXPECT_EQ(w->tws.Abonnements().size(), 40u);
     for (int id = 1; id <= 40; ++id) EXPECT_EQ(Anfragen(id), 1u) << id;
     EXPECT_FALSE(Warnung().Sichtbar);
-    EXPECT_EQ(w->Modul().Verbindungsversuche, 0);
+    EXPECT_EQ(w->sitzung->Teile().Aufsicht.Verbindungsversuche, 0);
 }
 
 TEST_F(Verschachtelung, AnEarlierQueryDoesNotEndTheStartsWaitForTheTime) {
