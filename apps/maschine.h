@@ -31,19 +31,19 @@ struct Maschine {
     }
 
     zek::Plattform Plattform() {
-        return {Uhr,
-                Pumpe,
-                Zeitgeber,
-                Tcp,
-                Dateien,
-                Registry,
-                Lokal,
-                Port,
-                Prozesse,
-                [this](tws::TwsEreignisse& e) { return std::make_unique<tws::TwsClient>(Tcp, Pumpe, Uhr, e); },
-                Ordner,
-                Ende,
-                [this](std::string_view zustand) { Verwalter.Melde(zustand); }};
+        return {.Uhr = Uhr,
+                .Pumpe = Pumpe,
+                .Zeitgeber = Zeitgeber,
+                .Tcp = Tcp,
+                .Dateien = Dateien,
+                .Nutzerspeicher = Registry,
+                .LokaleDatei = Lokal,
+                .Portdatei = Port,
+                .Prozesse = Prozesse,
+                .Tws = [this](tws::TwsEreignisse& e) { return std::make_unique<tws::TwsClient>(Tcp, Pumpe, Uhr, e); },
+                .Programmordner = Ordner,
+                .Ende = Ende,
+                .MeldeVerwalter = [this](std::string_view zustand) { Verwalter.Melde(zustand); }};
     }
 
     std::function<void()> Ende;

@@ -2,10 +2,8 @@
 #pragma once
 
 #include "fensterhilfen/fenstertest.h"
-#include "hilfen/ram_dateisystem.h"
-#include "hilfen/ram_netz.h"
-#include "hilfen/test_prozesse.h"
 #include "hilfen/test_tws.h"
+#include "hilfen/testmaschine.h"
 #include "session/sitzung.h"
 #include "titles/titeldatei.h"
 #include "windows/desktopgesicht.h"
@@ -20,17 +18,8 @@
 
 namespace zek {
 
-struct Desktop : testing::Test {
-    hilfen::VirtuelleWelt welt{ZeitpunktAus(2026, 11, 16, 12, 0, 0)};
-    hilfen::RamNetz netz{welt};
-    hilfen::RamDateisystem dateien;
-    hilfen::RamNutzerspeicher registry;
-    hilfen::RamProfildatei lokal;
-    hilfen::RamProfildatei port;
-    hilfen::TestProzesse prozesse;
+struct Desktop : testing::Test, hilfen::Testmaschine {
     hilfen::TestTwsFabrik tws;
-    int enden = 0;
-    std::function<void()> beimEnde;  // what a program does at its end
     std::vector<std::string> hilfeseiten;
     std::vector<std::string> fragen;  // texts of the messages that came up
     std::unique_ptr<Desktopgesicht> gesicht;
@@ -40,10 +29,7 @@ struct Desktop : testing::Test {
     std::vector<std::pair<std::string, const char*>> antworten;
 
     Desktop() {
-        dateien.LegeOrdnerbaumAn("/zek");
-        registry.Setze(ProduktName, "ZEKStart", "VersionsHinweis", "1");
         Setze("Optionen", "DontShowStartUpTitel", "1");
-        Setze("IBConnect", "IBPort", "7496");
         Setze("Hauptfenster", "Taskbar", "1");
         tws.BeiErzeugen = [](hilfen::TestTws& control) {
             control.BeiConnect = [](hilfen::TestTws& c) { c.Ereignisse().nextValidId(1); };
@@ -57,12 +43,6 @@ struct Desktop : testing::Test {
         gesicht.reset();
     }
 
-    void Setze(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
-        registry.Setze(Programmtitel, abschnitt, schluessel, wert);
-    }
-    std::string Registry(std::string_view abschnitt, std::string_view schluessel) {
-        return registry.Lies(Programmtitel, abschnitt, schluessel).value_or("(fehlt)");
-    }
     void MitTitel(const std::string& symbol) { MitTiteln({symbol}); }
     // With the ids 1, 2 ...
     void MitTiteln(const std::vector<std::string>& symbole) {
@@ -83,13 +63,7 @@ struct Desktop : testing::Test {
     bool Starte(const std::string& zeile = "") {
         gesicht = std::make_unique<Desktopgesicht>(
             welt, [this](const std::string& seite) { hilfeseiten.push_back(seite); }, "1.0");
-        sitzung = std::make_unique<Sitzung>(
-            Plattform{welt, welt, welt, netz, dateien, registry, lokal, port, prozesse, tws.Fabrik(), "/zek/",
-                      [this] {
-                          ++enden;
-                          if (beimEnde) beimEnde();
-                      }},
-            *gesicht, zeile);
+        sitzung = std::make_unique<Sitzung>(Maschine(tws.Fabrik()), *gesicht, zeile);
         gesicht->SetzeSitzung(*sitzung);
         const bool laeuft = sitzung->Starte();
         QApplication::processEvents();

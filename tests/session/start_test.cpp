@@ -1,10 +1,6 @@
 // The command line and the start sequence, with a recorder that only notes what it is asked for.
-#include "hilfen/ram_dateisystem.h"
-#include "hilfen/ram_netz.h"
-#include "hilfen/ram_speicher.h"
 #include "hilfen/test_gesicht.h"
-#include "hilfen/test_prozesse.h"
-#include "hilfen/virtuelle_welt.h"
+#include "hilfen/testmaschine.h"
 #include "platform/datum.h"
 #include "session/main.h"
 #include "session/zuruf.h"
@@ -42,16 +38,9 @@ TEST(BefehlszeileTest, TheDelayIsTheNumberBehindItsSwitch) {
     EXPECT_EQ(LiesBefehlszeile("/W").Verzoegerung, 0);
 }
 
-struct StartTest : testing::Test, Startfolge::Rekorder {
-    hilfen::VirtuelleWelt welt{ZeitpunktAus(2026, 11, 16, 12, 0, 0)};
-    hilfen::RamNetz netz{welt};
-    hilfen::RamDateisystem dateien;
-    hilfen::RamNutzerspeicher registry;
-    hilfen::RamProfildatei lokal;
-    hilfen::RamProfildatei port;
-    hilfen::TestProzesse prozesse;
+struct StartTest : testing::Test, hilfen::Testmaschine, Startfolge::Rekorder {
     hilfen::TestGesicht gesicht;
-    Plattform plattform{welt, welt, welt, netz, dateien, registry, lokal, port, prozesse, {}, "/zek/", {}};
+    Plattform plattform = Maschine();
     IBModul modul;
     Einstellungsspeicher einstellungen{modul.Einstellungen, modul, registry, lokal};
     std::vector<std::string> schritte;
@@ -61,17 +50,6 @@ struct StartTest : testing::Test, Startfolge::Rekorder {
     bool ende = false;
     bool atomzeitGeprueft = false;
 
-    StartTest() {
-        dateien.LegeOrdnerbaumAn("/zek");
-        registry.Setze(ProduktName, "ZEKStart", "VersionsHinweis", "1");
-        Setze("IBConnect", "IBPort", "7496");
-    }
-    void Setze(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
-        registry.Setze(Programmtitel, abschnitt, schluessel, wert);
-    }
-    std::string Registry(std::string_view abschnitt, std::string_view schluessel) {
-        return registry.Lies(Programmtitel, abschnitt, schluessel).value_or("(fehlt)");
-    }
     Startergebnis Starte(std::string_view zeile = "") {
         Startfolge start(plattform, modul, einstellungen, gesicht, *this, LiesBefehlszeile(zeile));
         return start.Main();
@@ -192,7 +170,7 @@ TEST_F(StartTest, AnInstanceThatComesUpMeanwhileEndsTheStartSilently) {
         } spaeter;
         spaeter.ab = frage;
         gesicht.Aufrufe.clear();
-        Plattform dieselbe{welt, welt, welt, netz, dateien, registry, lokal, port, spaeter, {}, "/zek/", {}};
+        Plattform dieselbe = Maschine({}, {.Prozesse = &spaeter});
         Startfolge start(dieselbe, modul, einstellungen, gesicht, *this, {});
         EXPECT_EQ(start.Main(), Startergebnis::Beendet) << frage;
         EXPECT_EQ(spaeter.fragen, frage);
@@ -266,7 +244,7 @@ TEST_F(StartTest, TheDriveOfTheProgramIsTestedAndNotThatOfTheData) {
     laufwerke.LegeOrdnerbaumAn("/zek");
     laufwerke.LegeOrdnerbaumAn("/daten");
     Setze("Optionen", "Datenpfad", "/daten");
-    const Plattform zwei{welt, welt, welt, netz, laufwerke, registry, lokal, port, prozesse, {}, "/zek/", {}};
+    const Plattform zwei = Maschine({}, {.Dateien = &laufwerke});
     for (const bool programmVoll : {true, false}) {
         laufwerke.programm = programmVoll ? 1 : std::int64_t{1} << 40;
         laufwerke.daten = programmVoll ? std::int64_t{1} << 40 : 1;
@@ -428,7 +406,7 @@ TEST_F(StartTest, AnErrorOfTheStartIsShownAndEndsIt) {
     struct Kaputt : hilfen::RamDateisystem {
         bool OrdnerExistiert(const std::string&) override { throw std::runtime_error("Platte weg"); }
     } kaputt;
-    const Plattform defekt{welt, welt, welt, netz, kaputt, registry, lokal, port, prozesse, {}, "/zek/", {}};
+    const Plattform defekt = Maschine({}, {.Dateien = &kaputt});
     modul.Datenpflegewarteschlange.emplace_back();
     EXPECT_EQ(Startfolge(defekt, modul, einstellungen, gesicht, *this, {}).Main(), Startergebnis::Gescheitert);
     EXPECT_EQ(ErsteMeldung(), "Fehler beim Starten aufgetreten: Platte weg");

@@ -4,13 +4,9 @@
 #include "datafiles/dateinamen.h"
 #include "datafiles/leser.h"
 #include "feed/tws/twsclient.h"
-#include "hilfen/ram_dateisystem.h"
-#include "hilfen/ram_netz.h"
-#include "hilfen/ram_speicher.h"
 #include "hilfen/stoerdateisystem.h"
 #include "hilfen/test_gesicht.h"
-#include "hilfen/test_prozesse.h"
-#include "hilfen/virtuelle_welt.h"
+#include "hilfen/testmaschine.h"
 #include "platform/datum.h"
 #include "platform/text.h"
 #include "session/sitzung.h"
@@ -52,23 +48,17 @@ private:
     UtcZeitpunkt utc_;  // at the world's beginning
 };
 
-struct Rekorderwelt {
+struct Rekorderwelt : hilfen::Testmaschine {
     explicit Rekorderwelt(Datum beginn, simulator::Einstellungen einstellungen = {}, bool sommerzeit = false)
-        : welt(ZeitpunktAus(beginn)),
+        : Testmaschine(ZeitpunktAus(beginn)),
           brokeruhr(MitZone(welt, sommerzeit)),
           tws(netz, welt, brokeruhr, MitPort(std::move(einstellungen))) {
         platte.SetzeProtokoll(false);
-        dateien.LegeOrdnerbaumAn("/zek");
-        registry.Setze(ProduktName, "ZEKStart", "VersionsHinweis", "1");
         Setze("Optionen", "DontShowStartUpTitel", "1");
-        Setze("IBConnect", "IBPort", std::to_string(Port));
         tws.Starte();
     }
 
     // ---- before the start
-    void Setze(std::string_view abschnitt, std::string_view schluessel, std::string_view wert) {
-        registry.Setze(Programmtitel, abschnitt, schluessel, wert);
-    }
     clTitelobjekt& Titel(const std::string& symbol, const std::string& typ, const std::string& platz,
                          const std::string& waehrung, const std::string& laufzeit = "") {
         auto t = std::make_shared<clTitelobjekt>();
@@ -102,13 +92,9 @@ struct Rekorderwelt {
         welt.Ereignisse();
     }
     Plattform Maschine() {
-        return {
-            welt,     welt,
-            welt,     netz,
-            platte,   registry,
-            lokal,    port,
-            prozesse, [this](tws::TwsEreignisse& e) { return std::make_unique<tws::TwsClient>(netz, welt, welt, e); },
-            "/zek/",  {}};
+        return Testmaschine::Maschine(
+            [this](tws::TwsEreignisse& e) { return std::make_unique<tws::TwsClient>(netz, welt, welt, e); },
+            {.Dateien = &platte});
     }
     IBModul& Modul() { return sitzung->Modul(); }
 
@@ -164,16 +150,9 @@ struct Rekorderwelt {
         return saetze;
     }
 
-    hilfen::VirtuelleWelt welt;
     Brokeruhr brokeruhr;
-    hilfen::RamNetz netz{welt};
     simulator::Simulator tws;
-    hilfen::RamDateisystem dateien;
     hilfen::StoerDateisystem platte{dateien};  // what the recorder sees of it
-    hilfen::RamNutzerspeicher registry;
-    hilfen::RamProfildatei lokal;
-    hilfen::RamProfildatei port;
-    hilfen::TestProzesse prozesse;
     hilfen::TestGesicht gesicht;
     Titelliste gespeichert;
     std::unique_ptr<Sitzung> sitzung;
