@@ -66,8 +66,17 @@ void Laden(benchmark::State& state) {
     KeineAnzeige anzeige;
     zek::IBModul modul;
     modul.Programmordner = ordner.Text();
-    zek::Titellader lader(modul, modul, dateien, uhr, pumpe, anzeige, anzeige, anzeige,
-                          {[] { return false; }, [](zek::clTitelobjekt&) { return 0; }, [] {}});
+    zek::Titellader lader({.Ordner = modul,
+                           .Bestand = modul,
+                           .Dateien = dateien,
+                           .Zeit = uhr,
+                           .Pumpe = pumpe,
+                           .Anzeige = anzeige,
+                           .Fragen = anzeige,
+                           .Status = anzeige,
+                           .Verbunden = [] { return false; },
+                           .Abonniere = [](zek::clTitelobjekt&) { return 0; },
+                           .TitelInfoAktualisieren = [] {}});
     for (auto _ : state) lader.Titelladen();
     if (modul.Titelliste.Anzahl() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("titles missing");
 }

@@ -67,7 +67,7 @@ bool Datenpflegeplanung::BestimmeLuecke(Auftrag& auftrag, std::optional<Zeitpunk
         zeitpunkt = EinstellungZeitpunkt(um_.Ablage.Lies("Datenpflege", "IBLastEnd", "0"));
         if (!zeitpunkt) return false;
         zeitpunkt = std::max<Zeitpunkt>(*zeitpunkt, jetzt - HoechstesAlter);
-        um_.Kursuhr.LetzteDatenZeit = zeitpunkt;
+        um_.Tickuhr.LetzteDatenZeit = zeitpunkt;
     }
     // Right after midnight the step back would make the start a day older.
     if (Tageszeit(*zeitpunkt) >= Tageszeit(2h)) *zeitpunkt -= Vorlauf;

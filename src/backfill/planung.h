@@ -21,7 +21,7 @@ class Datenpflegeplanung {
 public:
     struct Umgebung {
         Datenpflegelauf::Umgebung Lauf;
-        Tickuhr& Kursuhr;
+        zek::Tickuhr& Tickuhr;
         Programmstand& Programm;
         Zeitgeberfabrik& Zeitgeber;
         Einstellungszugang& Ablage;

@@ -23,81 +23,69 @@ constexpr std::string_view Unterbrochen =
 
 }  // namespace
 
-Titellader::Titellader(const Ordner& ordner, Titelbestand& bestand, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe,
-                       Startanzeige& anzeige, Meldungen& meldungen, Statusausgabe& status, Aufrufe aufrufe)
-    : ordner_(ordner),
-      bestand_(bestand),
-      dateien_(dateien),
-      uhr_(uhr),
-      pumpe_(pumpe),
-      anzeige_(anzeige),
-      meldungen_(meldungen),
-      status_(status),
-      aufrufe_(std::move(aufrufe)) {}
-
 void Titellader::Titelladen() {
     try {
-        const Titeldatei datei = LiesTiteldatei(dateien_, ordner_.Programmordner);
+        const Titeldatei datei = LiesTiteldatei(um_.Dateien, um_.Ordner.Programmordner);
         using enum Titeldatei::Zustand;
         unbedenklich_ = datei.Ergebnis == Gelesen || datei.Ergebnis == Leer;
         if (datei.Ergebnis == Gelesen || datei.Ergebnis == Beschaedigt) {
-            anzeige_.Startinfo("Die Titeldefinitionen werden geladen. Bitte warten...");
-            pumpe_.Ereignisse();
+            um_.Anzeige.Startinfo("Die Titeldefinitionen werden geladen. Bitte warten...");
+            um_.Pumpe.Ereignisse();
         }
-        if (datei.Zurueckgestellt) status_.Statusmeldung(Unterbrochen, true);
+        if (datei.Zurueckgestellt) um_.Status.Statusmeldung(Unterbrochen, true);
         if (datei.Ergebnis == Beschaedigt || datei.Ergebnis == NichtLesbar) MeldeLadefehler(datei.Fehlertext);
         if (datei.Ergebnis == Gelesen) Uebernehme(datei.Titel);
     } catch (const std::exception& fehler) {
         OhneFehler("Ladefehler melden", [&] { MeldeLadefehler(Fehlertext(fehler)); });
     }
-    anzeige_.Sanduhr(false);
+    um_.Anzeige.Sanduhr(false);
 }
 
 void Titellader::MeldeLadefehler(const std::string& text) {
-    meldungen_.ZeigeMeldung("Fehler beim Laden der Titeldefinitionen aufgetreten: " + text, meldung::Ok, 0);
+    um_.Fragen.ZeigeMeldung("Fehler beim Laden der Titeldefinitionen aufgetreten: " + text, meldung::Ok, 0);
 }
 
 void Titellader::Uebernehme(const Wert& baum) {
-    anzeige_.Sanduhr(false);
-    bestand_.Titelliste.Leere();
-    bestand_.Katalogliste.Leere();
-    anzeige_.Sanduhr(true);
-    anzeige_.Startinfo("Der Datenstrom wird initialisiert. Bitte warten...");
+    um_.Anzeige.Sanduhr(false);
+    um_.Bestand.Titelliste.Leere();
+    um_.Bestand.Katalogliste.Leere();
+    um_.Anzeige.Sanduhr(true);
+    um_.Anzeige.Startinfo("Der Datenstrom wird initialisiert. Bitte warten...");
     const auto* liste = std::get_if<Werteliste>(&baum.Inhalt);
     if (liste) {
         const auto anzahl = static_cast<std::int64_t>(liste->Elemente.size());
-        anzeige_.FortschrittMaximum(static_cast<int>(liste->Untergrenze + anzahl - 1));
+        um_.Anzeige.FortschrittMaximum(static_cast<int>(liste->Untergrenze + anzahl - 1));
     }
-    bestand_.Titelnummer = 0;
-    pumpe_.Ereignisse();
-    letztePause_ = uhr_.Timer();
+    um_.Bestand.Titelnummer = 0;
+    um_.Pumpe.Ereignisse();
+    letztePause_ = um_.Zeit.Timer();
     gesendet_ = 0;
     if (liste) UebernehmeAlle(*liste);
-    OhneFehler("Titelinformation nach dem Laden", [&] { aufrufe_.TitelInfoAktualisieren(); });
+    OhneFehler("Titelinformation nach dem Laden", [&] { um_.TitelInfoAktualisieren(); });
 }
 
 void Titellader::UebernehmeAlle(const Werteliste& liste) {
     std::int64_t stelle = liste.Untergrenze;
     for (const Wert& para : liste.Elemente) {
         UebernehmeTitel(para);
-        if (stelle % FortschrittSchritt == 0) anzeige_.FortschrittWert(static_cast<int>(stelle));
+        if (stelle % FortschrittSchritt == 0) um_.Anzeige.FortschrittWert(static_cast<int>(stelle));
         ++stelle;
     }
 }
 
 void Titellader::UebernehmeTitel(const Wert& para) {
     auto titel = std::make_shared<clTitelobjekt>();
-    titel->id = ++bestand_.Titelnummer;
+    titel->id = ++um_.Bestand.Titelnummer;
     // A title with an unreadable element keeps what was read before it.
     OhneFehler("Titel aus den Definitionen lesen", [&] { titel->ReadAllPara(para); });
     HalteImOrdner(titel->Katalog, "Der Katalog");
     HalteImOrdner(titel->Dateiname, "Der Dateiname");
-    bestand_.Titelliste.Fuege(titel);
+    um_.Bestand.Titelliste.Fuege(titel);
     if (gesendet_ >= NachrichtenJePause) HalteTakt();
     OhneFehler("Geladenen Titel abonnieren", [&] {
-        if (titel->Aktiv() && aufrufe_.Verbunden()) gesendet_ += aufrufe_.Abonniere(*titel);
+        if (titel->Aktiv() && um_.Verbunden()) gesendet_ += um_.Abonniere(*titel);
     });
-    if (!titel->Katalog.empty()) bestand_.Katalogliste.Fuege(titel->Katalog);
+    if (!titel->Katalog.empty()) um_.Bestand.Katalogliste.Fuege(titel->Katalog);
 }
 
 // The new name is the title's from here on: files, evidence and the next save all go by it.
@@ -107,21 +95,21 @@ void Titellader::HalteImOrdner(std::string& name, std::string_view was) {
     if (gemeldeteNamen_.insert(name).second) {
         std::erase(name, '\0');
         OhneFehler("Verlegten Namen melden", [&] {
-            status_.Statusmeldung(std::string(was) + " „" + name + "“ aus den Titeldefinitionen führt aus dem " +
-                                      "Datenordner. Die Daten liegen deshalb unter „" + sicher + "“.",
-                                  true);
+            um_.Status.Statusmeldung(std::string(was) + " „" + name + "“ aus den Titeldefinitionen führt aus dem " +
+                                         "Datenordner. Die Daten liegen deshalb unter „" + sicher + "“.",
+                                     true);
         });
     }
     name = std::move(sicher);
 }
 
 void Titellader::HalteTakt() {
-    PumpeBis(pumpe_, [&] {
-        const float jetzt = uhr_.Timer();
+    PumpeBis(um_.Pumpe, [&] {
+        const float jetzt = um_.Zeit.Timer();
         if (jetzt < letztePause_) letztePause_ = jetzt;  // midnight has passed: a whole second from here
         return jetzt - letztePause_ >= Pausenlaenge;
     });
-    letztePause_ = uhr_.Timer();
+    letztePause_ = um_.Zeit.Timer();
     gesendet_ = 0;
 }
 

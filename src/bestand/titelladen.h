@@ -11,6 +11,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace zek {
 
@@ -19,14 +20,21 @@ namespace zek {
 // titles arrive while later ones are still being read.
 class Titellader {
 public:
-    struct Aufrufe {
+    struct Umgebung {
+        const zek::Ordner& Ordner;
+        Titelbestand& Bestand;
+        Dateisystem& Dateien;
+        const Uhr& Zeit;
+        zek::Pumpe& Pumpe;
+        Startanzeige& Anzeige;
+        Meldungen& Fragen;
+        Statusausgabe& Status;
         std::function<bool()> Verbunden;               // the session has a connection time
         std::function<int(clTitelobjekt&)> Abonniere;  // returns the number of messages sent
         std::function<void()> TitelInfoAktualisieren;
     };
 
-    Titellader(const Ordner& ordner, Titelbestand& bestand, Dateisystem& dateien, const Uhr& uhr, Pumpe& pumpe,
-               Startanzeige& anzeige, Meldungen& meldungen, Statusausgabe& status, Aufrufe aufrufe);
+    explicit Titellader(Umgebung umgebung) : um_(std::move(umgebung)) {}
 
     // Fills Titelliste and Katalogliste. A missing, empty or foreign file leaves them as they are, without a
     // message; one that can't be read or is damaged gives a message. A catalog or file name that leads out of its
@@ -45,15 +53,7 @@ private:
     void MeldeLadefehler(const std::string& text);
     void HalteImOrdner(std::string& name, std::string_view was);
 
-    const Ordner& ordner_;
-    Titelbestand& bestand_;
-    Dateisystem& dateien_;
-    const Uhr& uhr_;
-    Pumpe& pumpe_;
-    Startanzeige& anzeige_;
-    Meldungen& meldungen_;
-    Statusausgabe& status_;
-    Aufrufe aufrufe_;
+    Umgebung um_;
     std::set<std::string> gemeldeteNamen_;
     bool unbedenklich_ = true;
     float letztePause_ = 0;  // seconds since midnight

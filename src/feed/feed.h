@@ -46,7 +46,7 @@ struct Feed {
           Sitzung({.Einstellungen = um.Modul.Einstellungen,
                    .Bestand = um.Modul,
                    .Stand = um.Modul,
-                   .Kursuhr = um.Modul,
+                   .Tickuhr = um.Modul,
                    .Zeit = um.Zeit,
                    .Control = Control,
                    .Abos = Abos,

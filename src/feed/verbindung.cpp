@@ -125,7 +125,7 @@ void Verbindung::VerbindungWiederhergestellt() {
     if (!um_.Stand.Offline) return;
     um_.Stand.Offline = false;
     const Zeitpunkt jetzt = um_.Zeit.Jetzt();
-    const bool luecke = um_.Kursuhr.LetzteDatenZeit && jetzt > *um_.Kursuhr.LetzteDatenZeit + 1s;
+    const bool luecke = um_.Tickuhr.LetzteDatenZeit && jetzt > *um_.Tickuhr.LetzteDatenZeit + 1s;
     if (!luecke || !um_.Einstellungen.AutoDatenpflege) return;
     Melde("Verbindung wiederhergestellt - Datenpflege wartet bis zu drei Sekunden auf Marktdaten-Farm-Aktivierung");
     um_.Stand.FarmAktiv = false;

@@ -42,7 +42,7 @@ public:
         const zek::Einstellungen& Einstellungen;
         const Titelbestand& Bestand;
         Verbindungsstand& Stand;
-        const Tickuhr& Kursuhr;
+        const zek::Tickuhr& Tickuhr;
         const Uhr& Zeit;
         IBControl& Control;
         Abonnement& Abos;

@@ -1,4 +1,4 @@
-// IBModul: the process-wide values of the recorder, made of parts. Data, no logic; made in apps. A class takes the part
+// IBModul: the process-wide values of the recorder, made of parts. Data, no logic. A class takes the part
 // that it uses by reference, const where it only reads; the whole is for those that tie the rooms together.
 #pragma once
 

@@ -49,9 +49,9 @@ void Abschluss::TitelAbbestellen() {
 }
 
 void Abschluss::SchreibeIBLastEnd() {
-    if (!um_.Kursuhr.LetzteDatenZeit) return;
+    if (!um_.Tickuhr.LetzteDatenZeit) return;
     if (um_.Plattform.Uhr.Jetzt() - um_.Programm.Startzeitpunkt <= Mindestlebensdauer) return;
-    const Zeitpunkt ende = um_.Rekorder.GespeichertBis(*um_.Kursuhr.LetzteDatenZeit);
+    const Zeitpunkt ende = um_.Rekorder.GespeichertBis(*um_.Tickuhr.LetzteDatenZeit);
     um_.Einstellungen.SchreibeEinstellung(Programmtitel, abschnitt::Datenpflege, "IBLastEnd",
                                           ZahltextPunkt(DatumAus(ende)));
 }

@@ -29,7 +29,7 @@ public:
     struct Umgebung {
         const zek::Plattform& Plattform;
         const Programmstand& Programm;
-        const Tickuhr& Kursuhr;
+        const zek::Tickuhr& Tickuhr;
         Titelbestand& Bestand;
         Einstellungsspeicher& Einstellungen;
         zek::Gesicht& Gesicht;

@@ -15,7 +15,7 @@ Sitzung::Sitzung(Plattform plattform, Gesicht& gesicht, const std::string& befeh
       start_(plattform_, modul_, einstellungen_, gesicht_, *this, LiesBefehlszeile(befehlszeile)),
       abschluss_({.Plattform = plattform_,
                   .Programm = modul_,
-                  .Kursuhr = modul_,
+                  .Tickuhr = modul_,
                   .Bestand = modul_,
                   .Einstellungen = einstellungen_,
                   .Gesicht = gesicht_,

@@ -65,11 +65,11 @@ void Neustart::FehlendeKursePruefen() {
     if (!um_.Sitzung.TwsVerbunden()) return;
     if (RuhezeitAktiv(e, jetzt)) {
         // The silence is counted from the last round of the weekend or the pause.
-        um_.Kursuhr.LetzterKursZeitpunkt = jetzt;
+        um_.Tickuhr.LetzterKursZeitpunkt = jetzt;
         return;
     }
     const std::chrono::seconds hoechstens(e.NeuStartBeiFehlendenKursenSekunden);
-    if (um_.Kursuhr.LetzterKursZeitpunkt && jetzt - *um_.Kursuhr.LetzterKursZeitpunkt < hoechstens) return;
+    if (um_.Tickuhr.LetzterKursZeitpunkt && jetzt - *um_.Tickuhr.LetzterKursZeitpunkt < hoechstens) return;
     Anfordern("ZEK wird neu gestartet, weil längere Zeit keine Kurse eingetroffen sind");
 }
 

@@ -43,7 +43,7 @@ public:
         const zek::Ordner& Ordner;
         const Programmstand& Programm;
         zek::Einstellungen& Einstellungen;
-        Tickuhr& Kursuhr;
+        zek::Tickuhr& Tickuhr;
         const Uhr& Zeit;
         zek::Pumpe& Pumpe;
         Dateisystem& Dateien;

@@ -55,7 +55,7 @@ void Runde::NeuverbindungAbschliessen() {
     OhneFehler("Kontoabos nach Neuverbindung", [&] { um_.Arbeit.KontoabosAnfordern(); });
     // A connection that was lost again during the run keeps the beginning of its gap.
     if (um_.Verbindung.Offline || !um_.Arbeit.TwsVerbunden() || um_.Verbindung.NeuverbindungsZeit) return;
-    um_.Kursuhr.LetzteDatenZeit = um_.Zeit.Jetzt();
+    um_.Tickuhr.LetzteDatenZeit = um_.Zeit.Jetzt();
 }
 
 // The run pumps until it is over. A nested round finds it going and starts no second one.
@@ -68,8 +68,8 @@ bool Runde::StarteAutoBackfill(std::optional<Zeitpunkt> zeitpunkt) {
 }
 
 void Runde::DatenpflegeNachNeuverbindung() {
-    if (StarteAutoBackfill(um_.Kursuhr.LetzteDatenZeit)) return;
-    const std::optional<Zeitpunkt> von = um_.Kursuhr.LetzteDatenZeit;
+    if (StarteAutoBackfill(um_.Tickuhr.LetzteDatenZeit)) return;
+    const std::optional<Zeitpunkt> von = um_.Tickuhr.LetzteDatenZeit;
     const Zeitpunkt bis = um_.Zeit.Jetzt();
     um_.Datenpflege.Datenpflegewarteschlange.emplace_back(von, bis);
     OhneFehler("Meldung: Datenpflege nicht möglich", [&] {
@@ -99,8 +99,8 @@ void Runde::Minutenblock() {
     }
     Minutenmarke = Gerundet(t);
     OhneFehler("IBLastEnd schreiben", [&] {
-        if (um_.Zeit.Jetzt() - um_.Programm.Startzeitpunkt > LastEndKarenz && um_.Kursuhr.LetzteDatenZeit) {
-            const Zeitpunkt ende = um_.Arbeit.GespeichertBis(*um_.Kursuhr.LetzteDatenZeit);
+        if (um_.Zeit.Jetzt() - um_.Programm.Startzeitpunkt > LastEndKarenz && um_.Tickuhr.LetzteDatenZeit) {
+            const Zeitpunkt ende = um_.Arbeit.GespeichertBis(*um_.Tickuhr.LetzteDatenZeit);
             um_.Ablage.SchreibeMarke(abschnitt::Datenpflege, "IBLastEnd", ZahltextPunkt(DatumAus(ende)));
         }
     });

@@ -42,7 +42,7 @@ public:
 
     struct Umgebung {
         Verbindungsstand& Verbindung;
-        Tickuhr& Kursuhr;
+        zek::Tickuhr& Tickuhr;
         Datenpflegestand& Datenpflege;
         const Programmstand& Programm;
         const zek::Einstellungen& Einstellungen;

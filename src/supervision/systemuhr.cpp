@@ -120,7 +120,7 @@ bool Systemuhr::DarfZurueckstellen(Zeitpunkt jetzt, Zeitpunkt neueZeit) {
         zeitKorrekturGemeldet_ = false;
         return true;
     }
-    if (um_.Kursuhr.Kursanzahl == 0) return true;
+    if (um_.Tickuhr.Kursanzahl == 0) return true;
     if (zeitKorrekturGemeldet_) return false;
     const auto sekunden = std::chrono::abs(Grenzen<std::chrono::seconds>(neueZeit, jetzt)).count();
     um_.Status.Statusmeldung(

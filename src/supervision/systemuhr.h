@@ -34,7 +34,7 @@ public:
 
     struct Umgebung {
         const zek::Einstellungen& Einstellungen;
-        const Tickuhr& Kursuhr;
+        const zek::Tickuhr& Tickuhr;
         Uhr& Zeit;
         TcpFabrik& Tcp;
         Statusausgabe& Status;

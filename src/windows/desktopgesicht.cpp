@@ -77,15 +77,15 @@ void Desktopgesicht::VerzoegerungEndet() {
 }
 
 void Desktopgesicht::LadeHauptfenster() {
-    IB_Hauptfenster::Umfeld umfeld;
-    umfeld.Ausfuehren = [this](int nummer) { befehle_->Ausfuehren(nummer); };
-    umfeld.DarfSchliessen = [this] { return FrageSchliessen(); };
-    umfeld.Schliessen = [this] { sitzung_->Beende(); };
-    umfeld.PlatzSpeichern = [this] { FensterplatzSpeichern(); };
-    umfeld.Minimiert = [this] { infobereich_->Minimiert(); };
-    umfeld.StatusAnzeigen = [this](const std::string& text) { ZeigeMeldung(text, meldung::Ok, 0); };
-    umfeld.Kursanzahl = [this] { return sitzung_->Modul().Kursanzahl; };
-    fenster_ = std::make_unique<IB_Hauptfenster>(std::move(umfeld));
+    IB_Hauptfenster::Umgebung umgebung;
+    umgebung.Ausfuehren = [this](int nummer) { befehle_->Ausfuehren(nummer); };
+    umgebung.DarfSchliessen = [this] { return FrageSchliessen(); };
+    umgebung.Schliessen = [this] { sitzung_->Beende(); };
+    umgebung.PlatzSpeichern = [this] { FensterplatzSpeichern(); };
+    umgebung.Minimiert = [this] { infobereich_->Minimiert(); };
+    umgebung.StatusAnzeigen = [this](const std::string& text) { ZeigeMeldung(text, meldung::Ok, 0); };
+    umgebung.Kursanzahl = [this] { return sitzung_->Modul().Kursanzahl; };
+    fenster_ = std::make_unique<IB_Hauptfenster>(std::move(umgebung));
     infobereich_ = std::make_unique<Infobereich>(Infobereich::Umgebung{
         *fenster_, sitzung_->Einstellungen(), *this, sitzung_->Modul(), [this] { return sitzung_->Beendet(); },
         [this](int nummer) { befehle_->Ausfuehren(nummer); },

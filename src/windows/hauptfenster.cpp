@@ -61,7 +61,7 @@ QLabel* Label(const char* name) {
 
 }  // namespace
 
-IB_Hauptfenster::IB_Hauptfenster(Umfeld umfeld) : um_(std::move(umfeld)) {
+IB_Hauptfenster::IB_Hauptfenster(Umgebung umgebung) : um_(std::move(umgebung)) {
     setObjectName("IB_Hauptfenster");
     setWindowTitle("Tessaron ZEK für Interactive Brokers");
     setWindowIcon(QIcon(":/zek/zek.svg"));

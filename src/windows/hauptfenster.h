@@ -22,7 +22,7 @@ class IB_Hauptfenster : public QMainWindow {
 public:
     static constexpr const char* Platzschluessel = "ZEK-IB-ProgrammfensterV3";
 
-    struct Umfeld {
+    struct Umgebung {
         std::function<void(int befehl)> Ausfuehren;
         std::function<bool()> DarfSchliessen;  // asks the closing question
         std::function<void()> Schliessen;      // the shutdown order
@@ -32,7 +32,7 @@ public:
         std::function<double()> Kursanzahl;
     };
 
-    explicit IB_Hauptfenster(Umfeld umfeld);
+    explicit IB_Hauptfenster(Umgebung umgebung);
 
     Aktionen& Befehle() { return *aktionen_; }
     Statuslistenansicht& Status() { return *status_; }
@@ -71,7 +71,7 @@ private:
     void KurseAuffrischen();
     void PlatzMerken();
 
-    Umfeld um_;
+    Umgebung um_;
     Aktionen* aktionen_;
     QLabel* offline_;
     QWidget* start_;

@@ -48,10 +48,10 @@ int AlsZahl(const QLineEdit* feld) {
 
 }  // namespace
 
-frmZEKEinstellungen::frmZEKEinstellungen(QWidget* eltern, Umfeld umfeld, Hilfeoeffner hilfe,
+frmZEKEinstellungen::frmZEKEinstellungen(QWidget* eltern, Umgebung umgebung, Hilfeoeffner hilfe,
                                          const Einstellungen& einstellungen)
     : Dialogbasis(eltern, "Allgemeine Einstellungen", std::move(hilfe), hilfeseite::Einstellungen),
-      umfeld_(std::move(umfeld)),
+      um_(std::move(umgebung)),
       vorher_(einstellungen) {
     setObjectName("frmZEKEinstellungen");
     auto* links = new QVBoxLayout;
@@ -163,7 +163,7 @@ QGroupBox* frmZEKEinstellungen::GruppeOptionen() {
     Kontoordner_ = new Ordnerfeld("txtKontoSpeicherOrdner",
                                   "Hier können Sie optional einen (schon existierenden) Ordner angeben, in den die "
                                   "Kontodaten gespeichert werden sollen",
-                                  "Spezieller Speicherordner", umfeld_.dateiwahl);
+                                  "Spezieller Speicherordner", um_.dateiwahl);
     txtKontoSpeicherOrdner_ = Kontoordner_->Feld();
     auto* bidAsk = Schalter("optBidAskNachLast", " &Bid/Ask wartet auf ersten Last-Kurs",
                             "Wenn aktiviert, beginnt die B/A-Aufzeichnung erst nach dem ersten Last-Kurs des "
@@ -257,12 +257,12 @@ bool frmZEKEinstellungen::Pruefe() {
 }
 
 bool frmZEKEinstellungen::PruefeNeustart() {
-    if (optNeustartBeiUhrzeit_->isChecked() && !umfeld_.neustartHelferVorhanden())
+    if (optNeustartBeiUhrzeit_->isChecked() && !um_.neustartHelferVorhanden())
         return Ablehnen(
             "Deaktivieren Sie bitte die Option 'Bei Uhrzeit', wenn Sie die fehlende Datei nicht zur "
             "Verfügung stellen können.",
             optNeustartBeiUhrzeit_);
-    if (!Getrimmter(txtNeustartFehlernummern_).empty() && !umfeld_.neustartHelferVorhanden())
+    if (!Getrimmter(txtNeustartFehlernummern_).empty() && !um_.neustartHelferVorhanden())
         return Ablehnen(
             "Entfernen Sie bitte die Fehlernummern, wenn Sie die fehlende Datei nicht zur Verfügung stellen "
             "können.",
@@ -296,18 +296,18 @@ bool frmZEKEinstellungen::PruefeKonten() {
     std::string ordner = Getrimmter(txtKontoSpeicherOrdner_);
     if (ordner.empty()) return true;
     if (!ordner.ends_with('/')) ordner += '/';
-    if (umfeld_.ordnerExistiert(ordner)) return true;
+    if (um_.ordnerExistiert(ordner)) return true;
     return Ablehnen("Der angegebene Speicherordner für Konto-Daten existiert nicht.", txtKontoSpeicherOrdner_);
 }
 
 bool frmZEKEinstellungen::Ablehnen(const std::string& text, QWidget* feld) {
-    umfeld_.meldungen.ZeigeMeldung(text, meldung::Ok, 0);
+    um_.meldungen.ZeigeMeldung(text, meldung::Ok, 0);
     feld->setFocus();
     return false;
 }
 
 bool frmZEKEinstellungen::Fragen(const std::string& text) {
-    return umfeld_.meldungen.ZeigeMeldung(text, meldung::JaNein, 0) == meldung::AntwortJa;
+    return um_.meldungen.ZeigeMeldung(text, meldung::JaNein, 0) == meldung::AntwortJa;
 }
 
 }  // namespace zek

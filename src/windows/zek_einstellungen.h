@@ -18,7 +18,7 @@ class Ordnerfeld;
 class frmZEKEinstellungen : public Dialogbasis {
 public:
     // What the dialog asks of the world outside.
-    struct Umfeld {
+    struct Umgebung {
         Meldungen& meldungen;
         // Tells the user by itself when the restart helper is missing; true when it is there.
         std::function<bool()> neustartHelferVorhanden;
@@ -26,7 +26,7 @@ public:
         Dateiwahl& dateiwahl;
     };
 
-    frmZEKEinstellungen(QWidget* eltern, Umfeld umfeld, Hilfeoeffner hilfe, const Einstellungen& einstellungen);
+    frmZEKEinstellungen(QWidget* eltern, Umgebung umgebung, Hilfeoeffner hilfe, const Einstellungen& einstellungen);
 
     // The settings with every control taken over; what the dialog doesn't show stays. Valid after it was accepted.
     Einstellungen Ergebnis() const;
@@ -49,7 +49,7 @@ private:
     bool Ablehnen(const std::string& text, QWidget* feld);
     bool Fragen(const std::string& text);
 
-    Umfeld umfeld_;
+    Umgebung um_;
     Einstellungen vorher_;
     QCheckBox* optKursaufzeichnungDeaktivieren_;
     QTimeEdit* KursAufzeichnungDeaktivStart_;

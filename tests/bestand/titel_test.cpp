@@ -66,20 +66,23 @@ protected:
     int nachrichten = 1;  // of one subscription
     int infos = 0;
     std::vector<std::pair<std::int32_t, double>> abonniert;  // id, seconds since the start
-    Titellader lader{modul,
-                     modul,
-                     ram,
-                     welt,
-                     welt,
-                     anzeige,
-                     meldungen,
-                     status,
-                     {[this] { return verbunden; },
-                      [this](clTitelobjekt& titel) {
-                          abonniert.emplace_back(titel.id, welt.Sekunden());
-                          return nachrichten;
-                      },
-                      [this] { ++infos; }}};
+    Titellader::Umgebung Ladeumgebung(std::function<int(clTitelobjekt&)> abonniere) {
+        return {.Ordner = modul,
+                .Bestand = modul,
+                .Dateien = ram,
+                .Zeit = welt,
+                .Pumpe = welt,
+                .Anzeige = anzeige,
+                .Fragen = meldungen,
+                .Status = status,
+                .Verbunden = [this] { return verbunden; },
+                .Abonniere = std::move(abonniere),
+                .TitelInfoAktualisieren = [this] { ++infos; }};
+    }
+    Titellader lader{Ladeumgebung([this](clTitelobjekt& titel) {
+        abonniert.emplace_back(titel.id, welt.Sekunden());
+        return nachrichten;
+    })};
     Titelsicherung sicherung{modul, modul, ram, anzeige, meldungen};
 };
 
@@ -186,14 +189,11 @@ TEST_F(TitelLaden, AClockSetBackMeanwhileDoesNotHangTheLoad) {
 
 TEST_F(TitelLaden, NoWaitIsMadeWhenTheSecondHasPassedAlready) {
     Datei(std::vector<Vorlage>(64, Vorlage{"X"}));
-    Titellader langsam(modul, modul, ram, welt, welt, anzeige, meldungen, status,
-                       {[] { return true; },
-                        [this](clTitelobjekt& titel) {
-                            abonniert.emplace_back(titel.id, welt.Sekunden());
-                            welt.Vergehe(0.1);
-                            return 1;
-                        },
-                        [] {}});
+    Titellader langsam(Ladeumgebung([this](clTitelobjekt& titel) {
+        abonniert.emplace_back(titel.id, welt.Sekunden());
+        welt.Vergehe(0.1);
+        return 1;
+    }));
     langsam.Titelladen();
     EXPECT_NEAR(abonniert[31].second, 3.1, 0.001);
     EXPECT_NEAR(abonniert[63].second, 6.3, 0.001);
@@ -257,8 +257,7 @@ TEST_F(TitelLaden, ATitleWithAnUnreadableElementStaysPartlyFilledAndTheRestFollo
 TEST_F(TitelLaden, AnErrorOfOneSubscriptionDoesNotEndTheLoad) {
     ErwarteVerschluckte("Geladenen Titel abonnieren");
     Datei({{"A"}, {"B", "K"}});
-    Titellader lader2(modul, modul, ram, welt, welt, anzeige, meldungen, status,
-                      {[] { return true; }, [](clTitelobjekt&) -> int { throw std::runtime_error("x"); }, [] {}});
+    Titellader lader2(Ladeumgebung([](clTitelobjekt&) -> int { throw std::runtime_error("x"); }));
     lader2.Titelladen();
     EXPECT_THAT(Symbole(), ElementsAre("A", "B"));
     EXPECT_THAT(modul.Katalogliste.Namen(), ElementsAre("K"));

@@ -148,7 +148,7 @@ protected:
         return {.Ordner = modul,
                 .Programm = modul,
                 .Einstellungen = modul.Einstellungen,
-                .Kursuhr = modul,
+                .Tickuhr = modul,
                 .Zeit = welt,
                 .Pumpe = pumpe,
                 .Dateien = dateien,
@@ -161,7 +161,7 @@ protected:
     }
     Neustart neustart{Neustartumgebung(welt)};
     Runde runde{{.Verbindung = modul,
-                 .Kursuhr = modul,
+                 .Tickuhr = modul,
                  .Datenpflege = modul,
                  .Programm = modul,
                  .Einstellungen = modul.Einstellungen,

@@ -67,7 +67,7 @@ protected:
     hilfen::TestStatus status;
     std::int32_t minutenmarke = 0;
     Systemuhr uhr{{.Einstellungen = modul.Einstellungen,
-                   .Kursuhr = modul,
+                   .Tickuhr = modul,
                    .Zeit = welt,
                    .Tcp = netz,
                    .Status = status,

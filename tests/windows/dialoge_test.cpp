@@ -37,7 +37,7 @@ struct ZekEinstellungen : testing::Test {
     std::unique_ptr<frmZEKEinstellungen> Oeffne() {
         auto dialog = std::make_unique<frmZEKEinstellungen>(
             nullptr,
-            frmZEKEinstellungen::Umfeld{
+            frmZEKEinstellungen::Umgebung{
                 meldungen, [this] { return helfer; },
                 [this](const std::string& o) { return std::find(ordner.begin(), ordner.end(), o) != ordner.end(); },
                 wahl},

@@ -73,8 +73,8 @@ protected:
     std::unique_ptr<frmZEKEinstellungen> Oeffne(const E& e) {
         return std::make_unique<frmZEKEinstellungen>(
             nullptr,
-            frmZEKEinstellungen::Umfeld{meldungen_, [] { return true; }, [](const std::string&) { return true; },
-                                        wahl_},
+            frmZEKEinstellungen::Umgebung{meldungen_, [] { return true; }, [](const std::string&) { return true; },
+                                          wahl_},
             [](const std::string&) {}, e);
     }
     static E Vorgabe() {
