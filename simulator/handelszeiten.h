@@ -9,6 +9,7 @@ namespace zek::simulator {
 
 // Seconds since 1970-01-01 00:00 UTC.
 using Sekunde = std::int64_t;
+inline constexpr Sekunde TagSekunden = 86400;
 
 // The same each week; the offset to UTC is fixed and knows no summer time.
 struct Handelszeiten {

@@ -11,7 +11,6 @@ namespace zek::simulator {
 namespace {
 
 constexpr std::string_view Vorspann = "Historical Market Data Service error message:";
-constexpr Sekunde TagSekunden = 86400;
 
 constexpr std::array<std::pair<std::string_view, Sekunde>, 22> Balkengroessen{
     {{"1 secs", 1},      {"5 secs", 5},       {"10 secs", 10},    {"15 secs", 15},  {"30 secs", 30},

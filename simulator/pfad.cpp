@@ -9,7 +9,6 @@ namespace zek::simulator {
 
 namespace {
 
-constexpr std::int64_t TagSekunden = 86400;
 constexpr double Quoteanteil = 0.7;  // of the ticks; two to an event
 // Sizes of any eight trades that follow each other from a multiple of eight on, in an order that hangs on the seed.
 constexpr std::array<std::int64_t, 8> Groessengruppe{1, 1, 2, 3, 4, 5, 9, 15};

@@ -17,7 +17,7 @@ namespace {
 
 // A data file: a header of 856 bytes that begins with the magic, then records of 16 bytes, little-endian:
 // OFFSET 0 SIZE 8 double, days since 1899-12-30; 8/4 single, price; 12/4 single, size.
-constexpr std::size_t Kopf = 856;
+constexpr std::size_t Dateikopf = 856;
 constexpr std::size_t Satz = 16;
 constexpr std::string_view Kennung = "VQL ZeitstromKit-Datei Version 01.00";
 
@@ -122,7 +122,7 @@ std::vector<Pfadtick> Wiedergabe::LiesDatei(const std::string& pfad, Tickart art
     std::vector<Pfadtick> ticks;
     if (!LiesGanz(dateien_, pfad, inhalt) || inhalt.rfind(Kennung, 0) != 0) return ticks;
     double umsatz = 0;
-    for (std::size_t stelle = Kopf; stelle + Satz <= inhalt.size(); stelle += Satz) {
+    for (std::size_t stelle = Dateikopf; stelle + Satz <= inhalt.size(); stelle += Satz) {
         const auto datum = Lies<double>(inhalt, stelle);
         if (datum == 0) continue;  // padding
         const auto groesse = double{Lies<float>(inhalt, stelle + 12)};
@@ -137,7 +137,7 @@ double Wiedergabe::ErsteZeit(const std::string& pfad) const {
     constexpr std::size_t Kursartname = 674;
     const Dateihandle handle = dateien_.Oeffne(pfad, Oeffnen::NurLesen);
     if (handle < 0) return std::numeric_limits<double>::infinity();
-    std::array<std::byte, Kopf + Satz> puffer{};
+    std::array<std::byte, Dateikopf + Satz> puffer{};
     const auto gelesen = dateien_.Lies(handle, puffer);
     dateien_.Schliesse(handle);
     const std::string_view inhalt(reinterpret_cast<const char*>(puffer.data()), puffer.size());
@@ -146,7 +146,7 @@ double Wiedergabe::ErsteZeit(const std::string& pfad) const {
     if (gelesen < static_cast<std::int64_t>(puffer.size()) || inhalt.rfind(Kennung, 0) != 0 || !kurse) {
         return std::numeric_limits<double>::infinity();
     }
-    return Sekundenzeit(Lies<double>(inhalt, Kopf));
+    return Sekundenzeit(Lies<double>(inhalt, Dateikopf));
 }
 
 std::unique_ptr<Tickquelle> Wiedergabe::QuelleFuer(const Kontraktsuche& suche, double pfadzeit) {

@@ -19,7 +19,6 @@ inline constexpr int ZuVieleTicker = 101, DoppelteNummer = 102, Historiendienst 
 }  // namespace fehler
 
 constexpr int Historiennummer = 1;  // ticker id of every history request
-constexpr std::chrono::milliseconds Warteschritt(250);
 
 // At most a quarter of a second, and just long enough to be past a moment that is `rest` away.
 std::chrono::milliseconds WarteschrittBis(Dauer rest) {

@@ -34,6 +34,9 @@
 
 namespace zek {
 
+// So often a wait of a run looks up, at the latest.
+inline constexpr std::chrono::milliseconds Warteschritt(250);
+
 class Historienzugang final : public tws::TwsEreignisse {
 public:
     struct Umgebung {

@@ -13,7 +13,6 @@
 namespace zek {
 namespace {
 
-constexpr std::chrono::milliseconds Warteschritt(250);
 constexpr std::chrono::days AeltesterStart(7);
 
 }  // namespace

@@ -8,7 +8,7 @@ namespace zek {
 namespace {
 
 // All arguments as single words: dates, times and kinds.
-std::vector<std::string> Worte(const std::vector<std::string>& argumente) {
+std::vector<std::string> Einzelworte(const std::vector<std::string>& argumente) {
     std::vector<std::string> worte;
     for (const auto& argument : argumente) {
         std::string wort;
@@ -56,7 +56,7 @@ ManuelleEingabe LiesManuelleDatenpflege(const std::vector<std::string>& argument
     ManuelleDatenpflege ergebnis;
     std::vector<Zeitpunkt> zeiten;
     bool nachDatum = false;  // the word before was a date: a time belongs to it
-    for (const auto& wort : Worte(argumente)) {
+    for (const auto& wort : Einzelworte(argumente)) {
         Zeitpunkt wert;
         const Wortart art = ArtVon(wort, wert);
         if (art == Wortart::Unbekannt) return Fehler("Unbekannte Angabe: " + wort);

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int16_t Startverzoegerung = 4;  // rounds of the start timer
 constexpr std::chrono::milliseconds Startintervall(1000);
-constexpr std::chrono::days HoechstesAlter(7);
+constexpr std::chrono::days HoechsteNachholzeit(7);
 constexpr Dauer Vorlauf = 3min;
 
 std::string Spanne(std::optional<Zeitpunkt> von, Zeitpunkt bis) {
@@ -66,7 +66,7 @@ bool Datenpflegeplanung::BestimmeLuecke(Auftrag& auftrag, std::optional<Zeitpunk
     if (!zeitpunkt) {
         zeitpunkt = EinstellungZeitpunkt(um_.Ablage.Lies("Datenpflege", "IBLastEnd", "0"));
         if (!zeitpunkt) return false;
-        zeitpunkt = std::max<Zeitpunkt>(*zeitpunkt, jetzt - HoechstesAlter);
+        zeitpunkt = std::max<Zeitpunkt>(*zeitpunkt, jetzt - HoechsteNachholzeit);
         um_.Tickuhr.LetzteDatenZeit = zeitpunkt;
     }
     // Right after midnight the step back would make the start a day older.

@@ -8,15 +8,15 @@ namespace {
 
 constexpr std::size_t Stufen = HoechstePrioritaet - NiedrigstePrioritaet + 1;
 
-constexpr std::array<const char*, Stufen> Worte = {"Am geringsten", "Sehr gering", "Noch geringer", "Geringer",
-                                                   "Gering",        "Normal",      "Hoch",          "Höher",
-                                                   "Noch höher",    "Sehr hoch",   "Am höchsten"};
+constexpr std::array<const char*, Stufen> Prioritaetsworte = {
+    "Am geringsten", "Sehr gering", "Noch geringer", "Geringer",  "Gering",     "Normal",
+    "Hoch",          "Höher",       "Noch höher",    "Sehr hoch", "Am höchsten"};
 
 }  // namespace
 
 std::string Prioritaetstext(int prioritaet, bool inKlammern) {
     if (prioritaet < NiedrigstePrioritaet || prioritaet > HoechstePrioritaet) return {};
-    const std::string wort = Worte[static_cast<std::size_t>(prioritaet - NiedrigstePrioritaet)];
+    const std::string wort = Prioritaetsworte[static_cast<std::size_t>(prioritaet - NiedrigstePrioritaet)];
     return inKlammern ? "(" + wort + ")" : wort;
 }
 

@@ -11,7 +11,7 @@ constexpr int FeldBezahlt = 1, FeldGeldBrief = 2, FeldRTH = 4;
 using std::chrono::days;
 using std::chrono::seconds;
 
-constexpr days HoechstesAlter(1825);
+constexpr days FruehesterBeginn(1825);
 constexpr days Warnalter(7);
 
 // Day fractions are stored with the decimal comma; a point is understood as well.
@@ -60,7 +60,7 @@ std::optional<Beanstandung> NaechsteBeanstandung(const Datenpflegewahl& wahl, Ze
         return Beanstandung{
             "Die 'Bis'-Einstellung des Zeitraums für die Aktualisierung ist nicht korrekt (muss nach dem "
             "Startzeitpunkt liegen)."};
-    if (wahl.Start < heute - HoechstesAlter)
+    if (wahl.Start < heute - FruehesterBeginn)
         return Beanstandung{"Ungültiges Startdatum/Zeit! Das Startdatum darf höchstens 5 Jahre zurück liegen."};
     if (wahl.Start < heute - Warnalter && !langerZeitraumBestaetigt)
         return Beanstandung{

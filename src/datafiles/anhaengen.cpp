@@ -33,14 +33,14 @@ bool NurNullen(std::span<const char> feld) {
 }
 
 // The result of a call, unless the system refused it.
-std::int64_t Gelungen(std::int64_t ergebnis) {
+std::int64_t OhneSystemfehler(std::int64_t ergebnis) {
     if (ergebnis < 0) throw Systemfehler(ergebnis);
     return ergebnis;
 }
 
 // A write at a place that wasn't reached would destroy records.
 void Setze(clDateiIO& datei, std::int64_t stelle) {
-    Gelungen(datei.SeekAbsolute(Dateiposition::AusBytes(stelle)));
+    OhneSystemfehler(datei.SeekAbsolute(Dateiposition::AusBytes(stelle)));
 }
 
 // Fills `saetze` from a place on; false when the file ends before.
@@ -48,7 +48,7 @@ bool LiesSaetze(clDateiIO& datei, std::int64_t stelle, std::span<KursDatensatz> 
     Setze(datei, stelle);
     auto rest = std::as_writable_bytes(saetze);
     while (!rest.empty()) {
-        const std::int64_t gelesen = Gelungen(datei.Lies(rest));
+        const std::int64_t gelesen = OhneSystemfehler(datei.Lies(rest));
         if (gelesen == 0) return false;
         rest = rest.subspan(static_cast<std::size_t>(gelesen));
     }
@@ -188,7 +188,7 @@ Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, 
     Setze(datei_, groesse);
     KursDatensatz satz{DatumAus(jetzt) + titel.ZeitKorrektur, kurs, volume};
     if (kursart == kursart::BAVolume) satz.Volume = vorzeichenVolumen_(titel);
-    const std::int64_t geschrieben = Gelungen(datei_.Schreibe(std::as_bytes(std::span(&satz, 1))));
+    const std::int64_t geschrieben = OhneSystemfehler(datei_.Schreibe(std::as_bytes(std::span(&satz, 1))));
     if (geschrieben == DatensatzBytes) return Ausgang::Gespeichert;
     NimmZurueck(datei_, groesse);
     systemfehler_ = ENOSPC;  // what a short write means

@@ -19,10 +19,10 @@ namespace {
 constexpr std::int64_t Block = 512;
 constexpr std::int64_t Saetze = 4096;  // read at a time
 
-struct Dateischluss {
+struct Schliesser {
     Dateisystem& Dateien;
     Dateihandle Handle;
-    ~Dateischluss() { Dateien.Schliesse(Handle); }
+    ~Schliesser() { Dateien.Schliesse(Handle); }
 };
 
 // Bytes read, fewer only at the file's end, or -errno.
@@ -189,14 +189,14 @@ Dateiende UntersucheEnde(Dateisystem& dateien, const std::string& pfad) {
         ende.Fehler = -handle;
         return ende;
     }
-    const Dateischluss schluss{dateien, handle};
+    const Schliesser schluss{dateien, handle};
     return Endsuche(dateien, handle).Fuehre();
 }
 
 int SchneideEnde(Dateisystem& dateien, const std::string& pfad, const Dateiende& ende) {
     const Dateihandle handle = dateien.Oeffne(pfad, Oeffnen::LesenSchreiben);
     if (handle < 0) return handle;
-    const Dateischluss schluss{dateien, handle};
+    const Schliesser schluss{dateien, handle};
     const std::int64_t groesse = dateien.Groesse(handle);
     if (groesse < 0) return static_cast<int>(groesse);
     if (groesse != ende.Groesse) return -EBUSY;

@@ -53,6 +53,12 @@ QLabel* Beschriftung(const QString& text, QWidget* feld) {
     return beschriftung;
 }
 
+QLabel* Benannt(QLabel* label, const char* name) {
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
 QLabel* Hinweis(const QString& text) {
     auto* hinweis = new QLabel(text);
     hinweis->setWordWrap(true);

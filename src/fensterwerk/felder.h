@@ -24,6 +24,8 @@ QTimeEdit* Zeitfeld(const QString& name);
 
 // The words of a field: its mnemonic leads there, and it is as enabled as the field (BeschriftungenSchalten).
 QLabel* Beschriftung(const QString& text, QWidget* feld);
+// The name given to a label whose text comes from elsewhere: it is shown as it stands, without any markup.
+QLabel* Benannt(QLabel* label, const char* name);
 // An explanation that wraps.
 QLabel* Hinweis(const QString& text);
 

@@ -19,7 +19,6 @@ namespace zek {
 namespace {
 
 constexpr int Knopfbreite = 90;
-constexpr int Bildgroesse = 32;
 constexpr int TextLinks = 60;    // beside the picture
 constexpr int Bildrand = 14;     // left of the picture
 constexpr int Schirmrest = 160;  // what a text of many lines leaves of the screen's height
@@ -45,8 +44,8 @@ frmMessageDialog::frmMessageDialog(QWidget* eltern, const Uhr& uhr, const QStrin
 void frmMessageDialog::Aufbauen(const QString& text) {
     auto* bild = new QLabel(this);
     bild->setObjectName("Image1");
-    bild->setPixmap(QIcon(":/zek/meldung.svg").pixmap(QSize(Bildgroesse, Bildgroesse), devicePixelRatioF()));
-    bild->setGeometry(Bildrand, Meldungsmasse::TextOben, Bildgroesse, Bildgroesse);
+    bild->setPixmap(QIcon(":/zek/meldung.svg").pixmap(QSize(Meldungsbild, Meldungsbild), devicePixelRatioF()));
+    bild->setGeometry(Bildrand, Meldungsmasse::TextOben, Meldungsbild, Meldungsbild);
     const QSize knopf = MacheKnoepfe();
     Meldung_ = new QLabel(this);
     Meldung_->setObjectName("Meldung");
@@ -55,7 +54,7 @@ void frmMessageDialog::Aufbauen(const QString& text) {
     Meldung_->setText(text);
     const int textbreite = Meldung_->fontMetrics().size(0, text).width() + 2;
     const int breite = Labelbreite(textbreite);
-    const int ganzeHoehe = std::max(Meldung_->heightForWidth(breite), Bildgroesse);
+    const int ganzeHoehe = std::max(Meldung_->heightForWidth(breite), Meldungsbild);
     const int hoehe = std::min(ganzeHoehe, screen()->availableGeometry().height() - Schirmrest);
     const int streifenbreite = MacheStreifen();
     const Meldungsmasse masse = MasseFuer(knoepfe_.Anzahl, knopf.width(), knopf.height(), textbreite, hoehe,

@@ -12,6 +12,8 @@ class QTimer;
 
 namespace zek {
 
+inline constexpr int Meldungsbild = 32;  // px, width and height of the picture beside the text
+
 class frmMessageDialog : public Dialogfenster {
 public:
     // `flags` and `sekunden` as in ZeigeMeldung. `uhr` must outlive the window.

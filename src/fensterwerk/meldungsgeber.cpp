@@ -15,8 +15,6 @@ namespace zek {
 
 namespace {
 
-constexpr int Bildgroesse = 32;
-
 using Knopf = std::pair<const char*, int>;
 
 std::vector<Knopf> Systemknoepfe(int flags) {
@@ -42,7 +40,7 @@ std::vector<Knopf> Systemknoepfe(int flags) {
 
 int Systemmeldung(const std::string& text, int flags) {
     QMessageBox box(QMessageBox::NoIcon, Q(Systemmeldungstitel), Q(text));
-    box.setIconPixmap(QIcon(":/zek/warnung.svg").pixmap(QSize(Bildgroesse, Bildgroesse), box.devicePixelRatioF()));
+    box.setIconPixmap(QIcon(":/zek/warnung.svg").pixmap(QSize(Meldungsbild, Meldungsbild), box.devicePixelRatioF()));
     box.setTextFormat(Qt::PlainText);
     box.setWindowFlag(Qt::WindowStaysOnTopHint);
     const std::vector<Knopf> knoepfe = Systemknoepfe(flags);

@@ -10,7 +10,7 @@ namespace zek {
 
 namespace {
 
-constexpr std::array Tabelle{
+constexpr std::array Ursachentabelle{
     Ursachenangabe{ursache::ProgrammBeendet, Wertung::Luecke},
     Ursachenangabe{ursache::ProgrammNichtAktiv, Wertung::Luecke},
     Ursachenangabe{ursache::KeineVerbindung, Wertung::Luecke},
@@ -70,7 +70,7 @@ bool NimmFeld(std::string_view& text, std::string_view& feld) {
 }  // namespace
 
 const Ursachenangabe* FindeUrsache(std::string_view text) {
-    for (const Ursachenangabe& eintrag : Tabelle) {
+    for (const Ursachenangabe& eintrag : Ursachentabelle) {
         if (!text.starts_with(eintrag.Name)) continue;
         if (text.size() == eintrag.Name.size() || text[eintrag.Name.size()] == ' ') return &eintrag;
     }

@@ -43,6 +43,7 @@ public:
 namespace meldung {
 inline constexpr int Ok = 0, OkAbbrechen = 1, AbbrechenWiederholenIgnorieren = 2, JaNeinAbbrechen = 3, JaNein = 4,
                      WiederholenAbbrechen = 5;
+inline constexpr int Knopfsatzmaske = 15;
 inline constexpr int ZweiterKnopf = 0x100, DritterKnopf = 0x200;
 inline constexpr int Zeitablauf = 0, AntwortOk = 1, AntwortAbbrechen = 2, AntwortAbbruch = 3, AntwortWiederholen = 4,
                      AntwortIgnorieren = 5, AntwortJa = 6, AntwortNein = 7;

@@ -8,8 +8,6 @@ namespace zek {
 
 namespace {
 
-constexpr int Knopfsatzmaske = 15;
-
 // The log holds one entry per line.
 std::string Einzeilig(std::string text) {
     std::replace(text.begin(), text.end(), '\n', ' ');
@@ -26,7 +24,7 @@ void Dienstgesicht::Melde(const std::string& text) {
 
 int Dienstgesicht::ZeigeMeldung(const std::string& text, int flags, int) {
     letzteMeldung_ = text;
-    const bool frage = (flags & Knopfsatzmaske) != meldung::Ok;
+    const bool frage = (flags & meldung::Knopfsatzmaske) != meldung::Ok;
     Melde((frage ? "Frage (ohne Bildschirm mit 0 beantwortet): " : "Hinweis: ") + Einzeilig(text));
     return meldung::Zeitablauf;
 }

@@ -19,7 +19,7 @@ namespace {
 
 constexpr double MindestplatzKiB = 100000;
 constexpr double ViertelJeSekunde = 4;  // steps of the delay's progress bar
-constexpr std::chrono::milliseconds Wartetakt{50};
+constexpr std::chrono::milliseconds Verzoegerungstakt{50};
 constexpr double HoechsteUhrzeitwartezeit = 3;  // seconds
 constexpr double Mitternachtssprung = 0.1;      // seconds that the timer stands before its start
 constexpr std::size_t Portpuffer = 255;
@@ -176,7 +176,7 @@ void Startfolge::Startverzoegerung() {
             wert = static_cast<int>(rest);
             gesicht_.VerzoegerungWert(wert);
         }
-        plattform_.Pumpe.Warte(Wartetakt);
+        plattform_.Pumpe.Warte(Verzoegerungstakt);
         if (gesicht_.VerzoegerungAbgebrochen() || rekorder_.EndeVerlangt()) break;
         if (plattform_.Uhr.Timer() > t0 + sekunden) break;
     }

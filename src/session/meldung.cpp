@@ -10,8 +10,6 @@ namespace zek {
 
 namespace {
 
-constexpr int Knopfsatzmaske = 15;
-
 // A timer's round that comes a hair before the full second belongs to it.
 constexpr Dauer Spielraum = 500us;
 
@@ -38,7 +36,7 @@ Meldungsknoepfe Grundsatz(int satz) {
 }  // namespace
 
 Meldungsknoepfe KnoepfeFuer(int flags) {
-    Meldungsknoepfe knoepfe = Grundsatz(flags & Knopfsatzmaske);
+    Meldungsknoepfe knoepfe = Grundsatz(flags & meldung::Knopfsatzmaske);
     if ((flags & meldung::ZweiterKnopf) != 0)
         knoepfe.Standard = 1;
     else if ((flags & meldung::DritterKnopf) != 0)
@@ -47,7 +45,7 @@ Meldungsknoepfe KnoepfeFuer(int flags) {
 }
 
 int Meldungsergebnis(int flags, int knopf) {
-    const int satz = flags & Knopfsatzmaske;
+    const int satz = flags & meldung::Knopfsatzmaske;
     const bool erster = knopf == 0;
     if (knopf == 2 && satz != meldung::AbbrechenWiederholenIgnorieren) return meldung::AntwortAbbrechen;
     switch (satz) {

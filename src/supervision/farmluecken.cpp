@@ -9,8 +9,6 @@ namespace zek {
 
 namespace {
 
-// Ticks that were on their way when the farm broke.
-constexpr Dauer Nachzuegler = 2s;
 // A title that is silent for so long while a farm is broken gets its line, without knowing whether it hangs on it.
 constexpr Dauer Geduld = 10s;
 

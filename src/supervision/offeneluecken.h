@@ -14,6 +14,9 @@
 
 namespace zek {
 
+// Ticks that come so soon behind the news of a loss were on their way when it happened.
+inline constexpr Dauer Nachzuegler = 2s;
+
 class OffeneLuecken {
 public:
     OffeneLuecken(Lueckenbuch& buch, const Uhr& uhr) : buch_(buch), uhr_(uhr) {}

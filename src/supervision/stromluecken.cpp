@@ -8,8 +8,6 @@ namespace zek {
 
 namespace {
 
-// Ticks that were on their way when the TWS went offline.
-constexpr Dauer Nachzuegler = 2s;
 constexpr std::chrono::seconds Mindeststille = 10s;
 
 Dauer Stillegrenze(const Einstellungen& einstellungen) {

@@ -13,7 +13,7 @@ namespace zek {
 
 namespace {
 
-struct Befehlszeile {
+struct Aktionszeile {
     int Nummer;
     const char* Menuetext;  // with its mnemonic
     const char* Leistentext;
@@ -23,7 +23,7 @@ struct Befehlszeile {
     bool MitMarke;
 };
 
-constexpr Befehlszeile Tabelle[] = {
+constexpr Aktionszeile Tabelle[] = {
     {befehl::Titelauswahl, "&Titel zufügen", "Titelauswahl", "Titel zur Aufzeichnung auswählen", "titel", "Ctrl+N",
      false},
     {befehl::Verwaltung, "&Verwaltung", "Verwaltung", "Titel, Daten und Einstellungen verwalten", "verwaltung",
@@ -68,7 +68,7 @@ Aktionen::Aktionen(QMainWindow& fenster, std::function<void(int)> ausfuehren)
 }
 
 void Aktionen::MacheAktionen() {
-    for (const Befehlszeile& zeile : Tabelle) {
+    for (const Aktionszeile& zeile : Tabelle) {
         auto* aktion = new QAction(Bild(zeile.Bild), QString::fromUtf8(zeile.Menuetext), this);
         aktion->setObjectName(QString::number(zeile.Nummer));
         aktion->setIconText(QString::fromUtf8(zeile.Leistentext));
@@ -104,7 +104,7 @@ void Aktionen::MacheLeiste(QMainWindow& fenster) {
     leiste_->setMovable(false);
     leiste_->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     leiste_->setContextMenuPolicy(Qt::PreventContextMenu);
-    for (const Befehlszeile& zeile : Tabelle)
+    for (const Aktionszeile& zeile : Tabelle)
         if (*zeile.Leistentext != '\0') leiste_->addAction(Aktion(zeile.Nummer));
     leiste_->addSeparator();
     InLeiste(optionen_, "Werkzeuge", "Menu Optionen", "werkzeuge");

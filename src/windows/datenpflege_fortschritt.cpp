@@ -1,5 +1,6 @@
 #include "windows/datenpflege_fortschritt.h"
 
+#include "fensterwerk/felder.h"
 #include "fensterwerk/kurzlabel.h"
 #include "fensterwerk/text.h"
 
@@ -23,12 +24,6 @@ constexpr int Gesamtschritte = 1000;
 constexpr int Zeichenbreite = 68;
 constexpr int Datumszeilen = 2;
 constexpr int Statusrand = 3;  // px
-
-QLabel* Benannt(QLabel* zeile, const char* name) {
-    zeile->setObjectName(name);
-    zeile->setTextFormat(Qt::PlainText);
-    return zeile;
-}
 
 QLabel* Umbrechend(const char* name, int zeilen, int rand) {
     QLabel* label = Benannt(new QLabel, name);

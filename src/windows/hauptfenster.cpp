@@ -1,5 +1,6 @@
 #include "windows/hauptfenster.h"
 
+#include "fensterwerk/felder.h"
 #include "windows/statusliste.h"
 
 #include <QCloseEvent>
@@ -48,12 +49,6 @@ protected:
         setMinimumHeight(heightForWidth(width()));
     }
 };
-
-QLabel* Benannt(QLabel* label, const char* name) {
-    label->setObjectName(name);
-    label->setTextFormat(Qt::PlainText);
-    return label;
-}
 
 QLabel* Label(const char* name) {
     return Benannt(new QLabel, name);

@@ -2,6 +2,7 @@
 // every record once: those before, the merged block or what it would have replaced, and each tick that was stored.
 #include "backfill/einarbeiten_modell.h"
 #include "backfill/pflegewelt.h"
+#include "backfill/satzreihen.h"
 #include "hilfen/fehlerwaechter.h"
 
 #include <gmock/gmock.h>
@@ -9,32 +10,20 @@
 namespace zek::pflege {
 namespace {
 
-constexpr Datum Tag = 46000;
-constexpr const char* Pfad = "/d/K/T-ASK.ZEK";
-
-Saetze Reihe(int von, int bis, float kurs) {
-    Saetze saetze;
-    for (int s = von; s <= bis; ++s) saetze.push_back({Tag + s / 86400.0, kurs, 1});
-    return saetze;
-}
-
 Saetze Mit(Saetze saetze, std::initializer_list<int> weitere) {
-    for (const int s : weitere) saetze.push_back({Tag + s / 86400.0, saetze.back().Kurs, 1});
+    for (const int s : weitere) saetze.push_back({Dateitag + s / 86400.0, saetze.back().Kurs, 1});
     return saetze;
 }
 
-struct Fall {
+struct Absturzfall {
     const char* Name;
     Saetze Datei, Block;
     int TicksJePumpe = 1;
 };
 
-// Portions of few records, so that each step takes several.
-constexpr std::int64_t Portion = 20 * 16;
-
-std::vector<Fall> Faelle() {
+std::vector<Absturzfall> Absturzfaelle() {
     return {
-        {"shorter", Reihe(1, 200, 1), {{Tag + 50.0 / 86400, 7, 1}, {Tag + 120.0 / 86400, 7, 1}}},
+        {"shorter", Reihe(1, 200, 1), {{Dateitag + 50.0 / 86400, 7, 1}, {Dateitag + 120.0 / 86400, 7, 1}}},
         {"longer", Reihe(100, 160, 1), Reihe(20, 110, 7)},
         {"muchLonger", Reihe(100, 110, 1), Reihe(1, 99, 7), 3},
         {"shorterByThree", Reihe(1, 120, 1), Mit(Reihe(50, 55, 7), {59})},
@@ -44,7 +33,7 @@ std::vector<Fall> Faelle() {
         {"appended", Reihe(1, 30, 1), Reihe(40, 120, 7)},
         {"newFile", {}, Reihe(1, 90, 7)},
         {"onlyRecord", Reihe(5, 5, 1), Reihe(5, 5, 7), 15},
-        {"shorterWithManyTicks", Reihe(1, 60, 1), {{Tag + 3.0 / 86400, 7, 1}, {Tag + 20.0 / 86400, 7, 1}}, 9},
+        {"shorterWithManyTicks", Reihe(1, 60, 1), {{Dateitag + 3.0 / 86400, 7, 1}, {Dateitag + 20.0 / 86400, 7, 1}}, 9},
     };
 }
 
@@ -60,19 +49,19 @@ struct Tickpumpe : Pumpe {
     std::function<void()> Tick;
 };
 
-class Absturz : public testing::TestWithParam<Fall> {
+class Absturz : public testing::TestWithParam<Absturzfall> {
 protected:
     Absturz() { ErlaubeVerschluckte("Nullsätze suchen"); }
     // Runs the merge; the n-th file call is the last one of the process (0: none). Each run of the pump brings ticks.
     void Merge(std::uint64_t n, std::size_t angerissen = 0) {
         p_ = std::make_unique<Pflegewelt>();
         ticks_.clear();
-        if (!GetParam().Datei.empty()) p_->Ram.LegeDateiAn(Pfad, Kopf() + Bytes(GetParam().Datei));
+        if (!GetParam().Datei.empty()) p_->Ram.LegeDateiAn(Mergedatei, Kopf() + Bytes(GetParam().Datei));
         Titel titel;
         Datensatzschreiber schreiber(p_->Modul, p_->Dateien, p_->Status, {});
         Tickpumpe pumpe(p_->Welt, [&] { Ticke(schreiber, titel); });
         if (n > 0) p_->Dateien.StuerzeAb(n, angerissen);
-        Einarbeiter einarbeiter(p_->Modul, p_->Dateien, p_->Welt, pumpe, p_->Status, Portion);
+        Einarbeiter einarbeiter(p_->Modul, p_->Dateien, p_->Welt, pumpe, p_->Status, KleinePortion);
         einarbeiter.DatenEinarbeiten(form_, titel, GetParam().Block, kursart::Brief);
         aufrufe_ = p_->Dateien.Anzahl();
         p_->Dateien.Heile();
@@ -95,7 +84,7 @@ protected:
         return false;
     }
     bool Gesagt() const {
-        return p_->Status.Enthaelt("Datendatei " + std::string(Pfad) + ": unterbrochene Einarbeitung ");
+        return p_->Status.Enthaelt("Datendatei " + std::string(Mergedatei) + ": unterbrochene Einarbeitung ");
     }
     struct Titel : clTitelobjekt {
         Titel() { Dateiname = "T", Katalog = "K"; }
@@ -108,10 +97,10 @@ protected:
     }
     // What the file holds must be one of the two; true for the merged one.
     bool PruefeDatei(std::uint64_t n) {
-        const Saetze ist = SaetzeAus(p_->Ram.Inhalt(Pfad));
+        const Saetze ist = SaetzeAus(p_->Ram.Inhalt(Mergedatei));
         const bool neu = ist == MitTicks(Neu()), alt = ist == MitTicks(Alt());
         EXPECT_TRUE(neu || alt) << "call " << n << ": " << ist.size() << " records, " << ticks_.size() << " ticks";
-        EXPECT_EQ(p_->Ram.Dateien(), std::vector<std::string>{Pfad}) << "call " << n;
+        EXPECT_EQ(p_->Ram.Dateien(), std::vector<std::string>{Mergedatei}) << "call " << n;
         EXPECT_EQ(p_->Ram.OffeneHandles(), 0u) << "call " << n;
         return neu;
     }
@@ -135,9 +124,9 @@ TEST_P(Absturz, AtAnyCallTheNextOpeningFindsEachRecordOnce) {
     bool wurdeNeu = false;
     for (std::uint64_t n = 1; n <= aufrufe; ++n) {
         Merge(n, n % 3 == 0 ? 8 : 0);
-        if (!p_->Ram.DateiExistiert(Pfad)) continue;
-        SchliesseEinarbeitungAb(p_->Dateien, Pfad);
-        if (p_->Ram.Inhalt(Pfad).size() < 856) continue;  // died at the header of a new file
+        if (!p_->Ram.DateiExistiert(Mergedatei)) continue;
+        SchliesseEinarbeitungAb(p_->Dateien, Mergedatei);
+        if (p_->Ram.Inhalt(Mergedatei).size() < 856) continue;  // died at the header of a new file
         wurdeNeu = PruefeDatei(n);
         if (HasFailure()) return;
     }
@@ -149,11 +138,11 @@ TEST_P(Absturz, TheAppendOfTheNextRunFinishesTheWorkFirst) {
     const std::uint64_t aufrufe = aufrufe_;
     for (std::uint64_t n = aufrufe; n >= 1; n -= std::min<std::uint64_t>(n, 5)) {
         Merge(n);
-        if (p_->Ram.Inhalt(Pfad).size() < 856) continue;
+        if (p_->Ram.Inhalt(Mergedatei).size() < 856) continue;
         Titel titel;
         Datensatzschreiber schreiber(p_->Modul, p_->Dateien, p_->Status, {});
         const KursDatensatz satz{DatumAus(p_->Welt.Jetzt() + 24h), 5000, 1};
-        const bool unterbrochen = p_->Ram.DateiExistiert(Pfad + std::string(Journalendung));
+        const bool unterbrochen = p_->Ram.DateiExistiert(Mergedatei + std::string(Journalendung));
         p_->Status.Eintraege.clear();
         schreiber.DatensatzAnhaengen(titel, kursart::Brief, satz.Kurs, 1, false, ZeitpunktAus(satz.Datum));
         EXPECT_EQ(Gesagt(), unterbrochen) << "call " << n;
@@ -168,9 +157,9 @@ TEST_P(Absturz, TheMergeOfTheNextRunFinishesTheWorkFirstAndSaysSo) {
     for (std::uint64_t n = aufrufe_; n >= 1; n -= std::min<std::uint64_t>(n, 5)) {
         Merge(n);
         Titel titel;
-        const bool unterbrochen = p_->Ram.DateiExistiert(Pfad + std::string(Journalendung));
+        const bool unterbrochen = p_->Ram.DateiExistiert(Mergedatei + std::string(Journalendung));
         p_->Status.Eintraege.clear();
-        Einarbeiter einarbeiter(p_->Modul, p_->Dateien, p_->Welt, p_->Welt, p_->Status, Portion);
+        Einarbeiter einarbeiter(p_->Modul, p_->Dateien, p_->Welt, p_->Welt, p_->Status, KleinePortion);
         EXPECT_GT(einarbeiter.DatenEinarbeiten(form_, titel, Reihe(9000, 9000, 7), kursart::Brief), 0);
         EXPECT_EQ(Gesagt(), unterbrochen) << "call " << n;
         if (HasFailure()) return;
@@ -184,11 +173,11 @@ TEST_P(Absturz, ASecondOneWhileTheWorkIsFinishedLosesNothingEither) {
         for (std::uint64_t m = 1; m < 60; m += 5) {
             Merge(n);
             p_->Dateien.StuerzeAb(m, 24);
-            SchliesseEinarbeitungAb(p_->Dateien, Pfad);
+            SchliesseEinarbeitungAb(p_->Dateien, Mergedatei);
             const bool fertig = !p_->Dateien.Abgestuerzt();
             p_->Dateien.Heile();
-            SchliesseEinarbeitungAb(p_->Dateien, Pfad);
-            if (p_->Ram.Inhalt(Pfad).size() >= 856) PruefeDatei(n);
+            SchliesseEinarbeitungAb(p_->Dateien, Mergedatei);
+            if (p_->Ram.Inhalt(Mergedatei).size() >= 856) PruefeDatei(n);
             if (HasFailure()) FAIL() << "second death at call " << m;
             if (fertig) break;
         }
@@ -201,15 +190,15 @@ TEST_P(Absturz, OnADiskThatIsFullByThenNothingIsLost) {
     for (std::uint64_t n = 1; n <= aufrufe; ++n) {
         Merge(n, n % 3 == 0 ? 8 : 0);
         p_->Ram.SetzeFreienPlatz(0);
-        SchliesseEinarbeitungAb(p_->Dateien, Pfad);
+        SchliesseEinarbeitungAb(p_->Dateien, Mergedatei);
         p_->Ram.SetzeFreienPlatz(1 << 20);
-        SchliesseEinarbeitungAb(p_->Dateien, Pfad);
-        if (p_->Ram.Inhalt(Pfad).size() >= 856) PruefeDatei(n);
+        SchliesseEinarbeitungAb(p_->Dateien, Mergedatei);
+        if (p_->Ram.Inhalt(Mergedatei).size() >= 856) PruefeDatei(n);
         if (HasFailure()) return;
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, Absturz, testing::ValuesIn(Faelle()),
+INSTANTIATE_TEST_SUITE_P(, Absturz, testing::ValuesIn(Absturzfaelle()),
                          [](const auto& info) { return std::string(info.param.Name); });
 
 }  // namespace

@@ -2,6 +2,8 @@
 // one.
 #include "backfill/einarbeiten_modell.h"
 #include "backfill/pflegewelt.h"
+#include "backfill/satzreihen.h"
+#include "hilfen/umgebung.h"
 
 #include <gmock/gmock.h>
 
@@ -11,20 +13,13 @@
 namespace zek::pflege {
 namespace {
 
-constexpr Datum Tag = 46000;
-
-std::uint64_t Umgebungszahl(const char* name, std::uint64_t vorgabe) {
-    const char* text = std::getenv(name);
-    return text == nullptr ? vorgabe : std::strtoull(text, nullptr, 10);
-}
-
 // One case, wholly told by its number.
-class Fall {
+class Zufallsfall {
 public:
-    explicit Fall(std::uint64_t nummer) : zufall_(nummer) {
+    explicit Zufallsfall(std::uint64_t nummer) : zufall_(nummer) {
         const bool ungeordnet = Eins(8);
         const long groesse = Groesse();
-        Datum zeit = Tag;
+        Datum zeit = Dateitag;
         for (long i = 0; i < groesse; ++i) {
             Datei.push_back({zeit, static_cast<float>(i), static_cast<float>(Bis(3) - 1)});
             zeit += Schritt();
@@ -75,7 +70,7 @@ private:
     // A time at, just before or just behind a record; every second one is a record where a jump can land.
     Datum Grenze() {
         const long anzahl = static_cast<long>(Datei.size());
-        if (anzahl == 0 || Eins(10)) return Tag + static_cast<double>(Bis(6000) - 300) / 86400;
+        if (anzahl == 0 || Eins(10)) return Dateitag + static_cast<double>(Bis(6000) - 300) / 86400;
         long nummer = Bis(anzahl - 1);
         if (Eins(2)) nummer = std::clamp(anzahl - 1000 * (1 + Bis(1)) + Bis(4) - 2, 0L, anzahl - 1);
         static constexpr double abstand[] = {0, 0, 5e-7, -5e-7, 1e-6, -1e-6, 2e-6, -2e-6, 0.5 / 86400, -0.5 / 86400};
@@ -115,10 +110,11 @@ TEST_P(EinarbeitenModell, RandomFilesAndBlocksComeOutAsTheModelSays) {
     TestForm form;
     p.Dateien.SetzeProtokoll(false);
     const std::string pfad = "/d/K/T-ASK.ZEK";
-    const std::uint64_t saat = Umgebungszahl("ZEK_SAAT", 1), faelle = Umgebungszahl("ZEK_FAELLE", 10'000);
+    const std::uint64_t saat = hilfen::Umgebungszahl("ZEK_SAAT", 1),
+                        faelle = hilfen::Umgebungszahl("ZEK_FAELLE", 10'000);
     for (std::uint64_t nummer = saat + GetParam(); nummer < saat + faelle; nummer += Teile) {
         SCOPED_TRACE("ZEK_SAAT=" + std::to_string(nummer));
-        const Fall fall(nummer);
+        const Zufallsfall fall(nummer);
         const Saetze erwartet = SchrittFuerSchritt(fall.Datei, fall.Block, fall.Filter);
         if (fall.Geordnet) ASSERT_EQ(erwartet, Ersetzt(fall.Datei, fall.Block, fall.Filter)) << "the models differ";
         const auto gezaehlt = std::count_if(fall.Block.begin(), fall.Block.end(),

@@ -2,6 +2,7 @@
 
 #include "backfill/einarbeiten_modell.h"
 #include "backfill/pflegewelt.h"
+#include "backfill/satzreihen.h"
 #include "hilfen/fehlerwaechter.h"
 #include "platform/dateisystem_posix.h"
 
@@ -16,17 +17,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr Datum Tag = 46000;
-
-KursDatensatz Satz(double sekunde, float kurs = 0, float volume = 1) {
-    return {Tag + sekunde / 86400, kurs == 0 ? static_cast<float>(sekunde) : kurs, volume};
-}
-// One record a second, from `von` up to `bis`.
-Saetze Reihe(int von, int bis, float kurs = 0, int schritt = 1) {
-    Saetze saetze;
-    for (int s = von; s <= bis; s += schritt) saetze.push_back(Satz(s, kurs));
-    return saetze;
-}
 Saetze operator+(Saetze a, const Saetze& b) {
     a.insert(a.end(), b.begin(), b.end());
     return a;
@@ -338,7 +328,7 @@ TEST_F(TickWaehrendMergeTest, ATickIntoANewFileStandsBehindTheBlock) {
 
 TEST_F(TickWaehrendMergeTest, ATickOfAClockThatWasSetBackIsKept) {
     Vorher(Reihe(1, 100));
-    p_.Welt.StelleUhr(ZeitpunktAus(Tag) + 50s);
+    p_.Welt.StelleUhr(ZeitpunktAus(Dateitag) + 50s);
     TickWartet();
     EXPECT_EQ(Merge({Satz(5, 99), Satz(90, 98)}), 2);
     EXPECT_EQ(Nachher().back(), Tick(p_));

@@ -3,6 +3,7 @@
 #include "backfill/lauf_modell.h"
 #include "backfill/einarbeiten_modell.h"
 #include "backfill/pflegewelt.h"
+#include "hilfen/umgebung.h"
 
 #include <gmock/gmock.h>
 
@@ -12,13 +13,8 @@
 namespace zek::pflege {
 namespace {
 
-constexpr Datum Mittag = DatumAus(hilfen::VirtuelleWelt::Vorgabebeginn);
+constexpr Datum Modellmittag = DatumAus(hilfen::VirtuelleWelt::Vorgabebeginn);
 constexpr int Vergangenheit = 20'000;  // seconds that the service knows of
-
-std::uint64_t Umgebungszahl(const char* name, std::uint64_t vorgabe) {
-    const char* text = std::getenv(name);
-    return text == nullptr ? vorgabe : std::strtoull(text, nullptr, 10);
-}
 
 // A service with a past of its own, wholly told by a number. Its answers are the same for the run and for the model:
 // they depend on the kind, the number of the request within its series, and the end.
@@ -39,7 +35,7 @@ public:
     Modellantwort Antwort(std::int32_t kursart, std::size_t frage, Datum ende) const {
         std::mt19937_64 wuerfel(nummer_ * 1000 + static_cast<std::uint64_t>(kursart) * 100 + frage);
         Modellantwort antwort;
-        const Datum bis = ende == 0 ? Mittag : ende;
+        const Datum bis = ende == 0 ? Modellmittag : ende;
         const Datum ab = bis - 1999.5 / 86400;
         for (const auto& b : balken_)
             if (b.Zeit <= bis + 1e-9 && b.Zeit > ab) antwort.Balken.push_back(b);
@@ -178,13 +174,13 @@ private:
     std::map<std::int32_t, std::size_t> fragen_;
 };
 
-constexpr std::uint64_t Teile = 4;
+constexpr std::uint64_t Modellteile = 4;
 class LaufModell : public testing::TestWithParam<std::uint64_t> {};
-INSTANTIATE_TEST_SUITE_P(Teil, LaufModell, testing::Range(std::uint64_t{0}, Teile));
+INSTANTIATE_TEST_SUITE_P(Teil, LaufModell, testing::Range(std::uint64_t{0}, Modellteile));
 
 TEST_P(LaufModell, RandomHistoriesAreAskedForAndStoredAsTheModelSays) {
-    const std::uint64_t saat = Umgebungszahl("ZEK_SAAT", 1), laeufe = Umgebungszahl("ZEK_LAEUFE", 600);
-    for (std::uint64_t nummer = saat + GetParam(); nummer < saat + laeufe; nummer += Teile) {
+    const std::uint64_t saat = hilfen::Umgebungszahl("ZEK_SAAT", 1), laeufe = hilfen::Umgebungszahl("ZEK_LAEUFE", 600);
+    for (std::uint64_t nummer = saat + GetParam(); nummer < saat + laeufe; nummer += Modellteile) {
         SCOPED_TRACE("ZEK_SAAT=" + std::to_string(nummer));
         Pruefling(nummer).Pruefe();
         if (HasFailure()) return;

@@ -4,7 +4,9 @@
 // and ZEK_SAAT.
 #include "backfill/einarbeiten_modell.h"
 #include "backfill/pflegewelt.h"
+#include "backfill/satzreihen.h"
 #include "hilfen/fehlerwaechter.h"
+#include "hilfen/umgebung.h"
 
 #include <gmock/gmock.h>
 
@@ -15,16 +17,7 @@
 namespace zek::pflege {
 namespace {
 
-constexpr Datum Tag = 46000;
-constexpr const char* Pfad = "/d/K/T-ASK.ZEK";
 constexpr const char* Journal = "/d/K/T-ASK.ZEK.Einarbeitung";
-constexpr std::int64_t Portion = 20 * 16;
-
-std::uint64_t Umgebungszahl(const char* name, std::uint64_t vorgabe) {
-    const char* text = std::getenv(name);
-    return text == nullptr ? vorgabe : std::strtoull(text, nullptr, 10);
-}
-
 // Knows what a sync has made safe.
 class Platte : public hilfen::StoerDateisystem {
 public:
@@ -50,11 +43,11 @@ public:
     }
     void Sichere(const std::string& pfad) {
         sicher_[pfad] = ram_.Inhalt(pfad);
-        if (pfad != Pfad) return;
+        if (pfad != Mergedatei) return;
         for (const auto& satz : SaetzeAus(sicher_[pfad]))
             if (IstTick(satz)) SichereTicks.insert(satz.Datum);
     }
-    static bool IstTick(const KursDatensatz& satz) { return satz.Kurs > 1000 && satz.Datum == Tag + satz.Kurs; }
+    static bool IstTick(const KursDatensatz& satz) { return satz.Kurs > 1000 && satz.Datum == Dateitag + satz.Kurs; }
 
     // Times of ticks that a sync of the data file has made safe.
     std::set<Datum> SichereTicks;
@@ -94,31 +87,25 @@ private:
     std::map<std::string, std::string> sicher_, geloescht_;
 };
 
-Saetze Reihe(int von, int anzahl, double schritt, float kurs) {
-    Saetze saetze;
-    for (int i = 0; i < anzahl; ++i) saetze.push_back({Tag + (von + i * schritt) / 86400, kurs, 1});
-    return saetze;
-}
-
-struct Fall {
+struct Ausfallfall {
     const char* Name;
     Saetze Datei, Block;
 };
 
-std::vector<Fall> Faelle() {
+std::vector<Ausfallfall> Ausfallfaelle() {
     return {
-        {"longer", Reihe(0, 400, 1, 1), Reihe(100, 150, 0.5, 7)},
-        {"longerByThree", Reihe(0, 400, 1, 1), Reihe(100, 53, 0.9433, 7)},
-        {"muchLonger", Reihe(300, 100, 1, 1), Reihe(0, 310, 1, 7)},
-        {"shorter", Reihe(0, 400, 1, 1), Reihe(100, 30, 3, 7)},
-        {"shorterByThree", Reihe(0, 400, 1, 1), Reihe(100, 50, 1.08, 7)},
-        {"sameLength", Reihe(0, 400, 1, 1), Reihe(100, 150, 1, 7)},
-        {"appended", Reihe(0, 100, 1, 1), Reihe(200, 200, 1, 7)},
-        {"atTheEnd", Reihe(0, 400, 1, 1), Reihe(200, 100, 3, 7)},
+        {"longer", ReiheVon(400, 0, 1, 1), ReiheVon(150, 100, 0.5, 7)},
+        {"longerByThree", ReiheVon(400, 0, 1, 1), ReiheVon(53, 100, 0.9433, 7)},
+        {"muchLonger", ReiheVon(100, 300, 1, 1), ReiheVon(310, 0, 1, 7)},
+        {"shorter", ReiheVon(400, 0, 1, 1), ReiheVon(30, 100, 3, 7)},
+        {"shorterByThree", ReiheVon(400, 0, 1, 1), ReiheVon(50, 100, 1.08, 7)},
+        {"sameLength", ReiheVon(400, 0, 1, 1), ReiheVon(150, 100, 1, 7)},
+        {"appended", ReiheVon(100, 0, 1, 1), ReiheVon(200, 200, 1, 7)},
+        {"atTheEnd", ReiheVon(400, 0, 1, 1), ReiheVon(100, 200, 3, 7)},
     };
 }
 
-class Stromausfall : public testing::TestWithParam<Fall> {
+class Stromausfall : public testing::TestWithParam<Ausfallfall> {
 protected:
     Stromausfall() { ErlaubeVerschluckte("Nullsätze suchen"); }
     struct Titel : clTitelobjekt {
@@ -136,8 +123,8 @@ protected:
     void Beginne() {
         ram_ = std::make_unique<hilfen::RamDateisystem>();
         platte_ = std::make_unique<Platte>(*ram_);
-        ram_->LegeDateiAn(Pfad, Kopf() + Bytes(GetParam().Datei));
-        platte_->Sichere(Pfad);
+        ram_->LegeDateiAn(Mergedatei, Kopf() + Bytes(GetParam().Datei));
+        platte_->Sichere(Mergedatei);
     }
     // The n-th call of files is the last one (0: none). True when the merge came through.
     bool Merge(std::uint64_t n) {
@@ -150,11 +137,11 @@ protected:
             if (!mitTicks_) return;
             ++nummer;
             schreiber.DatensatzAnhaengen(titel, kursart::Brief, static_cast<float>(nummer), 1, false,
-                                         ZeitpunktAus(Tag + nummer));
+                                         ZeitpunktAus(Dateitag + nummer));
         });
         TestForm form;
         if (n > 0) platte_->StuerzeAb(n, 8 * (n % 5));
-        Einarbeiter einarbeiter(p.Modul, *platte_, p.Welt, pumpe, p.Status, Portion);
+        Einarbeiter einarbeiter(p.Modul, *platte_, p.Welt, pumpe, p.Status, KleinePortion);
         const bool fertig = einarbeiter.DatenEinarbeiten(form, titel, GetParam().Block, kursart::Brief) != 0;
         aufrufe_ = platte_->Anzahl();
         platte_->Heile();
@@ -162,7 +149,7 @@ protected:
     }
     // As it was or merged; ticks behind that, as far as the disk has kept them.
     void PruefeDatei(bool fertig) {
-        Saetze ist = SaetzeAus(ram_->Inhalt(Pfad));
+        Saetze ist = SaetzeAus(ram_->Inhalt(Mergedatei));
         const Saetze alt = GetParam().Datei, neu = SchrittFuerSchritt(alt, GetParam().Block, false);
         const auto beginntMit = [&](const Saetze& anfang) {
             return ist.size() >= anfang.size() && std::equal(anfang.begin(), anfang.end(), ist.begin());
@@ -179,7 +166,7 @@ protected:
             ASSERT_TRUE(satz.Kurs == 0 || satz.Datum == 0 || satz.Kurs > 1000) << "a record of before behind the merge";
             if (Platte::IstTick(satz)) ticks.insert(satz.Datum);
         }
-        for (const Datum tick : platte_->SichereTicks) ASSERT_EQ(ticks.count(tick), 1u) << "tick " << tick - Tag;
+        for (const Datum tick : platte_->SichereTicks) ASSERT_EQ(ticks.count(tick), 1u) << "tick " << tick - Dateitag;
     }
     void FalleAus(std::uint64_t saat) {
         SCOPED_TRACE("ZEK_SAAT=" + std::to_string(saat));
@@ -189,17 +176,18 @@ protected:
         platte_->VerliereStrom(zufall);
         for (int mal = 0; mal < 2 && zufall() % 2 == 0; ++mal) {
             platte_->StuerzeAb(1 + zufall() % 60, 8);
-            SchliesseEinarbeitungAb(*platte_, Pfad);
+            SchliesseEinarbeitungAb(*platte_, Mergedatei);
             platte_->Heile();
             platte_->VerliereStrom(zufall);
         }
-        SchliesseEinarbeitungAb(*platte_, Pfad);
+        SchliesseEinarbeitungAb(*platte_, Mergedatei);
         PruefeDatei(fertig);
     }
     void FalleOftAus() {
         ASSERT_TRUE(Merge(0));
         rundum_ = aufrufe_;
-        const std::uint64_t saat = Umgebungszahl("ZEK_SAAT", 1), faelle = Umgebungszahl("ZEK_FAELLE", 60);
+        const std::uint64_t saat = hilfen::Umgebungszahl("ZEK_SAAT", 1),
+                            faelle = hilfen::Umgebungszahl("ZEK_FAELLE", 60);
         for (std::uint64_t nummer = saat; nummer < saat + faelle && !HasFatalFailure(); ++nummer) FalleAus(nummer);
     }
 
@@ -218,7 +206,7 @@ TEST_P(Stromausfall, CostsNoTickThatWasSafeAndNoOtherRecord) {
     FalleOftAus();
 }
 
-INSTANTIATE_TEST_SUITE_P(, Stromausfall, testing::ValuesIn(Faelle()),
+INSTANTIATE_TEST_SUITE_P(, Stromausfall, testing::ValuesIn(Ausfallfaelle()),
                          [](const auto& info) { return std::string(info.param.Name); });
 
 }  // namespace

@@ -2,6 +2,8 @@
 // ZEK_TOETUNGEN, the number of kills (default 40), and ZEK_SAAT.
 #include "backfill/einarbeiten_modell.h"
 #include "backfill/pflegewelt.h"
+#include "backfill/satzreihen.h"
+#include "hilfen/umgebung.h"
 #include "platform/dateisystem_posix.h"
 
 #include <gmock/gmock.h>
@@ -22,14 +24,8 @@ namespace {
 
 using Uhrzeiten = std::chrono::steady_clock;
 
-constexpr Datum Tag = 46000;
 constexpr int Dateisaetze = 60'000;
 constexpr std::int64_t Portion = 4096 * 16;
-
-std::uint64_t Umgebungszahl(const char* name, std::uint64_t vorgabe) {
-    const char* text = std::getenv(name);
-    return text == nullptr ? vorgabe : std::strtoull(text, nullptr, 10);
-}
 
 // Shared with the process that dies.
 struct Stand {
@@ -51,7 +47,7 @@ protected:
         std::filesystem::remove_all(ordner_);
     }
 
-    static KursDatensatz Tick(int nummer) { return {Tag + 2 + nummer / 864000.0, static_cast<float>(nummer), 1}; }
+    static KursDatensatz Tick(int nummer) { return {Dateitag + 2 + nummer / 864000.0, static_cast<float>(nummer), 1}; }
 
     void Lege(const Saetze& saetze) {
         std::filesystem::remove(pfad_ + std::string(Journalendung));
@@ -115,23 +111,17 @@ protected:
     Stand* stand_ = nullptr;
 };
 
-Saetze Reihe(int von, int anzahl, double schritt, float kurs) {
-    Saetze saetze;
-    for (int i = 0; i < anzahl; ++i) saetze.push_back({Tag + (von + i * schritt) / 86400, kurs, 1});
-    return saetze;
-}
-
 bool BeginntMit(const Saetze& saetze, const Saetze& anfang) {
     return saetze.size() >= anfang.size() && std::equal(anfang.begin(), anfang.end(), saetze.begin());
 }
 
 TEST_F(Toetung, AtAnyMomentOfAMergeCostsNoRecordAndDoublesNone) {
-    const Saetze datei = Reihe(0, Dateisaetze, 1, 1);
+    const Saetze datei = ReiheVon(Dateisaetze, 0, 1, 1);
     const std::vector<Saetze> bloecke = {
-        Reihe(20'000, 30'000, 0.5, 7),  // the file gets longer
-        Reihe(20'000, 5'000, 3, 7),     // shorter
-        Reihe(20'000, 15'000, 1, 7),    // as long as before
-        Reihe(70'000, 30'000, 1, 7),    // appended
+        ReiheVon(30'000, 20'000, 0.5, 7),  // the file gets longer
+        ReiheVon(5'000, 20'000, 3, 7),     // shorter
+        ReiheVon(15'000, 20'000, 1, 7),    // as long as before
+        ReiheVon(30'000, 70'000, 1, 7),    // appended
     };
     std::vector<Saetze> neu;
     std::vector<Uhrzeiten::duration> dauer;
@@ -140,8 +130,8 @@ TEST_F(Toetung, AtAnyMomentOfAMergeCostsNoRecordAndDoublesNone) {
         Lege(datei);
         dauer.push_back(Toete(block, Uhrzeiten::duration(-1)));
     }
-    std::mt19937_64 zufall(Umgebungszahl("ZEK_SAAT", 1));
-    const std::uint64_t toetungen = Umgebungszahl("ZEK_TOETUNGEN", 40);
+    std::mt19937_64 zufall(hilfen::Umgebungszahl("ZEK_SAAT", 1));
+    const std::uint64_t toetungen = hilfen::Umgebungszahl("ZEK_TOETUNGEN", 40);
     std::uint64_t mitten = 0, verworfen = 0, ticks = 0, i = 0;
     // On a busy machine the merge may have taken much longer when it was timed; more kills meet it then.
     const auto genug = [&] { return i >= toetungen && ((mitten > 0 && verworfen > 0) || i >= 10 * toetungen); };

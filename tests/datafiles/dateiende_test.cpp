@@ -16,7 +16,7 @@ namespace {
 
 using namespace hilfen;
 
-const std::string Pfad = "/d/ES.ZEK";
+const std::string Endedatei = "/d/ES.ZEK";
 constexpr int Blocksaetze = 4096;
 
 bool LangsamBereinigen(clDateiIO& datei, const std::string& name) {
@@ -52,11 +52,11 @@ void PrintTo(const Ausgang& ausgang, std::ostream* aus) {
 template <typename Bereinigen>
 Ausgang Nach(const std::string& inhalt, Bereinigen bereinigen) {
     RamDateisystem ram;
-    ram.LegeDateiAn(Pfad, inhalt);
+    ram.LegeDateiAn(Endedatei, inhalt);
     clDateiIO datei(ram);
-    datei.OpenFile(Pfad, false);
-    const bool geschnitten = bereinigen(datei, Pfad);
-    return {geschnitten, ram.Inhalt(Pfad), datei.IsOpen()};
+    datei.OpenFile(Endedatei, false);
+    const bool geschnitten = bereinigen(datei, Endedatei);
+    return {geschnitten, ram.Inhalt(Endedatei), datei.IsOpen()};
 }
 
 void ErwarteGleich(const std::string& inhalt, const std::string& was) {
@@ -114,11 +114,11 @@ TEST(Dateiende, AllZeroRecordsOfAnyNumberLeave840Bytes) {
 TEST(Dateiende, AGoodLastRecordCostsOneReadOf16Bytes) {
     RamDateisystem ram;
     StoerDateisystem dateien(ram);
-    ram.LegeDateiAn(Pfad, Datei(Blocksaetze, 0));
+    ram.LegeDateiAn(Endedatei, Datei(Blocksaetze, 0));
     clDateiIO datei(dateien);
-    datei.OpenFile(Pfad, false);
+    datei.OpenFile(Endedatei, false);
     dateien.VergissProtokoll();
-    EXPECT_FALSE(DateiEndeBereinigen(datei, Pfad));
+    EXPECT_FALSE(DateiEndeBereinigen(datei, Endedatei));
     EXPECT_EQ(dateien.Muster(), "Groesse Suche Lies");
     EXPECT_EQ(dateien.Protokoll().back().Ergebnis, 16);
 }
@@ -127,12 +127,12 @@ TEST(Dateiende, AGoodLastRecordCostsOneReadOf16Bytes) {
 TEST(Dateiende, ALongTailCostsFewCalls) {
     RamDateisystem ram;
     StoerDateisystem dateien(ram);
-    ram.LegeDateiAn(Pfad, Datei(3, 250 * Blocksaetze));  // 16 MB
+    ram.LegeDateiAn(Endedatei, Datei(3, 250 * Blocksaetze));  // 16 MB
     clDateiIO datei(dateien);
-    datei.OpenFile(Pfad, false);
+    datei.OpenFile(Endedatei, false);
     dateien.VergissProtokoll();
-    EXPECT_TRUE(DateiEndeBereinigen(datei, Pfad));
-    EXPECT_EQ(ram.Inhalt(Pfad), Datei(3, 0));
+    EXPECT_TRUE(DateiEndeBereinigen(datei, Endedatei));
+    EXPECT_EQ(ram.Inhalt(Endedatei), Datei(3, 0));
     EXPECT_LE(dateien.Anzahl(), 2U * 252 + 8);
 }
 
@@ -143,16 +143,16 @@ TEST(Dateiende, WhateverCallFailsOrIsShortNoRecordGoes) {
     for (std::uint64_t n = 1; n <= 14; ++n)
         for (const bool kurz : {false, true}) {
             RamDateisystem ram;
-            ram.LegeDateiAn(Pfad, inhalt);
+            ram.LegeDateiAn(Endedatei, inhalt);
             StoerDateisystem dateien(ram);
             clDateiIO datei(dateien);
-            datei.OpenFile(Pfad, false);
+            datei.OpenFile(Endedatei, false);
             if (kurz)
                 dateien.Stoere({.Ab = n, .Anzahl = 1, .Fehler = 0, .Kurz = 8});
             else
                 dateien.StoereNten(n, EIO);
-            DateiEndeBereinigen(datei, Pfad);
-            const std::string nachher = ram.Inhalt(Pfad);
+            DateiEndeBereinigen(datei, Endedatei);
+            const std::string nachher = ram.Inhalt(Endedatei);
             EXPECT_TRUE(nachher == inhalt || nachher == Datei(2, 0)) << n << " " << kurz << ": " << nachher.size();
         }
 }
@@ -162,11 +162,11 @@ TEST(Dateiende, AFileThatEndsBeforeItsSizeIsNotCut) {
     public:
         std::int64_t Groesse(Dateihandle handle) override { return RamDateisystem::Groesse(handle) + 160; }
     } ram;
-    ram.LegeDateiAn(Pfad, Datei(3, 2));
+    ram.LegeDateiAn(Endedatei, Datei(3, 2));
     clDateiIO datei(ram);
-    datei.OpenFile(Pfad, false);
-    EXPECT_FALSE(DateiEndeBereinigen(datei, Pfad));
-    EXPECT_EQ(ram.Inhalt(Pfad), Datei(3, 2));
+    datei.OpenFile(Endedatei, false);
+    EXPECT_FALSE(DateiEndeBereinigen(datei, Endedatei));
+    EXPECT_EQ(ram.Inhalt(Endedatei), Datei(3, 2));
 }
 
 // Real sparse files, which take a few blocks on disk.

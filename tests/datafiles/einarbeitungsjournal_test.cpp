@@ -19,7 +19,7 @@ using namespace hilfen;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* Pfad = "/d/K/DAX.ZEK";
+constexpr const char* Journalziel = "/d/K/DAX.ZEK";
 constexpr const char* Journal = "/d/K/DAX.ZEK.Einarbeitung";
 
 // ---- as a crash leaves it
@@ -28,9 +28,9 @@ class JournalTest : public testing::Test {
 protected:
     // A file of 40 records; records 10 to 19 are to become three.
     void LegeAn() {
-        ram.LegeDateiAn(Pfad, DaxDatei(40));
+        ram.LegeDateiAn(Journalziel, DaxDatei(40));
         Einarbeitungsjournal journal(dateien, 64);
-        journal.Beginne(Pfad);
+        journal.Beginne(Journalziel);
         journal.Schreibe(block_);
         journal.MacheFest(856 + 10 * 16, 856 + 20 * 16, 856 + 40 * 16, KopfVon(DaxDatei(0)));
     }
@@ -46,7 +46,7 @@ protected:
         datei += DaxDatei(40).substr(856 + 20 * 16);
         return datei.replace(686, 20, "2025#12#09#00#00#00 ");
     }
-    Journalstand Oeffne() { return SchliesseEinarbeitungAb(dateien, Pfad); }
+    Journalstand Oeffne() { return SchliesseEinarbeitungAb(dateien, Journalziel); }
 
     const std::vector<KursDatensatz> block_ = {
         {46000 + 10 / 86400.0, 7, 7}, {46000 + 15 / 86400.0, 8, 8}, {46000 + 19 / 86400.0, 9, 9}};
@@ -56,25 +56,25 @@ protected:
 
 TEST_F(JournalTest, AMergeThatWasBrokenOffIsFinishedAtTheNextOpening) {
     LegeAn();
-    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
+    EXPECT_EQ(ram.Inhalt(Journalziel), DaxDatei(40));
     EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
-    EXPECT_EQ(ram.Inhalt(Pfad), Fertig());
+    EXPECT_EQ(ram.Inhalt(Journalziel), Fertig());
     EXPECT_FALSE(ram.DateiExistiert(Journal));
     EXPECT_EQ(Oeffne(), Journalstand::Keines);
     EXPECT_EQ(ram.OffeneHandles(), 0u);
 }
 
 TEST_F(JournalTest, WithoutAJournalALookCostsOneCall) {
-    ram.LegeDateiAn(Pfad, DaxDatei(40));
+    ram.LegeDateiAn(Journalziel, DaxDatei(40));
     EXPECT_EQ(Oeffne(), Journalstand::Keines);
     EXPECT_EQ(dateien.Muster(), "Oeffne");
 }
 
 TEST_F(JournalTest, RecordsThatWereAppendedMeanwhileStandBehindTheMerge) {
     LegeAn();
-    ram.LegeDateiAn(Pfad, DaxDatei(42) + "torn");
+    ram.LegeDateiAn(Journalziel, DaxDatei(42) + "torn");
     EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
-    EXPECT_EQ(ram.Inhalt(Pfad), Fertig() + DaxDatei(42).substr(856 + 40 * 16));
+    EXPECT_EQ(ram.Inhalt(Journalziel), Fertig() + DaxDatei(42).substr(856 + 40 * 16));
 }
 
 TEST_F(JournalTest, OneThatSomebodyHasIsLeftAlone) {
@@ -82,7 +82,7 @@ TEST_F(JournalTest, OneThatSomebodyHasIsLeftAlone) {
     const auto handle = ram.Oeffne(Journal, Oeffnen::LesenSchreiben);
     ASSERT_EQ(ram.Sperre(handle), 0);
     EXPECT_EQ(Oeffne(), Journalstand::Belegt);
-    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
+    EXPECT_EQ(ram.Inhalt(Journalziel), DaxDatei(40));
     ram.Schliesse(handle);
     EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen);
 }
@@ -91,9 +91,9 @@ TEST_F(JournalTest, WhereTheSystemHasNoLocksOnlyWhoeverKnowsOfNoMergeFinishesOne
     dateien.StoereArt(Dateiaufruf::Sperre, ENOLCK);
     LegeAn();
     EXPECT_EQ(Oeffne(), Journalstand::Belegt);
-    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
-    EXPECT_EQ(SchliesseEinarbeitungAb(dateien, Pfad, Anderswo::Keine), Journalstand::Abgeschlossen);
-    EXPECT_EQ(ram.Inhalt(Pfad), Fertig());
+    EXPECT_EQ(ram.Inhalt(Journalziel), DaxDatei(40));
+    EXPECT_EQ(SchliesseEinarbeitungAb(dateien, Journalziel, Anderswo::Keine), Journalstand::Abgeschlossen);
+    EXPECT_EQ(ram.Inhalt(Journalziel), Fertig());
 }
 
 TEST_F(JournalTest, OneThatVanishedBeforeItsLockIsntWrittenTo) {
@@ -107,7 +107,7 @@ TEST_F(JournalTest, OneThatVanishedBeforeItsLockIsntWrittenTo) {
         RamDateisystem& Ram;
     } platte(ram);
     Einarbeitungsjournal journal(platte);
-    EXPECT_THROW(journal.Beginne(Pfad), Journalfehler);
+    EXPECT_THROW(journal.Beginne(Journalziel), Journalfehler);
 }
 
 TEST_F(JournalTest, AStartWaitsForAnotherProgramThatIsAtIt) {
@@ -130,7 +130,7 @@ TEST_F(JournalTest, AStartDoesntWaitForEver) {
     int mal = 0;
     EXPECT_THAT(StelleBestandWiederHer(dateien, "/d", false, [&] { ++mal; }), IsEmpty());
     EXPECT_EQ(mal, 100) << "ten seconds";
-    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
+    EXPECT_EQ(ram.Inhalt(Journalziel), DaxDatei(40));
 }
 
 TEST_F(JournalTest, AStartTellsWhetherTheFileTakesTicksAgain) {
@@ -146,7 +146,7 @@ TEST_F(JournalTest, AStartTellsWhetherTheFileTakesTicksAgain) {
     const auto unlesbar = starte();
     EXPECT_FALSE(unlesbar.Gut) << unlesbar.Text;
     LegeAn();
-    ram.SchuetzeVorSchreiben(Pfad);
+    ram.SchuetzeVorSchreiben(Journalziel);
     const auto verwehrt = starte();
     EXPECT_FALSE(verwehrt.Gut) << verwehrt.Text;
 }
@@ -159,7 +159,7 @@ TEST_F(JournalTest, OneThatWasntMadeFastIsThrownAway) {
         if (laenge > 936) halb.replace(936, 8, Nullen(8));
         ram.LegeDateiAn(Journal, halb);
         EXPECT_EQ(Oeffne(), Journalstand::Verworfen) << laenge;
-        EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
+        EXPECT_EQ(ram.Inhalt(Journalziel), DaxDatei(40));
         EXPECT_FALSE(ram.DateiExistiert(Journal));
     }
 }
@@ -172,7 +172,7 @@ TEST_F(JournalTest, ADamagedOneIsPutAsideAndTheFileStays) {
         schlecht[stelle] = static_cast<char>(schlecht[stelle] + 1);
         ram.LegeDateiAn(Journal, schlecht);
         EXPECT_EQ(Oeffne(), Journalstand::Unlesbar) << stelle;
-        EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(40));
+        EXPECT_EQ(ram.Inhalt(Journalziel), DaxDatei(40));
         EXPECT_EQ(ram.Inhalt(std::string(Journal) + ".defekt"), schlecht);
         EXPECT_FALSE(ram.DateiExistiert(Journal));
     }
@@ -180,24 +180,24 @@ TEST_F(JournalTest, ADamagedOneIsPutAsideAndTheFileStays) {
 
 TEST_F(JournalTest, TheJournalOfADeletedFileGoes) {
     LegeAn();
-    ram.Loesche(Pfad);
+    ram.Loesche(Journalziel);
     EXPECT_EQ(Oeffne(), Journalstand::Verworfen);
     EXPECT_THAT(ram.Dateien(), IsEmpty());
 }
 
 TEST_F(JournalTest, OneThatDoesntFitToTheFileIsPutAside) {
     LegeAn();
-    ram.LegeDateiAn(Pfad, DaxDatei(3));
+    ram.LegeDateiAn(Journalziel, DaxDatei(3));
     EXPECT_EQ(Oeffne(), Journalstand::Unlesbar);
-    EXPECT_EQ(ram.Inhalt(Pfad), DaxDatei(3));
+    EXPECT_EQ(ram.Inhalt(Journalziel), DaxDatei(3));
 }
 
 TEST_F(JournalTest, AForeignFileInThePlaceOfTheMergedOneStaysAsItIs) {
     LegeAn();
     const std::string fremd = "x" + DaxDatei(40).substr(1);
-    ram.LegeDateiAn(Pfad, fremd);
+    ram.LegeDateiAn(Journalziel, fremd);
     EXPECT_EQ(Oeffne(), Journalstand::Unlesbar);
-    EXPECT_EQ(ram.Inhalt(Pfad), fremd);
+    EXPECT_EQ(ram.Inhalt(Journalziel), fremd);
 }
 
 TEST_F(JournalTest, ADamagedAdditionCountsAsNone) {
@@ -212,7 +212,7 @@ TEST_F(JournalTest, ADamagedAdditionCountsAsNone) {
         std::memcpy(journal.data() + hier, werte.data(), sizeof werte);
         ram.LegeDateiAn(Journal, journal);
         EXPECT_EQ(Oeffne(), Journalstand::Abgeschlossen) << werte[0] << " " << werte[2];
-        EXPECT_EQ(ram.Inhalt(Pfad), Fertig()) << werte[0] << " " << werte[2];
+        EXPECT_EQ(ram.Inhalt(Journalziel), Fertig()) << werte[0] << " " << werte[2];
     }
 }
 
@@ -246,7 +246,7 @@ struct Umbau {
         return saetze;
     }
     void MacheFest(Einarbeitungsjournal& journal) const {
-        journal.Beginne(Pfad);
+        journal.Beginne(Journalziel);
         journal.Schreibe(Block());
         journal.MacheFest(Stelle(), Stelle() + Ersetzt * 16, 856 + Alle() * 16, NeuerKopf());
     }
@@ -325,7 +325,7 @@ TEST_F(Journalbytes, TakeNoMoreOfTheDiskThanWasSaid) {
 TEST_F(Journalbytes, ReachTheDiskInPortionsWhileTheContentGrows) {
     StoerDateisystem dateien(ram);
     Einarbeitungsjournal journal(dateien, Fenster);
-    journal.Beginne(Pfad);
+    journal.Beginne(Journalziel);
     std::vector<std::uint64_t> gesichert;
     for (int satz = 0; satz < 9; ++satz) {
         journal.Schreibe(std::vector<KursDatensatz>(1));
@@ -340,7 +340,7 @@ TEST_F(Journalbytes, StayForTheNextOpeningOnceTheyAreFast) {
     {
         Einarbeitungsjournal journal(ram);
         EXPECT_FALSE(journal.Bleibt());
-        journal.Beginne(Pfad);
+        journal.Beginne(Journalziel);
         EXPECT_FALSE(journal.Bleibt());
     }
     EXPECT_FALSE(ram.DateiExistiert(Journal));
@@ -378,12 +378,12 @@ protected:
         dateien_.emplace(*ram_);
         ticks_.clear();
         schritte_.clear();
-        ram_->LegeDateiAn(Pfad, DaxDatei(Was().Alle()));
+        ram_->LegeDateiAn(Journalziel, DaxDatei(Was().Alle()));
     }
     // True when the work was done.
     bool Arbeite(bool ausDemSpeicher = false) {
         Einarbeitungsjournal journal(*dateien_, Fenster);
-        const Dateihandle datei = dateien_->Oeffne(Pfad, Oeffnen::LesenSchreiben);
+        const Dateihandle datei = dateien_->Oeffne(Journalziel, Oeffnen::LesenSchreiben);
         bool fertig = false;
         try {
             Was().MacheFest(journal);
@@ -403,14 +403,14 @@ protected:
     }
     void Pause() {
         if (!dateien_->Abgestuerzt())
-            EXPECT_EQ((ram_->Inhalt(Pfad).size() - 856) % 16, 0u) << "the append would refuse";
+            EXPECT_EQ((ram_->Inhalt(Journalziel).size() - 856) % 16, 0u) << "the append would refuse";
         MerkeSchritte();
         schritte_ += '|';
         Ticke(Jetzt().TicksJePause);
         dateien_->VergissProtokoll();
     }
     void Ticke(int anzahl) {
-        const Dateihandle handle = dateien_->Oeffne(Pfad, Oeffnen::LesenSchreiben);
+        const Dateihandle handle = dateien_->Oeffne(Journalziel, Oeffnen::LesenSchreiben);
         if (handle < 0) return;
         for (int i = 0; i < anzahl; ++i) {
             const KursDatensatz tick{47000, static_cast<float>(ticks_.size()), 1};
@@ -433,7 +433,7 @@ protected:
     }
     // The file is as it was or as it shall be, with every stored tick behind it; true for the latter.
     bool Pruefe(const std::string& wann) const {
-        const std::string inhalt = ram_->Inhalt(Pfad);
+        const std::string inhalt = ram_->Inhalt(Journalziel);
         const auto mitTicks = [this](std::vector<KursDatensatz> saetze) {
             saetze.insert(saetze.end(), ticks_.begin(), ticks_.end());
             return saetze;
@@ -443,7 +443,7 @@ protected:
         const bool neu = saetze == mitTicks(Was().Neu()) && std::memcmp(inhalt.data(), &neuerKopf, 856) == 0;
         const bool alt = saetze == mitTicks(Was().Alt()) && inhalt.starts_with(DaxKopf());
         EXPECT_TRUE(neu || alt) << wann << ": " << saetze.size() << " records, " << ticks_.size() << " ticks";
-        EXPECT_THAT(ram_->Dateien(), ElementsAre(Pfad)) << wann;
+        EXPECT_THAT(ram_->Dateien(), ElementsAre(Journalziel)) << wann;
         EXPECT_EQ(ram_->OffeneHandles(), 0u) << wann;
         return neu;
     }
@@ -472,7 +472,7 @@ TEST_P(Journalarbeit, ThatDiesAtAnyCallIsFinishedOrNeverWas) {
         dateien_->StuerzeAb(n, n % 3 == 0 ? 8 : 0);
         const bool fertig = Arbeite(n % 2 == 0);
         dateien_->Heile();
-        SchliesseEinarbeitungAb(*dateien_, Pfad);
+        SchliesseEinarbeitungAb(*dateien_, Journalziel);
         Pruefe("call " + std::to_string(n));
         if (fertig || HasFailure()) return;
     }
@@ -488,10 +488,10 @@ TEST_P(Journalarbeit, ThatDiesAgainWhileItIsFinishedLosesNothingEither) {
             fertig = Arbeite();
             dateien_->Heile();
             dateien_->StuerzeAb(m, 24);
-            SchliesseEinarbeitungAb(*dateien_, Pfad);
+            SchliesseEinarbeitungAb(*dateien_, Journalziel);
             abgeschlossen = !dateien_->Abgestuerzt();
             dateien_->Heile();
-            SchliesseEinarbeitungAb(*dateien_, Pfad);
+            SchliesseEinarbeitungAb(*dateien_, Journalziel);
             Pruefe("calls " + std::to_string(n) + " and " + std::to_string(m));
             if (HasFailure()) return;
         }
@@ -503,12 +503,12 @@ TEST_P(Journalarbeit, ThatDiesBehindItsLastStepKeepsTheTickThatCameMeanwhile) {
     {
         Einarbeitungsjournal journal(*dateien_, Fenster);
         Was().MacheFest(journal);
-        const Dateihandle datei = dateien_->Oeffne(Pfad, Oeffnen::LesenSchreiben);
+        const Dateihandle datei = dateien_->Oeffne(Journalziel, Oeffnen::LesenSchreiben);
         journal.Uebertrage(datei, [this] { Ticke(1); });
         dateien_->Schliesse(datei);
     }
     Ticke(1);
-    SchliesseEinarbeitungAb(*dateien_, Pfad);
+    SchliesseEinarbeitungAb(*dateien_, Journalziel);
     EXPECT_TRUE(Pruefe("behind the last step"));
 }
 
@@ -518,18 +518,18 @@ TEST_P(Journalarbeit, WithoutRoomToGrowLeavesAllAsItWas) {
         {
             Einarbeitungsjournal journal(*dateien_, Fenster);
             Was().MacheFest(journal);
-            const Dateihandle datei = ram_->Oeffne(Pfad, Oeffnen::LesenSchreiben);
+            const Dateihandle datei = ram_->Oeffne(Journalziel, Oeffnen::LesenSchreiben);
             ram_->SetzeFreienPlatz(frei);
             EXPECT_NO_THROW(
                 try { journal.Uebertrage(datei, {}); } catch (const Journalfehler& fehler) {
                     EXPECT_EQ(fehler.Nummer, ENOSPC);
-                    EXPECT_EQ(ram_->Inhalt(Pfad), DaxDatei(Was().Alle()));
+                    EXPECT_EQ(ram_->Inhalt(Journalziel), DaxDatei(Was().Alle()));
                     EXPECT_FALSE(ram_->DateiExistiert(Journal));
                 });
             ram_->Schliesse(datei);
         }
         ram_->SetzeFreienPlatz(1 << 20);
-        SchliesseEinarbeitungAb(*dateien_, Pfad);
+        SchliesseEinarbeitungAb(*dateien_, Journalziel);
         Pruefe(std::to_string(frei) + " bytes free");
     }
 }

@@ -11,13 +11,13 @@ namespace {
 using namespace hilfen;
 using Ergebnis = Dateileser::Ergebnis;
 
-const std::string Pfad = "/d/dax.ZEK";
+const std::string Lesedatei = "/d/dax.ZEK";
 
 class Leser : public testing::Test {
 protected:
     Dateibefund Befund(const std::string& inhalt) {
-        ram.LegeDateiAn(Pfad, inhalt);
-        return PruefeDatei(dateien, Pfad);
+        ram.LegeDateiAn(Lesedatei, inhalt);
+        return PruefeDatei(dateien, Lesedatei);
     }
     RamDateisystem ram;
     StoerDateisystem dateien{ram};
@@ -25,8 +25,8 @@ protected:
 };
 
 TEST_F(Leser, GivesAllRecordsInBlocks) {
-    ram.LegeDateiAn(Pfad, DaxDatei(10000));
-    ASSERT_EQ(leser.Oeffne(Pfad), Ergebnis::Offen);
+    ram.LegeDateiAn(Lesedatei, DaxDatei(10000));
+    ASSERT_EQ(leser.Oeffne(Lesedatei), Ergebnis::Offen);
     EXPECT_EQ(leser.Anzahl(), 10000);
     EXPECT_EQ(FeldText(leser.Kopf().Kursartname), "Bezahlt");
     std::size_t anzahl = 0;
@@ -41,12 +41,12 @@ TEST_F(Leser, GivesAllRecordsInBlocks) {
 }
 
 TEST_F(Leser, FollowsAFileThatGrows) {
-    ram.LegeDateiAn(Pfad, DaxDatei(2));
-    ASSERT_EQ(leser.Oeffne(Pfad), Ergebnis::Offen);
+    ram.LegeDateiAn(Lesedatei, DaxDatei(2));
+    ASSERT_EQ(leser.Oeffne(Lesedatei), Ergebnis::Offen);
     EXPECT_EQ(leser.NaechsterBlock().size(), 2u);
     EXPECT_TRUE(leser.NaechsterBlock().empty());
     clDateiIO schreiber(ram);
-    schreiber.OpenFile(Pfad, false);
+    schreiber.OpenFile(Lesedatei, false);
     schreiber.SeekAbsolute(Dateiposition::AusBytes(856 + 32));
     const std::string neu = Satzbytes(46001, 7, 1) + "torn";
     schreiber.WriteBytes(std::as_bytes(std::span(neu)));
@@ -61,24 +61,24 @@ TEST_F(Leser, RefusesWhatIsNoDataFileAndNeverCreatesOne) {
     EXPECT_EQ(leser.Oeffne("/d/fehlt"), Ergebnis::NichtLesbar);
     EXPECT_EQ(leser.Fehlernummer(), ENOENT);
     EXPECT_FALSE(ram.DateiExistiert("/d/fehlt"));
-    ram.LegeDateiAn(Pfad, DaxKopf().substr(0, 855));
-    EXPECT_EQ(leser.Oeffne(Pfad), Ergebnis::ZuKurz);
-    ram.LegeDateiAn(Pfad, "X" + DaxKopf().substr(1));
-    EXPECT_EQ(leser.Oeffne(Pfad), Ergebnis::FremdeKennung);
-    ram.LegeDateiAn(Pfad, DaxKopf());
-    EXPECT_EQ(leser.Oeffne(Pfad), Ergebnis::Offen);
+    ram.LegeDateiAn(Lesedatei, DaxKopf().substr(0, 855));
+    EXPECT_EQ(leser.Oeffne(Lesedatei), Ergebnis::ZuKurz);
+    ram.LegeDateiAn(Lesedatei, "X" + DaxKopf().substr(1));
+    EXPECT_EQ(leser.Oeffne(Lesedatei), Ergebnis::FremdeKennung);
+    ram.LegeDateiAn(Lesedatei, DaxKopf());
+    EXPECT_EQ(leser.Oeffne(Lesedatei), Ergebnis::Offen);
     EXPECT_TRUE(leser.NaechsterBlock().empty());
 }
 
 TEST_F(Leser, AnEmptyFileIsTooShort) {
-    ram.LegeDateiAn(Pfad, "");
-    EXPECT_EQ(leser.Oeffne(Pfad), Ergebnis::ZuKurz);
+    ram.LegeDateiAn(Lesedatei, "");
+    EXPECT_EQ(leser.Oeffne(Lesedatei), Ergebnis::ZuKurz);
     EXPECT_EQ(leser.Fehlernummer(), 0);
 }
 
 TEST_F(Leser, OpeningAnotherFileClosesTheOneBefore) {
-    ram.LegeDateiAn(Pfad, DaxDatei(3));
-    ASSERT_EQ(leser.Oeffne(Pfad), Ergebnis::Offen);
+    ram.LegeDateiAn(Lesedatei, DaxDatei(3));
+    ASSERT_EQ(leser.Oeffne(Lesedatei), Ergebnis::Offen);
     EXPECT_EQ(leser.NaechsterBlock().size(), 3u);
     ram.LegeDateiAn("/d/zweite.ZEK", DaxDatei(5));
     ASSERT_EQ(leser.Oeffne("/d/zweite.ZEK"), Ergebnis::Offen);
@@ -88,8 +88,8 @@ TEST_F(Leser, OpeningAnotherFileClosesTheOneBefore) {
 
 TEST_F(Leser, AFileWhoseSizeCannotBeHadHasNone) {
     EXPECT_EQ(leser.Groesse(), 0) << "nothing is open";
-    ram.LegeDateiAn(Pfad, DaxDatei(3));
-    ASSERT_EQ(leser.Oeffne(Pfad), Ergebnis::Offen);
+    ram.LegeDateiAn(Lesedatei, DaxDatei(3));
+    ASSERT_EQ(leser.Oeffne(Lesedatei), Ergebnis::Offen);
     dateien.StoereArt(Dateiaufruf::Groesse, EIO);
     EXPECT_EQ(leser.Groesse(), 0);
     EXPECT_EQ(leser.Anzahl(), 0);
@@ -180,9 +180,9 @@ TEST_F(Leser, EveryTruncatedLengthIsReadWithoutAFault) {
 }
 
 TEST_F(Leser, AReadErrorIsReportedAndEndsTheReading) {
-    ram.LegeDateiAn(Pfad, DaxDatei(3));
+    ram.LegeDateiAn(Lesedatei, DaxDatei(3));
     dateien.Stoere({.Art = Dateiaufruf::Lies, .Ab = 2, .Fehler = EIO});
-    const Dateibefund befund = PruefeDatei(dateien, Pfad);
+    const Dateibefund befund = PruefeDatei(dateien, Lesedatei);
     EXPECT_EQ(befund.Fehlernummer, EIO);
     EXPECT_TRUE(befund.IstBeschaedigt());
 }

@@ -4,6 +4,7 @@
 
 #include "datafiles/kursart.h"
 #include "datafiles/vokabular.h"
+#include "hilfen/umgebung.h"
 #include "platform/text.h"
 
 #include <gmock/gmock.h>
@@ -144,11 +145,6 @@ TEST_F(EndeTest, AFailingCallLeavesTheFileOrPutsItRight) {
 
 constexpr std::size_t Block = 4096;
 
-std::uint64_t Umgebungszahl(const char* name, std::uint64_t vorgabe) {
-    const char* text = std::getenv(name);
-    return text == nullptr ? vorgabe : std::strtoull(text, nullptr, 10);
-}
-
 std::string NachStromausfall(const std::string& alt, const std::string& neu, std::mt19937_64& zufall) {
     std::size_t groesse = neu.size();
     if (zufall() % 4 != 0) {
@@ -185,7 +181,7 @@ std::string OhneAusgefallenes(const std::string& bild) {
 
 TEST(Stromausfall, EachFileTakesTicksAgainAndKeepsWhatTheDiskHasKept) {
     std::size_t abgerissen = 0;
-    const std::uint64_t saat = Umgebungszahl("ZEK_SAAT", 1), faelle = Umgebungszahl("ZEK_FAELLE", 3000);
+    const std::uint64_t saat = hilfen::Umgebungszahl("ZEK_SAAT", 1), faelle = hilfen::Umgebungszahl("ZEK_FAELLE", 3000);
     for (std::uint64_t nummer = saat; nummer < saat + faelle; ++nummer) {
         SCOPED_TRACE("ZEK_SAAT=" + std::to_string(nummer));
         std::mt19937_64 zufall(nummer);

@@ -15,7 +15,7 @@ using hilfen::DaxDatei;
 using hilfen::DaxKopf;
 using hilfen::Nullen;
 
-constexpr const char* Pfad = "/d/Index/DAX@EUREX_FUT_201206_EUR.ZEK";
+constexpr const char* Stoerdatei = "/d/Index/DAX@EUREX_FUT_201206_EUR.ZEK";
 constexpr int Ticks = 5;
 
 // What lies on the disk when the recorder starts.
@@ -66,7 +66,7 @@ protected:
     void Beginne() {
         ram = {};
         ram.LegeOrdnerbaumAn(GetParam().MitOrdner ? "/d/Index" : "/d");
-        if (GetParam().MitDatei) ram.LegeDateiAn(Pfad, GetParam().Datei);
+        if (GetParam().MitDatei) ram.LegeDateiAn(Stoerdatei, GetParam().Datei);
     }
     // Number of file calls that `Ticks` undisturbed ticks make here.
     std::uint64_t Aufrufe() {
@@ -76,7 +76,7 @@ protected:
         for (int i = 0; i < Ticks; ++i) rekorder.Tick(i);
         return zaehler.Anzahl();
     }
-    std::string Datei() const { return ram.Inhalt(Pfad); }
+    std::string Datei() const { return ram.Inhalt(Stoerdatei); }
     // Numbers of the ticks in the file, behind the records that were there before.
     std::vector<int> TicksInDatei() const {
         std::vector<int> nummern;
@@ -158,7 +158,7 @@ TEST_P(Anhaengestoerung, WhatWasAcknowledgedSurvivesACrashAtAnyCallAndTheNextSta
         ASSERT_EQ(TicksInDatei(), da);
         ASSERT_TRUE(AltesDa());
         ASSERT_TRUE(Heil());
-        const auto befund = PruefeDatei(ram, Pfad);
+        const auto befund = PruefeDatei(ram, Stoerdatei);
         ASSERT_EQ(befund.Ergebnis, Dateileser::Ergebnis::Offen);
         ASSERT_EQ(befund.RestBytes, 0);
         ASSERT_EQ(befund.NullsaetzeAmEnde + befund.NullsaetzeInnen, 0);
@@ -186,20 +186,20 @@ TEST_P(Anhaengestoerung, AShortWriteCostsItsTickAndLeavesNoTornRecord) {
 
 class VolleDisk : public testing::Test {
 protected:
-    VolleDisk() { ram.LegeDateiAn(Pfad, DaxDatei(3)); }
+    VolleDisk() { ram.LegeDateiAn(Stoerdatei, DaxDatei(3)); }
     hilfen::RamDateisystem ram;
     Rekorder rekorder{ram};
 };
 
 TEST_F(VolleDisk, TicksAreLostUntilThereIsRoomAgainAndTheFileStaysWhole) {
     for (std::int64_t platz = 0; platz < 48; ++platz) {
-        ram.LegeDateiAn(Pfad, DaxDatei(3));
+        ram.LegeDateiAn(Stoerdatei, DaxDatei(3));
         ram.SetzeFreienPlatz(platz);
         for (int i = 0; i < 4; ++i) rekorder.Tick(i);
-        ASSERT_EQ(ram.Inhalt(Pfad).size(), 856u + 16u * (3u + static_cast<unsigned>(platz / 16))) << platz;
+        ASSERT_EQ(ram.Inhalt(Stoerdatei).size(), 856u + 16u * (3u + static_cast<unsigned>(platz / 16))) << platz;
         ram.SetzeFreienPlatz(1'000'000);
         rekorder.Tick(4);
-        ASSERT_EQ(hilfen::Saetze(ram.Inhalt(Pfad)).back().Kurs, 1004) << platz;
+        ASSERT_EQ(hilfen::Saetze(ram.Inhalt(Stoerdatei)).back().Kurs, 1004) << platz;
     }
 }
 
@@ -207,13 +207,13 @@ TEST_F(VolleDisk, EachRefusedTickGivesOneLine) {
     ram.SetzeFreienPlatz(0);
     rekorder.Tick(0);
     rekorder.Tick(1);
-    EXPECT_EQ(rekorder.Status.Anzahl("beim Speichern von " + std::string(Pfad)), 2u);
+    EXPECT_EQ(rekorder.Status.Anzahl("beim Speichern von " + std::string(Stoerdatei)), 2u);
 }
 
 TEST(Stromausfall, ATornRecordKeepsWhatStandsBeforeItAndTheFileTakesNoMore) {
     for (std::size_t bytes = 1; bytes < 16; ++bytes) {
         hilfen::RamDateisystem ram;
-        ram.LegeDateiAn(Pfad, DaxDatei(3));
+        ram.LegeDateiAn(Stoerdatei, DaxDatei(3));
         {
             hilfen::StoerDateisystem gestoert(ram);
             Rekorder rekorder(gestoert);
@@ -221,13 +221,13 @@ TEST(Stromausfall, ATornRecordKeepsWhatStandsBeforeItAndTheFileTakesNoMore) {
             gestoert.StuerzeAb(4, bytes);  // open, size, seek, write
             rekorder.Tick(1);
         }
-        const std::string danach = ram.Inhalt(Pfad);
+        const std::string danach = ram.Inhalt(Stoerdatei);
         ASSERT_EQ(danach.size(), 856 + 4 * 16 + bytes);
         Rekorder neu(ram);
         neu.Tick(2);
-        EXPECT_EQ(ram.Inhalt(Pfad), danach);
+        EXPECT_EQ(ram.Inhalt(Stoerdatei), danach);
         EXPECT_TRUE(neu.Status.Eintraege.empty());
-        const auto befund = PruefeDatei(ram, Pfad);
+        const auto befund = PruefeDatei(ram, Stoerdatei);
         EXPECT_EQ(befund.Saetze, 4);
         EXPECT_EQ(befund.RestBytes, static_cast<int>(bytes));
     }

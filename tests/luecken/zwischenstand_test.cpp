@@ -17,21 +17,23 @@ using namespace hilfen;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::string Ordner = "/d/Lücken/";
+const std::string Zwischenordner = "/d/Lücken/";
 
-Zeit Um(int stunde, int minute = 0) {
+Zeit UmUhr(int stunde, int minute = 0) {
     return AufMillisekunde(ZeitpunktAus(2026, 11, 16, stunde, minute, 0));
 }
 
 class ZwischenstandTest : public testing::Test {
 protected:
-    void Datei(const std::string& name, const std::string& inhalt) { ram.LegeDateiAn(Ordner + name, inhalt); }
-    void Haenge(const std::string& name, const std::string& mehr) { Datei(name, ram.Inhalt(Ordner + name) + mehr); }
+    void Datei(const std::string& name, const std::string& inhalt) { ram.LegeDateiAn(Zwischenordner + name, inhalt); }
+    void Haenge(const std::string& name, const std::string& mehr) {
+        Datei(name, ram.Inhalt(Zwischenordner + name) + mehr);
+    }
     static std::string Zeile(int von, int bis, const std::string& titel, const std::string& ursache) {
-        const auto text = [](int stunde) { return Lueckenzeittext(Um(stunde)); };
+        const auto text = [](int stunde) { return Lueckenzeittext(UmUhr(stunde)); };
         return text(von) + "\t" + (bis < 0 ? "" : text(bis)) + "\t" + titel + "\t" + ursache + "\t\n";
     }
-    Zwischenlesung Lies() { return LiesZwischenstand(dateien, Ordner, Um(23)); }
+    Zwischenlesung Lies() { return LiesZwischenstand(dateien, Zwischenordner, UmUhr(23)); }
     static std::vector<std::string> Offene(const Zwischenstand& stand) {
         std::vector<std::string> texte;
         for (const auto& zeile : stand.Offen.Alle()) texte.push_back(zeile.Titel + " " + zeile.Ursache);
@@ -51,27 +53,27 @@ TEST_F(ZwischenstandTest, KnowsWhatIsOpenAndWhenTheBookBeginsAndEnds) {
     const auto lesung = Lies();
     EXPECT_TRUE(lesung.Lesbar);
     EXPECT_THAT(Offene(lesung.Stand), ElementsAre("ES Titel nicht aktiv", "NQ Keine Kurse"));
-    EXPECT_EQ(lesung.Stand.Beginn, Um(5)) << "a backfill isn't the book's beginning";
-    EXPECT_EQ(lesung.Stand.Letzte, Um(8));
+    EXPECT_EQ(lesung.Stand.Beginn, UmUhr(5)) << "a backfill isn't the book's beginning";
+    EXPECT_EQ(lesung.Stand.Letzte, UmUhr(8));
 }
 
 TEST_F(ZwischenstandTest, OneThatIsKeptSparesTheReadingOfAllThatItCovers) {
     Datei("2026-11-15.txt", Zeile(5, -1, "*", "TWS offline"));
     Datei("2026-11-16.txt", Zeile(6, -1, "ES", "Keine Kurse"));
-    ASSERT_EQ(SchreibeZwischenstand(dateien, Ordner, Lies().Stand), 0);
+    ASSERT_EQ(SchreibeZwischenstand(dateien, Zwischenordner, Lies().Stand), 0);
     Haenge("2026-11-16.txt", Zeile(5, 7, "*", "TWS offline"));
     dateien.VergissProtokoll();
     const auto lesung = Lies();
     EXPECT_THAT(Offene(lesung.Stand), ElementsAre("ES Keine Kurse"));
     EXPECT_EQ(lesung.Bytes, static_cast<std::int64_t>(Zeile(5, 7, "*", "TWS offline").size()));
-    EXPECT_EQ(lesung.Stand.Beginn, Um(5));
-    EXPECT_EQ(lesung.Stand.Letzte, Um(7));
+    EXPECT_EQ(lesung.Stand.Beginn, UmUhr(5));
+    EXPECT_EQ(lesung.Stand.Letzte, UmUhr(7));
 }
 
 TEST_F(ZwischenstandTest, ALineThatIsStillBeingWrittenIsReadOnceItIsWhole) {
     const std::string zeile = Zeile(6, -1, "ES", "Keine Kurse");
     Datei("2026-11-16.txt", zeile.substr(0, 30));
-    ASSERT_EQ(SchreibeZwischenstand(dateien, Ordner, Lies().Stand), 0);
+    ASSERT_EQ(SchreibeZwischenstand(dateien, Zwischenordner, Lies().Stand), 0);
     EXPECT_THAT(Offene(Lies().Stand), IsEmpty());
     Datei("2026-11-16.txt", zeile);
     EXPECT_THAT(Offene(Lies().Stand), ElementsAre("ES Keine Kurse"));
@@ -82,16 +84,16 @@ TEST_F(ZwischenstandTest, OneThatDoesNotFitIsMadeAnew) {
     const auto richteEin = [&] {
         Datei("2026-11-14.txt", Zeile(4, -1, "*", "TWS offline"));
         Datei("2026-11-15.txt", Zeile(5, -1, "NQ", "Keine Kurse"));
-        SchreibeZwischenstand(dateien, Ordner, Lies().Stand);
+        SchreibeZwischenstand(dateien, Zwischenordner, Lies().Stand);
     };
     richteEin();
-    ram.Loesche(Ordner + "2026-11-14.txt");
+    ram.Loesche(Zwischenordner + "2026-11-14.txt");
     EXPECT_THAT(Offene(Lies().Stand), ElementsAre("NQ Keine Kurse")) << "a file is gone";
     richteEin();
     Datei("2026-11-14.txt", "");
     EXPECT_THAT(Offene(Lies().Stand), ElementsAre("NQ Keine Kurse")) << "a file is shorter";
     richteEin();
-    const std::string gut = ram.Inhalt(Ordner + "Zwischenstand.txt");
+    const std::string gut = ram.Inhalt(Zwischenordner + "Zwischenstand.txt");
     for (std::size_t laenge = 0; laenge < gut.size(); ++laenge) {
         Datei("Zwischenstand.txt", gut.substr(0, laenge));
         const auto lesung = Lies();
@@ -100,12 +102,13 @@ TEST_F(ZwischenstandTest, OneThatDoesNotFitIsMadeAnew) {
     }
     Datei("Zwischenstand.txt", gut);
     EXPECT_EQ(Lies().Bytes, 0);
-    EXPECT_GT(LiesZwischenstand(dateien, Ordner, Um(4, 30)).Bytes, 0) << "it was kept under a clock that was ahead";
+    EXPECT_GT(LiesZwischenstand(dateien, Zwischenordner, UmUhr(4, 30)).Bytes, 0)
+        << "it was kept under a clock that was ahead";
 }
 
 TEST_F(ZwischenstandTest, ATimeOfTheFutureIsNoSignOfLife) {
     Datei("2026-11-16.txt", Zeile(6, 7, "*", "TWS offline") + Zeile(20, 21, "*", "Uhr verstellt"));
-    EXPECT_EQ(LiesZwischenstand(dateien, Ordner, Um(10)).Stand.Letzte, Um(7));
+    EXPECT_EQ(LiesZwischenstand(dateien, Zwischenordner, UmUhr(10)).Stand.Letzte, UmUhr(7));
 }
 
 TEST_F(ZwischenstandTest, LinesOfDayZeroAreCountedAndPassedOver) {
@@ -114,7 +117,7 @@ TEST_F(ZwischenstandTest, LinesOfDayZeroAreCountedAndPassedOver) {
     const auto lesung = Lies();
     EXPECT_EQ(lesung.Vorzeitige, 1u);
     EXPECT_THAT(Offene(lesung.Stand), IsEmpty());
-    EXPECT_EQ(lesung.Stand.Beginn, Um(6));
+    EXPECT_EQ(lesung.Stand.Beginn, UmUhr(6));
 }
 
 TEST_F(ZwischenstandTest, WhatCannotBeReadIsTold) {
@@ -125,17 +128,17 @@ TEST_F(ZwischenstandTest, WhatCannotBeReadIsTold) {
 
 TEST_F(ZwischenstandTest, AFailedWriteLeavesTheOldOne) {
     Datei("2026-11-16.txt", Zeile(6, -1, "*", "TWS offline"));
-    SchreibeZwischenstand(dateien, Ordner, Lies().Stand);
-    const std::string alt = ram.Inhalt(Ordner + "Zwischenstand.txt");
+    SchreibeZwischenstand(dateien, Zwischenordner, Lies().Stand);
+    const std::string alt = ram.Inhalt(Zwischenordner + "Zwischenstand.txt");
     Haenge("2026-11-16.txt", Zeile(7, -1, "*", "Keine Kurse"));
     const auto lesung = Lies();
     dateien.VergissProtokoll();
-    SchreibeZwischenstand(dateien, Ordner, lesung.Stand);
+    SchreibeZwischenstand(dateien, Zwischenordner, lesung.Stand);
     const auto aufrufe = dateien.Anzahl();
     Datei("Zwischenstand.txt", alt);
     for (std::uint64_t n = 1; n <= aufrufe; ++n) {
         dateien.StoereNten(n, EIO);
-        SchreibeZwischenstand(dateien, Ordner, lesung.Stand);
+        SchreibeZwischenstand(dateien, Zwischenordner, lesung.Stand);
         dateien.Heile();
         EXPECT_THAT(Offene(Lies().Stand), ElementsAre("* TWS offline", "* Keine Kurse")) << n;
         EXPECT_EQ(ram.OffeneHandles(), 0u);
@@ -153,11 +156,11 @@ TEST_F(ZwischenstandTest, KeptOrNotItComesToTheSame) {
                             art == 0   ? "Keine Kurse"
                             : art == 1 ? "TWS offline"
                                        : "Datenpflege Brief"));
-        if (zufall() % 7 == 0) SchreibeZwischenstand(dateien, Ordner, Lies().Stand);
+        if (zufall() % 7 == 0) SchreibeZwischenstand(dateien, Zwischenordner, Lies().Stand);
         if (zufall() % 5 != 0) continue;
         const auto mit = Lies();
-        const std::string gehalten = ram.Inhalt(Ordner + "Zwischenstand.txt");
-        ram.Loesche(Ordner + "Zwischenstand.txt");
+        const std::string gehalten = ram.Inhalt(Zwischenordner + "Zwischenstand.txt");
+        ram.Loesche(Zwischenordner + "Zwischenstand.txt");
         const auto ohne = Lies();
         if (!gehalten.empty()) Datei("Zwischenstand.txt", gehalten);
         // The order of files plays a part only for lines that are closed and opened again, which no recorder writes.
@@ -202,13 +205,14 @@ TEST(BuchdateienTest, AFileIsReadInBlocksWithoutLosingALine) {
 TEST(LebenszeichendateiTest, StandsAsWrittenByHandAndIsReadBack) {
     RamDateisystem ram;
     ram.LegeOrdnerbaumAn("/d/Lücken");
-    const Lebenszeichen zeichen{Um(10) + 250ms, Um(9), "eins"};
-    ASSERT_EQ(SchreibeLebenszeichen(ram, Ordner, zeichen), 0);
-    EXPECT_EQ(ram.Inhalt(Ordner + "Lebenszeichen.txt"), "16.11.2026 10:00:00,250\t16.11.2026 09:00:00,000\teins\n");
-    EXPECT_EQ(LiesLebenszeichen(ram, Ordner), zeichen);
-    const Lebenszeichen kurz{Um(11), std::nullopt, ""};
-    SchreibeLebenszeichen(ram, Ordner, kurz);
-    EXPECT_EQ(LiesLebenszeichen(ram, Ordner), kurz) << "over a longer one";
+    const Lebenszeichen zeichen{UmUhr(10) + 250ms, UmUhr(9), "eins"};
+    ASSERT_EQ(SchreibeLebenszeichen(ram, Zwischenordner, zeichen), 0);
+    EXPECT_EQ(ram.Inhalt(Zwischenordner + "Lebenszeichen.txt"),
+              "16.11.2026 10:00:00,250\t16.11.2026 09:00:00,000\teins\n");
+    EXPECT_EQ(LiesLebenszeichen(ram, Zwischenordner), zeichen);
+    const Lebenszeichen kurz{UmUhr(11), std::nullopt, ""};
+    SchreibeLebenszeichen(ram, Zwischenordner, kurz);
+    EXPECT_EQ(LiesLebenszeichen(ram, Zwischenordner), kurz) << "over a longer one";
     EXPECT_EQ(LiesLebenszeichen(ram, "/nirgends/"), std::nullopt);
 }
 

@@ -1,6 +1,7 @@
 // The per-user store where its surroundings fail: a lock that isn't given back, a user without a home.
 #include "platform/dateisystem_posix.h"
 #include "platform/ini_speicher.h"
+#include "platform/speicherwort.h"
 
 #include <gtest/gtest.h>
 
@@ -21,14 +22,6 @@
 
 namespace zek {
 namespace {
-
-int Schreibe(Nutzerspeicher& speicher, std::string_view anwendung, const Speicheraenderung& eine) {
-    return speicher.Schreibe(anwendung, std::span(&eine, 1), Haltbarkeit::Sofort);
-}
-
-int Schreibe(Profildatei& datei, const Speicheraenderung& eine) {
-    return datei.Schreibe(std::span(&eine, 1), Haltbarkeit::Sofort);
-}
 
 struct Not : testing::Test {
     Not() {

@@ -2,6 +2,7 @@
 #include "platform/ini_speicher.h"
 #include "platform/ordnersperre.h"
 #include "platform/prozess_posix.h"
+#include "platform/speicherwort.h"
 #include "platform/text.h"
 
 #include <gtest/gtest.h>
@@ -25,14 +26,6 @@
 
 namespace zek {
 namespace {
-
-int Schreibe(Nutzerspeicher& speicher, std::string_view anwendung, const Speicheraenderung& eine) {
-    return speicher.Schreibe(anwendung, std::span(&eine, 1), Haltbarkeit::Sofort);
-}
-
-int Schreibe(Profildatei& datei, const Speicheraenderung& eine) {
-    return datei.Schreibe(std::span(&eine, 1), Haltbarkeit::Sofort);
-}
 
 namespace fs = std::filesystem;
 

@@ -83,7 +83,7 @@ Soll OhneSichern(Soll soll) {
     return soll;
 }
 
-std::vector<Soll> Tabelle() {
+std::vector<Soll> Sollwerte() {
     return {
         Schalter("Optionen", "UseGesamtvolumen", &E::UseGesamtvolumen),
         Schalter("UmsatzFilter", "IBBezahlt", &E::IBBezahlt),
@@ -122,7 +122,7 @@ struct TabellenTest : testing::Test {
     hilfen::TestMeldungen meldungen;
     IBModul modul;
     Einstellungsspeicher speicher{modul.Einstellungen, modul, registry, datei};
-    const std::vector<Soll> tabelle = Tabelle();
+    const std::vector<Soll> tabelle = Sollwerte();
 
     void Lies() {
         modul.Einstellungen = {};

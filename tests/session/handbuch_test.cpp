@@ -33,7 +33,7 @@ std::string Form(const Einstellungszeile& zeile) {
     return "";
 }
 
-std::string Tabelle() {
+std::string Handbuchzeilen() {
     std::string text;
     for (const Einstellungszeile& zeile : Einstellungstabelle())
         text += "<tr><td>" + std::string(zeile.Abschnitt) + "</td><td><code>" + std::string(zeile.Schluessel) +
@@ -46,7 +46,8 @@ TEST(Handbuchtabelle, NamesEverySettingAsTheProgramReadsIt) {
     std::ifstream datei(hilfen::Quellordner() + "/docs/hilfe/einstellungen.html");
     const std::string seite((std::istreambuf_iterator<char>(datei)), std::istreambuf_iterator<char>());
     EXPECT_NE(seite.find("<h2 id=\"alle\">"), std::string::npos);
-    EXPECT_NE(seite.find(Tabelle()), std::string::npos) << "docs/hilfe/einstellungen.html should hold\n" << Tabelle();
+    EXPECT_NE(seite.find(Handbuchzeilen()), std::string::npos) << "docs/hilfe/einstellungen.html should hold\n"
+                                                               << Handbuchzeilen();
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ simulator::Kontrakt Kontrakt(const char* symbol, const char* typ, const char* la
     return k;
 }
 
-constexpr double Stunde = 1.0 / 24;
+constexpr double EineStunde = 1.0 / 24;
 
 }  // namespace
 
@@ -46,11 +46,11 @@ void Besetze(Rekorderwelt& w, Besetzung besetzung) {
     w.Setze("Optionen", "KeineAufzeichungEnde", std::string(Pausenende));
     w.Titel("DAX", "IND", "EUREX", "EUR").BidAsk = false;
     w.Devise();
-    w.Titel("NQ", "FUT", "CME", "USD", "20261218").ZeitKorrektur = 6 * Stunde;
+    w.Titel("NQ", "FUT", "CME", "USD", "20261218").ZeitKorrektur = 6 * EineStunde;
     w.Titel("BTC", "CRYPTO", "PAXOS", "USD");
     clTitelobjekt& spaet = w.Titel("MSFT", "STK", "SMART", "USD");
     spaet.StartZeit = Uhrzeit(10, 15);
-    spaet.ZeitKorrektur = Stunde / 2;
+    spaet.ZeitKorrektur = EineStunde / 2;
     w.Titel("TSLA", "STK", "NYSE", "USD").AufzeichnungspauseVerwenden = true;  // by its exchange
 }
 

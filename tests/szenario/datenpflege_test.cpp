@@ -15,7 +15,6 @@ using testing::HasSubstr;
 using testing::Not;
 
 constexpr int Future = 1;  // title id of the first title
-const Datum Neun = DatumAus(2026, 11, 16, 9, 0, 0);
 
 // Local time is an hour ahead of UTC.
 simulator::Sekunde Utc(Datum zeit) {

@@ -6,7 +6,7 @@
 namespace zek::szenario {
 namespace {
 
-const Datum Montagmorgen = DatumAus(2026, 11, 16, 8, 55, 0);
+const Datum Indexmorgen = DatumAus(2026, 11, 16, 8, 55, 0);
 
 simulator::Einstellungen Boersenstunden() {
     simulator::Einstellungen e;
@@ -43,7 +43,7 @@ std::vector<KursDatensatz> ErwartetAus(const Rekorderwelt& w, int titel) {
 }
 
 TEST(IndizesTest, TheSampleTitlesDaxAndTickNyseRecordRightAway) {
-    Rekorderwelt w(Montagmorgen, Boersenstunden());
+    Rekorderwelt w(Indexmorgen, Boersenstunden());
     ASSERT_TRUE(w.Starte());
     w.sitzung->Teile().BeispieltitelAnlegen({false, false, true, false});
     w.Bis(9, 10);
@@ -68,7 +68,7 @@ TEST(IndizesTest, TheSampleTitlesDaxAndTickNyseRecordRightAway) {
 }
 
 TEST(IndizesTest, TheVolumeFilterLeavesOutAnIndexAsAnyOtherTradeOfSizeZero) {
-    Rekorderwelt w(Montagmorgen, Boersenstunden());
+    Rekorderwelt w(Indexmorgen, Boersenstunden());
     w.Setze("UmsatzFilter", "IBBezahlt", "1");
     w.Titel("DAX", "IND", "EUREX", "EUR");
     ASSERT_TRUE(w.Starte());

@@ -24,6 +24,8 @@
 namespace zek::szenario {
 
 inline constexpr int Port = 7496;
+// A Monday on which the markets are open.
+inline const Datum Neun = DatumAus(2026, 11, 16, 9, 0, 0);
 inline constexpr int Klient = 255281497;  // client id of the live session
 
 // The clock of the broker's server: always right, whatever becomes of the recorder's.

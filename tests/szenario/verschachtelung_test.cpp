@@ -12,8 +12,6 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-const Datum Neun = DatumAus(2026, 11, 16, 9, 0, 0);
-
 simulator::Einstellungen Dicht() {
     simulator::Einstellungen e;
     e.Pfad.Dichte = 0.4;
