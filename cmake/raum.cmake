@@ -7,11 +7,11 @@ target_compile_options(zek_warnungen INTERFACE -Wall -Wextra -Wpedantic -Wconver
 add_custom_target(tests)
 add_custom_target(benchmarks)
 
-# zek_raum(NAME [UNTER room...] [QT module...] [VORKOPF header]): library zek_NAME of all sources in this folder. Its headers are linked
+# zek_raum(NAME [UNTER room...] [QT module...]): library zek_NAME of all sources in this folder. Its headers are linked
 # into an include folder of its own, and a target sees the folders of the rooms that it names, and of those under them:
 # an include that points up doesn't build.
 function(zek_raum name)
-  cmake_parse_arguments(R "" "VORKOPF" "UNTER;QT" ${ARGN})
+  cmake_parse_arguments(R "" "" "UNTER;QT" ${ARGN})
   file(GLOB quellen CONFIGURE_DEPENDS *.cpp *.h)
   add_library(zek_${name} STATIC ${quellen})
   set_target_properties(zek_${name} PROPERTIES LINKER_LANGUAGE CXX)
@@ -27,12 +27,6 @@ function(zek_raum name)
   endforeach()
   target_include_directories(zek_${name} PUBLIC ${einblick})
   target_link_libraries(zek_${name} PRIVATE zek_warnungen)
-  if(ZEK_PCH AND R_VORKOPF)
-    target_precompile_headers(zek_${name} PRIVATE ${R_VORKOPF})
-  endif()
-  if(ZEK_FUZZ)
-    target_compile_options(zek_${name} PRIVATE -fsanitize=fuzzer-no-link)
-  endif()
   foreach(unter ${R_UNTER})
     target_link_libraries(zek_${name} PUBLIC zek_${unter})
   endforeach()
@@ -48,23 +42,19 @@ function(zek_welt name)
   endif()
 endfunction()
 
-# zek_test(NAME room... [SCHERBEN n] [VORKOPF header]): test_NAME of all sources in this folder, run as n shards. Test
-# code isn't optimised, also where the product is. It has the precompiled header of the engine's tests, one of its own,
-# or that of another test program (VORKOPF test_OTHER); "keiner" is none.
+# zek_test(NAME room... [SCHERBEN n] [OHNE_VORKOPF]): test_NAME of all sources in this folder, run as n shards. Test code
+# isn't optimised, also where the product is. It has the precompiled header of the engine's tests; programs that use Qt
+# can't, since Qt brings compiler options of its own.
 function(zek_test name)
-  cmake_parse_arguments(T "" "SCHERBEN;VORKOPF" "" ${ARGN})
+  cmake_parse_arguments(T "OHNE_VORKOPF" "SCHERBEN" "" ${ARGN})
   file(GLOB quellen CONFIGURE_DEPENDS *.cpp *.h)
   add_executable(test_${name} EXCLUDE_FROM_ALL ${quellen})
   add_dependencies(tests test_${name})
   target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_compile_options(test_${name} PRIVATE ${ZEK_TEST_OPTIONS})
   target_link_libraries(test_${name} PRIVATE zek_warnungen zek_hilfen GTest::gmock ${T_UNPARSED_ARGUMENTS})
-  if(ZEK_PCH AND NOT T_VORKOPF)
+  if(ZEK_PCH AND NOT T_OHNE_VORKOPF)
     target_precompile_headers(test_${name} REUSE_FROM zek_vorkopf)
-  elseif(ZEK_PCH AND TARGET "${T_VORKOPF}")
-    target_precompile_headers(test_${name} REUSE_FROM ${T_VORKOPF})
-  elseif(ZEK_PCH AND NOT T_VORKOPF STREQUAL "keiner")
-    target_precompile_headers(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/${T_VORKOPF})
   endif()
   if(NOT T_SCHERBEN)
     set(T_SCHERBEN 1)
@@ -72,7 +62,7 @@ function(zek_test name)
   math(EXPR letzte "${T_SCHERBEN} - 1")
   foreach(i RANGE ${letzte})
     add_test(NAME ${name}.${i} COMMAND test_${name} WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
-    set_tests_properties(${name}.${i} PROPERTIES TIMEOUT 240
+    set_tests_properties(${name}.${i} PROPERTIES TIMEOUT 600
       ENVIRONMENT "GTEST_TOTAL_SHARDS=${T_SCHERBEN};GTEST_SHARD_INDEX=${i};QT_QPA_PLATFORM=offscreen")
   endforeach()
 endfunction()
