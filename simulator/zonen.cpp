@@ -44,7 +44,7 @@ std::chrono::local_seconds AlsZeit(Sekunde seit1970) {
 
 Sekunde UtcAus(int jahr, int monat, int tag, int stunde, int minute, int sekunde) {
     const std::chrono::seconds mitternacht = TagAus(jahr, monat, tag).time_since_epoch();
-    return mitternacht.count() + stunde * 3600 + minute * 60 + sekunde;
+    return mitternacht.count() + Sekunde{3600} * stunde + Sekunde{60} * minute + sekunde;
 }
 
 bool IstSommer(const Zonenzeile& zone, Sekunde utc) {
@@ -87,7 +87,7 @@ std::optional<int> Zonenversatz(std::string_view zone, Sekunde utc) {
 
 std::string Datumzeit(Sekunde utc, int versatzMinuten, std::string_view trenner) {
     // yyyy:mm:dd:hh:mm:ss
-    const std::string felder = Felderstempel(AlsZeit(utc + versatzMinuten * 60), ':');
+    const std::string felder = Felderstempel(AlsZeit(utc + Sekunde{60} * versatzMinuten), ':');
     return felder.substr(0, 4) + felder.substr(5, 2) + felder.substr(8, 2) + std::string(trenner) + felder.substr(11);
 }
 
@@ -114,12 +114,13 @@ std::optional<Endzeit> LiesEndzeit(std::string_view text, const Betreiberzone& b
     }
     const Sekunde wand = UtcAus(*jahr, *monat, *tag, *stunde, *minute, *sekunde);
     const std::string_view zone = Getrimmt(text);
-    if (zone.empty()) return strich ? Endzeit{wand, false} : Endzeit{wand - betreiber.VersatzMinuten * 60, true};
-    if (zone == betreiber.Name) return Endzeit{wand - betreiber.VersatzMinuten * 60, false};
+    if (zone.empty())
+        return strich ? Endzeit{wand, false} : Endzeit{wand - Sekunde{60} * betreiber.VersatzMinuten, true};
+    if (zone == betreiber.Name) return Endzeit{wand - Sekunde{60} * betreiber.VersatzMinuten, false};
     // The offset hangs on the moment and the moment on the offset; one step settles all but the changing hour.
     const auto ungefaehr = Zonenversatz(zone, wand);
     if (!ungefaehr) return std::nullopt;
-    return Endzeit{wand - *Zonenversatz(zone, wand - *ungefaehr * 60) * 60, false};
+    return Endzeit{wand - Sekunde{60} * *Zonenversatz(zone, wand - Sekunde{60} * *ungefaehr), false};
 }
 
 }  // namespace zek::simulator
