@@ -1,6 +1,7 @@
 #include "backfill/historienzugang.h"
 
 #include "feed/abonnement.h"
+#include "feed/tws/codes.h"
 #include "platform/datum.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
@@ -9,14 +10,6 @@
 
 namespace zek {
 namespace {
-
-namespace fehler {
-inline constexpr int ZuVieleTicker = 101, DoppelteNummer = 102, Historiendienst = Historienzugang::Historiendienst,
-                     KeinKontrakt = 200, KeineFreigabe = 203, KeineAnfrage = 366, TwsOffline = 1100,
-                     VerbindungDatenVerloren = 1101, VerbindungDatenErhalten = 1102, KursfarmAktiv = 2104,
-                     HistorienfarmAktiv = 2106, HistorienfarmBereit = 2107, StammdatenfarmAktiv = 2158,
-                     ZeitzoneFehlt = 2174;
-}  // namespace fehler
 
 constexpr int Historiennummer = 1;  // ticker id of every history request
 
@@ -34,12 +27,12 @@ std::optional<Zeitpunkt> WieGefragt(std::optional<Zeitpunkt> ende) {
 
 // No answer follows. Refused as a duplicate, the earlier request with the number goes on.
 bool BeendetAnfrage(int errorCode) {
-    return errorCode == fehler::ZuVieleTicker || errorCode == fehler::Historiendienst ||
-           errorCode == fehler::KeinKontrakt || errorCode == fehler::KeineFreigabe;
+    return errorCode == tws::code::ZuVieleTicker || errorCode == tws::code::Historiendienst ||
+           errorCode == tws::code::KeinKontrakt || errorCode == tws::code::KeineFreigabe;
 }
 
 bool IstPacingVerletzung(int errorCode, std::string_view errorMsg) {
-    return errorCode == fehler::Historiendienst &&
+    return errorCode == tws::code::Historiendienst &&
            Kleinbuchstaben(errorMsg).find("pacing violation") != std::string::npos;
 }
 
@@ -299,7 +292,7 @@ void Historienzugang::errMsg(int id, int errorCode, std::string_view errorMsg, s
 // Only the history service answers with 162; any other refusal is the contract's, as long as that is still to come.
 // Then the history request is taken for open, which at worst costs a new connection.
 void Historienzugang::OrdneAblehnungZu(int errorCode) {
-    if (errorCode != fehler::Historiendienst && offen_.Vertraege > 0)
+    if (errorCode != tws::code::Historiendienst && offen_.Vertraege > 0)
         --offen_.Vertraege;
     else
         offen_.Historie = false;
@@ -308,18 +301,18 @@ void Historienzugang::OrdneAblehnungZu(int errorCode) {
 void Historienzugang::Protokolliere(int errorCode, std::string_view errorMsg) {
     const std::string nummer = " (" + std::to_string(errorCode) + ")";
     switch (errorCode) {
-        case fehler::HistorienfarmAktiv:
-        case fehler::KeineAnfrage:
-        case fehler::KursfarmAktiv:
-        case fehler::StammdatenfarmAktiv:
-        case fehler::ZeitzoneFehlt:
+        case tws::code::HistorienfarmAktiv:
+        case tws::code::KeineAnfrage:
+        case tws::code::KursfarmAktiv:
+        case tws::code::StammdatenfarmAktiv:
+        case tws::code::ZeitzoneFehlt:
             return;
         case tws::code::NichtVerbunden:
             if (geschlossen_) return;
             IBBackfill_->disconnect();
             Verbinde();
             return;
-        case fehler::HistorienfarmBereit:
+        case tws::code::HistorienfarmBereit:
             um_.Status.Statusmeldung(pacing_.Haelt() ? "Datenpflege kann fortgesetzt werden"
                                                      : Anzeigetext(errorMsg) + nummer);
             return;
@@ -330,24 +323,24 @@ void Historienzugang::Protokolliere(int errorCode, std::string_view errorMsg) {
 
 void Historienzugang::Deute(int errorCode) {
     switch (errorCode) {
-        case fehler::ZuVieleTicker:
-        case fehler::DoppelteNummer:
-        case fehler::Historiendienst:
-        case fehler::KeinKontrakt:
-        case fehler::KeineFreigabe:
+        case tws::code::ZuVieleTicker:
+        case tws::code::DoppelteNummer:
+        case tws::code::Historiendienst:
+        case tws::code::KeinKontrakt:
+        case tws::code::KeineFreigabe:
             anfrage_.Stand = Anfragestand::Abgelehnt;
             anfrage_.BeendetUm = Jetzt();
             serie_.Fehlercode = errorCode;
             break;
-        case fehler::HistorienfarmBereit:
+        case tws::code::HistorienfarmBereit:
             if (pacing_.Haelt()) um_.Takt.Freigabe(Jetzt());
             pacing_.Endet();
             break;
-        case fehler::TwsOffline:
+        case tws::code::TwsOffline:
             verbindungsverlust_.Beginnt();
             break;
-        case fehler::VerbindungDatenVerloren:
-        case fehler::VerbindungDatenErhalten:
+        case tws::code::VerbindungDatenVerloren:
+        case tws::code::VerbindungDatenErhalten:
             verbindungsverlust_.Endet();
             break;
         default:

@@ -94,7 +94,6 @@ public:
     void historicalData(int reqId, const tws::Bar& bar) override;
     void historicalDataEnd(int reqId, std::string_view start, std::string_view end) override;
 
-    static constexpr int Historiendienst = 162;    // the code of the service itself
     static constexpr Dauer Anfragespanne = 2000s;  // of a request, in one-second bars
     static constexpr Dauer Pacingwartezeit = 600s;
     static constexpr Dauer Verbindungswartezeit = 1800s;

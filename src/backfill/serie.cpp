@@ -2,6 +2,7 @@
 
 #include "datafiles/dateikopf.h"
 #include "datafiles/dateinamen.h"
+#include "feed/tws/codes.h"
 #include "platform/datum.h"
 #include "platform/ohnefehler.h"
 
@@ -108,7 +109,7 @@ std::string Serie::Fehlgrund() const {
     if (zeitablauf_) return "Zeitüberschreitung";
     if (um_.Abbruch) return "abgebrochen";
     const int code = um_.Zugang.Fehlercode();
-    if (code == Historienzugang::Historiendienst) return "keine Daten";
+    if (code == tws::code::Historiendienst) return "keine Daten";
     return code != 0 ? "abgelehnt (" + std::to_string(code) + ")" : "nicht abgefragt";
 }
 

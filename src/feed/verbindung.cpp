@@ -1,5 +1,6 @@
 #include "feed/verbindung.h"
 
+#include "feed/tws/codes.h"
 #include "platform/laufmarke.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
@@ -82,20 +83,20 @@ void Verbindung::errMsg(int id, int errorCode, std::string_view errorMsg,
 
 void Verbindung::NachCodeHandeln(int errorCode) {
     switch (errorCode) {
-        case meldungscode::FarmAktiv:
+        case tws::code::KursfarmAktiv:
             um_.Stand.FarmAktiv = true;
             break;
-        case meldungscode::TwsOffline:
+        case tws::code::TwsOffline:
             Unterrichte([](Stromwache& wache) { wache.TwsIstOffline(); });
             TwsIstOffline();
             break;
-        case meldungscode::VerbindungDatenVerloren:
-        case meldungscode::VerbindungDatenErhalten:
+        case tws::code::VerbindungDatenVerloren:
+        case tws::code::VerbindungDatenErhalten:
             Unterrichte(
-                [&](Stromwache& wache) { wache.TwsIstWiederDa(errorCode == meldungscode::VerbindungDatenErhalten); });
+                [&](Stromwache& wache) { wache.TwsIstWiederDa(errorCode == tws::code::VerbindungDatenErhalten); });
             VerbindungWiederhergestellt();
             break;
-        case meldungscode::SocketFehler:
+        case tws::code::SocketFehler:
             SocketAusgefallen();
             break;
         default:

@@ -17,12 +17,6 @@
 
 namespace zek {
 
-// Message codes with an action of their own; every other code is only reported and looked up in the restart list.
-namespace meldungscode {
-inline constexpr int TwsOffline = 1100, VerbindungDatenVerloren = 1101, VerbindungDatenErhalten = 1102,
-                     FarmAktiv = 2104, SocketFehler = tws::code::SocketFehler;
-}  // namespace meldungscode
-
 // Errors are ignored step by step: no event lets an exception out to the control.
 class Verbindung final : public tws::TwsEreignisse {
 public:

@@ -1,5 +1,6 @@
 #include "supervision/lueckenwache.h"
 
+#include "feed/tws/codes.h"
 #include "luecken/zwischenstand.h"
 #include "platform/ohnefehler.h"
 
@@ -12,11 +13,6 @@ constexpr std::uint32_t NachholenJede = 10;  // seconds
 constexpr std::uint64_t HoechstensNachzulesen = 1024 * 1024;
 constexpr std::uint32_t VerdichtenNach = 60;  // seconds from the start on
 constexpr std::size_t ReservezeilenJeTitel = 8;
-
-// News that are like 1100.
-constexpr int VerbindungGestoert = 2110;
-constexpr int FarmGestoert = 2103;
-constexpr int FarmWiederDa = 2104;
 
 }  // namespace
 
@@ -99,9 +95,9 @@ void Lueckenwache::TwsIstWiederDa(bool datenErhalten) {
 
 void Lueckenwache::Meldung(int code, std::string_view text) {
     if (!laeuft_) return;
-    if (code == VerbindungGestoert) TwsIstOffline();
-    if (code == FarmGestoert) farm_.Gestoert(text, uhr_.Jetzt());
-    if (code == FarmWiederDa) farm_.WiederDa(uhr_.Jetzt());
+    if (code == tws::code::VerbindungGestoert) TwsIstOffline();
+    if (code == tws::code::KursfarmGestoert) farm_.Gestoert(text, uhr_.Jetzt());
+    if (code == tws::code::KursfarmAktiv) farm_.WiederDa(uhr_.Jetzt());
 }
 
 // ---- titles

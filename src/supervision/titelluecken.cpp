@@ -1,6 +1,7 @@
 #include "supervision/titelluecken.h"
 
 #include "datafiles/dateinamen.h"
+#include "feed/tws/codes.h"
 
 #include <algorithm>
 #include <array>
@@ -11,11 +12,21 @@ namespace zek {
 namespace {
 
 // Messages that leave a title without its live stream, in whole or in part.
-constexpr std::array Ablehnungscodes{101, 200, 203, 321, 354, 10089, 10090, 10091, 10167, 10168, 10186, 10197};
-// A competing session: it takes a stream that stood.
-constexpr int Konkurrenz = 10197;
+constexpr std::array Ablehnungscodes{tws::code::ZuVieleTicker,
+                                     tws::code::KeinKontrakt,
+                                     tws::code::KeineFreigabe,
+                                     tws::code::AnfrageUngueltig,
+                                     tws::code::NichtAbonniert,
+                                     tws::code::NichtAbonniertFuerApi,
+                                     tws::code::TeilNichtAbonniert,
+                                     tws::code::TeilNichtAbonniertFuerApi,
+                                     tws::code::VerzoegertStattAbonniert,
+                                     tws::code::NichtAbonniertNichtVerzoegert,
+                                     tws::code::VerzoegerteAbgeschaltet,
+                                     tws::code::Konkurrenz};
 // Messages that concern a title's depth only.
-constexpr std::array Tiefencodes{309, 310, 316, 10092};
+constexpr std::array Tiefencodes{tws::code::ZuVieleTiefen, tws::code::TiefeUnbekannt, tws::code::TiefeAngehalten,
+                                 tws::code::TiefeNichtUnterstuetzt};
 // An answer that comes later isn't one to the subscription.
 constexpr Dauer Antwortzeit = 30s;
 // Waits that are over sooner become one line.
@@ -243,7 +254,7 @@ void Titelluecken::Meldung(const clTitelobjekt& titel, int code, Zeitpunkt jetzt
     if (stand == nullptr || (!kurse && !tiefe)) return;
     std::string& grund = kurse ? stand->Abgelehnt : stand->Tiefe;
     if (!grund.empty()) return;
-    const bool antwort = code != Konkurrenz && stand->Abonniert && jetzt - stand->Abozeit <= Antwortzeit;
+    const bool antwort = code != tws::code::Konkurrenz && stand->Abonniert && jetzt - stand->Abozeit <= Antwortzeit;
     const Zeitpunkt ab = antwort ? stand->Abozeit : jetzt;
     grund = MitZusatz(kurse ? ursache::AbonnementAbgelehnt : ursache::TiefeAbgelehnt, "(" + std::to_string(code) + ")");
     if (kurse) {

@@ -7,6 +7,7 @@
 //   EXPECT_EQ(fabrik.Letzte().Zeilen.back(), "cancelMktData(17)");
 #pragma once
 
+#include "feed/tws/codes.h"
 #include "feed/tws/tws.h"
 
 #include <charconv>

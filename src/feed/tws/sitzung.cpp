@@ -1,5 +1,6 @@
 #include "feed/tws/sitzung.h"
 
+#include "feed/tws/codes.h"
 #include "feed/tws/decoder.h"
 #include "feed/tws/encoder.h"
 #include "feed/tws/feldleser.h"

@@ -62,17 +62,6 @@ struct Bar {
     std::int32_t barCount = 0;
 };
 
-// Session codes that the client itself raises through errMsg, always with id -1. The session has ended when they come
-// (except 504). connectionClosed follows if a session stood (-1) or the server had been reached (503, 506, 507), unless
-// the handler gave the control up or connected anew.
-namespace code {
-inline constexpr int SocketFehler = -1;       // the socket broke; text of the system
-inline constexpr int NichtVerbunden = 504;    // a request without a session
-inline constexpr int ZuAlt = 503;             // the server's version is below 100
-inline constexpr int VersionUnbekannt = 506;  // the server's version is no number, or beyond the last one with text
-inline constexpr int FalscheRahmenlaenge = 507;
-}  // namespace code
-
 // The events of one session. All are called from the pump, never from inside an operation, except that an
 // operation without a session raises errMsg 504 at once. Texts live only during the call. The control that calls
 // may be destroyed, disconnected or connected anew inside any of them; no further event of the old session follows.

@@ -1,5 +1,6 @@
 #include "feed/tws/twsclient.h"
 
+#include "feed/tws/codes.h"
 #include "feed/tws/encoder.h"
 #include "feed/tws/nachrichten.h"
 #include "feed/tws/sitzung.h"
