@@ -251,6 +251,14 @@ TEST(TiteldateiStoerung, ANewListThatWasWholeIsKeptWithoutAWord) {
     EXPECT_EQ(fall.Ram().Dateien(), std::vector<std::string>{Datei});
 }
 
+TEST(TiteldateiStoerung, ANewListThatEndsTheFileIsKeptWhenOnlyTheSafeCopyStayed) {
+    Fall fall({Gespeichert(std::nullopt, {"AAPL"}), {"GOOGL", "IBM"}});
+    fall.Stirb(fall.Erster(Dateiaufruf::Loesche, Vorher), 0);
+    ASSERT_TRUE(fall.Ram().DateiExistiert(Vorher));
+    EXPECT_FALSE(LiesTiteldatei(fall.Ram(), "/p/").Zurueckgestellt);
+    EXPECT_EQ(fall.Ram().Inhalt(Datei), fall.Ganz());
+}
+
 TEST(TiteldateiStoerung, ASaveBehindABrokenOneBringsTheOldListBackFirst) {
     Fall fall({Gespeichert(std::nullopt, {"AAPL", "IBM", "MSFT"}), {"GOOGL"}});
     const std::uint64_t erster = fall.Erster(Dateiaufruf::Schreibe, Datei);

@@ -387,7 +387,7 @@ TEST_F(TiteldateiTest, WhatFailsWhileItIsReadIsToldWithTheSystemsText) {
 
 TEST_F(TiteldateiTest, ACopyOfDamageThatCantBeCutIsNotPromised) {
     ram.LegeDateiAn(Pfad, Kennung + EinTitel.substr(0, 50));
-    EXPECT_THAT(Lies().Fehlertext, testing::HasSubstr("Eine Kopie der Datei liegt daneben: „IB_Titel.Dat.defekt“."));
+    EXPECT_THAT(Lies().Fehlertext, testing::EndsWith(" Eine Kopie der Datei liegt daneben: „IB_Titel.Dat.defekt“."));
     hilfen::StoerDateisystem gestoert(ram);
     gestoert.Stoere({.Art = hilfen::Dateiaufruf::SetzeLaenge, .Pfadteil = "defekt", .Fehler = EIO});
     EXPECT_THAT(LiesTiteldatei(gestoert, "/p/").Fehlertext, testing::Not(testing::HasSubstr("Kopie")));

@@ -203,6 +203,39 @@ TEST(Titelobjekt, TheAdditionalListMayLackItsLaterElements) {
     EXPECT_EQ(titel.BackfillPrioritaet, 0);
     titel.ReadAllPara(Liste(MitZusatz(Liste({Wert{0.5}, Wert{}, Wert{std::int16_t{4}}}))));
     EXPECT_EQ(titel.BackfillPrioritaet, 4);
+    titel.ReadAllPara(Liste(MitZusatz(Liste({Wert{0.25}, Wert{}}))));
+    EXPECT_EQ(titel.ZeitKorrektur, 0.25);
+}
+
+// What reading such a list tells.
+std::string Lesefehler(std::vector<Wert> werte) {
+    clTitelobjekt titel;
+    try {
+        titel.ReadAllPara(Liste(std::move(werte)));
+    } catch (const WertbaumFehler& fehler) {
+        return fehler.what();
+    }
+    return "";
+}
+
+TEST(Titelobjekt, WhatCannotBeReadIsToldWithTheNumberOfTheElement) {
+    EXPECT_EQ(Lesefehler({T("NQ")}), "Der Titelwert 1 fehlt.");
+    for (const std::size_t zahl : {4u, 10u, 12u}) {
+        auto werte = FuenfzehnWerte();
+        werte[zahl] = T("5");
+        EXPECT_EQ(Lesefehler(werte), "Falscher Typ des Titelwertes " + std::to_string(zahl) + ".");
+    }
+}
+
+TEST(Titelobjekt, ThePriorityOfTheBackfillMayStandInMoreBitsThanItHas) {
+    const auto mit = [](std::int32_t prioritaet) { return MitZusatz(Liste({Wert{0.5}, Wert{}, Wert{prioritaet}})); };
+    for (const std::int32_t gut : {-32768, 0, 32767}) {
+        clTitelobjekt titel;
+        titel.ReadAllPara(Liste(mit(gut)));
+        EXPECT_EQ(titel.BackfillPrioritaet, gut);
+    }
+    for (const std::int32_t schlecht : {-32769, 32768})
+        EXPECT_EQ(Lesefehler(mit(schlecht)), "Falscher Typ des Titelwertes 2.") << schlecht;
 }
 
 TEST(Titelobjekt, AnElementOfAWrongTypeEndsTheReadingAndKeepsWhatCameBefore) {
