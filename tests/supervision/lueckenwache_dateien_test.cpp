@@ -53,6 +53,18 @@ TEST_F(LueckenwacheTest, FilesThatTakeNothingAreToldOnceAndThatTheyDoAgainOnce) 
               (TestStatus::Eintrag{"Das Speichern gelingt wieder (zuvor 3 Dateien, seit 12:00:05).", true}));
 }
 
+TEST_F(LueckenwacheTest, OnAnotherDaySavingWorksAgainSinceAMomentWithItsDate) {
+    welt.StelleUhr(ZeitpunktAus(2026, 11, 16, 23, 59, 50));
+    Laeuft();
+    wache->SpeichernGescheitert(*titel, kursart::Brief, EIO);
+    welt.Laufe(10);
+    wache->WiederGespeichert(*titel, kursart::Brief);
+    welt.Laufe(100);
+    ASSERT_EQ(status.Eintraege.size(), 2u);
+    EXPECT_EQ(status.Eintraege.back().Text,
+              "Das Speichern gelingt wieder (zuvor 1 Datei, seit 23:59:55 am 16.11.2026).");
+}
+
 TEST_F(LueckenwacheTest, ThatSavingFailsIsToldAfterTwoSeconds) {
     Laeuft();
     welt.Laufe(0.5);
@@ -191,6 +203,28 @@ TEST_F(LueckenwacheTest, AClockThatJumpsLeavesItsMark) {
     welt.StelleUhrUm(-600);
     Ticks(3);
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:08 12:10:09 * Uhr verstellt", "12:00:12 12:10:11 * Uhr zurückgestellt"));
+}
+
+TEST_F(LueckenwacheTest, ARoundThatComesTenSecondsBehindTheLastOneIsNoJumpYet) {
+    Laeuft();
+    welt.StelleUhrUm(9);  // the round comes each second
+    welt.Laufe(1);
+    EXPECT_THAT(Zeilen(), IsEmpty());
+    welt.StelleUhrUm(9.125);
+    welt.Laufe(1);
+    EXPECT_EQ(Zeilen().size(), 1u);
+}
+
+TEST_F(LueckenwacheTest, ACheckpointOfTheBookIsMadeEachDay) {
+    welt.StelleUhr(ZeitpunktAus(2026, 11, 16, 23, 59, 30));
+    Laeuft();
+    const auto gemacht = [&] {
+        return std::ranges::any_of(ram.Dateien(), [](const auto& pfad) { return pfad.ends_with("Zwischenstand.txt"); });
+    };
+    Ticks(20);
+    EXPECT_FALSE(gemacht()) << "the one of this day was made at the start";
+    Ticks(20);
+    EXPECT_TRUE(gemacht());
 }
 
 TEST_F(LueckenwacheTest, AMergeLeavesAMarkThatStaysOpenWhenTheProgramDiesInIt) {

@@ -320,6 +320,17 @@ TEST_F(LueckenwacheTest, ABrokenFarmBlindsThoseTitlesThatGetNoTickWhileItIs) {
     EXPECT_THAT(Zeilen(), ElementsAre("12:00:08,500 12:00:30 ES Marktdatenfarm gestört (usfarm.nj)"));
 }
 
+TEST_F(LueckenwacheTest, ATickInTheVeryMomentOfAFarmsReturnEndsItsGap) {
+    Laeuft();
+    Ticks(3);
+    wache->Meldung(2103, "broken:usfarm");
+    welt.Laufe(5);
+    wache->Meldung(2104, "OK:usfarm");
+    Tick();
+    welt.Laufe(1);
+    EXPECT_THAT(Zeilen(), ElementsAre("12:00:08 12:00:13 ES Marktdatenfarm gestört (usfarm)"));
+}
+
 TEST_F(LueckenwacheTest, WhileAFarmIsBrokenTheFirstTickBehindTheLateOnesShowsAnotherFarm) {
     Laeuft();
     Ticks(3);

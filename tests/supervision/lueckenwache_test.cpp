@@ -58,6 +58,16 @@ TEST_F(LueckenwacheTest, TheLastRecordBeforeTheStartIsASignOfLifeOnTheRecordersC
     EXPECT_EQ(Zeilen().front(), "12:03:30 12:10:05 * Programm nicht aktiv");
 }
 
+TEST_F(LueckenwacheTest, ARecordOfTheMomentOfTheStartIsNoSignOfTheRunBefore) {
+    Laeuft();
+    Absturz();
+    welt.Laufe(600);
+    Satz("ES.ZEK", welt.Jetzt());
+    Beginne(Um(12, 3));
+    wache->TitelGeladen();
+    EXPECT_EQ(Zeilen().front(), "12:03:00 12:10:05 * Programm nicht aktiv");
+}
+
 TEST_F(LueckenwacheTest, AFileWhoseLastRecordCannotBeReadSaysNothingOfTheEnd) {
     Laeuft();
     Absturz();
@@ -67,6 +77,14 @@ TEST_F(LueckenwacheTest, AFileWhoseLastRecordCannotBeReadSaysNothingOfTheEnd) {
     Beginne(Um(12, 3));
     wache->TitelGeladen();
     EXPECT_EQ(Zeilen().front(), "12:03:00 12:10:05 * Programm nicht aktiv");
+}
+
+TEST_F(LueckenwacheTest, TitlesThatAreLoadedBehindTheEndTouchNoFile) {
+    Beginne();
+    wache->Beende();
+    dateien.VergissProtokoll();
+    wache->TitelGeladen();
+    EXPECT_TRUE(dateien.Protokoll().empty());
 }
 
 TEST_F(LueckenwacheTest, TitlesThatAreLoadedOneAfterTheOtherBelongToOnePass) {

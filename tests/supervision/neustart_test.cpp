@@ -333,6 +333,16 @@ TEST_F(Neustarttest, AnEndWhileTheBackfillIsAbortedIsNoRestartAnyMore) {
     EXPECT_FALSE(status.Enthaelt("Kein Neustart"));
 }
 
+TEST_F(Neustarttest, AnEndWhileTheBackfillIsAbortedIsTheEndOfTheRoundToo) {
+    Zaehlpumpe pumpe(aufrufe);
+    Neustart allein(Neustartumgebung(pumpe));
+    sitzung.DatenpflegeOffen = true;
+    sitzung.BeiAbbrechen = [&] { allein.Beende(); };
+    allein.NeustartAngefordert = true;
+    EXPECT_TRUE(allein.Ausfuehren());
+    EXPECT_TRUE(prozesse.Starts.empty());
+}
+
 TEST_F(Neustarttest, AMissingHelperIsReportedEachRoundAndTheRoundGoesOn) {
     dateien.Loesche("/zek/ZEKIBAutoNeustart.exe");
     TaeglichUm(12, 0);

@@ -123,6 +123,8 @@ TEST_F(Helfertest, AStartThatNeverWorksIsGivenUp) {
     maschine.StartGelingt = false;
     EXPECT_EQ(Fuehre(), Ergebnis::StartMisslungen);
     EXPECT_EQ(maschine.Starts.size(), 5U);
+    EXPECT_EQ(Logzeilen("neuer Versuch in 10 s"), 4);
+    EXPECT_EQ(welt.Sekunden(), 1 + 4 * 10);
     EXPECT_TRUE(Log().ends_with(": Der Start ist misslungen, ZEK l\xE4uft nicht\r\n"));
 }
 
