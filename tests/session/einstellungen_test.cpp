@@ -271,6 +271,12 @@ TEST_F(EinstellungenTest, AValueThatCantBeStoredIsLostQuietly) {
     EXPECT_EQ(Lies("Optionen", "A", "vorgabe"), "vorgabe");
 }
 
+TEST_F(EinstellungenTest, AnOrderThatNobodyLeftReadsAsZero) {
+    EXPECT_EQ(speicher.LiesKommando("DoQuit"), "0");
+    InRegistry("Kommando", "DoQuit", "1");
+    EXPECT_EQ(speicher.LiesKommando("DoQuit"), "1");
+}
+
 TEST_F(EinstellungenTest, TheDirectCallsStayInTheRegistryInLocalMode) {
     speicher.LokalSettings = true;
     speicher.SchreibeRegistry(Programmtitel, "Optionen", "Datenpfad", "/daten");

@@ -44,6 +44,7 @@ TEST_F(FehlerprotokollTest, TheFirstErrorOfAPlaceIsToldAndTheOthersAreCounted) {
     EXPECT_TRUE(status.Eintraege.front().Fett);
     protokoll.Zusammenfassung();
     EXPECT_EQ(Texte().back(), "Interne Fehler seit dem Start: „Erste Stelle“ 2-mal, „Zweite Stelle“ 1-mal.");
+    EXPECT_TRUE(status.Eintraege.back().Fett);
 }
 
 TEST_F(FehlerprotokollTest, ASessionWithoutAnErrorSaysNothing) {

@@ -391,6 +391,16 @@ TEST_F(SitzungTest, TheTimeServersOfTheSettingsAreAsked) {
     EXPECT_EQ(netz.LetztesZiel(), "zeit.beispiel:3700");
 }
 
+TEST_F(SitzungTest, TheTimeServersAreAskedAgainWhileTheSessionRuns) {
+    Setze("Optionen", "AutoUhrzeitStellen", "1");
+    Setze("Optionen", "Zeitserver1", "eins.beispiel:3701");
+    Setze("Optionen", "Zeitserver2", "zwei.beispiel:3702");
+    ASSERT_TRUE(Starte());
+    ASSERT_EQ(netz.LetztesZiel(), "eins.beispiel:3701");
+    welt.Laufe(130);
+    EXPECT_EQ(netz.LetztesZiel(), "zwei.beispiel:3702");
+}
+
 TEST_F(SitzungTest, AnEndDuringTheStartDelayLeavesNoWindow) {
     welt.Plane(2, [&] { sitzung->Beende(); });
     EXPECT_FALSE(Starte("/W100"));

@@ -1,4 +1,5 @@
 // The command line and the start sequence, with a recorder that only notes what it is asked for.
+#include "hilfen/fehlerwaechter.h"
 #include "hilfen/test_gesicht.h"
 #include "hilfen/testmaschine.h"
 #include "platform/datum.h"
@@ -31,6 +32,7 @@ TEST(BefehlszeileTest, TheDelayIsTheNumberBehindItsSwitch) {
     EXPECT_EQ(LiesBefehlszeile("/w 5").Verzoegerung, 5);
     EXPECT_EQ(LiesBefehlszeile("/W7.5/K").Verzoegerung, 7.5);
     EXPECT_EQ(LiesBefehlszeile("/W99999").Verzoegerung, 32000);
+    EXPECT_EQ(LiesBefehlszeile("/W1").Verzoegerung, 1);
     EXPECT_EQ(LiesBefehlszeile("/W0").Verzoegerung, 0);
     EXPECT_EQ(LiesBefehlszeile("/W0.9").Verzoegerung, 0);
     EXPECT_EQ(LiesBefehlszeile("/W-5").Verzoegerung, 0);
@@ -259,6 +261,18 @@ TEST_F(StartTest, TheDriveOfTheProgramIsTestedAndNotThatOfTheData) {
         << "a failed query counts as enough";
 }
 
+// A file system that fails without an error number.
+struct Wirft : hilfen::RamDateisystem {
+    std::int64_t FreierPlatz(const std::string&) override { throw std::runtime_error("kaputt"); }
+};
+
+TEST_F(StartTest, AQueryOfTheFreeSpaceThatBreaksCountsAsEnoughToo) {
+    ErwarteVerschluckte("Freien Platz prüfen");
+    Wirft laufwerk;
+    const Plattform maschine = Maschine({}, {.Dateien = &laufwerk});
+    EXPECT_TRUE(Startfolge(maschine, modul, einstellungen, gesicht, *this, {}).FreierSpeicherReicht(1));
+}
+
 TEST_F(StartTest, TheDelayWaitsAndShowsItsProgressInQuarters) {
     const double vorher = welt.Sekunden();
     EXPECT_EQ(Starte("/W5"), Startergebnis::Laeuft);
@@ -269,6 +283,13 @@ TEST_F(StartTest, TheDelayWaitsAndShowsItsProgressInQuarters) {
     EXPECT_THAT(gesicht.Verzoegerungswerte,
                 ElementsAre(19, 18, 17, 16, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0));
     EXPECT_FALSE(gesicht.VerzoegerungSichtbar);
+}
+
+TEST_F(StartTest, ASecondIsTheShortestDelay) {
+    const double vorher = welt.Sekunden();
+    EXPECT_EQ(Starte("/W1"), Startergebnis::Laeuft);
+    EXPECT_NEAR(welt.Sekunden() - vorher, 1, 0.2);
+    EXPECT_EQ(gesicht.Anzahl("VerzoegerungBeginnt"), 1u);
 }
 
 TEST_F(StartTest, WithoutADelayItsWindowIsNotShown) {

@@ -26,6 +26,12 @@ TEST_F(Zuruf, EachCallIsHeardOnce) {
     EXPECT_TRUE(hoerer.Gerufen());
 }
 
+// Another version of the program may run there.
+TEST_F(Zuruf, StandsAsFolderAndMomentUnderItsName) {
+    RufeNachVorn(speicher, "/zek/", mittag);
+    EXPECT_EQ(registry.Lies(Programmtitel, "Kommando", "Zeigen"), "/zek/\t46342.5");
+}
+
 TEST_F(Zuruf, ACallFromBeforeIsOver) {
     RufeNachVorn(speicher, "/zek/", mittag);
     EXPECT_FALSE(Zurufhoerer(speicher, "/zek/").Gerufen());
