@@ -491,6 +491,12 @@ TEST_F(Gesamtvolumentest, TotalsWithDecimalsGiveTheirDifferenceToTheLastDigit) {
                                                       Satz{100, 2999051162.9F}, Satz{100, 0.5F}, Satz{100, 0.0001F}));
 }
 
+TEST_F(Gesamtvolumentest, EightDecimalsOfASizeAreFound) {
+    auto es = titel("BTC");
+    es.bezahlt(100).gesamt(1000).gesamt(1000.00000001);
+    EXPECT_THAT(saetze(kursart::Bezahlt), ElementsAre(Satz{100, 0.00000001F}));
+}
+
 TEST_F(Gesamtvolumentest, ATotalThatIsNoNumberOrThatNoSizeFitsFormsNoRecord) {
     auto es = titel("ES");
     es.bezahlt(100).gesamt(1000).gesamt(std::nan("")).gesamt(1e300);

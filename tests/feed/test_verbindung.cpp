@@ -77,7 +77,8 @@ TEST_F(Verbindungstest, AControlThatCannotBeMadeLeavesNoneOfTheOldOnes) {
     IBControl platz(fabrik.Fabrik());
     platz.Erzeuge(feed.Sitzung);
     EXPECT_FALSE(platz.Verbunden());
-    EXPECT_THROW(platz->disconnect(), std::system_error);
+    EXPECT_THAT([&] { platz->disconnect(); },
+                testing::ThrowsMessage<std::system_error>(testing::StartsWith("IBControl: ")));
     fabrik.BeiErzeugen = nullptr;
     platz.Erzeuge(feed.Sitzung);
     EXPECT_FALSE(platz.Verbunden()) << "not yet";

@@ -58,6 +58,18 @@ TEST_F(Vertragsfragentest, EachActiveTitleIsAskedForOnceInHalfADayOneBehindTheOt
     EXPECT_THAT(gefragt(), ElementsAre("NQ", "ES"));
 }
 
+TEST_F(Vertragsfragentest, ATitleThatWasAskedForTakesNobodysTurn) {
+    titel("ES"), titel("NQ"), titel("YM");
+    for (int i = 0; i < 3; ++i) {
+        warte(i == 0 ? 62 : 1);
+        antworte(nummer());
+    }
+    EXPECT_EQ(gefragt().size(), 3U);
+    titel("RTY");
+    warte(1);
+    EXPECT_THAT(gefragt(), ElementsAre("RTY"));
+}
+
 TEST_F(Vertragsfragentest, AnAnswerThatDoesNotComeHoldsNothingUp) {
     titel("ES"), titel("NQ");
     warte(62);
