@@ -196,6 +196,40 @@ TEST_F(LaufTest, ARequestThatIsHeldBackSaysOnceWhenItGoesOn) {
     EXPECT_THAT(wartend[0], StartsWith("Datum: " + jetzt + " (Zugriffsbegrenzung des IB Servers, weiter um "));
 }
 
+TEST_F(LaufTest, AWindowReleasedWhileARequestIsHeldBackAsksForNothingMore) {
+    p_.Historie.Begrenzt = true;
+    Mit("ES");
+    Automatisch(120 * 2000 - 1);
+    Starte();
+    Neu();
+    Mit("NQ");
+    Automatisch(30);
+    const std::size_t bisher = p_.Historie.Anfragen.size();
+    const double beginn = p_.Welt.Sekunden();
+    p_.Welt.Plane(5, [&] {
+        lauf_->Abbruch = true;
+        lauf_->Entladen();
+    });
+    Starte();
+    EXPECT_EQ(p_.Historie.Anfragen.size(), bisher);
+    EXPECT_NEAR(p_.Welt.Sekunden() - beginn, 5, 0.5);
+    EXPECT_EQ(p_.Historie.Control().LetzteZeile(), "disconnect()");
+}
+
+// ---- the count of requests by itself
+
+TEST(AnfragetaktTest, WhatWentOutUpToTheServicesReturnDoesntCount) {
+    Anfragetakt takt;
+    takt.Gesendet("a", Mittag);
+    takt.Verletzung(Mittag);
+    takt.Freigabe(Mittag);
+    takt.Gesendet("b", Mittag + 1s);
+    EXPECT_EQ(takt.FruehestensUm("a", Mittag + 1s), Mittag + 2s);
+    EXPECT_EQ(takt.FruehestensUm("b", Mittag + 1s), Mittag + 18s);
+}
+
+// ---- what is shown
+
 TEST_F(LaufTest, TheShareThatIsDoneGrowsFromNothingToAllTitlesAndKinds) {
     Mit("ES")->BidAsk = true;
     Mit("NQ");
