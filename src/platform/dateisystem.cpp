@@ -13,6 +13,17 @@ std::int64_t Dateisystem::LiesAn(Dateihandle handle, std::int64_t stelle, std::s
     return erreicht < 0 ? erreicht : Lies(handle, ziel);
 }
 
+int Dateisystem::Verlaengere(Dateihandle handle, std::int64_t von, std::int64_t bis) {
+    static constexpr std::array<std::byte, 65536> Nullen{};
+    if (const std::int64_t erreicht = Suche(handle, von, Ab::Anfang); erreicht < 0) return static_cast<int>(erreicht);
+    while (von < bis) {
+        const auto teil = static_cast<std::size_t>(std::min<std::int64_t>(bis - von, Nullen.size()));
+        if (const int fehler = SchreibeGanz(*this, handle, std::span(Nullen).first(teil)); fehler < 0) return fehler;
+        von += static_cast<std::int64_t>(teil);
+    }
+    return 0;
+}
+
 int Dateisystem::BeginneSicherung(const std::string&, const std::string&, const std::string&) {
     return -ENOSYS;
 }

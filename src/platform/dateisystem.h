@@ -60,8 +60,17 @@ public:
     virtual std::int64_t Groesse(Dateihandle handle) = 0;
     // 0 or -errno. Cuts or extends the file to `laenge` bytes.
     virtual int SetzeLaenge(Dateihandle handle, std::int64_t laenge) = 0;
+    // Zeros behind the end of a file, from its size `von` up to `bis`, and the room for them: nothing that is written
+    // there fails later for want of it. 0 or -errno; a failure may leave part of them.
+    virtual int Verlaengere(Dateihandle handle, std::int64_t von, std::int64_t bis);
     // 0 or -errno. Flushes the file's buffers to the disk.
     virtual int Leere(Dateihandle handle) = 0;
+    // Whether BeginneLeeren may find somebody.
+    virtual bool LeertNebenher() const { return false; }
+    // Begins what Leere does, beside this thread. 0, -EBUSY while an earlier one goes on, or -errno.
+    virtual int BeginneLeeren(Dateihandle /*handle*/) { return -ENOSYS; }
+    // How it came out, once: 0, -errno, or -EPIPE when nobody can tell any more; empty before, and when none was begun.
+    virtual std::optional<int> Leerergebnis() { return std::nullopt; }
 
     // Takes the file for this handle alone until it is closed, be it by the death of the process. It keeps only those
     // out who ask as well. 0, -EWOULDBLOCK when somebody has it, -ENOLCK where the system has no locks, or -errno.

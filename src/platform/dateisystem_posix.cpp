@@ -99,6 +99,24 @@ int PosixDateisystem::Leere(Dateihandle handle) {
     return Wiederholt([&] { return ::fsync(handle); });
 }
 
+// Room without a write; some file systems can't.
+int PosixDateisystem::Verlaengere(Dateihandle handle, std::int64_t von, std::int64_t bis) {
+    const int ergebnis = Wiederholt([&] { return ::fallocate(handle, 0, von, bis - von); });
+    return ergebnis == -EOPNOTSUPP || ergebnis == -ENOSYS ? Dateisystem::Verlaengere(handle, von, bis) : ergebnis;
+}
+
+bool PosixDateisystem::LeertNebenher() const {
+    return helfer_ != nullptr && helfer_->Lebt();
+}
+
+int PosixDateisystem::BeginneLeeren(Dateihandle handle) {
+    return helfer_ == nullptr ? -ENOSYS : helfer_->BeginneLeeren(handle);
+}
+
+std::optional<int> PosixDateisystem::Leerergebnis() {
+    return helfer_ == nullptr ? std::nullopt : helfer_->Leerergebnis();
+}
+
 int PosixDateisystem::Sperre(Dateihandle handle) {
     const int ergebnis = Wiederholt([&] { return ::flock(handle, LOCK_EX | LOCK_NB); });
     return ergebnis == -EOPNOTSUPP || ergebnis == -ENOSYS ? -ENOLCK : ergebnis;

@@ -20,7 +20,11 @@ public:
     std::int64_t Suche(Dateihandle handle, std::int64_t abstand, Ab ab) override;
     std::int64_t Groesse(Dateihandle handle) override;
     int SetzeLaenge(Dateihandle handle, std::int64_t laenge) override;
+    int Verlaengere(Dateihandle handle, std::int64_t von, std::int64_t bis) override;
     int Leere(Dateihandle handle) override;
+    bool LeertNebenher() const override;
+    int BeginneLeeren(Dateihandle handle) override;
+    std::optional<int> Leerergebnis() override;
     int Sperre(Dateihandle handle) override;
     bool DateiExistiert(const std::string& pfad) override;
     bool Ausfuehrbar(const std::string& pfad) override;

@@ -7,6 +7,7 @@
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <sys/vfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,6 +16,7 @@
 #include <charconv>
 #include <csignal>
 #include <cstdint>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -172,23 +174,57 @@ void Loese(int leitung) {
     Benenne();
 }
 
+struct Antwort {
+    bool Einzeln = false;  // of a single file, not of a round
+    int Ergebnis = 0;
+};
+
+// An order, and the handle that came with it (below 0: none). False when the line has ended. An owner that ends without
+// having read all answers is told first (ECONNRESET); its last orders come behind that.
+bool Empfange(std::vector<char>& puffer, std::string& auftrag, int& handle) {
+    iovec daten{puffer.data(), puffer.size()};
+    alignas(cmsghdr) char beigabe[CMSG_SPACE(sizeof(int))];
+    msghdr kopf{};
+    kopf.msg_iov = &daten, kopf.msg_iovlen = 1;
+    kopf.msg_control = beigabe, kopf.msg_controllen = sizeof beigabe;
+    ssize_t gelesen = 0;
+    do gelesen = ::recvmsg(EigeneLeitung, &kopf, MSG_CMSG_CLOEXEC);
+    while (gelesen < 0 && (errno == EINTR || errno == ECONNRESET));
+    if (gelesen <= 0) return false;
+    auftrag.assign(puffer.data(), static_cast<std::size_t>(gelesen));
+    handle = -1;
+    const cmsghdr* stueck = CMSG_FIRSTHDR(&kopf);
+    if (stueck != nullptr && stueck->cmsg_type == SCM_RIGHTS) std::memcpy(&handle, CMSG_DATA(stueck), sizeof handle);
+    return true;
+}
+
+int Leere(int handle) {
+    int ergebnis = 0;
+    do ergebnis = ::fsync(handle);
+    while (ergebnis != 0 && errno == EINTR);
+    const int fehler = errno;
+    ::close(handle);
+    return ergebnis == 0 ? 0 : -fehler;
+}
+
 [[noreturn]] void Diene(int leitung, const sigset_t& signale) {
     Loese(leitung);
     ::sigprocmask(SIG_SETMASK, &signale, nullptr);
     Sicherung sicherung;
     std::vector<char> puffer(Hoechstauftrag);
-    for (;;) {
-        const ssize_t gelesen = ::recv(EigeneLeitung, puffer.data(), puffer.size(), 0);
-        if (gelesen < 0 && errno == EINTR) continue;
-        if (gelesen <= 0) ::_exit(0);
-        const std::string auftrag(puffer.data(), static_cast<std::size_t>(gelesen));
+    std::string auftrag;
+    for (int handle = -1; Empfange(puffer, auftrag, handle);) {
+        Antwort antwort{handle >= 0, -EINVAL};
         const std::size_t erstes = auftrag.find('\0'), zweites = auftrag.find('\0', erstes + 1);
-        int ergebnis = -EINVAL;
-        if (zweites != std::string::npos)
-            ergebnis = sicherung.Fuehre(auftrag.substr(0, erstes), auftrag.substr(erstes + 1, zweites - erstes - 1),
-                                        auftrag.substr(zweites + 1));
-        if (::send(EigeneLeitung, &ergebnis, sizeof ergebnis, MSG_NOSIGNAL) < 0) ::_exit(0);
+        if (antwort.Einzeln)
+            antwort.Ergebnis = Leere(handle);
+        else if (zweites != std::string::npos)
+            antwort.Ergebnis =
+                sicherung.Fuehre(auftrag.substr(0, erstes), auftrag.substr(erstes + 1, zweites - erstes - 1),
+                                 auftrag.substr(zweites + 1));
+        (void)::send(EigeneLeitung, &antwort, sizeof antwort, MSG_NOSIGNAL);  // an end is found by the next look
     }
+    ::_exit(0);
 }
 
 }  // namespace
@@ -212,28 +248,89 @@ Sicherungshelfer::Sicherungshelfer() {
 
 // One that hangs on its disk isn't waited for; it ends by itself.
 Sicherungshelfer::~Sicherungshelfer() {
+    SendeWartende();
     if (leitung_ >= 0) ::close(leitung_);
     if (pid_ > 0) ::waitpid(pid_, nullptr, WNOHANG);
 }
 
+std::optional<int> Sicherungshelfer::Auftrag::Nimm() {
+    if (!Ergebnis) return std::nullopt;
+    Offen = false;
+    return std::exchange(Ergebnis, std::nullopt);
+}
+
+int Sicherungshelfer::Sende(const std::string& auftrag, int handle) {
+    iovec daten{const_cast<char*>(auftrag.data()), auftrag.size()};
+    alignas(cmsghdr) char beigabe[CMSG_SPACE(sizeof handle)] = {};
+    msghdr kopf{};
+    kopf.msg_iov = &daten, kopf.msg_iovlen = 1;
+    if (handle >= 0) {
+        kopf.msg_control = beigabe, kopf.msg_controllen = sizeof beigabe;
+        cmsghdr* stueck = CMSG_FIRSTHDR(&kopf);
+        stueck->cmsg_level = SOL_SOCKET, stueck->cmsg_type = SCM_RIGHTS;
+        stueck->cmsg_len = CMSG_LEN(sizeof handle);
+        std::memcpy(CMSG_DATA(stueck), &handle, sizeof handle);
+    }
+    if (::sendmsg(leitung_, &kopf, MSG_DONTWAIT | MSG_NOSIGNAL) >= 0) return 0;
+    const int fehler = errno;
+    if (fehler == EPIPE || fehler == ECONNRESET) abgerissen_ = true;
+    return -fehler;
+}
+
+void Sicherungshelfer::SendeWartende() {
+    if (!wartende_) return;
+    if (const int fehler = Sende(*wartende_, -1); fehler < 0) runde_.Ergebnis = fehler;
+    wartende_.reset();
+}
+
+void Sicherungshelfer::Empfange() {
+    while ((runde_.Laeuft() && !wartende_) || leeren_.Laeuft()) {
+        Antwort antwort;
+        const ssize_t gelesen = ::recv(leitung_, &antwort, sizeof antwort, MSG_DONTWAIT);
+        if (gelesen < 0 && (errno == EAGAIN || errno == EINTR)) return;
+        if (gelesen == sizeof antwort) {
+            (antwort.Einzeln ? leeren_ : runde_).Ergebnis = antwort.Ergebnis;
+            continue;
+        }
+        abgerissen_ = true;
+        wartende_.reset();
+        for (Auftrag* offen : {&runde_, &leeren_})
+            if (offen->Laeuft()) offen->Ergebnis = -EPIPE;
+    }
+}
+
 int Sicherungshelfer::Beginne(const std::string& ordner, const std::string& marke, const std::string& text) {
     if (leitung_ < 0) return -ENOSYS;
-    if (laeuft_) return -EBUSY;
+    if (runde_.Offen) return -EBUSY;
     std::string auftrag = ordner;
     auftrag.append(1, '\0').append(marke).append(1, '\0').append(text);
     if (auftrag.size() > Hoechstauftrag) return -ENAMETOOLONG;
-    if (::send(leitung_, auftrag.data(), auftrag.size(), MSG_DONTWAIT | MSG_NOSIGNAL) < 0) return -errno;
-    laeuft_ = true;
+    if (leeren_.Offen)
+        wartende_ = std::move(auftrag);
+    else if (const int fehler = Sende(auftrag, -1); fehler < 0)
+        return fehler;
+    runde_.Offen = true;
     return 0;
 }
 
 std::optional<int> Sicherungshelfer::Ergebnis() {
-    if (!laeuft_) return std::nullopt;
-    int ergebnis = 0;
-    const ssize_t gelesen = ::recv(leitung_, &ergebnis, sizeof ergebnis, MSG_DONTWAIT);
-    if (gelesen < 0 && (errno == EAGAIN || errno == EINTR)) return std::nullopt;
-    laeuft_ = false;
-    return gelesen == sizeof ergebnis ? ergebnis : -EPIPE;
+    if (!leeren_.Offen) SendeWartende();
+    Empfange();
+    return runde_.Nimm();
+}
+
+int Sicherungshelfer::BeginneLeeren(int handle) {
+    if (leitung_ < 0) return -ENOSYS;
+    if (leeren_.Offen) return -EBUSY;
+    SendeWartende();
+    if (const int fehler = Sende("L", handle); fehler < 0) return fehler;
+    leeren_.Offen = true;
+    return 0;
+}
+
+std::optional<int> Sicherungshelfer::Leerergebnis() {
+    Empfange();
+    return leeren_.Nimm();
 }
 
 }  // namespace zek

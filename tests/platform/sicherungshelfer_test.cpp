@@ -5,8 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/wait.h>
+#include <unistd.h>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -41,6 +43,13 @@ protected:
     std::optional<int> Warte() {
         for (int i = 0; i < 5000; ++i) {
             if (const auto ergebnis = helfer->Ergebnis()) return ergebnis;
+            Kurz();
+        }
+        return std::nullopt;
+    }
+    std::optional<int> WarteAufLeeren() {
+        for (int i = 0; i < 5000; ++i) {
+            if (const auto ergebnis = helfer->Leerergebnis()) return ergebnis;
             Kurz();
         }
         return std::nullopt;
@@ -134,6 +143,89 @@ TEST_F(SicherungshelferTest, OneThatIsGoneIsAnErrorAndNoHarm) {
     if (begonnen == 0) EXPECT_EQ(Warte(), -EPIPE);
     EXPECT_LT(Beginne("zwei"), 0);
     EXPECT_EQ(Marke(), "");
+}
+
+// ---- single files
+
+TEST_F(SicherungshelferTest, SyncsASingleFileAndTellsItOnce) {
+    const int handle = ::open((ordner / "Aktien/ES.ZEK").c_str(), O_RDWR);
+    EXPECT_EQ(helfer->Leerergebnis(), std::nullopt);
+    ASSERT_EQ(helfer->BeginneLeeren(handle), 0);
+    EXPECT_EQ(helfer->BeginneLeeren(handle), -EBUSY);
+    EXPECT_EQ(WarteAufLeeren(), 0);
+    EXPECT_EQ(helfer->Leerergebnis(), std::nullopt);
+    ::close(handle);
+}
+
+TEST_F(SicherungshelferTest, TellsWhatTheSystemSaysToASync) {
+    int paar[2];
+    ASSERT_EQ(::pipe(paar), 0);
+    ASSERT_EQ(helfer->BeginneLeeren(paar[0]), 0);
+    EXPECT_EQ(WarteAufLeeren(), -EINVAL) << "a pipe can't be synced";
+    ::close(paar[0]), ::close(paar[1]);
+    ASSERT_EQ(Beginne("eins"), 0);
+    EXPECT_EQ(Warte(), 0);
+}
+
+TEST_F(SicherungshelferTest, ARoundBeginsOnlyWhenTheResultOfASingleFileHasBeenTaken) {
+    const int handle = ::open((ordner / "Aktien/ES.ZEK").c_str(), O_RDWR);
+    ASSERT_EQ(helfer->BeginneLeeren(handle), 0);
+    ASSERT_EQ(Beginne("runde"), 0);
+    EXPECT_EQ(Beginne("zu viel"), -EBUSY);
+    for (int i = 0; i < 100; ++i, Kurz()) ASSERT_EQ(helfer->Ergebnis(), std::nullopt);
+    EXPECT_EQ(Marke(), "");
+    EXPECT_EQ(WarteAufLeeren(), 0);
+    EXPECT_EQ(Warte(), 0);
+    EXPECT_EQ(Marke(), "runde");
+    ::close(handle);
+}
+
+TEST_F(SicherungshelferTest, TheNextSingleFileLetsAWaitingRoundGoFirst) {
+    const int handle = ::open((ordner / "Aktien/ES.ZEK").c_str(), O_RDWR);
+    ASSERT_EQ(helfer->BeginneLeeren(handle), 0);
+    ASSERT_EQ(Beginne("runde"), 0);
+    EXPECT_EQ(WarteAufLeeren(), 0);
+    ASSERT_EQ(helfer->BeginneLeeren(handle), 0);
+    EXPECT_EQ(WarteAufLeeren(), 0);
+    EXPECT_EQ(Marke(), "runde");
+    EXPECT_EQ(helfer->Ergebnis(), 0);
+    ::close(handle);
+}
+
+TEST_F(SicherungshelferTest, TheLastRoundOfAnOwnerThatEndsBehindASingleFileIsCarriedOut) {
+    const int handle = ::open((ordner / "Aktien/ES.ZEK").c_str(), O_RDWR);
+    ASSERT_EQ(helfer->BeginneLeeren(handle), 0);
+    ASSERT_EQ(Beginne("zuletzt"), 0);
+    const int pid = helfer->Prozess();
+    helfer.reset();
+    EXPECT_TRUE(Endet(pid));
+    EXPECT_EQ(Marke(), "zuletzt");
+    ::close(handle);
+}
+
+TEST_F(SicherungshelferTest, OneThatDiesInTheMiddleIsToldToBothWhoWait) {
+    const int handle = ::open((ordner / "Aktien/ES.ZEK").c_str(), O_RDWR);
+    ::kill(helfer->Prozess(), SIGSTOP);
+    ASSERT_EQ(helfer->BeginneLeeren(handle), 0);
+    ASSERT_EQ(Beginne("runde"), 0);
+    ::kill(helfer->Prozess(), SIGKILL);
+    EXPECT_EQ(WarteAufLeeren(), -EPIPE);
+    EXPECT_EQ(Warte(), -EPIPE);
+    EXPECT_FALSE(helfer->Lebt());
+    EXPECT_LT(helfer->BeginneLeeren(handle), 0);
+    ::close(handle);
+}
+
+TEST_F(SicherungshelferTest, AFileOfTheSeamGetsItsRoomAndZerosAtItsEnd) {
+    PosixDateisystem dateien;
+    const Dateihandle handle = dateien.Oeffne((ordner / "Aktien/ES.ZEK").string(), Oeffnen::LesenSchreiben);
+    ASSERT_EQ(dateien.Verlaengere(handle, 5, 200'000), 0);
+    EXPECT_EQ(dateien.Groesse(handle), 200'000);
+    ASSERT_EQ(dateien.Dateisystem::Verlaengere(handle, 200'000, 400'000), 0);
+    std::string inhalt;
+    ASSERT_TRUE(LiesGanz(dateien, (ordner / "Aktien/ES.ZEK").string(), inhalt));
+    EXPECT_EQ(inhalt, "Kurse" + std::string(399'995, '\0'));
+    dateien.Schliesse(handle);
 }
 
 TEST_F(SicherungshelferTest, TheFileSeamHandsOnAndDoesWithout) {
