@@ -79,7 +79,8 @@ std::int32_t Einarbeiter::DatenEinarbeiten(Form& form, clTitelobjekt& titel, std
 
 Einarbeiter::Ergebnis Einarbeiter::Versuche(Form& form, clTitelobjekt& titel, std::span<const KursDatensatz> saetze,
                                             std::int32_t kursart) {
-    Merge merge{form, titel, saetze, kursart, {}, clDateiIO(dateien_), Einarbeitungsjournal(dateien_, journalstueck_)};
+    Merge merge{
+        form, titel, saetze, kursart, {}, clDateiIO(dateien_), Einarbeitungsjournal(dateien_, journalstueck_, &pumpe_)};
     merge.Filter = kursart == kursart::Bezahlt ? modul_.Einstellungen.IBBezahlt : modul_.Einstellungen.IBAndere;
     try {
         FuehreAus(merge);
@@ -107,19 +108,17 @@ void Einarbeiter::FuehreAus(Merge& merge) {
     const bool restBleibt = AllesNeuer(merge);
     if (!restBleibt) SchreibeSchwanz(merge);
     const std::int64_t ersetzt = restBleibt ? merge.SchwanzVon : merge.Ende;
-    // No events from here on until the journal is fast: nothing can be appended to the file that it doesn't know of.
     merge.MerkeGroesse();
     if (merge.Ende < ersetzt) WirfSystemfehler(-EIO);
     // What the journal is about to name as the file's end must be there after a power failure too.
-    if (const int fehler = dateien_.Leere(merge.Datei.FileHandle()); fehler < 0) WirfSystemfehler(fehler);
+    merge.Journal.Sichere(merge.Datei.FileHandle());
     SetzeLetztePflege(merge.Kopf, uhr_.Jetzt());
     merge.Journal.MacheFest(merge.Schreibstelle, ersetzt, merge.Ende, merge.Kopf);
     // From here on it happens, whoever finishes it.
     if (merge.ImJournal == 0 && (merge.Schreibstelle < merge.SchwanzVon || !restBleibt))
         merge.Fenster.SpanneGeht(merge.Titel, merge.Kursart, merge.Erstes(), merge.Letztes());
-    merge.Journal.Uebertrage(
-        merge.Datei.FileHandle(), [this] { pumpe_.Ereignisse(); },
-        restBleibt && !merge.Filter ? merge.Saetze : std::span<const KursDatensatz>());
+    merge.Journal.Uebertrage(merge.Datei.FileHandle(),
+                             restBleibt && !merge.Filter ? merge.Saetze : std::span<const KursDatensatz>());
     merge.Anzahl = merge.ImJournal;
     SchreibeKopf(merge);
 }

@@ -176,13 +176,15 @@ void Datensatzschreiber::Oeffne(clTitelobjekt& titel, std::int32_t kursart, bool
 Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs,
                                                           float volume, Zeitpunkt jetzt) {
     std::int64_t groesse = datei_.FileSize().Bytes();
-    if (groesse != 0 && !titel.KonsistenzGecheckt(kursart)) groesse = NachUnterbrochenerEinarbeitung(groesse);
+    bool beiEinarbeitung = false;
+    if (groesse != 0 && !titel.KonsistenzGecheckt(kursart))
+        groesse = NachUnterbrochenerEinarbeitung(groesse, beiEinarbeitung);
     if (groesse == 0) {
         LegeKopfAn(titel, kursart);
         groesse = DateikopfBytes;
     } else if (groesse < DateikopfBytes || (groesse - DateikopfBytes) % DatensatzBytes != 0) {
         return Ausgang::Beschaedigt;  // left as it is
-    } else if (!titel.KonsistenzGecheckt(kursart)) {
+    } else if (!titel.KonsistenzGecheckt(kursart) && !beiEinarbeitung) {
         groesse = Erstpruefung(titel, kursart, groesse);
     }
     Setze(datei_, groesse);
@@ -195,12 +197,14 @@ Datensatzschreiber::Ausgang Datensatzschreiber::Anhaengen(clTitelobjekt& titel, 
     return Ausgang::Gescheitert;
 }
 
-// A merge that was broken off is finished before the first write of a run; one that is going on takes the record along.
-std::int64_t Datensatzschreiber::NachUnterbrochenerEinarbeitung(std::int64_t groesse) {
+// A merge that was broken off is finished before the first write of a run; one that is going on takes the record along,
+// and has zeros of its own at the file's end.
+std::int64_t Datensatzschreiber::NachUnterbrochenerEinarbeitung(std::int64_t groesse, bool& imGange) {
     const Journalstand stand = SchliesseEinarbeitungAb(dateien_, datei_.FileName());
     // One that the system keeps from being finished is met again with each tick.
     if (const std::string text = Journaltext(stand); !text.empty() && stand != Journalstand::Gescheitert)
         status_.Statusmeldung("Datendatei " + datei_.FileName() + ": " + text, !IstGut(stand));
+    imGange = stand == Journalstand::Belegt;
     const bool geaendert = stand == Journalstand::Abgeschlossen || stand == Journalstand::Verworfen;
     return geaendert ? datei_.FileSize().Bytes() : groesse;
 }

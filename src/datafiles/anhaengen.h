@@ -45,7 +45,7 @@ private:
     enum class Ausgang { Gespeichert, Gescheitert, Beschaedigt };
     Ausgang Anhaengen(clTitelobjekt& titel, std::int32_t kursart, float kurs, float volume, Zeitpunkt jetzt);
     void Unterrichte(const clTitelobjekt& titel, std::int32_t kursart, Ausgang ausgang);
-    std::int64_t NachUnterbrochenerEinarbeitung(std::int64_t groesse);
+    std::int64_t NachUnterbrochenerEinarbeitung(std::int64_t groesse, bool& imGange);
     std::int64_t Erstpruefung(clTitelobjekt& titel, std::int32_t kursart, std::int64_t groesse);
     void LegeKopfAn(clTitelobjekt& titel, std::int32_t kursart);
     void MeldeFehler(int nummer, const char* text);

@@ -2,8 +2,11 @@
 
 #include "platform/systemtext.h"
 
-#define XXH_INLINE_ALL
+#define XXH_STATIC_LINKING_ONLY  // for the size of its state
 #include <xxhash.h>
+#ifdef __x86_64__
+#include <xxh_x86dispatch.h>  // the widest instructions that this machine has
+#endif
 
 #include <algorithm>
 #include <array>
@@ -11,6 +14,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace zek {
@@ -22,6 +26,9 @@ constexpr std::int64_t KopfPlatz = 1024;
 // Room for additions that is there before the data file is touched.
 constexpr std::int64_t Vorrat = 16384;
 constexpr std::int64_t Lesestueck = std::int64_t{1} << 20;
+// Zeros where the live records of a cut go, and behind the file before it: more than a block of any disk, and more than
+// comes within a sync.
+constexpr std::int64_t Schnittplatz = 16384;
 
 std::int64_t Gelungen(std::int64_t ergebnis) {
     if (ergebnis < 0) throw Journalfehler(ergebnis);
@@ -52,6 +59,11 @@ std::int64_t GanzeSaetze(std::int64_t groesse) {
 
 std::int64_t Bytes(std::size_t saetze) {
     return static_cast<std::int64_t>(saetze) * DatensatzBytes;
+}
+
+bool IstNull(const KursDatensatz& satz) {
+    static constexpr std::array<std::byte, DatensatzBytes> Nullen{};
+    return std::memcmp(&satz, Nullen.data(), Nullen.size()) == 0;
 }
 
 std::uint64_t Summe(std::span<const std::byte> daten) {
@@ -93,8 +105,8 @@ struct Einarbeitungsjournal::Pruefsumme {
 Journalfehler::Journalfehler(std::int64_t ergebnis)
     : std::runtime_error(SystemText(static_cast<int>(-ergebnis))), Nummer(static_cast<int>(-ergebnis)) {}
 
-Einarbeitungsjournal::Einarbeitungsjournal(Dateisystem& dateien, std::int64_t stueck)
-    : dateien_(dateien), stueck_(stueck) {}
+Einarbeitungsjournal::Einarbeitungsjournal(Dateisystem& dateien, std::int64_t stueck, Pumpe* pumpe)
+    : dateien_(dateien), stueck_(stueck), pumpe_(pumpe), journalweg_(dateien, pumpe), dateiweg_(dateien, pumpe) {}
 
 Einarbeitungsjournal::~Einarbeitungsjournal() {
     if (handle_ < 0) return;
@@ -104,6 +116,18 @@ Einarbeitungsjournal::~Einarbeitungsjournal() {
 
 std::int64_t Einarbeitungsjournal::Platzbedarf(std::int64_t laenge, std::int64_t rest, std::int64_t stueck) {
     return KopfPlatz + laenge + 2 * (TeilkopfBytes + std::min(rest, stueck)) + Vorrat;
+}
+
+void Einarbeitungsjournal::LassEreignisseZu() {
+    if (pumpe_ != nullptr) pumpe_->Ereignisse();
+}
+
+void Einarbeitungsjournal::SichereJournal() {
+    Gelungen(journalweg_.Leere(handle_));
+}
+
+void Einarbeitungsjournal::Sichere(Dateihandle datei) {
+    Gelungen(dateiweg_.Leere(datei));
 }
 
 // ---- a merge
@@ -117,6 +141,8 @@ void Einarbeitungsjournal::Beginne(const std::string& dateipfad) {
     if (!dateien_.DateiExistiert(pfad_)) throw Journalfehler(-EWOULDBLOCK);
     fest_ = false;
     Gelungen(dateien_.SetzeLaenge(handle_, 0));
+    journalweg_.Beginne(pfad_);
+    dateiweg_.Beginne(dateipfad);
     summe_ = std::make_unique<Pruefsumme>();
     laenge_ = ungesichert_ = 0;
 }
@@ -129,7 +155,7 @@ void Einarbeitungsjournal::Schreibe(std::span<const KursDatensatz> saetze) {
     ungesichert_ += std::ssize(daten);
     // In portions, so that no single sync takes long.
     if (ungesichert_ < stueck_) return;
-    Gelungen(dateien_.Leere(handle_));
+    SichereJournal();
     ungesichert_ = 0;
 }
 
@@ -153,7 +179,7 @@ void Einarbeitungsjournal::MacheFest(std::int64_t stelle, std::int64_t ersetzt, 
     const auto bytes = std::as_bytes(std::span(&satz, 1));
     satz.KopfSumme = Summe(bytes.first(offsetof(Kopfsatz, KopfSumme)));
     SchreibeAn(dateien_, handle_, 0, bytes);
-    Gelungen(dateien_.Leere(handle_));
+    SichereJournal();
     fest_ = true;
 }
 
@@ -175,33 +201,36 @@ std::int64_t Einarbeitungsjournal::Fensterplatz() const {
     return 2 * (TeilkopfBytes + (FensterMitDaten() ? fenster_ : 0));
 }
 
-void Einarbeitungsjournal::Uebertrage(Dateihandle datei, const Pause& pause, std::span<const KursDatensatz> inhalt) {
+void Einarbeitungsjournal::Uebertrage(Dateihandle datei, std::span<const KursDatensatz> inhalt) {
     if (std::ssize(std::as_bytes(inhalt)) == laenge_) inhalt_ = std::as_bytes(inhalt);
     const std::int64_t groesse = Gelungen(dateien_.Groesse(datei));
     if (GanzeSaetze(groesse) != groesse) Gelungen(dateien_.SetzeLaenge(datei, GanzeSaetze(groesse)));
-    if (phase_ == Phase::Waechst) Wachse(datei, pause);
-    if (phase_ == Phase::Verschiebt) Verschiebe(datei, pause);
-    SchreibeInhalt(datei, pause);
+    if (phase_ == Phase::Waechst) Wachse(datei);
+    if (phase_ == Phase::Verschiebt) Verschiebe(datei);
+    SchreibeInhalt(datei);
     SchneideAb(datei);
-    Gelungen(dateien_.Leere(datei));
+    Sichere(datei);
 }
 
-// Live records that lie where the file grows next are taken over before they are overwritten.
-void Einarbeitungsjournal::Wachse(Dateihandle datei, const Pause& pause) {
+// Live records that lie where the file grows are on the disk elsewhere before they are overwritten.
+void Einarbeitungsjournal::Wachse(Dateihandle datei) {
     try {
-        std::vector<KursDatensatz> neue;
-        for (std::int64_t hier = ende_; hier < NeuesEnde();) {
-            const std::int64_t bis = std::min(hier + std::max(stueck_, Bytes(neue.size())), NeuesEnde());
-            TrageNach(bis, Phase::Waechst, neue);
-            UebertrageStueck(datei, hier, bis);
-            Gelungen(dateien_.Leere(datei));
-            hier = bis;
-            if (hier == NeuesEnde()) break;
-            if (pause) pause();
-            neue = LiesAngehaengte(datei);
-            angehaengte_.insert(angehaengte_.end(), neue.begin(), neue.end());
+        for (NimmAuf(datei); grenze_ < NeuesEnde(); NimmAuf(datei)) {
+            const std::int64_t bis = std::min(grenze_ + stueck_, NeuesEnde());
+            Gelungen(dateien_.Verlaengere(datei, grenze_, bis));
+            grenze_ = bis;
+            if (grenze_ < NeuesEnde()) LassEreignisseZu();
         }
-        if (stelle_ < ende_) TrageNach(grenze_, stelle_ + laenge_ < ende_ ? Phase::Verschiebt : Phase::Schreibt, {});
+        TrageNach(Phase::Waechst);
+        const std::int64_t ende = NeuesEnde();
+        for (std::int64_t hier = ende_; hier < ende;) {
+            const std::int64_t bis = std::min(hier + stueck_, ende);
+            UebertrageStueck(datei, hier, bis);
+            Sichere(datei);
+            hier = bis;
+            if (hier < ende) LassEreignisseZu();
+        }
+        if (stelle_ < ende_) TrageNach(stelle_ + laenge_ < ende_ ? Phase::Verschiebt : Phase::Schreibt);
     } catch (const Journalfehler&) {
         NimmWachstumZurueck(datei);
         throw;
@@ -209,9 +238,12 @@ void Einarbeitungsjournal::Wachse(Dateihandle datei, const Pause& pause) {
 }
 
 void Einarbeitungsjournal::NimmWachstumZurueck(Dateihandle datei) {
+    BeendeEreignisse();
+    NimmAuf(datei);
     try {
-        TrageNach(grenze_, Phase::Waechst, {});  // over an addition of the next phase that failed half way
+        TrageNach(Phase::Waechst);  // over an addition of the next phase that failed half way
     } catch (const Journalfehler&) {
+        if (nachgetragen_ < angehaengte_.size()) throw;
         // Then there is none either.
     }
     Gelungen(dateien_.SetzeLaenge(datei, ende_));
@@ -221,7 +253,7 @@ void Einarbeitungsjournal::NimmWachstumZurueck(Dateihandle datei) {
 }
 
 // Up: from the end on, as far as the file was before it grew. Down: from the beginning on.
-void Einarbeitungsjournal::Verschiebe(Dateihandle datei, const Pause& pause) {
+void Einarbeitungsjournal::Verschiebe(Dateihandle datei) {
     const bool auf = Schub() > 0;
     const std::int64_t anfang = stelle_ + laenge_, ende = auf ? ende_ : ende_ + Schub();
     std::int64_t hier = auf ? ende : anfang;
@@ -231,11 +263,11 @@ void Einarbeitungsjournal::Verschiebe(Dateihandle datei, const Pause& pause) {
         letztes_ = {letztes_.Nummer + 1, auf ? hier - laenge : hier, laenge};
         VerschiebeFenster(datei, letztes_, true);
         // A window is made fast before the next one overwrites its source.
-        Gelungen(dateien_.Leere(datei));
+        Sichere(datei);
         hier = auf ? letztes_.Dort : letztes_.Dort + laenge;
-        if (pause) pause();
+        LassEreignisseZu();
     }
-    TrageNach(grenze_, Phase::Schreibt, {});
+    TrageNach(Phase::Schreibt);
 }
 
 // `merken`: into the journal first.
@@ -250,7 +282,7 @@ void Einarbeitungsjournal::VerschiebeFenster(Dateihandle datei, const Fenstersta
         kopf.Summe = Teilsumme(kopf, daten);
         SchreibeAn(dateien_, handle_, hier + TeilkopfBytes, daten);
         SchreibeAn(dateien_, handle_, hier, std::as_bytes(std::span(&kopf, 1)));
-        Gelungen(dateien_.Leere(handle_));
+        SichereJournal();
     }
     if (FensterMitDaten())
         Kopiere(handle_, hier + TeilkopfBytes, datei, fenster.Dort, fenster.Laenge);
@@ -258,7 +290,7 @@ void Einarbeitungsjournal::VerschiebeFenster(Dateihandle datei, const Fenstersta
         Kopiere(datei, quelle, datei, fenster.Dort, fenster.Laenge);
 }
 
-void Einarbeitungsjournal::SchreibeInhalt(Dateihandle datei, const Pause& pause) {
+void Einarbeitungsjournal::SchreibeInhalt(Dateihandle datei) {
     // Behind the old end the growth has written it.
     const std::int64_t bis = std::min(ende_, stelle_ + laenge_);
     for (std::int64_t stelle = stelle_; stelle < bis;) {
@@ -266,32 +298,86 @@ void Einarbeitungsjournal::SchreibeInhalt(Dateihandle datei, const Pause& pause)
         UebertrageStueck(datei, stelle, naechste);
         stelle = naechste;
         if (stelle == bis) break;
-        Gelungen(dateien_.Leere(datei));
-        if (pause) pause();
+        Sichere(datei);
+        LassEreignisseZu();
     }
 }
 
-// What has been appended since the file was as long as the journal knows.
+// What has been appended since the file was as long as the journal knows. Zeros aren't records: they are the journal's
+// own, or what a power failure has left of some.
 std::vector<KursDatensatz> Einarbeitungsjournal::LiesAngehaengte(Dateihandle datei) {
-    const std::int64_t bytes = GanzeSaetze(Gelungen(dateien_.Groesse(datei))) - grenze_;
-    std::vector<KursDatensatz> saetze(static_cast<std::size_t>(std::max<std::int64_t>(bytes, 0) / DatensatzBytes));
-    if (!LiesAn(dateien_, datei, grenze_, std::as_writable_bytes(std::span(saetze)))) throw Journalfehler(-EIO);
+    const std::int64_t ende = GanzeSaetze(Gelungen(dateien_.Groesse(datei)));
+    std::vector<KursDatensatz> saetze, teil;
+    for (std::int64_t hier = grenze_; hier < ende; hier += Bytes(teil.size())) {
+        teil.resize(static_cast<std::size_t>(std::min(Lesestueck, ende - hier) / DatensatzBytes));
+        if (!LiesAn(dateien_, datei, hier, std::as_writable_bytes(std::span(teil)))) throw Journalfehler(-EIO);
+        std::ranges::remove_copy_if(teil, std::back_inserter(saetze), IstNull);
+    }
     return saetze;
 }
 
-void Einarbeitungsjournal::SchneideAb(Dateihandle datei) {
-    if (NeuesEnde() >= grenze_) return;  // what has come meanwhile stands where it belongs
+// No events between this and what rests on it: behind it all live records are known.
+void Einarbeitungsjournal::NimmAuf(Dateihandle datei) {
     const auto neue = LiesAngehaengte(datei);
-    if (!neue.empty()) {
-        const std::int64_t hierhin = NeuesEnde();
-        TrageNach(grenze_ + Bytes(neue.size()), Phase::Schreibt, neue);
-        angehaengte_.insert(angehaengte_.end(), neue.begin(), neue.end());
-        SchreibeAn(dateien_, datei, hierhin, std::as_bytes(std::span(neue)));
-    }
-    Gelungen(dateien_.SetzeLaenge(datei, NeuesEnde()));
-    Gelungen(dateien_.Leere(datei));
+    angehaengte_.insert(angehaengte_.end(), neue.begin(), neue.end());
+    grenze_ = std::max(grenze_, GanzeSaetze(Gelungen(dateien_.Groesse(datei))));
+}
+
+void Einarbeitungsjournal::SchneideAb(Dateihandle datei) {
+    if (Schub() >= 0) return;  // what has come meanwhile stands where it belongs
+    const auto letzte = BereiteSchnittVor(datei);
+    SchreibeAn(dateien_, datei, NeuesEnde(), std::as_bytes(std::span(letzte)));
+    Gelungen(dateien_.SetzeLaenge(datei, NeuesEnde() + Bytes(letzte.size())));
+    if (phase_ == Phase::Schneidet) return;
+    Sichere(datei);
     // From here on the next record is appended before the old limit.
-    TrageNach(NeuesEnde(), Phase::Schreibt, {});
+    grenze_ = NeuesEnde();
+    TrageNach(Phase::Schreibt);
+}
+
+// Gives the live records that the file has got since the additions of before. Without a helper, or without room for the
+// zeros, no events run any more, there are none, and the phase of the cut isn't used.
+std::vector<KursDatensatz> Einarbeitungsjournal::BereiteSchnittVor(Dateihandle datei) {
+    for (std::int64_t platz = Schnittplatz;; platz *= 2) {
+        std::int64_t hier = NeuesEnde();
+        NimmAuf(datei);
+        const std::int64_t ende = grenze_;
+        const bool nebenher = journalweg_.IstNebenher() && dateiweg_.IstNebenher() && LegeNullenAn(datei, platz);
+        if (!nebenher) BeendeEreignisse();
+        TrageNach(Phase::Schreibt);
+        UebertrageStueck(datei, hier, NeuesEnde());
+        if (!nebenher) return {};
+        hier = NeuesEnde();
+        const std::vector<std::byte> nullen(static_cast<std::size_t>(std::min(platz, ende - hier)));
+        SchreibeAn(dateien_, datei, hier, nullen);
+        Sichere(datei);
+        SchreibeNachtrag(Phase::Schneidet, LiesAngehaengte(datei));
+        auto letzte = LiesAngehaengte(datei);
+        if (Bytes(letzte.size()) < platz) return letzte;
+    }
+}
+
+// Behind the end of the file; false on a full disk.
+bool Einarbeitungsjournal::LegeNullenAn(Dateihandle datei, std::int64_t bytes) {
+    if (dateien_.Verlaengere(datei, grenze_, grenze_ + bytes) < 0) {
+        Gelungen(dateien_.SetzeLaenge(datei, grenze_));
+        return false;
+    }
+    grenze_ += bytes;
+    return true;
+}
+
+// Each sync is made in place from here on.
+void Einarbeitungsjournal::BeendeEreignisse() {
+    journalweg_.Ende();
+    dateiweg_.Ende();
+}
+
+// In the phase of the cut.
+bool Einarbeitungsjournal::IstGeschnitten(Dateihandle datei) {
+    KursDatensatz satz;
+    return !LiesAn(dateien_, datei, grenze_ - DatensatzBytes, std::as_writable_bytes(std::span(&satz, 1))) ||
+           !IstNull(satz);
 }
 
 // The new bytes of some places of the data file: content, the rest from where it still stands, the live records that
@@ -327,21 +413,27 @@ void Einarbeitungsjournal::Kopiere(Dateihandle quelle, std::int64_t ab, Dateihan
     }
 }
 
-void Einarbeitungsjournal::TrageNach(std::int64_t grenze, Phase phase, std::span<const KursDatensatz> saetze) {
-    Teilkopf kopf{{grenze, static_cast<std::int64_t>(phase), std::ssize(saetze)}};
+// The live records that stand in no addition yet.
+void Einarbeitungsjournal::TrageNach(Phase phase) {
+    SchreibeNachtrag(phase, std::span<const KursDatensatz>(angehaengte_).subspan(nachgetragen_));
+    nachgetragen_ = angehaengte_.size();
+}
+
+void Einarbeitungsjournal::SchreibeNachtrag(Phase phase, std::span<const KursDatensatz> saetze) {
+    Teilkopf kopf{{grenze_, static_cast<std::int64_t>(phase), std::ssize(saetze)}};
     kopf.Summe = Teilsumme(kopf, std::as_bytes(saetze));
     std::vector<std::byte> bytes(sizeof kopf + saetze.size_bytes());
     std::memcpy(bytes.data(), &kopf, sizeof kopf);
     if (!saetze.empty()) std::memcpy(bytes.data() + sizeof kopf, saetze.data(), saetze.size_bytes());
     SchreibeAn(dateien_, handle_, nachtragsstelle_, bytes);
-    Gelungen(dateien_.Leere(handle_));
+    SichereJournal();
     nachtragsstelle_ += std::ssize(bytes);
-    grenze_ = grenze;
     phase_ = phase;
 }
 
 void Einarbeitungsjournal::Loesche() {
     Gelungen(dateien_.Loesche(pfad_));
+    BeendeEreignisse();
     dateien_.Schliesse(handle_);
     handle_ = KeinHandle;
 }
@@ -418,23 +510,30 @@ bool Einarbeitungsjournal::LiesNachtrag() {
     const std::int64_t stelle = nachtragsstelle_ + TeilkopfBytes;
     if (!LiesAn(dateien_, handle_, stelle, std::as_writable_bytes(std::span(saetze)))) return false;
     if (kopf.Summe != Teilsumme(kopf, std::as_bytes(std::span(saetze)))) return false;
-    angehaengte_.insert(angehaengte_.end(), saetze.begin(), saetze.end());
     grenze_ = grenze;
     phase_ = static_cast<Phase>(phase);
+    beimSchnitt_.clear();
+    auto& ziel = phase_ == Phase::Schneidet ? beimSchnitt_ : angehaengte_;
+    ziel.insert(ziel.end(), saetze.begin(), saetze.end());
+    nachgetragen_ = angehaengte_.size();
     nachtragsstelle_ = stelle + Bytes(saetze.size());
     return true;
 }
 
 bool Einarbeitungsjournal::Vollende(Dateihandle datei) {
-    const auto neue = LiesAngehaengte(datei);
-    const std::int64_t ganz = grenze_ + Bytes(neue.size());
-    angehaengte_.insert(angehaengte_.end(), neue.begin(), neue.end());
-    TrageNach(std::max(ganz, NeuesEnde()), phase_, neue);
+    if (phase_ == Phase::Schneidet) {
+        const bool geschnitten = IstGeschnitten(datei);
+        angehaengte_.insert(angehaengte_.end(), beimSchnitt_.begin(), beimSchnitt_.end());
+        grenze_ = geschnitten ? NeuesEnde() : grenze_ + Bytes(beimSchnitt_.size());
+    }
+    NimmAuf(datei);
+    grenze_ = std::max(grenze_, NeuesEnde());
+    TrageNach(phase_ == Phase::Schneidet ? Phase::Schreibt : phase_);
     if (phase_ == Phase::Waechst) {
         try {
             UebertrageStueck(datei, ende_, NeuesEnde());
             Gelungen(dateien_.Leere(datei));
-            TrageNach(grenze_, Phase::Verschiebt, {});
+            TrageNach(Phase::Verschiebt);
         } catch (const Journalfehler&) {
             NimmWachstumZurueck(datei);
             return false;
@@ -444,7 +543,7 @@ bool Einarbeitungsjournal::Vollende(Dateihandle datei) {
     if (phase_ == Phase::Verschiebt) {
         if (letztes_.Nummer > 0) VerschiebeFenster(datei, letztes_, false);
         Gelungen(dateien_.Leere(datei));
-        Verschiebe(datei, {});
+        Verschiebe(datei);
     }
     UebertrageStueck(datei, stelle_, stelle_ + laenge_);
     UebertrageStueck(datei, ende_ + Schub(), NeuesEnde());

@@ -26,26 +26,37 @@
 //           ...   the bytes themselves, where the rest moves by less than a window: its own move overwrites them
 //   then any number of additions:
 //           8     Grenze: the file was about to be this long; what lies behind it came later and stands in no addition
-//           8     Phase: 0 the file grows, 1 the rest moves, 2 the content is written
+//           8     Phase: 0 the file grows, 1 the rest moves, 2 the content is written, 3 the file may be cut
 //           8     number of records
 //           8     checksum of this addition but this field
-//           ...   live records that lay where the file had to grow; they belong behind the rest
+//           ...   live records that lay where the file had to grow; they belong behind the rest. Those of phase 3 are
+//                 the first ones behind Grenze
 //
 // The head is written last: a journal without a valid one hasn't touched its file. The work then goes in this order:
-//   0. The file grows to its new length, if it gets longer. On a full disk this fails, and is taken back.
+//   0. The file grows by zeros to its new length, if it gets longer; its new end is written over them. On a full disk
+//      this fails, and is taken back.
 //   1. The rest moves, window by window: up from its end on, down from its beginning on, so that what is still to be
 //      moved is never overwritten.
-//   2. The content is written. The file is cut, if it gets shorter; live records that came meanwhile move down before.
-//   3. Header; the journal goes.
-// At each point at which events run the file consists of whole records, so that the append finds it sound.
+//   2. The content is written.
+//   3. The file is cut, if it gets shorter; live records that came meanwhile move down before.
+//   4. Header; the journal goes.
+// Each step is on the disk before the next one overwrites what it came from. Events run while the disk is at work, so
+// live records may come at any such point: the file consists of whole records then, so that the append finds it sound.
+//
+// Zeros behind Grenze are no records. That lets the file grow before the journal knows which live records came last:
+// they lie before the zeros, later ones behind them. And it lets the file be cut without a sync between the look at the
+// last live records and the cut: zeros lie where these records go, and where Grenze is. Once phase 3 is on the disk, a
+// zero record right before Grenze means that the file isn't cut: the live records of phase 3 and later ones stand from
+// Grenze on. Otherwise it is cut, and they stand where its end was without them. A power failure can then cost what
+// came since that last sync began, as it can with any append, and nothing else.
 #pragma once
 
 #include "datafiles/dateikopf.h"
 #include "datafiles/datensatz.h"
 #include "platform/dateisystem.h"
+#include "platform/plattenweg.h"
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 #include <stdexcept>
@@ -68,16 +79,14 @@ enum class Anderswo { Moeglich, Keine };
 
 class Einarbeitungsjournal {
 public:
-    // Where events may run; nothing of the data file is half done then. May be empty.
-    using Pause = std::function<void()>;
-
     // Bytes that are moved between two pauses, and made fast at once: whole records.
     static constexpr std::int64_t Stueck = std::int64_t{4} << 20;
     // What a journal of so much content takes of the disk, when so many bytes of the rest have to move.
     static std::int64_t Platzbedarf(std::int64_t laenge, std::int64_t rest, std::int64_t stueck = Stueck);
 
-    // `dateien` must outlive the object.
-    explicit Einarbeitungsjournal(Dateisystem& dateien, std::int64_t stueck = Stueck);
+    // Between windows and while the disk is at work `pumpe` lets events run; without one none do. `dateien` and
+    // `pumpe` must outlive the object.
+    explicit Einarbeitungsjournal(Dateisystem& dateien, std::int64_t stueck = Stueck, Pumpe* pumpe = nullptr);
     ~Einarbeitungsjournal();
     Einarbeitungsjournal(const Einarbeitungsjournal&) = delete;
     Einarbeitungsjournal& operator=(const Einarbeitungsjournal&) = delete;
@@ -89,12 +98,14 @@ public:
     // More content.
     void Schreibe(std::span<const KursDatensatz> saetze);
     std::int64_t Laenge() const { return laenge_; }
-    // From here on a crash doesn't matter.
+    // Brings the data file to the disk.
+    void Sichere(Dateihandle datei);
+    // From here on a crash doesn't matter. What the file holds up to `ende` is on the disk already.
     void MacheFest(std::int64_t stelle, std::int64_t ersetzt, std::int64_t ende, const DatenDateikopf& kopf);
     // Brings the content into the data file, from memory where it is `inhalt` (may be empty). When it can't grow, all
     // is as it was before and the journal is gone; an error behind that leaves the journal to the next opening of the
     // file.
-    void Uebertrage(Dateihandle datei, const Pause& pause, std::span<const KursDatensatz> inhalt = {});
+    void Uebertrage(Dateihandle datei, std::span<const KursDatensatz> inhalt = {});
     // The data file is done.
     void Loesche();
     // It is fast, and outlives the object.
@@ -116,7 +127,7 @@ public:
 
 private:
     struct Pruefsumme;
-    enum class Phase : std::int64_t { Waechst, Verschiebt, Schreibt };
+    enum class Phase : std::int64_t { Waechst, Verschiebt, Schreibt, Schneidet };
     struct Fensterstand {
         std::int64_t Nummer = 0, Dort = 0, Laenge = 0;
     };
@@ -128,16 +139,24 @@ private:
     Phase Anfangsphase() const;
     bool FensterMitDaten() const;
     std::int64_t Fensterplatz() const;
-    void Wachse(Dateihandle datei, const Pause& pause);
+    void LassEreignisseZu();
+    void SichereJournal();
+    void Wachse(Dateihandle datei);
     void NimmWachstumZurueck(Dateihandle datei);
-    void Verschiebe(Dateihandle datei, const Pause& pause);
+    void Verschiebe(Dateihandle datei);
     void VerschiebeFenster(Dateihandle datei, const Fensterstand& fenster, bool merken);
-    void SchreibeInhalt(Dateihandle datei, const Pause& pause);
+    void SchreibeInhalt(Dateihandle datei);
     void SchneideAb(Dateihandle datei);
+    std::vector<KursDatensatz> BereiteSchnittVor(Dateihandle datei);
+    bool LegeNullenAn(Dateihandle datei, std::int64_t bytes);
+    void BeendeEreignisse();
+    bool IstGeschnitten(Dateihandle datei);
     void UebertrageStueck(Dateihandle datei, std::int64_t von, std::int64_t bis);
     void Kopiere(Dateihandle quelle, std::int64_t ab, Dateihandle datei, std::int64_t dort, std::int64_t bytes);
     std::vector<KursDatensatz> LiesAngehaengte(Dateihandle datei);
-    void TrageNach(std::int64_t grenze, Phase phase, std::span<const KursDatensatz> saetze);
+    void NimmAuf(Dateihandle datei);
+    void TrageNach(Phase phase);
+    void SchreibeNachtrag(Phase phase, std::span<const KursDatensatz> saetze);
     bool LiesNachtrag();
     void LiesFenster();
 
@@ -146,6 +165,8 @@ private:
     std::string pfad_;
     Dateihandle handle_ = KeinHandle;
     bool fest_ = false;
+    Pumpe* pumpe_;
+    Plattenweg journalweg_, dateiweg_;
     std::unique_ptr<Pruefsumme> summe_;
     std::int64_t ungesichert_ = 0;  // bytes of content since the last sync
     // As in the file.
@@ -153,10 +174,12 @@ private:
     DatenDateikopf kopf_;
     std::span<const std::byte> inhalt_;  // the content, while it is in memory
     Fensterstand letztes_;               // the last window; number 0 for none
-    std::int64_t grenze_ = 0;
+    std::int64_t grenze_ = 0;            // live records before it are in angehaengte_
     Phase phase_ = Phase::Waechst;
-    std::int64_t nachtragsstelle_ = 0;        // where the next addition goes
-    std::vector<KursDatensatz> angehaengte_;  // of all additions
+    std::int64_t nachtragsstelle_ = 0;  // where the next addition goes
+    std::vector<KursDatensatz> angehaengte_;
+    std::size_t nachgetragen_ = 0;  // as many of them stand in additions
+    std::vector<KursDatensatz> beimSchnitt_;
     std::vector<std::byte> puffer_;
 };
 

@@ -516,5 +516,108 @@ TEST_F(FehlerTest, ATitlesFileDeletedDuringTheMergeIsntMadeAnew) {
     EXPECT_EQ(p_.Status.Eintraege.size(), 1u);
 }
 
+// ---- while the disk is at work
+
+// Each sync takes its time of the virtual world; meanwhile a tick comes every 100 ms.
+class NebenherTest : public EinarbeitenTest {
+protected:
+    NebenherTest() {
+        p_.Dateien.SetzeHelfer(true, 20);
+        Plane();
+    }
+    void Plane() {
+        p_.Welt.Plane(0.1, [this] {
+            const auto jetzt = p_.Welt.Jetzt();
+            if (immerDerErste_) titel_.KonsistenzGecheckt(kursart::Brief, false);
+            schreiber_.DatensatzAnhaengen(titel_, kursart::Brief, 9, 1, false, jetzt);
+            ticks_.push_back({DatumAus(jetzt), 9, 1});
+            Plane();
+        });
+    }
+    Saetze MitTicks(Saetze saetze) const { return saetze + ticks_; }
+
+    Datensatzschreiber schreiber_{p_.Modul, p_.Dateien, p_.Status, {}};
+    Saetze ticks_;
+    bool immerDerErste_ = false;
+};
+
+TEST_F(NebenherTest, TicksThatComeMeanwhileAreStoredAtTheirOwnTime) {
+    for (const auto& block : {Saetze{Satz(5, 99), Satz(15, 98)}, Reihe(5, 30, 7), Reihe(5, 6, 7)}) {
+        Vorher(Reihe(1, 20));
+        ticks_.clear();
+        const auto beginn = p_.Welt.Jetzt();
+        EXPECT_EQ(Merge(block), std::ssize(block));
+        const Dauer dauer = p_.Welt.Jetzt() - beginn;
+        EXPECT_GT(dauer, 400ms) << "three syncs and more";
+        EXPECT_GE(std::ssize(ticks_), dauer / 100ms - 1);
+        EXPECT_EQ(Nachher(), MitTicks(Ersetzt(Reihe(1, 20), block, false)));
+        EXPECT_TRUE(p_.Status.Eintraege.empty());
+        EXPECT_EQ(ram().OffeneHandles(), 0u);
+    }
+}
+
+TEST_F(NebenherTest, AHelperThatDiesLeavesTheSyncsToTheMergeItself) {
+    for (std::uint64_t n = 1; n <= 6; ++n) {
+        Vorher(Reihe(1, 20));
+        ticks_.clear();
+        p_.Dateien.SetzeHelfer(true, 20);
+        p_.Dateien.HelferStirbtBeim(n);
+        p_.Dateien.VergissProtokoll();
+        EXPECT_EQ(Merge({Satz(5, 99), Satz(15, 98)}), 2);
+        const auto alle = p_.Dateien.Anzahl(hilfen::Dateiaufruf::Leere);
+        EXPECT_GE(alle, 5u) << "none is left out";
+        EXPECT_EQ(Nachher(), MitTicks(Ersetzt(Reihe(1, 20), {Satz(5, 99), Satz(15, 98)}, false))) << n;
+        EXPECT_TRUE(p_.Status.Eintraege.empty());
+    }
+}
+
+TEST_F(NebenherTest, ASyncThatFailsInTheHelperEndsTheMergeAsAnyOther) {
+    for (const bool helfer : {true, false}) {
+        Vorher(Reihe(1, 20));
+        ticks_.clear();
+        p_.Status.Eintraege.clear();
+        p_.Dateien.SetzeHelfer(helfer, 20);
+        p_.Dateien.StoereArt(hilfen::Dateiaufruf::Leere, EIO);
+        EXPECT_EQ(Merge({Satz(5, 99), Satz(15, 98)}), 0);
+        EXPECT_TRUE(p_.Status.Enthaelt("Fehler beim Einarbeiten von Daten aufgetreten: Ein-/Ausgabefehler"));
+        EXPECT_EQ(Nachher(), MitTicks(Reihe(1, 20)));
+        EXPECT_FALSE(ram().DateiExistiert(std::string(Pfad) + std::string(Journalendung)));
+        p_.Dateien.Heile();
+    }
+}
+
+// The first write of a run looks for zeros at the file's end, and a merge that makes the file longer has some there.
+TEST_F(NebenherTest, TheFirstTickOfARunCutsNothingOfAMerge) {
+    immerDerErste_ = true;
+    EXPECT_EQ(Merge(Reihe(1, 500)), 500);
+    EXPECT_GT(ticks_.size(), 2u);
+    EXPECT_EQ(Nachher(), MitTicks(Reihe(1, 500)));
+}
+
+// More of them than a cut has room for at first.
+TEST_F(NebenherTest, AFloodOfTicksWithinASyncIsKept) {
+    Vorher(Reihe(1, 20));
+    struct Flutpumpe : Pumpe {
+        void Ereignisse() override {}
+        void Warte(std::chrono::milliseconds dauer) override { Welt->Warte(dauer), Flut(); }
+        hilfen::VirtuelleWelt* Welt = nullptr;
+        std::function<void()> Flut;
+    } pumpe;
+    pumpe.Welt = &p_.Welt;
+    ticks_.clear();
+    pumpe.Flut = [&] {
+        for (int i = 0; i < 700 && ticks_.size() < 40'000; ++i) {
+            schreiber_.DatensatzAnhaengen(titel_, kursart::Brief, 8, 1, false, p_.Welt.Jetzt());
+            ticks_.push_back({DatumAus(p_.Welt.Jetzt()), 8, 1});
+        }
+    };
+    p_.Dateien.SetzeHelfer(true, 3);
+    p_.Dateien.SetzeProtokoll(false);
+    Einarbeiter einarbeiter(p_.Modul, p_.Dateien, p_.Welt, pumpe, p_.Status);
+    EXPECT_EQ(einarbeiter.DatenEinarbeiten(form_, titel_, Saetze{Satz(5, 99), Satz(15, 98)}, kursart::Brief), 2);
+    EXPECT_GT(ticks_.size(), 3000u);
+    EXPECT_EQ(Nachher(), MitTicks(Ersetzt(Reihe(1, 20), {Satz(5, 99), Satz(15, 98)}, false)));
+}
+
 }  // namespace
 }  // namespace zek::pflege

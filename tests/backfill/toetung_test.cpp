@@ -7,6 +7,7 @@
 #include "platform/dateisystem_posix.h"
 
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,6 +17,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <random>
 #include <thread>
 
@@ -66,7 +68,7 @@ protected:
     }
 
     // What the process does until it dies.
-    void Lebe(const Saetze& block) {
+    void Lebe(const Saetze& block, bool mitHelfer) {
         Pflegewelt p;
         p.Modul.Datenordner = ordner_.string();
         clTitelobjekt titel;
@@ -74,7 +76,10 @@ protected:
         Datensatzschreiber schreiber(p.Modul, platte_, p.Status, {});
         struct Tickpumpe : Pumpe {
             void Ereignisse() override { Tick(); }
-            void Warte(std::chrono::milliseconds) override {}
+            void Warte(std::chrono::milliseconds dauer) override {
+                ::poll(nullptr, 0, static_cast<int>(dauer.count()));
+                Tick();
+            }
             std::function<void()> Tick;
         } pumpe;
         pumpe.Tick = [&] {
@@ -83,18 +88,22 @@ protected:
             ++stand_->Gespeichert;
         };
         TestForm form;
-        Einarbeiter einarbeiter(p.Modul, platte_, p.Welt, pumpe, p.Status, Portion);
+        // Every second life has somebody who syncs beside the merge.
+        std::optional<Sicherungshelfer> helfer;
+        if (mitHelfer) helfer.emplace();
+        PosixDateisystem platte(helfer ? &*helfer : nullptr);
+        Einarbeiter einarbeiter(p.Modul, platte, p.Welt, pumpe, p.Status, Portion);
         stand_->Gestartet = 1;
         einarbeiter.DatenEinarbeiten(form, titel, block, kursart::Brief);
         stand_->Fertig = 1;
         for (;;) ::pause();
     }
     // The process lives until `dauer` behind its start; below 0: until it has merged. Gives how long it lived.
-    Uhrzeiten::duration Toete(const Saetze& block, Uhrzeiten::duration dauer) {
+    Uhrzeiten::duration Toete(const Saetze& block, Uhrzeiten::duration dauer, bool mitHelfer) {
         new (stand_) Stand;
         const pid_t kind = ::fork();
         if (kind == 0) {
-            Lebe(block);
+            Lebe(block, mitHelfer);
             ::_exit(0);
         }
         while (!stand_->Gestartet) std::this_thread::yield();
@@ -128,7 +137,7 @@ TEST_F(Toetung, AtAnyMomentOfAMergeCostsNoRecordAndDoublesNone) {
     for (const auto& block : bloecke) {
         neu.push_back(Ersetzt(datei, block, false));
         Lege(datei);
-        dauer.push_back(Toete(block, Uhrzeiten::duration(-1)));
+        dauer.push_back(Toete(block, Uhrzeiten::duration(-1), false));
     }
     std::mt19937_64 zufall(hilfen::Umgebungszahl("ZEK_SAAT", 1));
     const std::uint64_t toetungen = hilfen::Umgebungszahl("ZEK_TOETUNGEN", 40);
@@ -139,7 +148,7 @@ TEST_F(Toetung, AtAnyMomentOfAMergeCostsNoRecordAndDoublesNone) {
         const std::size_t fall = i % bloecke.size();
         Lege(datei);
         const auto wann = dauer[fall].count() * static_cast<long>(zufall() % 1100) / 1000;
-        Toete(bloecke[fall], Uhrzeiten::duration(wann));
+        Toete(bloecke[fall], Uhrzeiten::duration(wann), i / bloecke.size() % 2 == 1);
         const Journalstand stand = SchliesseEinarbeitungAb(platte_, pfad_);
         ASSERT_TRUE(stand != Journalstand::Unlesbar && stand != Journalstand::Gescheitert);
         mitten += stand == Journalstand::Abgeschlossen ? 1 : 0;

@@ -366,31 +366,32 @@ struct Fall {
     const char* Name;
     Umbau Was;
     int TicksJePause = 1;
+    bool Helfer = false;  // somebody syncs beside the merge, while ticks come
 };
 
-// With live ticks at each pause, and a death at any file call.
-class Journalwelt : public testing::Test {
+// With live ticks whenever events run, and a death at any file call.
+class Journalwelt : public testing::Test, protected Pumpe {
 protected:
     virtual const Fall& Jetzt() const = 0;
     const Umbau& Was() const { return Jetzt().Was; }
     void LegeAn() {
         ram_.emplace();
         dateien_.emplace(*ram_);
+        dateien_->SetzeHelfer(Jetzt().Helfer);
         ticks_.clear();
         schritte_.clear();
         ram_->LegeDateiAn(Journalziel, DaxDatei(Was().Alle()));
     }
     // True when the work was done.
     bool Arbeite(bool ausDemSpeicher = false) {
-        Einarbeitungsjournal journal(*dateien_, Fenster);
+        Einarbeitungsjournal journal(*dateien_, Fenster, this);
         const Dateihandle datei = dateien_->Oeffne(Journalziel, Oeffnen::LesenSchreiben);
         bool fertig = false;
         try {
             Was().MacheFest(journal);
             dateien_->VergissProtokoll();
             const auto block = Was().Block();
-            journal.Uebertrage(
-                datei, [this] { Pause(); }, ausDemSpeicher ? block : std::vector<KursDatensatz>());
+            journal.Uebertrage(datei, ausDemSpeicher ? block : std::vector<KursDatensatz>());
             MerkeSchritte();
             dateien_->Suche(datei, 0, Ab::Anfang);
             const auto kopf = Umbau::NeuerKopf();
@@ -401,7 +402,11 @@ protected:
         dateien_->Schliesse(datei);
         return fertig;
     }
-    void Pause() {
+    void Warte(std::chrono::milliseconds) override {
+        EXPECT_TRUE(dateien_->LeertGerade());
+        Ereignisse();
+    }
+    void Ereignisse() override {
         if (!dateien_->Abgestuerzt())
             EXPECT_EQ((ram_->Inhalt(Journalziel).size() - 856) % 16, 0u) << "the append would refuse";
         MerkeSchritte();
@@ -501,10 +506,10 @@ TEST_P(Journalarbeit, ThatDiesAgainWhileItIsFinishedLosesNothingEither) {
 TEST_P(Journalarbeit, ThatDiesBehindItsLastStepKeepsTheTickThatCameMeanwhile) {
     LegeAn();
     {
-        Einarbeitungsjournal journal(*dateien_, Fenster);
+        Einarbeitungsjournal journal(*dateien_, Fenster, this);
         Was().MacheFest(journal);
         const Dateihandle datei = dateien_->Oeffne(Journalziel, Oeffnen::LesenSchreiben);
-        journal.Uebertrage(datei, [this] { Ticke(1); });
+        journal.Uebertrage(datei);
         dateien_->Schliesse(datei);
     }
     Ticke(1);
@@ -521,7 +526,7 @@ TEST_P(Journalarbeit, WithoutRoomToGrowLeavesAllAsItWas) {
             const Dateihandle datei = ram_->Oeffne(Journalziel, Oeffnen::LesenSchreiben);
             ram_->SetzeFreienPlatz(frei);
             EXPECT_NO_THROW(
-                try { journal.Uebertrage(datei, {}); } catch (const Journalfehler& fehler) {
+                try { journal.Uebertrage(datei); } catch (const Journalfehler& fehler) {
                     EXPECT_EQ(fehler.Nummer, ENOSPC);
                     EXPECT_EQ(ram_->Inhalt(Journalziel), DaxDatei(Was().Alle()));
                     EXPECT_FALSE(ram_->DateiExistiert(Journal));
@@ -534,19 +539,28 @@ TEST_P(Journalarbeit, WithoutRoomToGrowLeavesAllAsItWas) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, Journalarbeit,
-                         testing::Values(Fall{"shorter", {.Davor = 10, .Ersetzt = 10, .Danach = 12, .Inhalt = 3}},
-                                         Fall{"shorterByOne", {.Davor = 3, .Ersetzt = 6, .Danach = 11, .Inhalt = 5}},
-                                         Fall{"longer", {.Davor = 10, .Ersetzt = 3, .Danach = 12, .Inhalt = 10}},
-                                         Fall{"longerByOne", {.Davor = 3, .Ersetzt = 5, .Danach = 11, .Inhalt = 6}},
-                                         Fall{"muchLonger", {.Davor = 1, .Ersetzt = 1, .Danach = 3, .Inhalt = 17}, 2},
-                                         Fall{"sameLength", {.Davor = 2, .Ersetzt = 9, .Danach = 9, .Inhalt = 9}},
-                                         Fall{"appended", {.Davor = 4, .Ersetzt = 0, .Danach = 0, .Inhalt = 13}},
-                                         Fall{"atTheEnd", {.Davor = 4, .Ersetzt = 14, .Danach = 0, .Inhalt = 10}, 9},
-                                         Fall{"ofAnEmptyFile", {.Inhalt = 7}},
-                                         Fall{"ofNothing", {.Davor = 2, .Ersetzt = 9, .Danach = 6, .Inhalt = 0}},
-                                         Fall{"ofAllRecords", {.Ersetzt = 9, .Inhalt = 0}}),
-                         [](const auto& info) { return std::string(info.param.Name); });
+std::vector<Fall> MitUndOhneHelfer(std::vector<Fall> faelle) {
+    for (std::size_t i = 0, anzahl = faelle.size(); i < anzahl; ++i) {
+        faelle.push_back(faelle[i]);
+        faelle.back().Helfer = true;
+    }
+    return faelle;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , Journalarbeit,
+    testing::ValuesIn(MitUndOhneHelfer({Fall{"shorter", {.Davor = 10, .Ersetzt = 10, .Danach = 12, .Inhalt = 3}},
+                                        Fall{"shorterByOne", {.Davor = 3, .Ersetzt = 6, .Danach = 11, .Inhalt = 5}},
+                                        Fall{"longer", {.Davor = 10, .Ersetzt = 3, .Danach = 12, .Inhalt = 10}},
+                                        Fall{"longerByOne", {.Davor = 3, .Ersetzt = 5, .Danach = 11, .Inhalt = 6}},
+                                        Fall{"muchLonger", {.Davor = 1, .Ersetzt = 1, .Danach = 3, .Inhalt = 17}, 2},
+                                        Fall{"sameLength", {.Davor = 2, .Ersetzt = 9, .Danach = 9, .Inhalt = 9}},
+                                        Fall{"appended", {.Davor = 4, .Ersetzt = 0, .Danach = 0, .Inhalt = 13}},
+                                        Fall{"atTheEnd", {.Davor = 4, .Ersetzt = 14, .Danach = 0, .Inhalt = 10}, 9},
+                                        Fall{"ofAnEmptyFile", {.Inhalt = 7}},
+                                        Fall{"ofNothing", {.Davor = 2, .Ersetzt = 9, .Danach = 6, .Inhalt = 0}},
+                                        Fall{"ofAllRecords", {.Ersetzt = 9, .Inhalt = 0}}})),
+    [](const auto& info) { return info.param.Name + std::string(info.param.Helfer ? "WithAHelper" : ""); });
 
 // A step that destroys its source waits until its result is on the disk: what the power failure leaves is enough.
 struct Schrittfolge {
@@ -567,16 +581,31 @@ TEST_P(Journalschritte, AreOnTheDiskBeforeTheNextOneOverwritesWhereTheyCameFrom)
 INSTANTIATE_TEST_SUITE_P(
     , Journalschritte,
     testing::Values(
-        // Three windows, the next phase, the content, the cut.
+        // Three windows, the next phase, the content, the live records, the cut, where it was.
         Schrittfolge{{"shorter", {.Davor = 10, .Ersetzt = 10, .Danach = 12, .Inhalt = 3}, 0},
                      "jJdD|jJdD|jJdD|"
                      "jJ"
-                     "dkD"
+                     "d"
+                     "jJ"
+                     "kD"
                      "jJ"
                      "D"},
-        // Two steps of growth, the next phase, two windows, the next phase, the content in portions.
+        // The same where somebody syncs beside it: behind the content zeros behind the file, the
+        // live records, zeros in their place, the next phase, the cut.
+        Schrittfolge{{"shorterWithAHelper", {.Davor = 10, .Ersetzt = 10, .Danach = 12, .Inhalt = 3}, 0, true},
+                     "kj|j|Jd|D|j|Jd|D|j|Jd|D|"
+                     "j|J"
+                     "d"
+                     "j|J"
+                     "d|D"
+                     "j|J"
+                     "k|D"},
+        // Two steps of zeros, the live records, two steps of growth, the next phase, two windows,
+        // the next phase, the content in portions.
         Schrittfolge{{"longer", {.Davor = 10, .Ersetzt = 3, .Danach = 12, .Inhalt = 10}, 0},
-                     "jJdD|jJdD"
+                     "d|d"
+                     "jJ"
+                     "dD|dD"
                      "jJ"
                      "jJdD|jJdD|"
                      "jJ"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace zek::hilfen {
 
@@ -137,6 +138,24 @@ int StoerDateisystem::SetzeLaenge(Dateihandle handle, std::int64_t laenge) {
 int StoerDateisystem::Leere(Dateihandle handle) {
     return static_cast<int>(
         Fuehre(Dateiaufruf::Leere, PfadVon(handle), [&]() -> std::int64_t { return darunter_.Leere(handle); }));
+}
+
+int StoerDateisystem::BeginneLeeren(Dateihandle handle) {
+    if (!helfer_) return -ENOSYS;
+    if (leert_ >= 0) return -EBUSY;
+    leert_ = handle;
+    gefragt_ = 0;
+    return 0;
+}
+
+std::optional<int> StoerDateisystem::Leerergebnis() {
+    if (leert_ < 0 || gefragt_++ < helferfragen_) return std::nullopt;
+    const Dateihandle handle = std::exchange(leert_, KeinHandle);
+    if (helferTod_ != 0 && --helferTod_ == 0) {
+        helfer_ = false;
+        return -EPIPE;
+    }
+    return Leere(handle);
 }
 
 int StoerDateisystem::Sperre(Dateihandle handle) {

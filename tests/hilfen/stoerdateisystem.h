@@ -66,6 +66,9 @@ public:
     std::int64_t Groesse(Dateihandle handle) override;
     int SetzeLaenge(Dateihandle handle, std::int64_t laenge) override;
     int Leere(Dateihandle handle) override;
+    bool LeertNebenher() const override { return helfer_; }
+    int BeginneLeeren(Dateihandle handle) override;
+    std::optional<int> Leerergebnis() override;
     int Sperre(Dateihandle handle) override;
     bool DateiExistiert(const std::string& pfad) override;
     bool OrdnerExistiert(const std::string& pfad) override;
@@ -92,6 +95,11 @@ public:
     // a write, its first `angerissen` bytes still reach the file.
     void StuerzeAb(std::uint64_t n, std::size_t angerissen = 0);
     bool Abgestuerzt() const { return absturz_ != 0 && zaehler_ >= absturz_; }
+    // Somebody syncs beside this thread: each takes `fragen` unanswered questions for its result, and is then one call
+    // of Leere. One that dies with the n-th sync doesn't make it.
+    void SetzeHelfer(bool an, int fragen = 1) { helfer_ = an, helferfragen_ = fragen; }
+    void HelferStirbtBeim(std::uint64_t n) { helferTod_ = n; }
+    bool LeertGerade() const { return leert_ >= 0; }
     // No disturbance and no crash any more.
     void Heile();
 
@@ -134,6 +142,10 @@ private:
     std::uint64_t protokollAnzahl_ = 0;
     std::uint64_t absturz_ = 0;  // number of the call that dies; 0 none
     std::size_t angerissen_ = 0;
+    bool helfer_ = false;
+    int helferfragen_ = 1, gefragt_ = 0;
+    std::uint64_t helferTod_ = 0;
+    Dateihandle leert_ = KeinHandle;
     bool protokolliert_ = true;
 };
 
