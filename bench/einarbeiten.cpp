@@ -4,10 +4,11 @@
 //
 // First argument: records in front of the block's span, in millions (0: everything moves; 9: nothing but the block).
 // Second argument: records that the block replaces, in thousands (500: the tail moves up; 2000: it moves down).
-// Counters: seconds of processor time of either, their ratio, and the ratio by the clock. The bar is 3: the merge makes
-// a journal fast before it touches the file, and waits for the disk, which the copy doesn't. ZEK_BENCH_OHNE_PLATTE=1
-// leaves these waits out and shows what the program does by itself.
-// ZEK_BENCH_ORDNER names the folder that is written to; the system's folder for temporary files otherwise.
+// Counters: seconds of processor time of either, their ratio, the same with the helper's process, and the ratio by the
+// clock. The bar is 3: the merge makes a journal fast before it touches the file, and waits for the disk, which the
+// copy doesn't. The helper syncs meanwhile, as in the recorder; ZEK_BENCH_OHNE_HELFER=1 leaves that to the merge's
+// thread, and ZEK_BENCH_OHNE_PLATTE=1 leaves the syncs out and shows what the program does by itself. ZEK_BENCH_ORDNER
+// names the folder that is written to; the system's folder for temporary files otherwise.
 #include "backfill/einarbeiten.h"
 #include "datafiles/dateinamen.h"
 #include "platform/dateisystem_posix.h"
@@ -15,6 +16,7 @@
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,6 +25,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -39,7 +42,7 @@ class Stumm : public Statusausgabe, public Pumpe, public Einarbeiter::Form {
 public:
     void Statusmeldung(std::string_view, bool) override { Fehler = true; }
     void Ereignisse() override {}
-    void Warte(std::chrono::milliseconds) override {}
+    void Warte(std::chrono::milliseconds dauer) override { ::poll(nullptr, 0, static_cast<int>(dauer.count())); }
     void FortschrittMaximum(int) override {}
     void FortschrittWert(int) override {}
     void AbbruchMoeglich(bool) override {}
@@ -62,13 +65,27 @@ KursDatensatz Satz(std::int64_t nummer) {
     return {40000 + static_cast<double>(nummer) / 86400, 5012.25F, 3};
 }
 
+bool Gewuenscht(const char* name) {
+    return std::getenv(name) != nullptr;
+}
+
 class Platte final : public PosixDateisystem {
 public:
+    using PosixDateisystem::PosixDateisystem;
     int Leere(Dateihandle handle) override { return ohneWarten_ ? 0 : PosixDateisystem::Leere(handle); }
 
 private:
-    bool ohneWarten_ = std::getenv("ZEK_BENCH_OHNE_PLATTE") != nullptr;
+    bool ohneWarten_ = Gewuenscht("ZEK_BENCH_OHNE_PLATTE");
 };
+
+// Seconds of processor time of another process.
+double Rechenzeit(int prozess) {
+    clockid_t uhr{};
+    timespec zeit{};
+    if (prozess < 1 || ::clock_getcpuclockid(prozess, &uhr) != 0) return 0;
+    ::clock_gettime(uhr, &zeit);
+    return static_cast<double>(zeit.tv_sec) + static_cast<double>(zeit.tv_nsec) / 1e9;
+}
 
 class Aufbau {
 public:
@@ -97,10 +114,12 @@ public:
             block.push_back(Satz(ab));
             block.back().Datum += std::round(static_cast<double>(i) * schritt * 2) / 2 / 86400;
         }
+        const double helferzeit = HelferRechenzeit();
         const Messpunkt anfang = Messpunkt::Jetzt();
         Einarbeiter einarbeiter(modul_, dateien_, uhr_, stumm_, stumm_);
         if (einarbeiter.DatenEinarbeiten(stumm_, titel_, block, kursart::Bezahlt) != anzahl) std::abort();
         MergeZeit = Messpunkt::Jetzt() - anfang;
+        HelferZeit = HelferRechenzeit() - helferzeit;
     }
 
     // The same bytes: the tail from its old to its new place, and the block. The copy's own file only grows and
@@ -144,6 +163,7 @@ public:
     bool IstGesund() { return !stumm_.Fehler && std::filesystem::file_size(Pfad()) == 856 + Dateisaetze * 16; }
 
     Messpunkt MergeZeit{}, KopieZeit{};
+    double HelferZeit = 0;
 
 private:
     static void Pruefe(ssize_t ergebnis) {
@@ -162,8 +182,14 @@ private:
     }
 
     std::filesystem::path ordner_, kopie_;
+    double HelferRechenzeit() const { return helfer_ ? Rechenzeit(helfer_->Prozess()) : 0; }
+
     IBModul modul_;
-    Platte dateien_;
+    std::unique_ptr<Sicherungshelfer> helfer_ =
+        Gewuenscht("ZEK_BENCH_OHNE_HELFER") || Gewuenscht("ZEK_BENCH_OHNE_PLATTE")
+            ? nullptr
+            : std::make_unique<Sicherungshelfer>();
+    Platte dateien_{helfer_.get()};
     PosixUhr uhr_;
     Stumm stumm_;
     clTitelobjekt titel_;
@@ -174,6 +200,7 @@ void Einarbeiten(benchmark::State& state) {
     const std::int64_t ab = state.range(0) * Million;
     const std::int64_t vorher = state.range(1) * 1000;
     Messpunkt merge{}, kopie{};
+    double helfer = 0;
     for (auto _ : state) {
         aufbau.Merge(ab, vorher);  // not measured: the file with another number of records in the span
         aufbau.LaengeDerKopie(Dateisaetze - Blocksaetze + vorher);
@@ -181,6 +208,7 @@ void Einarbeiten(benchmark::State& state) {
         aufbau.Merge(ab, Blocksaetze);
         kopie.Rechenzeit += aufbau.KopieZeit.Rechenzeit, kopie.Uhrzeit += aufbau.KopieZeit.Uhrzeit;
         merge.Rechenzeit += aufbau.MergeZeit.Rechenzeit, merge.Uhrzeit += aufbau.MergeZeit.Uhrzeit;
+        helfer += aufbau.HelferZeit;
         state.SetIterationTime(aufbau.MergeZeit.Uhrzeit);
     }
     if (!aufbau.IstGesund()) state.SkipWithError("the merge failed");
@@ -188,6 +216,7 @@ void Einarbeiten(benchmark::State& state) {
     state.counters["merge_cpu_s"] = merge.Rechenzeit / runden;
     state.counters["copy_cpu_s"] = kopie.Rechenzeit / runden;
     state.counters["ratio"] = merge.Rechenzeit / kopie.Rechenzeit;
+    state.counters["ratio_with_helper"] = (merge.Rechenzeit + helfer) / kopie.Rechenzeit;
     state.counters["ratio_clock"] = merge.Uhrzeit / kopie.Uhrzeit;
 }
 

@@ -1,7 +1,11 @@
-// How late an append comes while its data are brought to the disk: bench_sicherung FOLDER SECONDS [none|helper|inline]
+// How late an append comes while data are brought to the disk:
+// bench_sicherung FOLDER SECONDS [none|helper|inline|merge|merge-inline]
 //
 // Appends to 60 files, 500 a second, one file after the other, as the recorder does it, and has them synced every five
 // seconds: not at all, by the helper, or in the same thread. Prints the longest appends; those above 50 ms are a miss.
+// "merge": beside merges of 20,000 bars into one of the files, whose syncs the helper makes, or ("merge-inline") the
+// same thread; an append is as late as it returns behind the time when it was due.
+#include "backfill/einarbeiten.h"
 #include "datafiles/anhaengen.h"
 #include "datafiles/kursart.h"
 #include "modul/ibmodul.h"
@@ -17,6 +21,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -80,17 +85,74 @@ Messung Miss(const std::string& ordner, double sekunden, const std::string& art,
     return messung;
 }
 
+// Lets an append be due every 2 ms.
+class Tickpumpe : public Pumpe, public Einarbeiter::Form {
+public:
+    explicit Tickpumpe(std::function<void()> anhaengen) : anhaengen_(std::move(anhaengen)) {}
+    void Ereignisse() override {
+        for (; faellig_ <= Takt::now(); faellig_ += std::chrono::milliseconds(Abstand)) {
+            anhaengen_();
+            Verspaetung.push_back(Millisekunden(Takt::now() - faellig_));
+        }
+    }
+    void Warte(std::chrono::milliseconds hoechstens) override {
+        ::poll(nullptr, 0, static_cast<int>(std::min<std::int64_t>(hoechstens.count(), Abstand)));
+        Ereignisse();
+    }
+    void FortschrittMaximum(int) override {}
+    void FortschrittWert(int) override {}
+    void AbbruchMoeglich(bool) override {}
+    void SpanneGeht(const clTitelobjekt&, std::int32_t, Datum, Datum) override {}
+
+    std::vector<double> Verspaetung;
+
+private:
+    std::function<void()> anhaengen_;
+    Takt::time_point faellig_ = Takt::now();
+};
+
+Messung MissBeiEinarbeitung(const std::string& ordner, double sekunden, Sicherungshelfer* helfer) {
+    IBModul modul;
+    modul.Datenordner = ordner;
+    PosixDateisystem dateien(helfer);
+    PosixUhr uhr;
+    Stille status;
+    Datensatzschreiber schreiber(modul, dateien, status, {});
+    std::vector<clTitelobjekt> titel(Dateien);
+    for (int i = 0; i < Dateien; ++i) titel[static_cast<std::size_t>(i)].Dateiname = "T" + std::to_string(i);
+    std::size_t nummer = 0;
+    Tickpumpe pumpe(
+        [&] { schreiber.DatensatzAnhaengen(titel[nummer++ % Dateien], kursart::Bezahlt, 1, 1, false, uhr.Jetzt()); });
+    Messung messung;
+    Einarbeiter einarbeiter(modul, dateien, uhr, pumpe, status);
+    const auto beginn = Takt::now();
+    for (int anzahl = 20'000; Takt::now() - beginn < std::chrono::duration<double>(sekunden);
+         anzahl ^= 20'000 ^ 15'000) {
+        std::vector<KursDatensatz> block;  // a span of the past; in turns the file gets longer and shorter
+        for (int i = 0; i < anzahl; ++i) block.push_back({40000 + 0.5 * i / (anzahl - 1), 1, 1});
+        const auto vorher = Takt::now();
+        einarbeiter.DatenEinarbeiten(pumpe, titel[0], block, kursart::Bezahlt);
+        messung.Runden.push_back(Millisekunden(Takt::now() - vorher));
+    }
+    messung.Anhaengen = std::move(pumpe.Verspaetung);
+    return messung;
+}
+
 }  // namespace
 
 int main(int anzahl, char** argumente) {
-    if (anzahl < 3) return std::fprintf(stderr, "bench_sicherung FOLDER SECONDS [none|helper|inline]\n"), 2;
+    if (anzahl < 3)
+        return std::fprintf(stderr, "bench_sicherung FOLDER SECONDS [none|helper|inline|merge|merge-inline]\n"), 2;
     const std::string art = anzahl > 3 ? argumente[3] : "helper";
     Sicherungshelfer helfer;
-    Messung messung = Miss(argumente[1], Zahlwert(argumente[2]), art, helfer);
+    const double sekunden = Zahlwert(argumente[2]);
+    Messung messung = art.starts_with("merge")
+                          ? MissBeiEinarbeitung(argumente[1], sekunden, art == "merge" ? &helfer : nullptr)
+                          : Miss(argumente[1], sekunden, art, helfer);
     auto& alle = messung.Anhaengen;
     std::ranges::sort(alle);
     const double laengste = alle.back();
-    std::printf("%-7s %zu appends: median %.3f ms, p99.9 %.2f ms, longest %.2f ms; rounds (ms):", art.c_str(),
+    std::printf("%-12s %zu appends: median %.3f ms, p99.9 %.2f ms, longest %.2f ms; rounds (ms):", art.c_str(),
                 alle.size(), alle[alle.size() / 2], alle[alle.size() * 999 / 1000], laengste);
     for (const double runde : messung.Runden) std::printf(" %.0f", runde);
     std::printf("\n");
