@@ -1,18 +1,12 @@
-// The priority of a title in a backfill run: -5 to 5.
+// The order of titles in a backfill run, by their priority.
 #pragma once
 
+#include "titles/prioritaet.h"
 #include "titles/titelobjekt.h"
 
-#include <string>
 #include <vector>
 
 namespace zek {
-
-inline constexpr int NiedrigstePrioritaet = -5;
-inline constexpr int HoechstePrioritaet = 5;
-
-// "Am geringsten" ... "Normal" ... "Am höchsten", in parentheses when wanted; "" for a value out of range.
-std::string Prioritaetstext(int prioritaet, bool inKlammern);
 
 // Appends to `ziel` the active titles of `quelle`, or all, from priority 5 down to -5; within a priority their order
 // stays. Throws std::out_of_range for a taken title whose priority is out of range.

@@ -1,10 +1,9 @@
 #include "bestand/titelanlegen.h"
 
+#include "bestand/doppelte.h"
 #include "datafiles/dateinamen.h"
 #include "platform/ohnefehler.h"
 #include "platform/text.h"
-
-#include <algorithm>
 
 namespace zek {
 
@@ -28,12 +27,6 @@ Titelzeiger AusAngaben(const Titelangaben& angaben) {
     return titel;
 }
 
-bool IstVorhanden(const Titelliste& liste, const clTitelobjekt& neu) {
-    return std::any_of(liste.begin(), liste.end(), [&](const Titelzeiger& alt) {
-        return Verbindungsvergleich(*alt, neu) || GleichOhneGrossKlein(alt->Dateiname, neu.Dateiname);
-    });
-}
-
 }  // namespace
 
 Titelzeiger TitelAnlegen(Titelbestand& bestand, const Verbindungsstand& verbindung, const Titelangaben& angaben,
@@ -41,7 +34,7 @@ Titelzeiger TitelAnlegen(Titelbestand& bestand, const Verbindungsstand& verbindu
     Titelzeiger titel;
     OhneFehler("Titel anlegen", [&] {
         Titelzeiger neu = AusAngaben(angaben);
-        if (IstVorhanden(bestand.Titelliste, *neu)) return;
+        if (FindeDoppelten(bestand.Titelliste, *neu, neu->Dateiname)) return;
         neu->id = ++bestand.Titelnummer;
         if (bestand.Titelliste.Fuege(neu)) titel = std::move(neu);
     });

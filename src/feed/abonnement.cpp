@@ -29,7 +29,8 @@ std::int32_t FuerAlleAktiven(const Titelliste& titelliste, const IBControl& cont
     for (std::size_t position = 0; position < anzahl; ++position) {
         takt.Schritt();
         if (position >= titelliste.Anzahl()) break;
-        const Titelzeiger titel = titelliste[position];
+        // It may leave the list in the event that its message brings.
+        const Titelzeiger titel = titelliste[position];  // NOLINT(performance-unnecessary-copy-initialization)
         if (titel->Aktiv() && control.Verbunden())
             OhneFehler("Nachricht je Titel", [&] { takt.Gesendet(sende(*titel)); });
     }

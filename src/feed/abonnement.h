@@ -33,6 +33,8 @@ public:
     Abonnement(const Einstellungen& einstellungen, const Titelbestand& bestand, IBControl& control, const Uhr& uhr,
                Pumpe& pumpe, Stromwache* wache = nullptr);
 
+    bool Verbunden() const { return control_.Verbunden(); }
+
     // Sends the requests of one title and derives its flags. The number of messages sent, 1 or 2. Tests neither
     // whether the title is active nor whether the connection stands.
     std::int16_t MarktdatenAbonnieren(clTitelobjekt& titel);

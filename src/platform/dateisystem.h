@@ -85,6 +85,8 @@ public:
     virtual int Loesche(const std::string& pfad) = 0;
     // Replaces an existing target. 0 or -errno.
     virtual int BenenneUm(const std::string& von, const std::string& nach) = 0;
+    // Both names lead to one file that exists: by another spelling, a link, a folder with two names.
+    virtual bool GleicheDatei(const std::string& a, const std::string& b) { return a == b && DateiExistiert(a); }
     // Free bytes that this user may use, or -errno.
     virtual std::int64_t FreierPlatz(const std::string& ordner) = 0;
     // Begins to bring all that lies below a folder to the disk, beside this thread, and then to write a text over the

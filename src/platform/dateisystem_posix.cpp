@@ -147,6 +147,13 @@ int PosixDateisystem::BenenneUm(const std::string& von, const std::string& nach)
     return std::rename(von.c_str(), nach.c_str()) == 0 ? 0 : -errno;
 }
 
+bool PosixDateisystem::GleicheDatei(const std::string& a, const std::string& b) {
+    struct stat eine {
+    }, andere{};
+    return ::stat(a.c_str(), &eine) == 0 && ::stat(b.c_str(), &andere) == 0 && eine.st_dev == andere.st_dev &&
+           eine.st_ino == andere.st_ino;
+}
+
 std::int64_t PosixDateisystem::FreierPlatz(const std::string& ordner) {
     struct statvfs angaben {};
     if (::statvfs(ordner.c_str(), &angaben) != 0) return -errno;
@@ -179,7 +186,8 @@ std::vector<Verzeichniseintrag> PosixDateisystem::Liste(const std::string& ordne
         if (name == "." || name == "..") continue;
         // Links and file systems that don't tell the type have to be asked.
         bool istOrdner = eintrag->d_type == DT_DIR;
-        if (eintrag->d_type == DT_LNK || eintrag->d_type == DT_UNKNOWN) istOrdner = IstOrdner(ordner + "/" + name);
+        if (eintrag->d_type == DT_LNK || eintrag->d_type == DT_UNKNOWN)
+            istOrdner = IstOrdner(std::string(ordner).append("/").append(name));
         eintraege.push_back({std::move(name), istOrdner});
     }
     return eintraege;

@@ -32,6 +32,7 @@ public:
     int LegeOrdnerAn(const std::string& pfad) override;
     int Loesche(const std::string& pfad) override;
     int BenenneUm(const std::string& von, const std::string& nach) override;
+    bool GleicheDatei(const std::string& a, const std::string& b) override;
     std::int64_t FreierPlatz(const std::string& ordner) override;
     int BeginneSicherung(const std::string& ordner, const std::string& marke, const std::string& text) override;
     std::optional<int> Sicherungsergebnis() override;

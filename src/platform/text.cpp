@@ -1,5 +1,6 @@
 #include "platform/text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -7,6 +8,10 @@
 
 namespace zek {
 namespace {
+
+bool IstFolgebyte(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80;
+}
 
 // Code points of the bytes 80 to 9F; all other bytes are their own code point.
 constexpr std::array<char16_t, 32> Sonderbereich = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
@@ -302,7 +307,7 @@ std::string Anzeigetext(std::string_view utf8) {
     constexpr std::string_view mehr = "…";
     if (utf8.size() <= hoechstens) return std::string(utf8);
     std::size_t ende = hoechstens - mehr.size();
-    const auto mitten = [&] { return (static_cast<unsigned char>(utf8[ende]) & 0xC0) == 0x80; };
+    const auto mitten = [&] { return IstFolgebyte(utf8[ende]); };
     // A letter has at most four bytes; what has more of them isn't UTF-8 and may be cut anywhere.
     for (int schritt = 0; schritt < 3 && mitten(); ++schritt) --ende;
     return std::string(utf8.substr(0, ende)).append(mehr);
@@ -326,6 +331,31 @@ std::vector<std::string> Teile(std::string_view text, char trenner) {
         teile.emplace_back(text.substr(ab, bis - ab));
         ab = bis + 1;
     }
+}
+
+std::size_t Zeichenzahl(std::string_view utf8) {
+    return static_cast<std::size_t>(
+        std::count_if(utf8.begin(), utf8.end(), [](char byte) { return !IstFolgebyte(byte); }));
+}
+
+std::string_view ErsteZeichen(std::string_view utf8, std::size_t anzahl) {
+    std::size_t ende = 0;
+    while (ende < utf8.size() && (anzahl > 0 || IstFolgebyte(utf8[ende]))) {
+        if (!IstFolgebyte(utf8[ende])) --anzahl;
+        ++ende;
+    }
+    return utf8.substr(0, ende);
+}
+
+std::string MitNullen(std::string_view text, int stellen) {
+    constexpr double Genau = 1e15;  // whole numbers are exact up to here
+    const std::optional<double> zahl = ZahlAusDeutsch(text);
+    if (!zahl || std::fabs(*zahl) >= Genau) return std::string(text);
+    const long long ganz = std::llround(*zahl);
+    std::string ziffern = std::to_string(ganz < 0 ? -ganz : ganz);
+    if (ziffern.size() < static_cast<std::size_t>(stellen))
+        ziffern.insert(0, static_cast<std::size_t>(stellen) - ziffern.size(), '0');
+    return ganz < 0 ? "-" + ziffern : ziffern;
 }
 
 }  // namespace zek

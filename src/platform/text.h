@@ -2,6 +2,7 @@
 // Inside the program all text is UTF-8. Nothing here depends on what setlocale decides.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,10 +44,18 @@ std::string FesteStellen(double wert, int stellen);
 // Format "0,0": whole number grouped by points: "1.000", "12.345.678".
 std::string MitTausenderpunkten(double wert);
 
+// Format "0000" with `stellen` digits: "5" is "0005" with four, "2,5" is "0003"; what is no number in the German form
+// stays as it is.
+std::string MitNullen(std::string_view text, int stellen);
+
 // Lower and upper case of the letters of Windows-1252, umlauts included; other characters stay.
 std::string Kleinbuchstaben(std::string_view utf8);
 std::string Grossbuchstaben(std::string_view utf8);
 bool GleichOhneGrossKlein(std::string_view a, std::string_view b);
+
+// Letters of a UTF-8 text, and its first ones.
+std::size_t Zeichenzahl(std::string_view utf8);
+std::string_view ErsteZeichen(std::string_view utf8, std::size_t anzahl);
 
 // A text from outside for log and list: at most 8,192 bytes. Where it is cut, "…" stands behind its last whole letter.
 std::string Anzeigetext(std::string_view utf8);

@@ -2,8 +2,11 @@
 
 #include "fensterwerk/hilfe.h"
 #include "platform/laufmarke.h"
+#include "platform/ohnefehler.h"
 #include "session/anwenden.h"
 #include "session/sitzung.h"
+#include "titlewindows/titelauswahl_fenster.h"
+#include "titlewindows/titelverwaltung.h"
 #include "windows/aktionen.h"
 #include "windows/desktopgesicht.h"
 #include "windows/hauptfenster.h"
@@ -14,6 +17,7 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QProcess>
 #include <utility>
 
 namespace zek {
@@ -29,7 +33,7 @@ void Befehle::Ausfuehren(int nummer) {
     if (sitzung_.Beendet()) return;
     switch (nummer) {
         case befehl::Titelauswahl:
-            return NochNichtDa("Die Titelauswahl");
+            return Titelauswahl();
         case befehl::Verwaltung:
             return Verwaltung();
         case befehl::Dateninspektor:
@@ -75,13 +79,58 @@ void Befehle::NochNichtDa(const char* fenster) {
 }
 
 void Befehle::Verwaltung() {
+    if (!sitzung_.HatTeile()) return;
     if (sitzung_.Modul().Titelliste.IstLeer() &&
         gesicht_.ZeigeMeldung(
             "Es wurden noch keine Titel zur Aufzeichnung ausgewählt ('Titelauswahl'). Dennoch jetzt die "
             "Titelverwaltung öffnen?",
             meldung::JaNein, 0) != meldung::AntwortJa)
         return;
-    NochNichtDa("Die Titelverwaltung");
+    const Laufmarke sperre(sitzung_.Modul().Dialogsperre);
+    if (!OhneFehler("Titelverwaltung", [&] { frmTitelverwaltung(Fenster(), Titelfenster()).exec(); })) return;
+    if (sitzung_.Beendet()) return;
+    sitzung_.Teile().Sicherung.Titelspeichern();
+    gesicht_.TitelGeaendert();
+}
+
+void Befehle::Titelauswahl() {
+    if (!sitzung_.HatTeile()) return;
+    const Laufmarke sperre(sitzung_.Modul().Dialogsperre);
+    if (!OhneFehler("Titelauswahl", [&] { FrmTitelauswahl(Fenster(), Titelfenster()).exec(); })) return;
+    if (sitzung_.Beendet()) return;
+    sitzung_.Teile().Sicherung.Titelspeichern();
+    sitzung_.Teile().Info.TitelInfoAktualisieren(false);
+    gesicht_.TitelGeaendert();
+}
+
+Titelfensterumgebung Befehle::Titelfenster() {
+    Zusammenbau& teile = sitzung_.Teile();
+    const Plattform& maschine = sitzung_.Maschine();
+    return {{sitzung_.Modul(), sitzung_.Modul(), maschine.Dateien, maschine.Uhr, maschine.Pumpe, gesicht_,
+             teile.Marktdaten.Abos, [&teile] { return !teile.Marktdaten.Konten.Kontotitelliste.empty(); },
+             [&teile] { teile.Info.TitelInfoAktualisieren(false); }, [&teile] { teile.Sicherung.Titelspeichern(); }},
+            sitzung_.Einstellungen(),
+            hilfe_,
+            [&teile](const std::vector<Titelzeiger>& titel) { teile.Datenpflege.DatenpflegeMarkierteTitel(titel); },
+            [this] {
+                Einstellungen();
+                // The dialog has taken the lock of the window under it away.
+                sitzung_.Modul().Dialogsperre = true;
+            },
+            [this](const std::string& pfad) { ZeigeImInspektor(pfad); }};
+}
+
+// The setting holds a command; the path is its last argument, and no shell comes in between.
+void Befehle::ZeigeImInspektor(const std::string& pfad) {
+    QStringList befehl =
+        QProcess::splitCommand(Q(sitzung_.Einstellungen().Lies(abschnitt::Optionen, "Dateninspektor", "")));
+    if (befehl.isEmpty()) return NochNichtDa("Der Dateninspektor");
+    const std::string programm = befehl.takeFirst().toStdString();
+    std::vector<std::string> argumente;
+    for (const QString& argument : befehl) argumente.push_back(argument.toStdString());
+    argumente.push_back(pfad);
+    if (!sitzung_.Maschine().Prozesse.Starte(programm, argumente))
+        gesicht_.ZeigeMeldung("Der Dateninspektor „" + programm + "“ konnte nicht gestartet werden.", meldung::Ok, 0);
 }
 
 bool Befehle::FrageVerbindung(Verbindungsangaben& angaben) {

@@ -4,6 +4,7 @@
 #include "fensterwerk/dateiwahl.h"
 #include "fensterwerk/dialogbasis.h"
 #include "session/gesicht.h"
+#include "titlewindows/titelfenster.h"
 
 namespace zek {
 
@@ -21,7 +22,10 @@ public:
 
 private:
     void NochNichtDa(const char* fenster);
+    void Titelauswahl();
     void Verwaltung();
+    Titelfensterumgebung Titelfenster();
+    void ZeigeImInspektor(const std::string& pfad);
     void TWSEinstellungen();
     void StatusLoeschen();
     void Einstellungen();

@@ -156,11 +156,111 @@ TEST_F(Verschieben, WhereNobodyAnswersTheActionEnds) {
     EXPECT_THAT(Fragen(), ElementsAre(Nochmal, Abbrechen));
 }
 
-TEST_F(Verschieben, ACatalogThatDiffersOnlyInLetterCaseMovesNothing) {
-    ram.LegeDateiAn(Alt, DaxDatei(2));
-    EXPECT_TRUE(Verschiebe(1, "ALT"));
-    EXPECT_THAT(ram.Dateien(), ElementsAre(Alt));
+TEST_F(Verschieben, AFileThatIsItsOwnTargetStaysWhateverTheAnswer) {
+    for (const int antwort : {meldung::AntwortJa, meldung::AntwortNein, meldung::Zeitablauf}) {
+        for (const char* katalog : {"Alt", "ALT"}) {
+            ram.LegeDateiAn(Alt, DaxDatei(2));
+            meldungen.Gezeigt.clear();
+            meldungen.Antworten = {antwort};
+            EXPECT_TRUE(Verschiebe(1, katalog));
+            EXPECT_THAT(ram.Dateien(), ElementsAre(Alt));
+            EXPECT_EQ(ram.Inhalt(Alt), DaxDatei(2));
+            EXPECT_THAT(Fragen(), ElementsAre(Ersetzen));
+        }
+    }
+}
+
+TEST_F(Verschieben, AFileUnderTwoNamesIsNeverDeletedAlsoWithoutRecords) {
+    for (const std::string& inhalt : {DaxDatei(2), DaxKopf()}) {
+        ram.LegeDateiAn(Alt, inhalt);
+        ram.LegeDateiAn(Neu, "");
+        ram.Verknuepfe(Alt, Neu);
+        meldungen.Antworten = {meldung::AntwortJa};
+        EXPECT_TRUE(Verschiebe());
+        EXPECT_EQ(ram.Inhalt(Alt), inhalt);
+        EXPECT_EQ(ram.Inhalt(Neu), inhalt);
+    }
+}
+
+TEST_F(Verschieben, ToAnotherDiskAFileIsCopiedMadeFastAndThenDeleted) {
+    ram.LegeAufAndereScheibe("/daten/Neu");
+    ram.LegeDateiAn(Alt, DaxDatei(3));
+    EXPECT_TRUE(Verschiebe());
+    EXPECT_THAT(ram.Dateien(), ElementsAre(Neu));
+    EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(3));
     EXPECT_THAT(meldungen.Gezeigt, IsEmpty());
+    const std::string folge = dateien.Protokolltext();
+    EXPECT_LT(folge.find("Leere " + Neu + ".Umzug"), folge.find("Loesche " + Alt)) << folge;
+}
+
+TEST_F(Verschieben, ACopyToAnotherDiskThatFailsAtAnyCallLosesNothingAndAsks) {
+    ram.LegeAufAndereScheibe("/daten/Neu");
+    for (std::uint64_t n = 1;; ++n) {
+        ram.LegeDateiAn(Alt, DaxDatei(3));
+        ram.Loesche(Neu);
+        dateien.Stoere({.Pfadteil = Neu + ".Umzug", .Ab = n, .Anzahl = 1, .Fehler = ENOSPC});
+        meldungen.Gezeigt.clear();
+        meldungen.Antworten = {meldung::AntwortAbbrechen, meldung::AntwortJa};
+        const bool gelungen = Verschiebe();
+        dateien.Heile();
+        EXPECT_EQ(ram.Inhalt(gelungen ? Neu : Alt), DaxDatei(3)) << n;
+        EXPECT_EQ(ram.Dateien().size(), 1u) << n;
+        if (gelungen && meldungen.Gezeigt.empty() && n > 8) break;
+    }
+}
+
+TEST_F(Verschieben, ASourceThatCannotBeDeletedBehindTheCopyStaysTheOnlyOne) {
+    ram.LegeAufAndereScheibe("/daten/Neu");
+    ram.LegeDateiAn(Alt, DaxDatei(3));
+    dateien.Stoere({.Art = Dateiaufruf::Loesche, .Pfadteil = Alt, .Fehler = EACCES});
+    meldungen.Antworten = {meldung::AntwortAbbrechen, meldung::AntwortJa};
+    EXPECT_FALSE(Verschiebe());
+    EXPECT_THAT(ram.Dateien(), ElementsAre(Alt));
+    EXPECT_EQ(ram.Inhalt(Alt), DaxDatei(3));
+}
+
+TEST_F(Verschieben, TicksThatComeDuringTheCopyAreTakenAlong) {
+    ram.LegeAufAndereScheibe("/daten/Neu");
+    constexpr int viele = 150000;  // more than two pieces of the copy
+    ram.LegeDateiAn(Alt, DaxDatei(viele));
+    int pausen = 0;
+    EXPECT_TRUE(TitelDateiVerschieben(modul, dateien, meldungen, titel, 1, "Neu", [&] {
+        ++pausen;
+        ram.LegeDateiAn("/x", "");
+        const Dateihandle handle = ram.Oeffne(Alt, Oeffnen::LesenSchreiben);
+        ram.Suche(handle, 0, Ab::Ende);
+        const std::string satz(16, 'T');
+        ram.Schreibe(handle, std::as_bytes(std::span(satz)));
+        ram.Schliesse(handle);
+    }));
+    EXPECT_EQ(pausen, 2);
+    EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(viele) + std::string(32, 'T'));
+    EXPECT_FALSE(ram.DateiExistiert(Alt));
+}
+
+TEST_F(Verschieben, RecordsThatCameBehindTheMoveJoinTheMovedFile) {
+    ram.LegeDateiAn(Alt, DaxDatei(2));
+    ram.LegeDateiAn(Neu, DaxDatei(3));
+    EXPECT_TRUE(VereineNachUmzug(dateien, Alt, Neu));
+    EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(3) + DaxDatei(2).substr(856));
+    EXPECT_THAT(ram.Dateien(), ElementsAre(Neu));
+}
+
+TEST_F(Verschieben, AJoinThatFailsAtAnyCallLeavesBothFilesAsTheyWere) {
+    for (std::uint64_t n = 1; n < 12; ++n) {
+        ram.LegeDateiAn(Alt, DaxDatei(2));
+        ram.LegeDateiAn(Neu, DaxDatei(3));
+        dateien.StoereNten(n, EIO);
+        const bool gelungen = VereineNachUmzug(dateien, Alt, Neu);
+        dateien.Heile();
+        if (gelungen) {
+            EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(3) + DaxDatei(2).substr(856)) << n;
+        } else {
+            EXPECT_EQ(ram.Inhalt(Neu), DaxDatei(3)) << n;
+            EXPECT_EQ(ram.Inhalt(Alt), DaxDatei(2)) << n;
+        }
+        EXPECT_EQ(ram.OffeneHandles(), 0u);
+    }
 }
 
 TEST_F(Verschieben, AllKindsMoveInTheirOrderWithTheDepthLevelsInPairs) {

@@ -182,12 +182,22 @@ int RamDateisystem::Loesche(const std::string& pfad) {
     return 0;
 }
 
+bool RamDateisystem::GleicheDatei(const std::string& a, const std::string& b) {
+    const auto eine = dateien_.find(Normal(a)), andere = dateien_.find(Normal(b));
+    return eine != dateien_.end() && andere != dateien_.end() && eine->second == andere->second;
+}
+
+void RamDateisystem::Verknuepfe(const std::string& pfad, const std::string& zweiterName) {
+    dateien_[Normal(zweiterName)] = dateien_.at(Normal(pfad));
+}
+
 int RamDateisystem::BenenneUm(const std::string& von, const std::string& nach) {
     const std::string alt = Normal(von);
     const std::string neu = Normal(nach);
     const bool ordner = IstOrdner(alt);
     if (!ordner && !dateien_.contains(alt)) return -ENOENT;
     if (alt == neu) return 0;
+    if (!andereScheibe_.empty() && LiegtIn(alt, andereScheibe_) != LiegtIn(neu, andereScheibe_)) return -EXDEV;
     if (const int fehler = PruefeAenderung(alt); fehler != 0) return fehler;
     if (const int fehler = PruefeAenderung(neu); fehler != 0) return fehler;
     Veraendert(alt);

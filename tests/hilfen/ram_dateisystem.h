@@ -27,6 +27,7 @@ public:
     int LegeOrdnerAn(const std::string& pfad) override;
     int Loesche(const std::string& pfad) override;
     int BenenneUm(const std::string& von, const std::string& nach) override;
+    bool GleicheDatei(const std::string& a, const std::string& b) override;
     std::int64_t FreierPlatz(const std::string& ordner) override;
     std::int64_t Ordnerstand(const std::string& ordner) override;
     std::vector<Verzeichniseintrag> Liste(const std::string& ordner) override;
@@ -36,6 +37,10 @@ public:
     void LegeOrdnerbaumAn(const std::string& pfad);
     // Creates or replaces a file, its folders included.
     void LegeDateiAn(const std::string& pfad, std::string_view inhalt);
+    // A second name for a file.
+    void Verknuepfe(const std::string& pfad, const std::string& zweiterName);
+    // Renaming from below the one folder to below the other gives -EXDEV.
+    void LegeAufAndereScheibe(const std::string& ordner) { andereScheibe_ = ordner; }
     // Content of a file, "" when there is none (ask DateiExistiert to tell the two apart).
     std::string Inhalt(const std::string& pfad) const;
     // All files with their paths, sorted.
@@ -73,6 +78,7 @@ private:
     std::map<Dateihandle, Offen> offen_;
     std::map<std::string, std::int64_t> ordnerstand_;
     Dateihandle naechstes_ = 0;
+    std::string andereScheibe_;
     std::size_t handlegrenze_ = 1024;
     std::int64_t freierPlatz_ = std::int64_t{1} << 40;
 };

@@ -75,6 +75,7 @@ public:
     int LegeOrdnerAn(const std::string& pfad) override;
     int Loesche(const std::string& pfad) override;
     int BenenneUm(const std::string& von, const std::string& nach) override;
+    bool GleicheDatei(const std::string& a, const std::string& b) override { return darunter_.GleicheDatei(a, b); }
     std::int64_t FreierPlatz(const std::string& ordner) override;
     std::int64_t Ordnerstand(const std::string& ordner) override;
     std::vector<Verzeichniseintrag> Liste(const std::string& ordner) override;
